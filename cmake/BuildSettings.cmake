@@ -1,0 +1,19 @@
+# SPDX-License-Identifier: MIT
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(KEYBOARD_HANDLER_WERROR)
+  add_compile_options(-Werror)
+endif()
+if(KEYBOARD_HANDLER_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+# Log lines carry no source position: technicians match them by their text.
+add_compile_definitions(QT_DEPRECATED_WARNINGS QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_KEYWORDS
+                        QT_NO_MESSAGELOGCONTEXT)
