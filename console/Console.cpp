@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: MIT
+#include "console/Console.h"
+
+#include "service/KeyboardHandler.h"
+#include "service/Vocabulary.h"
+
+#include <ls/ConsoleReader.h>
+#include <ls/Identifiers.h>
+#include <ls/MessageKeys.h>
+#include <ls/Timer.h>
+
+#include <QLoggingCategory>
+
+#include <algorithm>
+#include <optional>
+
+Q_LOGGING_CATEGORY(consoleCategory, "Console", QtCriticalMsg)
+
+namespace {
+
+using Meta = QMap<QString, int>;
+using CommandId = ls::EnumKey;
+
+const QString timerName = QStringLiteral("Console");
+constexpr int lastOneDigitNumber = 9;
+
+bool startsWith(const QString& line, const char* word)
+{
+    return line.startsWith(QLatin1String(word), Qt::CaseInsensitive);
+}
+
+bool equals(const QString& line, const char* text)
+{
+    return line.compare(QLatin1String(text), Qt::CaseInsensitive) == 0;
+}
+
+/// Empty for a number that is in no entry.
+QString identifierOf(const Meta& meta, int number)
+{
+    return meta.key(number);
+}
+
+std::optional<int> toNumber(const QString& word)
+{
+    bool ok = false;
+    const int number = word.toInt(&ok);
+    return ok ? std::optional(number) : std::nullopt;
+}
+
+void printEmptyLine()
+{
+    qDebug() << "";
+}
+
+/// Prints `text` as an error and an empty line; always false, the result of a handler that failed.
+bool fail(const char* text)
+{
+    qCritical() << text;
+    printEmptyLine();
+    return false;
+}
+
+void printGeneralHelp()
+{
+    qDebug() << "================= Help =================";
+    qDebug() << "C [command] [parameter] ...";
+    qDebug() << "For displaying all available commands type HELP C";
+    qDebug() << "For displaying all available parameters type HELP S";
+    qDebug() << "For displaying parameters for a command type HELP [command]";
+    qDebug() << "========================================";
+}
+
+void printTable(const Meta& meta)
+{
+    for (const int number : meta) {
+        qDebug() << number << (number <= lastOneDigitNumber ? "  " : " ") << identifierOf(meta, number);
+    }
+}
+
+void printTable(const char* title, const Meta& meta)
+{
+    qDebug() << title;
+    printTable(meta);
+    qDebug() << "==============================";
+    printEmptyLine();
+}
+
+/// The identifiers of a command's parameters, in the order in which their numbers are typed; nothing for
+/// a command that the console does not run.
+struct Parameter {
+    QString key;
+    Meta meta;
+};
+
+std::optional<QList<Parameter>> parametersOf(const CommandId& command)
+{
+    if (command == ls::KeyboardHandlerCmdId::GetLastKey
+        || command == ls::KeyboardHandlerCmdId::GetLongKeysTimeout) {
+        return QList<Parameter>{};
+    }
+    if (command == ls::KeyboardHandlerCmdId::SimulateKey) {
+        return QList<Parameter>{{ls::actionIdKey, ls::KeyActionId::meta}, {ls::keyKey, ls::KeyId::meta}};
+    }
+    return std::nullopt;
+}
+
+bool describeCommand(int number)
+{
+    const CommandId command = identifierOf(ls::KeyboardHandlerCmdId::meta, number);
+    const auto parameters = parametersOf(command);
+    // Deliberate: only the commands that the console can run are described, though all are listed.
+    if (!parameters) {
+        return fail("Command not found!");
+    }
+    qCritical() << command
+                << (parameters->isEmpty() ? "params: [None]" : "params: [KeyActionId id] [KeyId id]");
+    printEmptyLine();
+    for (int i = 0; i < parameters->size(); ++i) {
+        if (i > 0) {
+            printEmptyLine();
+        }
+        printTable(parameters->at(i).meta);
+    }
+    return true;
+}
+
+bool showHelp(const QString& line)
+{
+    if (equals(line, "HELP C")) {
+        printTable("========== Commands ==========", ls::KeyboardHandlerCmdId::meta);
+        return true;
+    }
+    if (equals(line, "HELP S")) {
+        printTable("========== Key States ==========", ls::KeyActionId::meta);
+        printTable("========== Keys ==========", ls::KeyId::meta);
+        return true;
+    }
+    const QStringList words = line.split(QLatin1Char(' '));
+    if (words.size() < 2) {
+        return fail("No arguments received for help.");
+    }
+    const auto number = toNumber(words.at(1));
+    return number ? describeCommand(*number) : fail("Arguments must be of integer type!");
+}
+
+void printNotification(const QVariantMap& notification)
+{
+    if (!notification.contains(ls::notificationIdKey) || !notification.contains(ls::actionIdKey)
+        || !notification.contains(ls::senderIdKey)) {
+        // Named as the function that prints from within the constructor; logs are searched for this prefix.
+        vocabulary::logLine("operator()", "Console::Console(KeyboardHandler*)::<lambda(const QVariantMap&)>",
+                            "ERROR:")
+            << "Invalid notification received!";
+        return;
+    }
+    qCDebug(consoleCategory) << "----------- Notification -----------";
+    qCDebug(consoleCategory) << "NotifcationId:" << notification.value(ls::notificationIdKey).toString();
+    qCDebug(consoleCategory) << "SenderId:" << notification.value(ls::senderIdKey).toString();
+    qCDebug(consoleCategory) << "------------------------------------";
+}
+
+} // namespace
+
+Console::Console(KeyboardHandler* handler)
+    : QObject(handler)
+    , m_handler(handler)
+{
+    auto* reader = new ls::ConsoleReader(this);
+    connect(reader, &ls::ConsoleReader::textReceived, this, &Console::onTextReceived);
+    connect(handler, &KeyboardHandler::notification, handler, printNotification, Qt::DirectConnection);
+}
+
+void Console::onTextReceived(const QString& line)
+{
+    ls::Timer::start(timerName);
+    // The prefix counts on the line as it was typed: a leading blank makes it no command.
+    const bool done = (startsWith(line, "HELP") && showHelp(line.simplified()))
+                   || (startsWith(line, "C") && runCommand(line.simplified()));
+    if (!done) {
+        printGeneralHelp();
+    }
+    ls::Timer::finish(timerName);
+}
+
+bool Console::runCommand(const QString& line)
+{
+    QStringList words = line.split(QLatin1Char(' '));
+    words.removeFirst();
+    if (words.isEmpty()) {
+        return fail("No arguments received for command action.");
+    }
+    const auto number = toNumber(words.takeFirst());
+    if (!number) {
+        return fail("Arguments must be of integer type!");
+    }
+    if (!std::all_of(words.cbegin(), words.cend(), toNumber)) {
+        return fail("Parameters must be of integer type.");
+    }
+    const CommandId command = identifierOf(ls::KeyboardHandlerCmdId::meta, *number);
+    const auto parameters = parametersOf(command);
+    if (!parameters) {
+        // Deliberate: the wrong-count message below follows as well.
+        fail("Command not found!");
+    }
+    if (!parameters || parameters->size() != words.size()) {
+        qCritical() << "Too many/few arguments received for command" << command;
+        printEmptyLine();
+        return false;
+    }
+    QVariantMap map{{ls::commandIdKey, command},
+                    {ls::subCommandIdKey, QString()},
+                    {ls::senderIdKey, ls::ServiceId::KeyboardHandler}};
+    for (int i = 0; i < words.size(); ++i) {
+        map.insert(parameters->at(i).key, identifierOf(parameters->at(i).meta, *toNumber(words.at(i))));
+    }
+    execute(map);
+    return true;
+}
+
+void Console::execute(const QVariantMap& command)
+{
+    qDebug() << "Process command response";
+    printEmptyLine();
+    qDebug() << m_handler->process(command);
+}

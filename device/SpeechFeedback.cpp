@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "device/SpeechFeedback.h"
+
+#include "service/Vocabulary.h"
+
+#include <speech/Speech.h>
+#include <vantre/Singleton.h>
+
+#include <QCoreApplication>
+#include <QLoggingCategory>
+#include <QMetaEnum>
+
+Q_LOGGING_CATEGORY(speechCategory, "SpeechFeedback", QtCriticalMsg)
+Q_LOGGING_CATEGORY(speakCategory, "SpeechFeedback.speak", QtCriticalMsg)
+// Reserved for synchronous speech, so that logging rules which name it keep their meaning.
+Q_LOGGING_CATEGORY(syncCategory, "SpeechFeedback.sync", QtCriticalMsg)
+
+namespace {
+
+constexpr int coreFile = 0;
+constexpr int errorFile = 1;
+constexpr int menuFile = 2;
+
+const char* sentenceName(const char* file, int sentenceId)
+{
+    const QMetaObject& sentences = libtranslation::Sid::staticMetaObject;
+    return sentences.enumerator(sentences.indexOfEnumerator(file)).valueToKey(sentenceId);
+}
+
+} // namespace
+
+namespace detail {
+
+using libspeech::detail::Speech;
+using libtranslation::Sid::EmbosserCore;
+using libtranslation::Sid::EmbosserError;
+using libtranslation::Sid::EmbosserMenu;
+
+SpeechFeedback::SpeechFeedback(QObject* parent)
+    : QObject(parent)
+    , m_speech(libvantre::Singleton<Speech>::instance())
+{
+    const auto onConnected = [this] {
+        qCDebug(speechCategory) << "Connected to speech-daemon.";
+        Q_EMIT connected();
+    };
+    const auto onDisconnected = [] { qCDebug(speechCategory) << "Disconnected from speech-daemon."; };
+    connect(m_speech, &Speech::connected, m_speech, onConnected, Qt::DirectConnection);
+    connect(m_speech, &Speech::disconnected, m_speech, onDisconnected, Qt::DirectConnection);
+    connect(this, &SpeechFeedback::speakAsync, m_speech, &Speech::speakFromId, Qt::QueuedConnection);
+    connect(this, &SpeechFeedback::cancelAsync, m_speech, &Speech::cancelAll, Qt::QueuedConnection);
+    connect(qApp, &QCoreApplication::aboutToQuit, m_speech, &Speech::cancelAll);
+}
+
+void SpeechFeedback::speakFromId(EmbosserCore id, const QStringList& arguments)
+{
+    speak("EmbosserCore", coreFile, static_cast<int>(id), arguments);
+}
+
+void SpeechFeedback::speakFromId(EmbosserError id, const QStringList& arguments)
+{
+    speak("EmbosserError", errorFile, static_cast<int>(id), arguments);
+}
+
+void SpeechFeedback::speakFromId(EmbosserMenu id, const QStringList& arguments)
+{
+    speak("EmbosserMenu", menuFile, static_cast<int>(id), arguments);
+}
+
+void SpeechFeedback::cancelAll()
+{
+    qCDebug(speakCategory) << "Cancelling all speech-requests.";
+    Q_EMIT cancelAsync();
+}
+
+void SpeechFeedback::speak(const char* file, int serviceId, int sentenceId, const QStringList& arguments)
+{
+    QVariantMap request{{vocabulary::speechServiceIdKey, serviceId},
+                        {vocabulary::speechSentenceIdKey, sentenceId}};
+    if (!arguments.isEmpty()) {
+        request.insert(vocabulary::speechArgumentsKey, arguments);
+    }
+    qCDebug(speakCategory).nospace() << "SpeechFeedback::speakFromId(" << sentenceName(file, sentenceId)
+                                     << ")";
+    Q_EMIT speakAsync(request);
+}
+
+} // namespace detail

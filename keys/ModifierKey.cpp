@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#include "keys/ModifierKey.h"
+
+#include "device/SpeechFeedback.h"
+#include "keys/KeyListFile.h"
+
+#include <ls/Identifiers.h>
+#include <ls/MessageKeys.h>
+#include <vantre/Singleton.h>
+
+namespace {
+
+/// Rows with more keys are matched by the whole sequence, the others by their first and last key.
+constexpr int pairSize = 2;
+
+} // namespace
+
+ModifierKey::ModifierKey(ls::IReader& reader, QObject* parent)
+    : QObject(parent)
+{
+    load(reader);
+}
+
+void ModifierKey::process(const ls::EnumKey& key)
+{
+    for (const KeyEntry& entry : qAsConst(m_entries)) {
+        if (!entry.isValid()) {
+            continue;
+        }
+        if (m_firstKey == ls::KeyId::Unknown) {
+            if (key == entry.firstKey()) {
+                m_firstKey = key;
+                append(key);
+                return;
+            }
+        } else if (entry.keyCount() > pairSize) {
+            append(key);
+            // Deliberate: a longer row that does not match (yet) hides the rows behind it.
+            if (m_pressedKeys != entry.keys()) {
+                return;
+            }
+            complete(entry);
+        } else if (key == entry.lastKey() && m_firstKey == entry.firstKey()) {
+            complete(entry);
+        }
+    }
+}
+
+void ModifierKey::reset()
+{
+    m_firstKey = ls::KeyId::Unknown;
+    m_pressedKeys.clear();
+}
+
+void ModifierKey::load(ls::IReader& reader)
+{
+    KeyListFile file(vocabulary::modifierKeyListFile, EnumDetail::RowKeyList::ModifierKeys,
+                     KeyListFile::Timeouts::Ignored, Q_FUNC_INFO);
+    file.load(reader);
+    m_entries = file.rows();
+    m_fileMap = file.content();
+    for (const KeyEntry& entry : qAsConst(m_entries)) {
+        m_longestRow = qMax(m_longestRow, entry.keyCount());
+    }
+}
+
+void ModifierKey::append(const ls::EnumKey& key)
+{
+    // A sequence longer than every row matches nothing any more; it need not grow without end.
+    if (m_pressedKeys.size() <= m_longestRow) {
+        m_pressedKeys.append(key);
+    }
+}
+
+void ModifierKey::complete(const KeyEntry& entry)
+{
+    auto* speech = libvantre::Singleton<detail::SpeechFeedback>::instance();
+    if (entry.keyCount() > pairSize) {
+        speech->cancelAll();
+    }
+    // Deliberately this copy of the names on every model: a combination that Function closes is spoken as
+    // the plain "Function" sentence also where the router speaks the key in another way.
+    const int sentence = m_keyNames.value(entry.lastKey());
+    speech->speakFromId(static_cast<libtranslation::Sid::EmbosserCore>(sentence));
+    Q_EMIT doubleModifier(entry.eAction(), entry.receiverService(), entry.validOnState(),
+                          {{ls::firstKeyKey, entry.firstKey()}, {ls::secondKeyKey, entry.lastKey()}});
+    // Deliberate: the first key stays open, so that the closing key completes the row again until the reset.
+    m_pressedKeys.clear();
+}

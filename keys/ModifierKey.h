@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "keys/KeyEntry.h"
+#include "service/Vocabulary.h"
+
+#include <QList>
+#include <QObject>
+#include <QVariantMap>
+
+namespace ls {
+class IReader;
+}
+
+/// Recognises keys that are released one after the other, as the rows of the modifier list name them, and
+/// speaks the name of the closing key. Driven by the router and by the simulation command.
+class ModifierKey : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Loads the modifier list through `reader`, which is not kept. `reset()` must be called before the
+    /// first key.
+    ModifierKey(ls::IReader& reader, QObject* parent);
+
+    /// The whole content of the list file; empty when it could not be read.
+    QVariantMap keyList() const { return m_fileMap; }
+
+    /// Takes the release of `key`.
+    void process(const ls::EnumKey& key);
+    /// Closes the combination under way.
+    void reset();
+
+Q_SIGNALS:
+    /// A combination is complete. `parameters` hold the first and the last key of its row.
+    void doubleModifier(ls::EnumKey action, ls::EnumKey receiver, ls::EnumKey validOnState,
+                        QVariantMap parameters);
+
+private:
+    void load(ls::IReader& reader);
+    void append(const ls::EnumKey& key);
+    void complete(const KeyEntry& entry);
+
+    ls::EnumKey m_firstKey;
+    QStringList m_pressedKeys;
+    QList<KeyEntry> m_entries;
+    QVariantMap m_fileMap;
+    int m_longestRow = 0;
+    vocabulary::KeyNames m_keyNames = vocabulary::keyNames();
+};
