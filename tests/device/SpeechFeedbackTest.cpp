@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: MIT
+#include "device/SpeechFeedback.h"
+#include "tests/fakes/FakeSpeech.h"
+
+#include <speech/Speech.h>
+#include <vantre/Singleton.h>
+
+#include <QLoggingCategory>
+#include <QtTest>
+
+using libspeech::detail::Speech;
+using libtranslation::Sid::EmbosserCore;
+using libtranslation::Sid::EmbosserError;
+using libtranslation::Sid::EmbosserMenu;
+
+class SpeechFeedbackTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void requestNamesFileAndSentence();
+    void argumentsAreSentOnlyWhenThereAreAny();
+    void nothingIsSentBeforeTheEventLoopRuns();
+    void requestsKeepTheirOrder();
+    void cancelIsSentThoughNothingIsSpoken();
+    void unknownSentenceIsSentAndHasNoName();
+    void sentencesAreTracedByName_data();
+    void sentencesAreTracedByName();
+    void nothingIsTracedByDefault();
+    void connectionIsPassedOnAndTraced();
+    void disconnectionIsOnlyTraced();
+    void shutdownCancelsSpeech();
+    void thereIsOneOfEach();
+
+private:
+    detail::SpeechFeedback* speech = nullptr;
+    QVariantList sent; // request maps; a cancellation is the text "cancel"
+};
+
+void SpeechFeedbackTest::initTestCase()
+{
+    FakeSpeech::onSpeak([this](const QVariantMap& request) { sent.append(request); });
+    FakeSpeech::onCancel([this] { sent.append(QStringLiteral("cancel")); });
+    speech = libvantre::Singleton<detail::SpeechFeedback>::instance();
+}
+
+void SpeechFeedbackTest::init()
+{
+    sent.clear();
+}
+
+void SpeechFeedbackTest::cleanup()
+{
+    QLoggingCategory::setFilterRules({});
+}
+
+void SpeechFeedbackTest::requestNamesFileAndSentence()
+{
+    speech->speakFromId(EmbosserCore::KeyUp);
+    speech->speakFromId(EmbosserError::StartingUp);
+    speech->speakFromId(EmbosserMenu::FactoryReset);
+    QCoreApplication::processEvents();
+    const QVariantList expected{QVariantMap{{"serviceId", 0}, {"sentenceId", 24}},
+                                QVariantMap{{"serviceId", 1}, {"sentenceId", 69}},
+                                QVariantMap{{"serviceId", 2}, {"sentenceId", 487}}};
+    QCOMPARE(sent, expected);
+}
+
+void SpeechFeedbackTest::argumentsAreSentOnlyWhenThereAreAny()
+{
+    speech->speakFromId(EmbosserCore::KeyUp, {"a", "b"});
+    speech->speakFromId(EmbosserCore::KeyUp, {});
+    QCoreApplication::processEvents();
+    const QVariantList expected{
+        QVariantMap{{"serviceId", 0}, {"sentenceId", 24}, {"arguments", QStringList{"a", "b"}}},
+        QVariantMap{{"serviceId", 0}, {"sentenceId", 24}}};
+    QCOMPARE(sent, expected);
+}
+
+void SpeechFeedbackTest::nothingIsSentBeforeTheEventLoopRuns()
+{
+    speech->speakFromId(EmbosserCore::KeyUp);
+    speech->cancelAll();
+    QCOMPARE(sent, QVariantList{});
+    QCoreApplication::processEvents();
+    QCOMPARE(sent.size(), 2);
+}
+
+void SpeechFeedbackTest::requestsKeepTheirOrder()
+{
+    speech->speakFromId(EmbosserCore::KeyUp);
+    speech->cancelAll();
+    speech->speakFromId(EmbosserCore::KeyDown);
+    QCoreApplication::processEvents();
+    QCOMPARE(sent.size(), 3);
+    QCOMPARE(sent.at(1), QVariant("cancel"));
+    QCOMPARE(sent.at(2).toMap().value("sentenceId"), QVariant(25));
+}
+
+void SpeechFeedbackTest::cancelIsSentThoughNothingIsSpoken()
+{
+    QLoggingCategory::setFilterRules("SpeechFeedback.speak.debug=true");
+    QTest::ignoreMessage(QtDebugMsg, "Cancelling all speech-requests.");
+    speech->cancelAll();
+    QCoreApplication::processEvents();
+    QCOMPARE(sent, QVariantList{"cancel"});
+}
+
+void SpeechFeedbackTest::unknownSentenceIsSentAndHasNoName()
+{
+    QLoggingCategory::setFilterRules("SpeechFeedback.speak.debug=true");
+    QTest::ignoreMessage(QtDebugMsg, "SpeechFeedback::speakFromId()");
+    speech->speakFromId(static_cast<EmbosserCore>(0));
+    QCoreApplication::processEvents();
+    QCOMPARE(sent, (QVariantList{QVariantMap{{"serviceId", 0}, {"sentenceId", 0}}}));
+}
+
+void SpeechFeedbackTest::sentencesAreTracedByName_data()
+{
+    QTest::addColumn<int>("file");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("core") << 0 << "SpeechFeedback::speakFromId(KeyTen)";
+    QTest::newRow("error") << 1 << "SpeechFeedback::speakFromId(StartingUp)";
+    QTest::newRow("menu") << 2 << "SpeechFeedback::speakFromId(FactoryReset)";
+}
+
+void SpeechFeedbackTest::sentencesAreTracedByName()
+{
+    QFETCH(int, file);
+    QFETCH(QString, line);
+    QLoggingCategory::setFilterRules("SpeechFeedback.speak.debug=true");
+    QTest::ignoreMessage(QtDebugMsg, qPrintable(line));
+    if (file == 0) {
+        speech->speakFromId(EmbosserCore::KeyTen);
+    } else if (file == 1) {
+        speech->speakFromId(EmbosserError::StartingUp);
+    } else {
+        speech->speakFromId(EmbosserMenu::FactoryReset);
+    }
+    QCoreApplication::processEvents();
+    QCOMPARE(sent.size(), 1);
+}
+
+void SpeechFeedbackTest::nothingIsTracedByDefault()
+{
+    QtMessageHandler previous = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString& text) { qFatal("logged: %s", qPrintable(text)); });
+    speech->speakFromId(EmbosserCore::KeyTen);
+    speech->cancelAll();
+    Q_EMIT libvantre::Singleton<Speech>::instance()->connected();
+    QCoreApplication::processEvents();
+    qInstallMessageHandler(previous);
+    QCOMPARE(sent.size(), 2);
+}
+
+void SpeechFeedbackTest::connectionIsPassedOnAndTraced()
+{
+    QLoggingCategory::setFilterRules("SpeechFeedback.debug=true");
+    QSignalSpy spy(speech, &detail::SpeechFeedback::connected);
+    QTest::ignoreMessage(QtDebugMsg, "Connected to speech-daemon.");
+    QTest::ignoreMessage(QtDebugMsg, "Connected to speech-daemon.");
+    Q_EMIT libvantre::Singleton<Speech>::instance()->connected();
+    Q_EMIT libvantre::Singleton<Speech>::instance()->connected();
+    QCOMPARE(spy.size(), 2);
+}
+
+void SpeechFeedbackTest::disconnectionIsOnlyTraced()
+{
+    QLoggingCategory::setFilterRules("SpeechFeedback.debug=true");
+    QSignalSpy spy(speech, &detail::SpeechFeedback::connected);
+    QTest::ignoreMessage(QtDebugMsg, "Disconnected from speech-daemon.");
+    Q_EMIT libvantre::Singleton<Speech>::instance()->disconnected();
+    QCoreApplication::processEvents();
+    QCOMPARE(spy.size(), 0);
+    QCOMPARE(sent, QVariantList{});
+}
+
+void SpeechFeedbackTest::shutdownCancelsSpeech()
+{
+    QMetaObject::invokeMethod(qApp, "quit", Qt::QueuedConnection);
+    QCoreApplication::exec();
+    QCOMPARE(sent, QVariantList{"cancel"});
+}
+
+void SpeechFeedbackTest::thereIsOneOfEach()
+{
+    QCOMPARE(libvantre::Singleton<detail::SpeechFeedback>::instance(), speech);
+    QCOMPARE(speech->parent(), nullptr);
+    QCOMPARE(libvantre::Singleton<Speech>::instance()->parent(), nullptr);
+}
+
+QTEST_GUILESS_MAIN(SpeechFeedbackTest)
+#include "SpeechFeedbackTest.moc"

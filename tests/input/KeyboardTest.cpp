@@ -1,0 +1,289 @@
+// SPDX-License-Identifier: MIT
+#include "input/Keyboard.h"
+
+#include <ls/Identifiers.h>
+
+#include <QSocketNotifier>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+class KeyboardTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void recordHasTheSizeOfTheWordWidth();
+    void isClosedUntilOpened();
+    void emptyNameIsWarnedOfAndSetsNoError();
+    void missingDeviceIsReportedAndMayComeLater();
+    void everyRecordIsEmittedNotOnlyKeys();
+    void trailingPartOfARecordIsDropped();
+    void lessThanARecordIsDroppedAndReadingGoesOn();
+    void burstWithPartialRecordsLosesNoWholeRecord();
+    void filterDropsRecords();
+    void readErrorIsReportedAndTheDeviceStaysWatched();
+    void endOfFileIsWarnedOf();
+    void writtenRecordIsReportedAsPartial();
+    void writeErrorIsReported();
+    void simulatedKeysAreEmitted_data();
+    void simulatedKeysAreEmitted();
+    void simulatedKeyWithoutValueIsRefused();
+    void simulatedKeyPassesTheFilterAndTheDeviceBy();
+    void keysAreNamed_data();
+    void keysAreNamed();
+    void lastEventIsWhatWasStored();
+    void descriptorIsClosedInTheEnd();
+
+private:
+    static input_event record(int type, int code, int value);
+    void write(const QByteArray& bytes);
+    static QByteArray bytes(const input_event& event);
+    QString path(const char* name) const { return folder->filePath(name); }
+
+    std::unique_ptr<QTemporaryDir> folder;
+    std::unique_ptr<Keyboard> keyboard;
+    int writer = -1;
+    QStringList events; // "type code value"
+};
+
+void KeyboardTest::init()
+{
+    folder = std::make_unique<QTemporaryDir>();
+    ::mkfifo(qPrintable(path("event0")), 0600);
+    writer = ::open(qPrintable(path("event0")), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    keyboard = std::make_unique<Keyboard>(path("event0"));
+    events.clear();
+    connect(keyboard.get(), &Keyboard::event, this, [this](const ls::KeyEvent& event) {
+        const input_event& read = event.event();
+        events.append(QStringLiteral("%1 %2 %3").arg(read.type).arg(read.code).arg(read.value));
+    });
+}
+
+void KeyboardTest::cleanup()
+{
+    keyboard.reset();
+    ::close(writer);
+}
+
+input_event KeyboardTest::record(int type, int code, int value)
+{
+    input_event event{};
+    event.type = static_cast<quint16>(type);
+    event.code = static_cast<quint16>(code);
+    event.value = value;
+    return event;
+}
+
+QByteArray KeyboardTest::bytes(const input_event& event)
+{
+    return QByteArray(reinterpret_cast<const char*>(&event), sizeof event);
+}
+
+void KeyboardTest::write(const QByteArray& data)
+{
+    QCOMPARE(::write(writer, data.constData(), static_cast<size_t>(data.size())), static_cast<ssize_t>(data.size()));
+    QCoreApplication::processEvents();
+}
+
+void KeyboardTest::recordHasTheSizeOfTheWordWidth()
+{
+    QCOMPARE(sizeof(input_event), sizeof(long) == 4 ? 16u : 24u);
+}
+
+void KeyboardTest::isClosedUntilOpened()
+{
+    QVERIFY(!keyboard->isOpen());
+    QVERIFY(keyboard->open());
+    QVERIFY(keyboard->isOpen());
+}
+
+void KeyboardTest::emptyNameIsWarnedOfAndSetsNoError()
+{
+    Keyboard nameless;
+    QTest::ignoreMessage(QtCriticalMsg, "Keyboard::open WARN: No device specified.");
+    QVERIFY(!nameless.open());
+    QCOMPARE(nameless.errorString(), QString());
+}
+
+void KeyboardTest::missingDeviceIsReportedAndMayComeLater()
+{
+    Keyboard late(path("event7"));
+    const QString error = "Unable to open device " + path("event7") + ": No such file or directory";
+    QTest::ignoreMessage(QtCriticalMsg, qPrintable("Keyboard::open ERROR: " + error));
+    QVERIFY(!late.open());
+    QCOMPARE(late.errorString(), error);
+    QVERIFY(!late.isOpen());
+    late.setDevice(path("event0"));
+    QVERIFY(late.open());
+}
+
+void KeyboardTest::everyRecordIsEmittedNotOnlyKeys()
+{
+    keyboard->open();
+    write(bytes(record(EV_MSC, MSC_SCAN, 7)) + bytes(record(EV_KEY, KEY_UP, 1)) + bytes(record(EV_SYN, SYN_REPORT, 0)));
+    QCOMPARE(events, (QStringList{"4 4 7", "1 103 1", "0 0 0"}));
+}
+
+void KeyboardTest::trailingPartOfARecordIsDropped()
+{
+    keyboard->open();
+    write(bytes(record(EV_KEY, KEY_UP, 1)) + QByteArray(4, 'x'));
+    QCOMPARE(events, QStringList{"1 103 1"});
+    write(bytes(record(EV_KEY, KEY_UP, 0)));
+    QCOMPARE(events, (QStringList{"1 103 1", "1 103 0"}));
+}
+
+void KeyboardTest::lessThanARecordIsDroppedAndReadingGoesOn()
+{
+    keyboard->open();
+    write(QByteArray(sizeof(input_event) - 1, 'x'));
+    QCOMPARE(events, QStringList{});
+    write(bytes(record(EV_KEY, KEY_UP, 1)));
+    QCOMPARE(events, QStringList{"1 103 1"});
+}
+
+void KeyboardTest::burstWithPartialRecordsLosesNoWholeRecord()
+{
+    keyboard->open();
+    for (int i = 0; i < 10000; ++i) {
+        write(bytes(record(EV_KEY, KEY_UP, i % 3)) + QByteArray(i % static_cast<int>(sizeof(input_event)), 'x'));
+    }
+    QCOMPARE(events.size(), 10000);
+}
+
+void KeyboardTest::filterDropsRecords()
+{
+    keyboard->setFilter([](const ls::KeyEvent& event) { return event.isKey(); });
+    keyboard->open();
+    write(bytes(record(EV_KEY, KEY_UP, 1)) + bytes(record(EV_SYN, SYN_REPORT, 0)));
+    QCOMPARE(events, QStringList{"1 103 1"});
+    QVERIFY(keyboard->filter());
+    keyboard->setFilter({});
+    write(bytes(record(EV_SYN, SYN_REPORT, 0)));
+    QCOMPARE(events.size(), 2);
+}
+
+void KeyboardTest::readErrorIsReportedAndTheDeviceStaysWatched()
+{
+    keyboard->open();
+    const int unreadable = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("^Keyboard::readEvents ERROR: Error reading from device .*: Bad file descriptor$"));
+    QMetaObject::invokeMethod(keyboard.get(), "readEvents", Q_ARG(int, unreadable));
+    QVERIFY(keyboard->errorString().startsWith("Error reading from device "));
+    QVERIFY(keyboard->findChild<QSocketNotifier*>()->isEnabled());
+    ::close(unreadable);
+    write(bytes(record(EV_KEY, KEY_UP, 1)));
+    QCOMPARE(events, QStringList{"1 103 1"});
+}
+
+void KeyboardTest::endOfFileIsWarnedOf()
+{
+    keyboard->open();
+    const int empty = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    QTest::ignoreMessage(QtCriticalMsg, "Keyboard::readEvents WARN: Reading from device returned 0.");
+    QMetaObject::invokeMethod(keyboard.get(), "readEvents", Q_ARG(int, empty));
+    ::close(empty);
+    write(bytes(record(EV_KEY, KEY_UP, 1)));
+    QCOMPARE(events, QStringList{"1 103 1"});
+}
+
+void KeyboardTest::writtenRecordIsReportedAsPartial()
+{
+    keyboard->open();
+    QTest::ignoreMessage(QtCriticalMsg, qPrintable("Keyboard::write ERROR: Partial write to device " + path("event0") + "."));
+    QVERIFY(!keyboard->write(ls::KeyEvent(record(EV_KEY, KEY_UP, 1))));
+    QCoreApplication::processEvents();
+    QCOMPARE(events, QStringList{"1 103 1"}); // written whole: a FIFO hands it back
+}
+
+void KeyboardTest::writeErrorIsReported()
+{
+    const QString error = "Error writing to device " + path("event0") + ": Bad file descriptor";
+    QTest::ignoreMessage(QtCriticalMsg, qPrintable("Keyboard::write ERROR: " + error));
+    QVERIFY(!keyboard->write(ls::KeyEvent(record(EV_KEY, KEY_UP, 1)))); // not open
+    QCOMPARE(keyboard->errorString(), error);
+}
+
+void KeyboardTest::simulatedKeysAreEmitted_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QString>("event");
+    QTest::newRow("press") << "Menu" << "Pressed" << "1 139 1";
+    QTest::newRow("release") << "Ok" << "Released" << "1 352 0";
+    QTest::newRow("repeat") << "FactoryReset" << "Repeated" << "1 408 2";
+    QTest::newRow("gesture") << "Up" << "Shortcut" << "1 103 5";
+    QTest::newRow("unknown key") << "NoSuchKey" << "Pressed" << "1 0 1";
+    QTest::newRow("unknown action") << "Up" << "NoSuchAction" << "1 103 -2147483648";
+    QTest::newRow("neither known") << "" << "" << "1 0 -2147483648";
+}
+
+void KeyboardTest::simulatedKeysAreEmitted()
+{
+    QFETCH(QString, key);
+    QFETCH(QString, action);
+    QFETCH(QString, event);
+    QVERIFY(keyboard->simulateKey(key, action));
+    QCOMPARE(events, QStringList{event});
+}
+
+void KeyboardTest::simulatedKeyWithoutValueIsRefused()
+{
+    QTest::ignoreMessage(QtCriticalMsg, "Keyboard::simulateKey ERROR: Key value is invalid!");
+    QVERIFY(!keyboard->simulateKey(ls::KeyId::Up, ls::KeyActionId::None));
+    QCOMPARE(events, QStringList{});
+}
+
+void KeyboardTest::simulatedKeyPassesTheFilterAndTheDeviceBy()
+{
+    keyboard->setFilter([](const ls::KeyEvent&) { return false; });
+    keyboard->open();
+    QVERIFY(keyboard->simulateKey(ls::KeyId::Up, ls::KeyActionId::Pressed));
+    QCoreApplication::processEvents();
+    QCOMPARE(events, QStringList{"1 103 1"});
+}
+
+void KeyboardTest::keysAreNamed_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("key");
+    QTest::newRow("key of the panel") << EV_KEY << KEY_MENU << "Menu";
+    QTest::newRow("the unknown key") << EV_KEY << KEY_UNKNOWN << "Unknown";
+    QTest::newRow("another key") << EV_KEY << KEY_A << "Undefined";
+    QTest::newRow("no key") << EV_MSC << KEY_MENU << "Unknown";
+}
+
+void KeyboardTest::keysAreNamed()
+{
+    QFETCH(int, type);
+    QFETCH(int, code);
+    QTEST(Keyboard::keyOf(ls::KeyEvent(record(type, code, 1))), "key");
+}
+
+void KeyboardTest::lastEventIsWhatWasStored()
+{
+    QVERIFY(!keyboard->lastEvent().isKey());
+    keyboard->setLastEvent(ls::KeyEvent(record(EV_KEY, KEY_DOWN, 0)));
+    QVERIFY(keyboard->lastEvent().isKeyUp());
+    QCOMPARE(keyboard->lastEvent().code(), quint16(KEY_DOWN));
+}
+
+void KeyboardTest::descriptorIsClosedInTheEnd()
+{
+    const auto openFiles = [] { return QDir("/proc/self/fd").entryList(QDir::Files | QDir::System).size(); };
+    const int before = openFiles();
+    keyboard->open();
+    QCOMPARE(openFiles(), before + 1);
+    keyboard.reset();
+    QCOMPARE(openFiles(), before);
+}
+
+QTEST_GUILESS_MAIN(KeyboardTest)
+#include "KeyboardTest.moc"

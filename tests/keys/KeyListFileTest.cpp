@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: MIT
+#include "keys/KeyListFile.h"
+#include "keys/LongKey.h"
+#include "keys/ModifierKey.h"
+#include "keys/ShortcutKey.h"
+#include "tests/virtual/MapReader.h"
+
+#include <QtTest>
+
+using Section = EnumDetail::RowKeyList;
+using Timeouts = KeyListFile::Timeouts;
+
+class KeyListFileTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void missingFileGivesTwoLines_data();
+    void missingFileGivesTwoLines();
+    void missingSectionGivesOneLine();
+    void sectionThatIsNoListGivesTheConversionLine_data();
+    void sectionThatIsNoListGivesTheConversionLine();
+    void elementsThatAreNoObjectsAreSkipped();
+    void missingFieldsAreEmpty();
+    void rowsAreKeptAsWritten();
+    void timeoutIsInSecondsAndStaysWithin32Bits_data();
+    void timeoutIsInSecondsAndStaysWithin32Bits();
+    void timeoutIsIgnoredWhereItHasNoMeaning();
+    void contentIsTheWholeFile();
+
+private:
+    KeyListFile loaded(const QVariantMap& content, Timeouts timeouts = Timeouts::Read);
+    QVariant row(const QVariant& timeout) { return QVariantMap{{"keys", QStringList{"Up"}}, {"timeout", timeout}}; }
+};
+
+KeyListFile KeyListFileTest::loaded(const QVariantMap& content, Timeouts timeouts)
+{
+    KeyListFile file(QStringLiteral("longKeyList.json"), Section::LongKeys, timeouts,
+                     "void LongKey::load(ls::IReader&)");
+    MapReader reader(content);
+    file.load(reader);
+    return file;
+}
+
+void KeyListFileTest::missingFileGivesTwoLines_data()
+{
+    QTest::addColumn<QString>("className");
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("section");
+    QTest::newRow("long press") << "LongKey" << "longKeyList.json" << "LongKeys";
+    QTest::newRow("modifier") << "ModifierKey" << "modifierKeyList.json" << "ModifierKeys";
+    QTest::newRow("shortcut") << "ShortcutKey" << "shortcutKeyList.json" << "ShortcutKeys";
+}
+
+void KeyListFileTest::missingFileGivesTwoLines()
+{
+    QFETCH(QString, className);
+    QFETCH(QString, file);
+    QFETCH(QString, section);
+    const QString path = "/var/lib/keyboard-handler/" + file;
+    const QString prefix = className + "::load ERROR: ";
+    QTest::ignoreMessage(QtCriticalMsg, qPrintable(prefix + "reading \"" + path + "\" failed."));
+    QTest::ignoreMessage(QtCriticalMsg, qPrintable(prefix + "value list " + section + " not found!."));
+    MapReader reader;
+    const std::unique_ptr<QObject> recogniser(
+        className == "LongKey"       ? static_cast<QObject*>(new LongKey(reader, nullptr))
+        : className == "ModifierKey" ? static_cast<QObject*>(new ModifierKey(reader, nullptr))
+                                     : new ShortcutKey(reader, nullptr));
+    QCOMPARE(reader.paths, QStringList{path});
+}
+
+void KeyListFileTest::missingSectionGivesOneLine()
+{
+    QTest::ignoreMessage(QtCriticalMsg, "LongKey::load ERROR: value list LongKeys not found!.");
+    const KeyListFile file = loaded({{"longkeys", QVariantList{row(1)}}});
+    QVERIFY(file.rows().isEmpty());
+    QVERIFY(file.content().isEmpty());
+}
+
+void KeyListFileTest::sectionThatIsNoListGivesTheConversionLine_data()
+{
+    QTest::addColumn<QVariant>("section");
+    QTest::newRow("object") << QVariant(QVariantMap{{"keys", "Up"}});
+    QTest::newRow("text") << QVariant("Up");
+    QTest::newRow("number") << QVariant(3.5);
+    QTest::newRow("truth") << QVariant(true);
+    QTest::newRow("null") << QVariant::fromValue(nullptr);
+}
+
+void KeyListFileTest::sectionThatIsNoListGivesTheConversionLine()
+{
+    QFETCH(QVariant, section);
+    QTest::ignoreMessage(QtCriticalMsg, "LongKey::load ERROR: value list LongKeys conversion to list failed!");
+    const KeyListFile file = loaded({{"LongKeys", section}});
+    QVERIFY(file.rows().isEmpty());
+    QVERIFY(file.content().isEmpty());
+}
+
+void KeyListFileTest::elementsThatAreNoObjectsAreSkipped()
+{
+    const QVariantMap first{{"keys", QStringList{"Up"}}};
+    const QVariantMap third{{"keys", QStringList{"Down"}}};
+    const KeyListFile file = loaded({{"LongKeys", QVariantList{first, 7, third, "x", QVariant()}}});
+    QCOMPARE(file.rows().size(), 2);
+    QCOMPARE(file.rows().at(0).firstKey(), QString("Up"));
+    QCOMPARE(file.rows().at(1).firstKey(), QString("Down"));
+}
+
+void KeyListFileTest::missingFieldsAreEmpty()
+{
+    const KeyEntry entry = loaded({{"LongKeys", QVariantList{QVariantMap{}}}}).rows().value(0);
+    QVERIFY(!entry.isValid());
+    QCOMPARE(entry.eAction(), QString());
+    QCOMPARE(entry.receiverService(), QString());
+    QCOMPARE(entry.validOnState(), QString());
+    QCOMPARE(entry.timeout(), 0);
+}
+
+void KeyListFileTest::rowsAreKeptAsWritten()
+{
+    const QVariantMap odd{{"keys", QStringList{"NoSuchKey"}},
+                          {"eAction", "A"},
+                          {"receiverService", "Nobody"},
+                          {"validOnState", " Idle | Print "}};
+    const QList<KeyEntry> rows = loaded({{"LongKeys", QVariantList{odd, odd}}}).rows();
+    QCOMPARE(rows.size(), 2);
+    QCOMPARE(rows.at(1).firstKey(), QString("NoSuchKey"));
+    QCOMPARE(rows.at(1).eAction(), QString("A"));
+    QCOMPARE(rows.at(1).receiverService(), QString("Nobody"));
+    QCOMPARE(rows.at(1).validOnState(), QString(" Idle | Print "));
+}
+
+void KeyListFileTest::timeoutIsInSecondsAndStaysWithin32Bits_data()
+{
+    QTest::addColumn<QVariant>("timeout");
+    QTest::addColumn<int>("milliseconds");
+    QTest::newRow("three seconds") << QVariant(3) << 3000;
+    QTest::newRow("missing") << QVariant() << 0;
+    QTest::newRow("null") << QVariant::fromValue(nullptr) << 0;
+    QTest::newRow("as text") << QVariant("4") << 4000;
+    QTest::newRow("not a number") << QVariant("soon") << 0;
+    QTest::newRow("list") << QVariant(QVariantList{3}) << 0;
+    QTest::newRow("fraction is rounded") << QVariant(1.6) << 2000;
+    QTest::newRow("negative") << QVariant(-5) << -5000;
+    QTest::newRow("largest") << QVariant(2147483LL) << 2147483000;
+    QTest::newRow("one more") << QVariant(2147484LL) << 2147483000;
+    QTest::newRow("beyond 32 bits") << QVariant(5000000000LL) << 2147483000;
+    QTest::newRow("beyond 64 bits") << QVariant(1e300) << 2147483000;
+    QTest::newRow("far below") << QVariant(-1e300) << -2147483000;
+}
+
+void KeyListFileTest::timeoutIsInSecondsAndStaysWithin32Bits()
+{
+    QFETCH(QVariant, timeout);
+    const KeyListFile file = loaded({{"LongKeys", QVariantList{row(timeout)}}});
+    QTEST(file.rows().value(0).timeout(), "milliseconds");
+}
+
+void KeyListFileTest::timeoutIsIgnoredWhereItHasNoMeaning()
+{
+    const QVariantMap content{{"LongKeys", QVariantList{row(3)}}};
+    const KeyListFile file = loaded(content, Timeouts::Ignored);
+    QCOMPARE(file.rows().value(0).timeout(), 0);
+    QCOMPARE(file.content(), content);
+}
+
+void KeyListFileTest::contentIsTheWholeFile()
+{
+    const QVariantMap content{{"LongKeys", QVariantList{row(3)}}, {"comment", "kept"}, {"version", 2}};
+    QCOMPARE(loaded(content).content(), content);
+}
+
+QTEST_GUILESS_MAIN(KeyListFileTest)
+#include "KeyListFileTest.moc"

@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: MIT
+#include "keys/LongKey.h"
+#include "tests/virtual/DeviceTest.h"
+#include "tests/virtual/MapReader.h"
+
+class LongKeyTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void firesAtExactlyTheTimeOfTheRow();
+    void repeatsDuringTheTimeChangeNothing();
+    void stopBeforeTheTimeFiresNothing();
+    void eachValidStateIsEmitted_data();
+    void eachValidStateIsEmitted();
+    void lastRowOfAKeyDecides();
+    void repeatOfAKeyWithoutRowDoesNothing();
+    void firesAgainWhileTheKeyStaysHeld();
+    void rowWithoutKeysNeverFires();
+    void negativeTimeFiresAtOnce();
+    void largestTimeIsHeldOut();
+    void receiverMayStopTheRecogniser();
+    void timeoutsTripleHelp();
+    void tripledTimeStaysWithin32Bits_data();
+    void tripledTimeStaysWithin32Bits();
+    void laterRowOverwritesTheReportedTime();
+    void missingFileHasNoTimes();
+
+private:
+    void make(const QVariantList& rows);
+    static QVariant row(const QString& key, const QVariant& timeout, const QString& states = "Idle",
+                        const QString& action = "Act");
+    void advance(std::chrono::milliseconds time) { VirtualDevice::clock().advance(time); }
+    QStringList takeFired();
+
+    std::unique_ptr<LongKey> longKey;
+    QStringList fired;
+};
+
+void LongKeyTest::make(const QVariantList& rows)
+{
+    MapReader reader({{"LongKeys", rows}});
+    longKey = std::make_unique<LongKey>(reader, nullptr);
+    fired.clear();
+    connect(longKey.get(), &LongKey::longPress, this,
+            [this](const QString& action, const QString& receiver, const QString& state, const QVariantMap& map) {
+                const QVariantMap expected{{firstKeyKey, map.value(firstKeyKey)}};
+                QCOMPARE(map, expected);
+                fired.append(QStringList{action, receiver, "<" + state + ">", map.value(firstKeyKey).toString()}.join(' '));
+            });
+}
+
+QVariant LongKeyTest::row(const QString& key, const QVariant& timeout, const QString& states, const QString& action)
+{
+    return QVariantMap{{"keys", QStringList{key}},
+                       {"eAction", action},
+                       {"receiverService", "UserMenu"},
+                       {"timeout", timeout},
+                       {"validOnState", states}};
+}
+
+QStringList LongKeyTest::takeFired()
+{
+    return std::exchange(fired, {});
+}
+
+void LongKeyTest::firesAtExactlyTheTimeOfTheRow()
+{
+    make({row("Menu", 2)});
+    longKey->start("Menu");
+    advance(1999ms);
+    QCOMPARE(takeFired(), QStringList{});
+    advance(1ms);
+    QCOMPARE(takeFired(), QStringList{"Act UserMenu <Idle> Menu"});
+}
+
+void LongKeyTest::repeatsDuringTheTimeChangeNothing()
+{
+    make({row("Menu", 2), row("Help", 1)});
+    longKey->start("Menu");
+    advance(1000ms);
+    longKey->start("Menu");
+    longKey->start("Help");
+    advance(1000ms);
+    QCOMPARE(takeFired(), QStringList{"Act UserMenu <Idle> Menu"});
+}
+
+void LongKeyTest::stopBeforeTheTimeFiresNothing()
+{
+    make({row("Menu", 2)});
+    longKey->start("Menu");
+    advance(1999ms);
+    longKey->stop();
+    advance(10s);
+    QCOMPARE(takeFired(), QStringList{});
+}
+
+void LongKeyTest::eachValidStateIsEmitted_data()
+{
+    QTest::addColumn<QString>("states");
+    QTest::addColumn<QStringList>("emitted");
+    QTest::newRow("one") << "Idle" << QStringList{"Idle"};
+    QTest::newRow("one with blanks, untouched") << " Idle " << QStringList{" Idle "};
+    QTest::newRow("two") << "Idle|Print" << QStringList{"Idle", "Print"};
+    QTest::newRow("two with blanks, trimmed") << " Idle | Print " << QStringList{"Idle", "Print"};
+    QTest::newRow("inner blanks reduced") << "Idle|Print \t  Off" << QStringList{"Idle", "Print Off"};
+    QTest::newRow("empty part") << "Idle||Print" << QStringList{"Idle", "", "Print"};
+    QTest::newRow("only a bar") << "|" << QStringList{"", ""};
+    QTest::newRow("none") << "" << QStringList{""};
+}
+
+void LongKeyTest::eachValidStateIsEmitted()
+{
+    QFETCH(QString, states);
+    QFETCH(QStringList, emitted);
+    make({row("Menu", 1, states)});
+    longKey->start("Menu");
+    advance(1s);
+    QStringList expected;
+    for (const QString& state : emitted) {
+        expected.append("Act UserMenu <" + state + "> Menu");
+    }
+    QCOMPARE(takeFired(), expected);
+}
+
+void LongKeyTest::lastRowOfAKeyDecides()
+{
+    make({row("Menu", 1, "Idle", "First"), row("Menu", 5, "Print", "Second")});
+    longKey->start("Menu");
+    advance(4999ms);
+    QCOMPARE(takeFired(), QStringList{});
+    advance(1ms);
+    QCOMPARE(takeFired(), QStringList{"Second UserMenu <Print> Menu"});
+}
+
+void LongKeyTest::repeatOfAKeyWithoutRowDoesNothing()
+{
+    make({row("Menu", 1)});
+    longKey->start("Up");
+    advance(10s);
+    QCOMPARE(takeFired(), QStringList{});
+}
+
+void LongKeyTest::firesAgainWhileTheKeyStaysHeld()
+{
+    make({row("Menu", 1)});
+    longKey->start("Menu");
+    advance(5s);
+    QCOMPARE(takeFired().size(), 1);
+    longKey->start("Menu");
+    advance(1s);
+    QCOMPARE(takeFired(), QStringList{"Act UserMenu <Idle> Menu"});
+}
+
+void LongKeyTest::rowWithoutKeysNeverFires()
+{
+    make({QVariantMap{{"timeout", 1}, {"validOnState", "Idle"}}});
+    longKey->start("");
+    advance(10s);
+    QCOMPARE(takeFired(), QStringList{});
+    QCOMPARE(longKey->timeouts(), QVariantMap{});
+}
+
+void LongKeyTest::negativeTimeFiresAtOnce()
+{
+    make({row("Menu", -3)});
+    QCOMPARE(longKey->timeouts().value("Menu"), QVariant(-3000));
+    longKey->start("Menu");
+    QCOMPARE(takeFired(), QStringList{});
+    advance(0ms);
+    QCOMPARE(takeFired().size(), 1);
+}
+
+void LongKeyTest::largestTimeIsHeldOut()
+{
+    make({row("Menu", 1e18)});
+    longKey->start("Menu");
+    advance(2147482999ms);
+    QCOMPARE(takeFired(), QStringList{});
+    advance(1ms);
+    QCOMPARE(takeFired().size(), 1);
+}
+
+void LongKeyTest::receiverMayStopTheRecogniser()
+{
+    make({row("Menu", 1, "Idle|Print")});
+    connect(longKey.get(), &LongKey::longPress, longKey.get(), &LongKey::stop);
+    longKey->start("Menu");
+    advance(1s);
+    QCOMPARE(takeFired(), (QStringList{"Act UserMenu <Idle> Menu", "Act UserMenu <Print> Menu"}));
+}
+
+void LongKeyTest::timeoutsTripleHelp()
+{
+    make({row("Menu", 2), row("Help", 2)});
+    const QVariantMap expected{{"Menu", 2000}, {"Help", 6000}};
+    QCOMPARE(longKey->timeouts(), expected);
+    QCOMPARE(longKey->timeouts().value("Help").type(), QVariant::Int);
+}
+
+void LongKeyTest::tripledTimeStaysWithin32Bits_data()
+{
+    QTest::addColumn<qint64>("seconds");
+    QTest::addColumn<int>("reported");
+    QTest::newRow("just within") << 715827LL << 2147481000;
+    QTest::newRow("just beyond") << 715828LL << 2147483647;
+    QTest::newRow("far beyond") << 5000000000LL << 2147483647;
+    QTest::newRow("far below") << -5000000000LL << std::numeric_limits<int>::min();
+}
+
+void LongKeyTest::tripledTimeStaysWithin32Bits()
+{
+    QFETCH(qint64, seconds);
+    make({row("Help", seconds)});
+    QTEST(longKey->timeouts().value("Help").toInt(), "reported");
+}
+
+void LongKeyTest::laterRowOverwritesTheReportedTime()
+{
+    make({row("Menu", 2), row("Menu", 7)});
+    QCOMPARE(longKey->timeouts(), (QVariantMap{{"Menu", 7000}}));
+}
+
+void LongKeyTest::missingFileHasNoTimes()
+{
+    MapReader reader;
+    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("^LongKey::load ERROR: reading"));
+    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("^LongKey::load ERROR: value list"));
+    LongKey empty(reader, nullptr);
+    QCOMPARE(empty.timeouts(), QVariantMap{});
+    QSignalSpy spy(&empty, &LongKey::longPress);
+    empty.start("Menu");
+    advance(10s);
+    QCOMPARE(spy.size(), 0);
+}
+
+VIRTUAL_TIME_TEST_MAIN(LongKeyTest)
+#include "LongKeyTest.moc"

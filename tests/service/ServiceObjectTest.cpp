@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: MIT
+#include "service/KeyboardHandler.h"
+#include "tests/virtual/DeviceTest.h"
+
+class ServiceObjectTest : public DeviceTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { start(StateId::Idle); }
+    void refusedCommandsNameTheirError_data();
+    void refusedCommandsNameTheirError();
+    void refusedCommandLeavesTheSenderAsItWas();
+    void everyKnownServiceMaySendAnyCommand();
+    void firstKeyBeforeAnyCommandNamesNoSender();
+    void onlyTheFirstActionAfterACommandNamesItsSender();
+    void commandWithoutNotificationStillNamesTheNextSender();
+    void parametersReplaceTheFieldsOfTheNotification();
+    void senderIsResetAlsoWhenAParameterReplacedIt();
+    void notificationCarriesItsFourFieldsAndTheParameters();
+    void commandIsTracedInItsCategory();
+    void metaCastKnowsTheSharedInterface();
+
+private:
+    QVariantMap emitted(const QVariantMap& parameters);
+};
+
+void ServiceObjectTest::refusedCommandsNameTheirError_data()
+{
+    const QString prefix = "log KeyboardHandler::process ERROR: ";
+    QTest::addColumn<QVariantMap>("command");
+    QTest::addColumn<QString>("error");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("empty map") << QVariantMap{} << "InvalidCmd" << prefix + "Invalid command!";
+    QTest::newRow("no command and no service") << QVariantMap{{"senderId", "Nobody"}} << "InvalidCmd"
+                                               << prefix + "Invalid command!";
+    QTest::newRow("command in another case")
+        << QVariantMap{{"commandId", "getlastkey"}, {"senderId", "UserMenu"}} << "InvalidCmd"
+        << prefix + "Invalid command!";
+    QTest::newRow("command that is no text")
+        << QVariantMap{{"commandId", QVariantList{1}}, {"senderId", "UserMenu"}} << "InvalidCmd"
+        << prefix + "Invalid command!";
+    QTest::newRow("no sender") << QVariantMap{{"commandId", "GetLastKey"}} << "InvalidSender"
+                               << prefix + "Invalid sender!";
+    QTest::newRow("unknown sender") << QVariantMap{{"commandId", "GetLastKey"}, {"senderId", "Nobody"}}
+                                    << "InvalidSender" << prefix + "Invalid sender!";
+    QTest::newRow("known but not served")
+        << QVariantMap{{"commandId", "GetKeyList"}, {"senderId", "UserMenu"}} << "CmdNotFound"
+        << prefix + "\"GetKeyList\" command n/a!";
+}
+
+void ServiceObjectTest::refusedCommandsNameTheirError()
+{
+    QFETCH(QVariantMap, command);
+    QFETCH(QString, error);
+    QFETCH(QString, line);
+    const QVariantMap expected{{"resultId", "Failure"}, {"errorId", error}};
+    QCOMPARE(device->handler().process(command), expected);
+    QCOMPARE(device->take(), QStringList{line});
+}
+
+void ServiceObjectTest::refusedCommandLeavesTheSenderAsItWas()
+{
+    device->process({{commandIdKey, "GetKeyList"}, {senderIdKey, "WwwApi"}});
+    device->take();
+    device->tap(KeyId::Menu);
+    QCOMPARE(device->take(), QStringList{"announce SingleKey UserMenu - Menu"});
+}
+
+void ServiceObjectTest::everyKnownServiceMaySendAnyCommand()
+{
+    const QVariantMap success{{"resultId", "Success"}, {"errorId", "Undefined"}};
+    for (auto service = ServiceId::meta.cbegin(); service != ServiceId::meta.cend(); ++service) {
+        QCOMPARE(device->handler().process({{commandIdKey, "StartTestMode"}, {senderIdKey, service.key()}}),
+                 success);
+    }
+}
+
+void ServiceObjectTest::firstKeyBeforeAnyCommandNamesNoSender()
+{
+    device->tap(KeyId::Menu);
+    device->tap(KeyId::Menu);
+    const QStringList expected{"announce SingleKey UserMenu - Menu",
+                               "announce SingleKey UserMenu KeyboardHandler Menu"};
+    QCOMPARE(device->take(), expected);
+}
+
+void ServiceObjectTest::onlyTheFirstActionAfterACommandNamesItsSender()
+{
+    device->process({{commandIdKey, "GetLastKey"}, {senderIdKey, "WwwApi"}});
+    device->take();
+    device->tap(KeyId::Menu);
+    device->tap(KeyId::Menu);
+    const QStringList expected{"announce SingleKey UserMenu WwwApi Menu",
+                               "announce SingleKey UserMenu KeyboardHandler Menu"};
+    QCOMPARE(device->take(), expected);
+}
+
+void ServiceObjectTest::commandWithoutNotificationStillNamesTheNextSender()
+{
+    device->process({{commandIdKey, "SimulateKey"}, {senderIdKey, "ErrorHandler"}}); // fails in its handler
+    device->take();
+    device->tap(KeyId::Menu);
+    QCOMPARE(device->take(), QStringList{"announce SingleKey UserMenu ErrorHandler Menu"});
+}
+
+void ServiceObjectTest::parametersReplaceTheFieldsOfTheNotification()
+{
+    const QVariantMap map = emitted({{senderIdKey, "PrintManager"}, {actionIdKey, "Other"}});
+    QCOMPARE(map.value(senderIdKey).toString(), QString("PrintManager"));
+    QCOMPARE(map.value(actionIdKey).toString(), QString("Other"));
+    QCOMPARE(map.size(), 4);
+}
+
+void ServiceObjectTest::senderIsResetAlsoWhenAParameterReplacedIt()
+{
+    device->process({{commandIdKey, "GetLastKey"}, {senderIdKey, "WwwApi"}});
+    emitted({{senderIdKey, "PrintManager"}});
+    QCOMPARE(emitted({}).value(senderIdKey).toString(), QString("KeyboardHandler"));
+}
+
+void ServiceObjectTest::notificationCarriesItsFourFieldsAndTheParameters()
+{
+    const QVariantMap expected{{"notificationId", "KeyboardChange"}, {"actionId", "Act"}, {"senderId", ""},
+                               {"receiverId", "UserMenu"},           {"firstKey", "Up"}};
+    QCOMPARE(emitted({{firstKeyKey, "Up"}}), expected);
+}
+
+void ServiceObjectTest::commandIsTracedInItsCategory()
+{
+    QLoggingCategory::setFilterRules("KeyboardHandler.debug=true");
+    device->handler().process({{commandIdKey, "StartTestMode"}, {senderIdKey, "WwwApi"}});
+    QLoggingCategory::setFilterRules({});
+    QCOMPARE(device->take(),
+             QStringList{R"(log process command - "StartTestMode" from sender - "WwwApi")"});
+    device->handler().process({{commandIdKey, "StartTestMode"}, {senderIdKey, "WwwApi"}});
+    QCOMPARE(device->take(), QStringList{});
+}
+
+void ServiceObjectTest::metaCastKnowsTheSharedInterface()
+{
+    QVERIFY(device->handler().qt_metacast("ls::IDBusAdaptor"));
+    QVERIFY(device->handler().qt_metacast("com.vantre.IDBusAdaptor"));
+}
+
+QVariantMap ServiceObjectTest::emitted(const QVariantMap& parameters)
+{
+    QSignalSpy spy(&device->handler(), &KeyboardHandler::notification);
+    device->handler().sendKeyboardChange("Act", "UserMenu", parameters);
+    return spy.value(0).value(0).toMap();
+}
+
+VIRTUAL_TIME_TEST_MAIN(ServiceObjectTest)
+#include "ServiceObjectTest.moc"

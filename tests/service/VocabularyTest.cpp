@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+#include "service/Vocabulary.h"
+
+#include <ls/Identifiers.h>
+#include <ls/MessageKeys.h>
+
+#include <QtTest>
+
+#include <limits>
+
+class VocabularyTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void membershipIsExact_data();
+    void membershipIsExact();
+    void smallestOrdinalMeansNoMember();
+    void emptyFamilyHasNoMembers();
+    void responseHoldsExactlyResultAndError();
+    void successCarriesTheNoErrorMarker();
+    void keyNamesAreSentences17To29And31();
+    void everyCallOfKeyNamesGivesACopyOfItsOwn();
+    void logPrefixIsCutFromTheSignature_data();
+    void logPrefixIsCutFromTheSignature();
+    void logLineQuotesIdentifiersButNotThePrefix();
+    void failedLineEndsWithTheTag();
+    void keyListFilesHaveTheirNames();
+};
+
+void VocabularyTest::membershipIsExact_data()
+{
+    QTest::addColumn<QString>("identifier");
+    QTest::addColumn<bool>("isMember");
+    QTest::newRow("first member") << "Back" << true;
+    QTest::newRow("last member") << "Up" << true;
+    QTest::newRow("other case") << "menu" << false;
+    QTest::newRow("upper case") << "MENU" << false;
+    QTest::newRow("with a blank") << "Menu " << false;
+    QTest::newRow("empty") << "" << false;
+    QTest::newRow("of another family") << "Idle" << false;
+}
+
+void VocabularyTest::membershipIsExact()
+{
+    QFETCH(QString, identifier);
+    QTEST(vocabulary::isMember(ls::KeyId::meta, identifier), "isMember");
+}
+
+void VocabularyTest::smallestOrdinalMeansNoMember()
+{
+    const QMap<QString, int> meta{{QStringLiteral("Gone"), std::numeric_limits<int>::min()},
+                                  {QStringLiteral("Lowest"), std::numeric_limits<int>::min() + 1}};
+    QVERIFY(!vocabulary::isMember(meta, QStringLiteral("Gone")));
+    QVERIFY(vocabulary::isMember(meta, QStringLiteral("Lowest")));
+}
+
+void VocabularyTest::emptyFamilyHasNoMembers()
+{
+    QVERIFY(!vocabulary::isMember({}, QStringLiteral("Menu")));
+    QVERIFY(!vocabulary::isMember({}, QString()));
+}
+
+void VocabularyTest::responseHoldsExactlyResultAndError()
+{
+    const QVariantMap expected{{QStringLiteral("resultId"), QStringLiteral("Failure")},
+                               {QStringLiteral("errorId"), QStringLiteral("InvalidValue")}};
+    QCOMPARE(vocabulary::response(ls::ResultId::Failure, ls::ErrorId::InvalidValue), expected);
+}
+
+void VocabularyTest::successCarriesTheNoErrorMarker()
+{
+    const QVariantMap expected{{QStringLiteral("resultId"), QStringLiteral("Success")},
+                               {QStringLiteral("errorId"), QStringLiteral("Undefined")}};
+    QCOMPARE(vocabulary::response(ls::ResultId::Success), expected);
+}
+
+void VocabularyTest::keyNamesAreSentences17To29And31()
+{
+    const vocabulary::KeyNames expected{
+        {QStringLiteral("On"), 17},    {QStringLiteral("Off"), 18},  {QStringLiteral("Feed"), 19},
+        {QStringLiteral("Help"), 20},  {QStringLiteral("Menu"), 21}, {QStringLiteral("Back"), 22},
+        {QStringLiteral("Right"), 23}, {QStringLiteral("Up"), 24},   {QStringLiteral("Down"), 25},
+        {QStringLiteral("Ok"), 26},    {QStringLiteral("Chs"), 27},  {QStringLiteral("One"), 28},
+        {QStringLiteral("Ten"), 29},   {QStringLiteral("Function"), 31}};
+    QCOMPARE(vocabulary::keyNames(), expected);
+}
+
+void VocabularyTest::everyCallOfKeyNamesGivesACopyOfItsOwn()
+{
+    vocabulary::KeyNames mine = vocabulary::keyNames();
+    mine.insert(ls::KeyId::Function, 30);
+    QCOMPARE(vocabulary::keyNames().value(ls::KeyId::Function), 31);
+}
+
+void VocabularyTest::logPrefixIsCutFromTheSignature_data()
+{
+    QTest::addColumn<QString>("shortName");
+    QTest::addColumn<QString>("signature");
+    QTest::addColumn<QString>("prefix");
+    QTest::newRow("member function") << "simulateKey" << "QVariantMap KeyboardHandler::simulateKey(const ls::Command&)"
+                                     << "KeyboardHandler::simulateKey FAILED!";
+    QTest::newRow("virtual function")
+        << "process" << "virtual QVariantMap KeyboardHandler::process(const QVariantMap&)"
+        << "KeyboardHandler::process FAILED!";
+    QTest::newRow("constructor") << "Console" << "Console::Console(KeyboardHandler*)" << "Console::Console FAILED!";
+    QTest::newRow("const function") << "getState" << "const EnumKey StateHandler::getState() const"
+                                    << "StateHandler::getState FAILED!";
+    QTest::newRow("lambda of the long-press recogniser")
+        << "operator()" << "LongKey::LongKey(ls::IReader&, QObject*)::<lambda()>" << "QObject*)::<lambda()> FAILED!";
+    QTest::newRow("lambda of the console") << "operator()" << "Console::Console(KeyboardHandler*)::<lambda(const QVariantMap&)>"
+                                           << "QVariantMap&)> FAILED!";
+    QTest::newRow("nothing to cut") << "f" << "" << " FAILED!";
+}
+
+void VocabularyTest::logPrefixIsCutFromTheSignature()
+{
+    QFETCH(QString, shortName);
+    QFETCH(QString, signature);
+    QTEST(vocabulary::logPrefix(shortName, signature, QStringLiteral("FAILED!")), "prefix");
+}
+
+void VocabularyTest::logLineQuotesIdentifiersButNotThePrefix()
+{
+    QTest::ignoreMessage(QtCriticalMsg, "VocabularyTest::logLineQuotesIdentifiersButNotThePrefix ERROR: \"Menu\" is gone");
+    LOG_ERROR() << ls::KeyId::Menu << "is gone";
+    QTest::ignoreMessage(QtCriticalMsg, "VocabularyTest::logLineQuotesIdentifiersButNotThePrefix WARN: once");
+    LOG_WARNING() << "once";
+}
+
+void VocabularyTest::failedLineEndsWithTheTag()
+{
+    QTest::ignoreMessage(QtCriticalMsg, "VocabularyTest::failedLineEndsWithTheTag FAILED!");
+    LOG_FAILED();
+}
+
+void VocabularyTest::keyListFilesHaveTheirNames()
+{
+    QCOMPARE(vocabulary::dataDirectory, QStringLiteral("/var/lib/keyboard-handler"));
+    QCOMPARE(vocabulary::keyListFile, QStringLiteral("keyList.json"));
+    QCOMPARE(vocabulary::modifierKeyListFile, QStringLiteral("modifierKeyList.json"));
+    QCOMPARE(vocabulary::longKeyListFile, QStringLiteral("longKeyList.json"));
+    QCOMPARE(vocabulary::shortcutKeyListFile, QStringLiteral("shortcutKeyList.json"));
+}
+
+QTEST_GUILESS_MAIN(VocabularyTest)
+#include "VocabularyTest.moc"
