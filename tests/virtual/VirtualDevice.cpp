@@ -12,11 +12,14 @@
 #include <QDir>
 #include <QFile>
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 
 #include <sys/stat.h>
 #include <unistd.h>
+
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -189,6 +192,11 @@ void VirtualDevice::hold(const QString& key, std::chrono::milliseconds duration)
 void VirtualDevice::wait(std::chrono::milliseconds duration)
 {
     clock().advance(duration);
+}
+
+void VirtualDevice::waitUntil(std::chrono::milliseconds time)
+{
+    wait(std::max(0ms, m_startTime + time - clock().now()));
 }
 
 QVariantMap VirtualDevice::process(const QVariantMap& command)

@@ -50,6 +50,8 @@ public:
     void tap(const QString& key);
     void hold(const QString& key, std::chrono::milliseconds duration);
     void wait(std::chrono::milliseconds duration);
+    /// Until the time since the start; no time passes if that is over.
+    void waitUntil(std::chrono::milliseconds time);
 
     KeyboardHandler& handler() { return *m_handler; }
     Panel& panel() { return m_panel; }
@@ -59,6 +61,7 @@ public:
     /// What was recorded since the start or the last call.
     Observations takeObservations();
     /// The texts of the same.
+    using ScriptTarget::take;
     QStringList take();
     /// The texts without the log lines.
     QStringList takeActions();

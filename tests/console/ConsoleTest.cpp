@@ -1,0 +1,269 @@
+// SPDX-License-Identifier: MIT
+#include "service/KeyboardHandler.h"
+#include "tests/virtual/DeviceTest.h"
+
+namespace {
+
+const QStringList generalHelp{"log ================= Help =================",
+                              "log C [command] [parameter] ...",
+                              "log For displaying all available commands type HELP C",
+                              "log For displaying all available parameters type HELP S",
+                              "log For displaying parameters for a command type HELP [command]",
+                              "log ========================================"};
+
+const QStringList commandTable{"log 4    \"GetLastKey\"",     "log 3    \"GetLongKeysTimeout\"",
+                               "log 1    \"GetModifierKeyList\"", "log 2    \"GetShortcutKeyList\"",
+                               "log 6    \"GetTestResult\"",  "log 7    \"SimulateKey\"",
+                               "log 8    \"SimulateModifier\"", "log 9    \"SimulateShortcut\"",
+                               "log 5    \"StartTestMode\""};
+
+const QStringList actionTable{"log 3    \"LongPress\"", "log 4    \"ModifierCombination\"", "log -1    \"None\"",
+                              "log 1    \"Pressed\"",   "log 0    \"Released\"",            "log 2    \"Repeated\"",
+                              "log 5    \"Shortcut\""};
+
+const QStringList keyTable{"log 158   \"Back\"",    "log 118   \"Chs\"",      "log 108   \"Down\"",
+                           "log 408   \"FactoryReset\"", "log 101   \"Feed\"", "log 464   \"Function\"",
+                           "log 138   \"Help\"",    "log 139   \"Menu\"",     "log 142   \"Off\"",
+                           "log 352   \"Ok\"",      "log 143   \"On\"",       "log 2    \"One\"",
+                           "log 106   \"Right\"",   "log 11   \"Ten\"",       "log 240   \"Unknown\"",
+                           "log 103   \"Up\""};
+
+const QString emptyLine = "log ";
+const QString rule = "log ==============================";
+const QStringList badArgument{"log Arguments must be of integer type!", emptyLine};
+const QStringList notFound{"log Command not found!", emptyLine};
+
+QStringList wrongCount(const QString& command)
+{
+    return {"log Too many/few arguments received for command \"" + command + "\"", emptyLine};
+}
+
+} // namespace
+
+class ConsoleTest : public DeviceTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { start(StateId::Idle, {longRow("Menu", 2, "Idle", "MainMenu")}); }
+    void linesThatAreNoCommandPrintTheGeneralHelp_data();
+    void linesThatAreNoCommandPrintTheGeneralHelp();
+    void commandListIsInTheOrderOfNames_data();
+    void commandListIsInTheOrderOfNames();
+    void parameterListHasActionsAndKeys_data();
+    void parameterListHasActionsAndKeys();
+    void helpOfARunnableCommandShowsItsParameters_data();
+    void helpOfARunnableCommandShowsItsParameters();
+    void commandPrintsItsResponse_data();
+    void commandPrintsItsResponse();
+    void simulatedKeyIsSentByTheDaemonItself();
+    void unknownNumbersAreSentAsEmptyTexts();
+    void notificationIsPrintedInItsCategory();
+    void notificationIsNotPrintedByDefault();
+    void incompleteNotificationIsReportedWithTheOddPrefix_data();
+    void incompleteNotificationIsReportedWithTheOddPrefix();
+    void everyLineIsTimed_data();
+    void everyLineIsTimed();
+    void keepsWorkingAfterRubbish();
+};
+
+void ConsoleTest::linesThatAreNoCommandPrintTheGeneralHelp_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QStringList>("before");
+    QTest::newRow("empty") << "" << QStringList{};
+    QTest::newRow("blanks") << "   " << QStringList{};
+    QTest::newRow("rubbish") << "xyz" << QStringList{};
+    QTest::newRow("leading blank before HELP") << " HELP C" << QStringList{};
+    QTest::newRow("leading blank before C") << " C 4" << QStringList{};
+    QTest::newRow("HELP alone") << "HELP" << QStringList{"log No arguments received for help.", emptyLine};
+    QTest::newRow("HELP and blanks") << "help   " << QStringList{"log No arguments received for help.", emptyLine};
+    QTest::newRow("HELP and a word") << "HELP x" << badArgument;
+    QTest::newRow("HELP and a fraction") << "HELP 1.5" << badArgument;
+    QTest::newRow("HELP grown together") << "HELPC" << QStringList{"log No arguments received for help.", emptyLine};
+    QTest::newRow("HELP of a command that is listed only") << "HELP 5" << notFound;
+    QTest::newRow("HELP of no command") << "HELP 99" << notFound;
+    QTest::newRow("HELP of a negative number") << "HELP -1" << notFound;
+    QTest::newRow("C alone") << "C" << QStringList{"log No arguments received for command action.", emptyLine};
+    QTest::newRow("any word with C") << "clear" << QStringList{"log No arguments received for command action.", emptyLine};
+    QTest::newRow("C and a word") << "C four" << badArgument;
+    QTest::newRow("C and a number beyond 32 bits") << "C 4294967300" << badArgument;
+    QTest::newRow("any word with C and a word") << "call me" << badArgument;
+    QTest::newRow("parameter that is no number")
+        << "C 7 1 Menu" << QStringList{"log Parameters must be of integer type.", emptyLine};
+    QTest::newRow("first bad parameter only")
+        << "C 7 x y" << QStringList{"log Parameters must be of integer type.", emptyLine};
+    QTest::newRow("parameter too many") << "C 4 1" << wrongCount("GetLastKey");
+    QTest::newRow("parameter too many for the times") << "C 3 1" << wrongCount("GetLongKeysTimeout");
+    QTest::newRow("one parameter for SimulateKey") << "C 7 1" << wrongCount("SimulateKey");
+    QTest::newRow("three parameters for SimulateKey") << "C 7 1 139 2" << wrongCount("SimulateKey");
+    QTest::newRow("command that is listed only") << "C 5" << notFound + wrongCount("StartTestMode");
+    QTest::newRow("command that is not served") << "C 10" << notFound + wrongCount("GetKeyList");
+    QTest::newRow("no command") << "C 99" << notFound + wrongCount("");
+}
+
+void ConsoleTest::linesThatAreNoCommandPrintTheGeneralHelp()
+{
+    QFETCH(QString, line);
+    QFETCH(QStringList, before);
+    device->typeLine(line);
+    QCOMPARE(device->take(), before + generalHelp);
+}
+
+void ConsoleTest::commandListIsInTheOrderOfNames_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::newRow("as shown") << "HELP C";
+    QTest::newRow("small") << "help c";
+    QTest::newRow("many blanks") << "HELP \t   C  ";
+}
+
+void ConsoleTest::commandListIsInTheOrderOfNames()
+{
+    QFETCH(QString, line);
+    device->typeLine(line);
+    QStringList table = commandTable;
+    table.insert(0, "log 10   \"GetKeyList\"");
+    const QStringList expected = QStringList{"log ========== Commands =========="} + table + QStringList{rule, emptyLine};
+    QCOMPARE(device->take(), expected);
+}
+
+void ConsoleTest::parameterListHasActionsAndKeys_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::newRow("as shown") << "HELP S";
+    QTest::newRow("mixed") << "Help s";
+}
+
+void ConsoleTest::parameterListHasActionsAndKeys()
+{
+    QFETCH(QString, line);
+    device->typeLine(line);
+    const QStringList end{rule, emptyLine};
+    const QStringList expected = QStringList{"log ========== Key States =========="} + actionTable + end
+                               + QStringList{"log ========== Keys =========="} + keyTable + end;
+    QCOMPARE(device->take(), expected);
+}
+
+void ConsoleTest::helpOfARunnableCommandShowsItsParameters_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QStringList>("output");
+    QTest::newRow("last key") << "HELP 4" << QStringList{"log \"GetLastKey\" params: [None]", emptyLine};
+    QTest::newRow("times") << "HELP 3" << QStringList{"log \"GetLongKeysTimeout\" params: [None]", emptyLine};
+    QTest::newRow("with a sign") << "HELP +4" << QStringList{"log \"GetLastKey\" params: [None]", emptyLine};
+    QTest::newRow("further words do not count") << "HELP 4 5" << QStringList{"log \"GetLastKey\" params: [None]", emptyLine};
+    QTest::newRow("simulation") << "HELP 7"
+                                << QStringList{"log \"SimulateKey\" params: [KeyActionId id] [KeyId id]", emptyLine}
+                                       + actionTable + QStringList{emptyLine} + keyTable;
+}
+
+void ConsoleTest::helpOfARunnableCommandShowsItsParameters()
+{
+    QFETCH(QString, line);
+    device->typeLine(line);
+    QTEST(device->take(), "output");
+}
+
+void ConsoleTest::commandPrintsItsResponse_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("response");
+    const QString success = R"(("errorId", QVariant(QString, "Undefined")))";
+    QTest::newRow("last key") << "C 4" << "QMap(" + success + R"(("key", QVariant(int, 0))("resultId", QVariant(QString, "Success"))))";
+    QTest::newRow("small letter and blanks")
+        << "c   4 " << "QMap(" + success + R"(("key", QVariant(int, 0))("resultId", QVariant(QString, "Success"))))";
+    QTest::newRow("times") << "C 3"
+                           << "QMap(" + success
+                                  + R"(("keyTimeouts", QVariant(QVariantMap, QMap(("Menu", QVariant(int, 2000)))))("resultId", QVariant(QString, "Success"))))";
+}
+
+void ConsoleTest::commandPrintsItsResponse()
+{
+    QFETCH(QString, line);
+    QFETCH(QString, response);
+    device->typeLine(line);
+    QCOMPARE(device->take(), (QStringList{"log Process command response", emptyLine, "log " + response}));
+}
+
+void ConsoleTest::simulatedKeyIsSentByTheDaemonItself()
+{
+    device->typeLine("C 7 0 139");
+    const QStringList expected{"log Process command response", emptyLine, "announce SingleKey UserMenu KeyboardHandler Menu",
+                               R"(log QMap(("errorId", QVariant(QString, "Undefined"))("resultId", QVariant(QString, "Success"))))"};
+    QCOMPARE(device->take(), expected);
+}
+
+void ConsoleTest::unknownNumbersAreSentAsEmptyTexts()
+{
+    device->typeLine("C 7 77 139");
+    const QString refused = R"(log QMap(("errorId", QVariant(QString, "InvalidValue"))("resultId", QVariant(QString, "Failure"))))";
+    QCOMPARE(device->take(), (QStringList{"log Process command response", emptyLine,
+                                          "log KeyboardHandler::simulateKey ERROR: Invalid key action received!", refused}));
+    device->typeLine("C 7 1 9999");
+    QCOMPARE(device->take(), (QStringList{"log Process command response", emptyLine,
+                                          "log KeyboardHandler::simulateKey ERROR: Invalid key received!", refused}));
+}
+
+void ConsoleTest::notificationIsPrintedInItsCategory()
+{
+    QLoggingCategory::setFilterRules("Console.debug=true");
+    device->tap(KeyId::Menu);
+    QLoggingCategory::setFilterRules({});
+    const QStringList printed{"log ----------- Notification -----------", "log NotifcationId: \"KeyboardChange\"",
+                              "log SenderId: \"\"", "log ------------------------------------"};
+    QCOMPARE(device->take().filter("log"), printed);
+}
+
+void ConsoleTest::notificationIsNotPrintedByDefault()
+{
+    device->tap(KeyId::Menu);
+    QCOMPARE(device->take(), QStringList{"announce SingleKey UserMenu - Menu"});
+}
+
+void ConsoleTest::incompleteNotificationIsReportedWithTheOddPrefix_data()
+{
+    QTest::addColumn<QString>("missing");
+    for (const char* key : {"notificationId", "actionId", "senderId"}) {
+        QTest::newRow(key) << key;
+    }
+}
+
+void ConsoleTest::incompleteNotificationIsReportedWithTheOddPrefix()
+{
+    QFETCH(QString, missing);
+    QVariantMap map{{notificationIdKey, "KeyboardChange"}, {actionIdKey, "A"}, {senderIdKey, ""}};
+    map.remove(missing);
+    Q_EMIT device->handler().notification(map);
+    QCOMPARE(device->take().filter("log"), QStringList{"log QVariantMap&)> ERROR: Invalid notification received!"});
+}
+
+void ConsoleTest::everyLineIsTimed_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::newRow("command") << "C 4";
+    QTest::newRow("help") << "HELP C";
+    QTest::newRow("rubbish") << "xyz";
+}
+
+void ConsoleTest::everyLineIsTimed()
+{
+    QFETCH(QString, line);
+    QLoggingCategory::setFilterRules("Timer.debug=true");
+    device->typeLine(line);
+    QLoggingCategory::setFilterRules({});
+    const QString last = device->take().last();
+    QVERIFY2(QRegularExpression("^log \"Console\" took \\d+ ms$").match(last).hasMatch(), qPrintable(last));
+}
+
+void ConsoleTest::keepsWorkingAfterRubbish()
+{
+    device->typeLine(QString(70000, 'C'));
+    device->typeLine(QString::fromUtf8("C \xc3\xa9 \xe2\x82\xac"));
+    device->take();
+    device->typeLine("HELP 4");
+    QCOMPARE(device->take().first(), QString("log \"GetLastKey\" params: [None]"));
+}
+
+VIRTUAL_TIME_TEST_MAIN(ConsoleTest)
+#include "ConsoleTest.moc"

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/script/Transcript.h"
+#include "tests/virtual/DeviceTest.h"
+
+#include <QDir>
+
+namespace {
+
+QStringList faultsOf(const ParsedScript& parsed)
+{
+    QStringList lines;
+    for (const ScriptFault& fault : parsed.faults) {
+        lines.append(QStringLiteral("line %1: %2").arg(fault.line).arg(fault.text));
+    }
+    return lines;
+}
+
+QString asExpectations(const Observations& observed)
+{
+    QString text;
+    for (const Observation& observation : observed) {
+        text += QStringLiteral("\nexpect %1 %2").arg(observation.at.count()).arg(observation.text);
+    }
+    return text;
+}
+
+} // namespace
+
+/// Plays each key script of this folder on the virtual clock; what the daemon does must be what the script
+/// expects, at the millisecond.
+class GoldenTest : public DeviceTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void scriptGoesAsExpected_data();
+    void scriptGoesAsExpected();
+};
+
+void GoldenTest::scriptGoesAsExpected_data()
+{
+    QTest::addColumn<QString>("path");
+    const QFileInfoList scripts = QDir(GOLDEN_SCRIPTS).entryInfoList({"*.keys"}, QDir::Files, QDir::Name);
+    QVERIFY(!scripts.isEmpty());
+    for (const QFileInfo& script : scripts) {
+        QTest::newRow(qPrintable(script.completeBaseName())) << script.filePath();
+    }
+}
+
+void GoldenTest::scriptGoesAsExpected()
+{
+    QFETCH(QString, path);
+    const ParsedScript parsed = loadKeyScript(path);
+    QCOMPARE(faultsOf(parsed), QStringList{});
+    const KeyScript& script = parsed.script;
+    device = std::make_unique<VirtualDevice>();
+    device->setModel(script.model);
+    device->setRows(script.rows);
+    device->start(script.initialState);
+
+    for (const ScriptStep& step : script.steps) {
+        device->waitUntil(step.at); // what falls due at the same moment comes before the step
+        device->take(step);
+    }
+    device->waitUntil(script.duration() + 5s);
+    const Observations observed = device->takeObservations();
+    const QStringList difference = Transcript::difference(script.expectations, observed, Transcript::Mode::Exact);
+    QVERIFY2(difference.isEmpty(), qPrintable(difference.join('\n') + "\nobserved:" + asExpectations(observed)));
+}
+
+VIRTUAL_TIME_TEST_MAIN(GoldenTest)
+#include "GoldenTest.moc"
