@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#include "app/SystemCheck.h"
+
+#include <servicewatcher/ServiceWatcher.h>
+
+#include <QtTest>
+
+/// The gate opens once in a process; each test function sees it later than the one before.
+class SystemCheckTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void gateIsClosedAtFirst();
+    void gateStaysClosedWhileADependencyIsMissing();
+    void gateOpensForAWaiterWhenBothAreReady();
+    void gateIsOpenForALateWaiter();
+
+private:
+    static bool isOpen();
+    SystemCheck check;
+};
+
+bool SystemCheckTest::isOpen()
+{
+    const QMutexLocker locker(&startupGate().mutex);
+    return startupGate().servicesReady;
+}
+
+void SystemCheckTest::gateIsClosedAtFirst()
+{
+    QVERIFY(!isOpen());
+}
+
+void SystemCheckTest::gateStaysClosedWhileADependencyIsMissing()
+{
+    ServiceWatcher::setReady("state-handler", true);
+    check.start(QThread::InheritPriority);
+    QTRY_VERIFY(!startupGate().mutex.tryLock() || (startupGate().mutex.unlock(), false)); // it polls under the mutex
+    QVERIFY(check.isRunning());
+    QVERIFY(!startupGate().mutex.tryLock(200));
+}
+
+void SystemCheckTest::gateOpensForAWaiterWhenBothAreReady()
+{
+    ServiceWatcher::setReady("speechd", true);
+    StartupGate& gate = startupGate();
+    QMutexLocker locker(&gate.mutex);
+    while (!gate.servicesReady) {
+        gate.opened.wait(&gate.mutex);
+    }
+    locker.unlock();
+    QVERIFY(check.wait());
+}
+
+void SystemCheckTest::gateIsOpenForALateWaiter()
+{
+    QVERIFY(isOpen());
+    SystemCheck again;
+    again.start();
+    QVERIFY(again.wait());
+    QVERIFY(isOpen());
+}
+
+QTEST_GUILESS_MAIN(SystemCheckTest)
+#include "SystemCheckTest.moc"

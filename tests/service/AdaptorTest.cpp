@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: MIT
+#include "service/KeyboardHandler.h"
+#include "service/KeyboardHandlerAdaptor.h"
+#include "tests/support/BusPeer.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/PrivateBus.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QtTest>
+
+namespace {
+
+const QString name = QStringLiteral("com.vantre.KeyboardHandler");
+
+} // namespace
+
+class AdaptorTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void registersAndSaysSo();
+    void takenNameIsReported();
+    void takenPathIsReported();
+    void callsReachTheServiceObjectUnpacked();
+    void notificationsAreRelayed();
+    void metaCastKnowsTheSharedInterface();
+
+public Q_SLOTS:
+    void note(const QVariantMap& notification) { noted.append(notification); }
+
+private:
+    void adapt() { new KeyboardHandlerAdaptor(handler.get()); }
+
+    PrivateBus bus;
+    std::unique_ptr<LogRecorder> log;
+    QList<QVariantMap> noted;
+    std::unique_ptr<KeyboardHandler> handler;
+};
+
+void AdaptorTest::init()
+{
+    log = std::make_unique<LogRecorder>();
+    handler = std::make_unique<KeyboardHandler>(nullptr);
+}
+
+void AdaptorTest::cleanup()
+{
+    handler.reset();
+    QDBusConnection::systemBus().unregisterService(name);
+    QDBusConnection::systemBus().unregisterObject("/");
+    log.reset();
+    bus.report();
+}
+
+void AdaptorTest::registersAndSaysSo()
+{
+    adapt();
+    QCOMPARE(log->texts(QtDebugMsg), QStringList{"Successfully registered on DBus: \"com.vantre.KeyboardHandler\""});
+    QCOMPARE(log->texts(QtCriticalMsg), QStringList{});
+    QVERIFY(QDBusConnection::systemBus().interface()->isServiceRegistered(name));
+}
+
+void AdaptorTest::takenNameIsReported()
+{
+    const BusPeer squatter(bus, name);
+    adapt();
+    QCOMPARE(log->texts(QtCriticalMsg), QStringList{"Unable to register Service: Service-name already in use."});
+}
+
+void AdaptorTest::takenPathIsReported()
+{
+    QObject other;
+    QVERIFY(QDBusConnection::systemBus().registerObject("/", &other, QDBusConnection::ExportAllContents));
+    adapt();
+    QCOMPARE(log->texts(QtCriticalMsg), QStringList{"Unable to register object on system-bus!"});
+    QVERIFY(!QDBusConnection::systemBus().interface()->isServiceRegistered(name));
+}
+
+void AdaptorTest::callsReachTheServiceObjectUnpacked()
+{
+    adapt();
+    QDBusConnection client = bus.connect("client");
+    QDBusMessage call = QDBusMessage::createMethodCall(name, "/", name, "process");
+    // A variant in a variant is unpacked before the sender is looked at.
+    call << QVariant(QVariantMap{{"commandId", QVariant::fromValue(QDBusVariant("GetKeyList"))}, {"senderId", "WwwApi"}});
+    QDBusPendingCall pending = client.asyncCall(call);
+    QTRY_VERIFY(pending.isFinished());
+    const auto response = qdbus_cast<QVariantMap>(pending.reply().arguments().value(0));
+    QCOMPARE(response, (QVariantMap{{"resultId", "Failure"}, {"errorId", "CmdNotFound"}}));
+}
+
+void AdaptorTest::notificationsAreRelayed()
+{
+    adapt();
+    QDBusConnection client = bus.connect("listener");
+    QVERIFY(client.connect(name, "/", name, "notification", this, SLOT(note(QVariantMap))));
+    const QVariantMap expected{{"notificationId", "KeyboardChange"}, {"actionId", "Act"}, {"senderId", ""},
+                               {"receiverId", "UserMenu"},           {"firstKey", "Up"}};
+    handler->sendKeyboardChange("Act", "UserMenu", {{"firstKey", "Up"}});
+    QTRY_COMPARE(noted, QList<QVariantMap>{expected});
+}
+
+void AdaptorTest::metaCastKnowsTheSharedInterface()
+{
+    KeyboardHandlerAdaptor adaptor(handler.get());
+    QVERIFY(adaptor.qt_metacast("ls::IDBusAdaptor"));
+    QVERIFY(adaptor.qt_metacast("com.vantre.IDBusAdaptor"));
+}
+
+QTEST_GUILESS_MAIN(AdaptorTest)
+#include "AdaptorTest.moc"

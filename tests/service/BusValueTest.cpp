@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: MIT
+#include "service/BusValue.h"
+#include "tests/support/BusPeer.h"
+#include "tests/support/PrivateBus.h"
+
+#include <vantre/DBusArgumentUnpack.h>
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QJsonDocument>
+#include <QtTest>
+
+namespace {
+
+const QString peerName = QStringLiteral("com.vantre.Peer");
+
+QVariant nestedMaps(int depth)
+{
+    QVariant value = QStringLiteral("core");
+    for (int i = 0; i < depth; ++i) {
+        value = QVariantMap{{QStringLiteral("m"), value}};
+    }
+    return value;
+}
+
+QVariant nestedLists(int depth)
+{
+    QVariant value = QStringLiteral("core");
+    for (int i = 0; i < depth; ++i) {
+        value = QVariantList{value};
+    }
+    return value;
+}
+
+} // namespace
+
+/// Sends values over a real bus, whose daemon closes the connection of a sender that breaks its limits.
+class BusValueTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void plainValuesArriveAsTheyAre();
+    void nullsArriveAsEmptyStrings();
+    void valuesOfEveryDepthArrive_data();
+    void valuesOfEveryDepthArrive();
+    void shallowValuesAreNotCut_data();
+    void shallowValuesAreNotCut();
+    void largeListOfSmallValuesArrivesOrIsEmptied_data();
+    void largeListOfSmallValuesArrivesOrIsEmptied();
+    void oddStringsArrive_data();
+    void oddStringsArrive();
+
+private:
+    QVariantMap carried(const QVariantMap& map);
+
+    PrivateBus m_bus;
+    BusPeer m_peer{m_bus, peerName, &BusPeer::echo};
+};
+
+QVariantMap BusValueTest::carried(const QVariantMap& map)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(peerName, "/", peerName, "echo");
+    call << QVariant(toBusMap(map));
+    const QDBusMessage reply = QDBusConnection::systemBus().call(call);
+    return libvantre::dbusArgumentUnpack(reply.arguments().value(0)).toMap();
+}
+
+void BusValueTest::plainValuesArriveAsTheyAre()
+{
+    const QVariantMap map{{"text", "x"},     {"number", 7},  {"long", 5000000000LL},
+                          {"real", 1.5},     {"truth", true}, {"list", QVariantList{1, "a", QVariantMap{{"b", 2}}}},
+                          {"map", QVariantMap{{"empty", QVariantMap{}}}}};
+    QCOMPARE(carried(map), map);
+}
+
+void BusValueTest::nullsArriveAsEmptyStrings()
+{
+    const QVariantMap parsed =
+        QJsonDocument::fromJson(R"({"a": null, "b": [1, null, {"c": null}], "d": {"e": null}})").toVariant().toMap();
+    const QVariantMap expected{{"a", ""}, {"b", QVariantList{1, "", QVariantMap{{"c", ""}}}}, {"d", QVariantMap{{"e", ""}}}};
+    QCOMPARE(QJsonDocument::fromVariant(carried(parsed)), QJsonDocument::fromVariant(expected));
+}
+
+void BusValueTest::valuesOfEveryDepthArrive_data()
+{
+    QTest::addColumn<QVariant>("value");
+    for (int depth : {1, 10, 18, 19, 20, 21, 22, 25, 40, 70, 1000}) {
+        QTest::addRow("maps %d deep", depth) << nestedMaps(depth);
+        QTest::addRow("lists %d deep", depth) << nestedLists(depth);
+        QTest::addRow("lists %d deep in maps", depth) << QVariant(QVariantMap{{"a", QVariantMap{{"b", nestedLists(depth)}}}});
+    }
+    for (int depth = 26; depth < 34; ++depth) {
+        QTest::addRow("lists %d deep, around the limit", depth) << nestedLists(depth);
+    }
+}
+
+void BusValueTest::valuesOfEveryDepthArrive()
+{
+    QFETCH(QVariant, value);
+    const QVariantMap arrived = carried({{"value", value}, {"other", 1}});
+    QCOMPARE(arrived.value("other"), QVariant(1));
+    QVERIFY(arrived.contains("value"));
+}
+
+void BusValueTest::shallowValuesAreNotCut_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::newRow("15 maps") << nestedMaps(15);
+    QTest::newRow("25 lists") << nestedLists(25);
+}
+
+void BusValueTest::shallowValuesAreNotCut()
+{
+    QFETCH(QVariant, value);
+    QCOMPARE(carried({{"value", value}}).value("value"), value);
+}
+
+void BusValueTest::largeListOfSmallValuesArrivesOrIsEmptied_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<bool>("arrives");
+    QTest::newRow("a hundred thousand") << 100000 << true;
+    QTest::newRow("five million") << 5000000 << false;
+}
+
+void BusValueTest::largeListOfSmallValuesArrivesOrIsEmptied()
+{
+    QFETCH(int, count);
+    QFETCH(bool, arrives);
+    const QVariantList list = QVector<QVariant>(count, 1).toList();
+    const QVariantMap arrived = carried({{"list", list}, {"other", 1}});
+    QCOMPARE(arrived.value("other"), QVariant(1));
+    QCOMPARE(arrived.value("list").toList().size(), arrives ? count : 0);
+    QCOMPARE(arrived.value("list").toString(), QString());
+}
+
+void BusValueTest::oddStringsArrive_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("unpaired surrogate") << QString(QChar(0xd800));
+    QTest::newRow("no character") << QString(QChar(0xffff));
+    QTest::newRow("with a null character") << QString("a") + QChar(0) + "b";
+    QTest::newRow("a million characters") << QString(1000000, QChar(0x20ac));
+}
+
+void BusValueTest::oddStringsArrive()
+{
+    QFETCH(QString, text);
+    const QVariantMap arrived = carried({{text, text}, {"other", 1}});
+    QCOMPARE(arrived.value("other"), QVariant(1));
+    QCOMPARE(arrived.size(), 2);
+}
+
+QTEST_GUILESS_MAIN(BusValueTest)
+#include "BusValueTest.moc"
