@@ -7,7 +7,8 @@
 
 /// What the entry point waits at until the services that the daemon depends on are ready. The flag is
 /// read and written under the mutex only.
-struct StartupGate {
+struct StartupGate
+{
     QMutex mutex;
     QWaitCondition opened;
     bool servicesReady = false;

@@ -87,15 +87,16 @@ void printTable(const char* title, const Meta& meta)
 
 /// The identifiers of a command's parameters, in the order in which their numbers are typed; nothing for
 /// a command that the console does not run.
-struct Parameter {
+struct Parameter
+{
     QString key;
     Meta meta;
 };
 
 std::optional<QList<Parameter>> parametersOf(const CommandId& command)
 {
-    if (command == ls::KeyboardHandlerCmdId::GetLastKey
-        || command == ls::KeyboardHandlerCmdId::GetLongKeysTimeout) {
+    if (command == ls::KeyboardHandlerCmdId::GetLastKey ||
+        command == ls::KeyboardHandlerCmdId::GetLongKeysTimeout) {
         return QList<Parameter>{};
     }
     if (command == ls::KeyboardHandlerCmdId::SimulateKey) {
@@ -145,8 +146,8 @@ bool showHelp(const QString& line)
 
 void printNotification(const QVariantMap& notification)
 {
-    if (!notification.contains(ls::notificationIdKey) || !notification.contains(ls::actionIdKey)
-        || !notification.contains(ls::senderIdKey)) {
+    if (!notification.contains(ls::notificationIdKey) || !notification.contains(ls::actionIdKey) ||
+        !notification.contains(ls::senderIdKey)) {
         // Named as the function that prints from within the constructor; logs are searched for this prefix.
         vocabulary::logLine("operator()", "Console::Console(KeyboardHandler*)::<lambda(const QVariantMap&)>",
                             "ERROR:")
@@ -161,9 +162,7 @@ void printNotification(const QVariantMap& notification)
 
 } // namespace
 
-Console::Console(KeyboardHandler* handler)
-    : QObject(handler)
-    , m_handler(handler)
+Console::Console(KeyboardHandler* handler) : QObject(handler), m_handler(handler)
 {
     auto* reader = new ls::ConsoleReader(this);
     connect(reader, &ls::ConsoleReader::textReceived, this, &Console::onTextReceived);
@@ -174,8 +173,8 @@ void Console::onTextReceived(const QString& line)
 {
     ls::Timer::start(timerName);
     // The prefix counts on the line as it was typed: a leading blank makes it no command.
-    const bool done = (startsWith(line, "HELP") && showHelp(line.simplified()))
-                   || (startsWith(line, "C") && runCommand(line.simplified()));
+    const bool done = (startsWith(line, "HELP") && showHelp(line.simplified())) ||
+                      (startsWith(line, "C") && runCommand(line.simplified()));
     if (!done) {
         printGeneralHelp();
     }

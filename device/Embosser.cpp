@@ -9,8 +9,7 @@ namespace detail {
 
 using Configuration = libvantre::Singleton<libconfigurationmanager::detail::ConfigurationManager>;
 
-Embosser::Embosser(QObject* parent)
-    : QObject(parent)
+Embosser::Embosser(QObject* parent) : QObject(parent)
 {
     // Deliberate: start-up must not wait for the configuration service.
     Configuration::instance()->setCheckConnection(false);

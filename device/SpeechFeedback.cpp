@@ -37,8 +37,7 @@ using libtranslation::Sid::EmbosserError;
 using libtranslation::Sid::EmbosserMenu;
 
 SpeechFeedback::SpeechFeedback(QObject* parent)
-    : QObject(parent)
-    , m_speech(libvantre::Singleton<Speech>::instance())
+    : QObject(parent), m_speech(libvantre::Singleton<Speech>::instance())
 {
     const auto onConnected = [this] {
         qCDebug(speechCategory) << "Connected to speech-daemon.";

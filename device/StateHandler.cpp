@@ -8,8 +8,7 @@
 #include <ls/Identifiers.h>
 #include <ls/MessageKeys.h>
 
-StateHandler::StateHandler(QObject* parent)
-    : QObject(parent)
+StateHandler::StateHandler(QObject* parent) : QObject(parent)
 {
     auto* store = ls::DBusServiceStore::instance();
     store->registerService(ls::ServiceId::StateHandler);
@@ -44,8 +43,8 @@ const ls::EnumKey StateHandler::getState() const
 void StateHandler::onNotification(const QVariantMap& notification)
 {
     // Deliberate: the action and the sender must be there, but may be anything.
-    if (!notification.contains(ls::notificationIdKey) || !notification.contains(ls::actionIdKey)
-        || !notification.contains(ls::senderIdKey)) {
+    if (!notification.contains(ls::notificationIdKey) || !notification.contains(ls::actionIdKey) ||
+        !notification.contains(ls::senderIdKey)) {
         LOG_ERROR() << "Invalid notification!";
         return;
     }

@@ -38,16 +38,9 @@ auto retryInterrupted(Call call)
 
 } // namespace
 
-Keyboard::Keyboard(QObject* parent)
-    : Keyboard(QString(), parent)
-{
-}
+Keyboard::Keyboard(QObject* parent) : Keyboard(QString(), parent) {}
 
-Keyboard::Keyboard(const QString& device, QObject* parent)
-    : QObject(parent)
-    , m_device(device)
-{
-}
+Keyboard::Keyboard(const QString& device, QObject* parent) : QObject(parent), m_device(device) {}
 
 Keyboard::~Keyboard()
 {

@@ -39,8 +39,8 @@ QVariantMap withInterval(QVariantMap list)
 
 bool isMachineKey(const ls::EnumKey& key)
 {
-    return key == ls::KeyId::Feed || key == ls::KeyId::Function || key == ls::KeyId::On
-        || key == ls::KeyId::Off || key == ls::KeyId::Ten;
+    return key == ls::KeyId::Feed || key == ls::KeyId::Function || key == ls::KeyId::On ||
+           key == ls::KeyId::Off || key == ls::KeyId::Ten;
 }
 
 } // namespace

@@ -10,8 +10,7 @@ KeyEntry::KeyEntry(const QStringList& keys, const ls::EnumKey& eAction, int time
     , m_timeout(timeout)
     , m_receiverService(receiverService)
     , m_validOnState(validOnState)
-{
-}
+{}
 
 ls::EnumKey KeyEntry::firstKey() const
 {

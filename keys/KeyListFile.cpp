@@ -25,8 +25,9 @@ QString sectionName(EnumDetail::RowKeyList section)
 int toMilliseconds(const QVariant& seconds)
 {
     const bool isReal = seconds.userType() == QMetaType::Double;
-    const qint64 whole = isReal ? qRound64(qBound(-1.0 * maximumSeconds, seconds.toDouble(), 1.0 * maximumSeconds))
-                                : seconds.toLongLong();
+    const qint64 whole =
+        isReal ? qRound64(qBound(-1.0 * maximumSeconds, seconds.toDouble(), 1.0 * maximumSeconds))
+               : seconds.toLongLong();
     return static_cast<int>(qBound<qint64>(-maximumSeconds, whole, maximumSeconds)) * millisecondsPerSecond;
 }
 
@@ -38,8 +39,7 @@ KeyListFile::KeyListFile(const QString& fileName, EnumDetail::RowKeyList section
     , m_section(sectionName(section))
     , m_timeouts(timeouts)
     , m_loader(loader)
-{
-}
+{}
 
 void KeyListFile::load(ls::IReader& reader)
 {

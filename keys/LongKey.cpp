@@ -24,8 +24,7 @@ int reportedTimeout(const KeyEntry& entry)
 
 } // namespace
 
-LongKey::LongKey(ls::IReader& reader, QObject* parent)
-    : QObject(parent)
+LongKey::LongKey(ls::IReader& reader, QObject* parent) : QObject(parent)
 {
     load(reader);
     m_timer.setTimerType(Qt::PreciseTimer);

@@ -32,7 +32,8 @@ public:
 
 Q_SIGNALS:
     /// The key was held long enough; emitted once for each valid state of the row.
-    void longPress(ls::EnumKey action, ls::EnumKey receiver, ls::EnumKey validOnState, QVariantMap parameters);
+    void longPress(ls::EnumKey action, ls::EnumKey receiver, ls::EnumKey validOnState,
+                   QVariantMap parameters);
 
 private:
     void load(ls::IReader& reader);

@@ -15,8 +15,7 @@ constexpr int pairSize = 2;
 
 } // namespace
 
-ModifierKey::ModifierKey(ls::IReader& reader, QObject* parent)
-    : QObject(parent)
+ModifierKey::ModifierKey(ls::IReader& reader, QObject* parent) : QObject(parent)
 {
     load(reader);
 }

@@ -7,8 +7,7 @@
 #include <ls/Identifiers.h>
 #include <ls/MessageKeys.h>
 
-ShortcutKey::ShortcutKey(ls::IReader& reader, QObject* parent)
-    : QObject(parent)
+ShortcutKey::ShortcutKey(ls::IReader& reader, QObject* parent) : QObject(parent)
 {
     load(reader);
 }

@@ -16,7 +16,8 @@ constexpr qint64 sizeLimit = 30 * 1024 * 1024;
 // More than the alignment, length, signature and end mark of a value ever take.
 constexpr qint64 valueOverhead = 24;
 
-struct Carried {
+struct Carried
+{
     QVariant value;
     qint64 size; // an upper bound of the bytes in the message
 };

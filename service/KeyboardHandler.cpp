@@ -58,10 +58,7 @@ const QHash<QString, KeyboardHandler::Handler> KeyboardHandler::s_handlers{
     {ls::KeyboardHandlerCmdId::GetShortcutKeyList, &KeyboardHandler::getShortcutKeyList},
 };
 
-KeyboardHandler::KeyboardHandler(QObject* parent)
-    : QObject(parent)
-{
-}
+KeyboardHandler::KeyboardHandler(QObject* parent) : QObject(parent) {}
 
 void KeyboardHandler::init()
 {

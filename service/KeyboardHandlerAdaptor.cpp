@@ -13,8 +13,7 @@
 #include <QDebug>
 
 KeyboardHandlerAdaptor::KeyboardHandlerAdaptor(KeyboardHandler* handler)
-    : QDBusAbstractAdaptor(handler)
-    , m_handler(handler)
+    : QDBusAbstractAdaptor(handler), m_handler(handler)
 {
     setAutoRelaySignals(true);
     registerOnBus();

@@ -36,7 +36,8 @@ void SystemCheckTest::gateStaysClosedWhileADependencyIsMissing()
 {
     ServiceWatcher::setReady("state-handler", true);
     check.start(QThread::InheritPriority);
-    QTRY_VERIFY(!startupGate().mutex.tryLock() || (startupGate().mutex.unlock(), false)); // it polls under the mutex
+    QTRY_VERIFY(!startupGate().mutex.tryLock() ||
+                (startupGate().mutex.unlock(), false)); // it polls under the mutex
     QVERIFY(check.isRunning());
     QVERIFY(!startupGate().mutex.tryLock(200));
 }

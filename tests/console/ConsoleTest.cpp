@@ -11,22 +11,21 @@ const QStringList generalHelp{"log ================= Help =================",
                               "log For displaying parameters for a command type HELP [command]",
                               "log ========================================"};
 
-const QStringList commandTable{"log 4    \"GetLastKey\"",     "log 3    \"GetLongKeysTimeout\"",
-                               "log 1    \"GetModifierKeyList\"", "log 2    \"GetShortcutKeyList\"",
-                               "log 6    \"GetTestResult\"",  "log 7    \"SimulateKey\"",
-                               "log 8    \"SimulateModifier\"", "log 9    \"SimulateShortcut\"",
-                               "log 5    \"StartTestMode\""};
+const QStringList commandTable{
+    "log 4    \"GetLastKey\"",         "log 3    \"GetLongKeysTimeout\"", "log 1    \"GetModifierKeyList\"",
+    "log 2    \"GetShortcutKeyList\"", "log 6    \"GetTestResult\"",      "log 7    \"SimulateKey\"",
+    "log 8    \"SimulateModifier\"",   "log 9    \"SimulateShortcut\"",   "log 5    \"StartTestMode\""};
 
-const QStringList actionTable{"log 3    \"LongPress\"", "log 4    \"ModifierCombination\"", "log -1    \"None\"",
-                              "log 1    \"Pressed\"",   "log 0    \"Released\"",            "log 2    \"Repeated\"",
+const QStringList actionTable{"log 3    \"LongPress\"", "log 4    \"ModifierCombination\"",
+                              "log -1    \"None\"",     "log 1    \"Pressed\"",
+                              "log 0    \"Released\"",  "log 2    \"Repeated\"",
                               "log 5    \"Shortcut\""};
 
-const QStringList keyTable{"log 158   \"Back\"",    "log 118   \"Chs\"",      "log 108   \"Down\"",
-                           "log 408   \"FactoryReset\"", "log 101   \"Feed\"", "log 464   \"Function\"",
-                           "log 138   \"Help\"",    "log 139   \"Menu\"",     "log 142   \"Off\"",
-                           "log 352   \"Ok\"",      "log 143   \"On\"",       "log 2    \"One\"",
-                           "log 106   \"Right\"",   "log 11   \"Ten\"",       "log 240   \"Unknown\"",
-                           "log 103   \"Up\""};
+const QStringList keyTable{
+    "log 158   \"Back\"",  "log 118   \"Chs\"",      "log 108   \"Down\"",    "log 408   \"FactoryReset\"",
+    "log 101   \"Feed\"",  "log 464   \"Function\"", "log 138   \"Help\"",    "log 139   \"Menu\"",
+    "log 142   \"Off\"",   "log 352   \"Ok\"",       "log 143   \"On\"",      "log 2    \"One\"",
+    "log 106   \"Right\"", "log 11   \"Ten\"",       "log 240   \"Unknown\"", "log 103   \"Up\""};
 
 const QString emptyLine = "log ";
 const QString rule = "log ==============================";
@@ -77,15 +76,20 @@ void ConsoleTest::linesThatAreNoCommandPrintTheGeneralHelp_data()
     QTest::newRow("leading blank before HELP") << " HELP C" << QStringList{};
     QTest::newRow("leading blank before C") << " C 4" << QStringList{};
     QTest::newRow("HELP alone") << "HELP" << QStringList{"log No arguments received for help.", emptyLine};
-    QTest::newRow("HELP and blanks") << "help   " << QStringList{"log No arguments received for help.", emptyLine};
+    QTest::newRow("HELP and blanks") << "help   "
+                                     << QStringList{"log No arguments received for help.", emptyLine};
     QTest::newRow("HELP and a word") << "HELP x" << badArgument;
     QTest::newRow("HELP and a fraction") << "HELP 1.5" << badArgument;
-    QTest::newRow("HELP grown together") << "HELPC" << QStringList{"log No arguments received for help.", emptyLine};
+    QTest::newRow("HELP grown together")
+        << "HELPC" << QStringList{"log No arguments received for help.", emptyLine};
     QTest::newRow("HELP of a command that is listed only") << "HELP 5" << notFound;
     QTest::newRow("HELP of no command") << "HELP 99" << notFound;
     QTest::newRow("HELP of a negative number") << "HELP -1" << notFound;
-    QTest::newRow("C alone") << "C" << QStringList{"log No arguments received for command action.", emptyLine};
-    QTest::newRow("any word with C") << "clear" << QStringList{"log No arguments received for command action.", emptyLine};
+    QTest::newRow("C alone") << "C"
+                             << QStringList{"log No arguments received for command action.", emptyLine};
+    QTest::newRow("any word with C") << "clear"
+                                     << QStringList{"log No arguments received for command action.",
+                                                    emptyLine};
     QTest::newRow("C and a word") << "C four" << badArgument;
     QTest::newRow("C and a number beyond 32 bits") << "C 4294967300" << badArgument;
     QTest::newRow("any word with C and a word") << "call me" << badArgument;
@@ -124,7 +128,8 @@ void ConsoleTest::commandListIsInTheOrderOfNames()
     device->typeLine(line);
     QStringList table = commandTable;
     table.insert(0, "log 10   \"GetKeyList\"");
-    const QStringList expected = QStringList{"log ========== Commands =========="} + table + QStringList{rule, emptyLine};
+    const QStringList expected =
+        QStringList{"log ========== Commands =========="} + table + QStringList{rule, emptyLine};
     QCOMPARE(device->take(), expected);
 }
 
@@ -140,8 +145,8 @@ void ConsoleTest::parameterListHasActionsAndKeys()
     QFETCH(QString, line);
     device->typeLine(line);
     const QStringList end{rule, emptyLine};
-    const QStringList expected = QStringList{"log ========== Key States =========="} + actionTable + end
-                               + QStringList{"log ========== Keys =========="} + keyTable + end;
+    const QStringList expected = QStringList{"log ========== Key States =========="} + actionTable + end +
+                                 QStringList{"log ========== Keys =========="} + keyTable + end;
     QCOMPARE(device->take(), expected);
 }
 
@@ -152,10 +157,12 @@ void ConsoleTest::helpOfARunnableCommandShowsItsParameters_data()
     QTest::newRow("last key") << "HELP 4" << QStringList{"log \"GetLastKey\" params: [None]", emptyLine};
     QTest::newRow("times") << "HELP 3" << QStringList{"log \"GetLongKeysTimeout\" params: [None]", emptyLine};
     QTest::newRow("with a sign") << "HELP +4" << QStringList{"log \"GetLastKey\" params: [None]", emptyLine};
-    QTest::newRow("further words do not count") << "HELP 4 5" << QStringList{"log \"GetLastKey\" params: [None]", emptyLine};
+    QTest::newRow("further words do not count")
+        << "HELP 4 5" << QStringList{"log \"GetLastKey\" params: [None]", emptyLine};
     QTest::newRow("simulation") << "HELP 7"
-                                << QStringList{"log \"SimulateKey\" params: [KeyActionId id] [KeyId id]", emptyLine}
-                                       + actionTable + QStringList{emptyLine} + keyTable;
+                                << QStringList{"log \"SimulateKey\" params: [KeyActionId id] [KeyId id]",
+                                               emptyLine} +
+                                       actionTable + QStringList{emptyLine} + keyTable;
 }
 
 void ConsoleTest::helpOfARunnableCommandShowsItsParameters()
@@ -170,12 +177,16 @@ void ConsoleTest::commandPrintsItsResponse_data()
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("response");
     const QString success = R"(("errorId", QVariant(QString, "Undefined")))";
-    QTest::newRow("last key") << "C 4" << "QMap(" + success + R"(("key", QVariant(int, 0))("resultId", QVariant(QString, "Success"))))";
+    QTest::newRow("last key")
+        << "C 4"
+        << "QMap(" + success + R"(("key", QVariant(int, 0))("resultId", QVariant(QString, "Success"))))";
     QTest::newRow("small letter and blanks")
-        << "c   4 " << "QMap(" + success + R"(("key", QVariant(int, 0))("resultId", QVariant(QString, "Success"))))";
-    QTest::newRow("times") << "C 3"
-                           << "QMap(" + success
-                                  + R"(("keyTimeouts", QVariant(QVariantMap, QMap(("Menu", QVariant(int, 2000)))))("resultId", QVariant(QString, "Success"))))";
+        << "c   4 "
+        << "QMap(" + success + R"(("key", QVariant(int, 0))("resultId", QVariant(QString, "Success"))))";
+    QTest::newRow("times")
+        << "C 3"
+        << "QMap(" + success +
+               R"(("keyTimeouts", QVariant(QVariantMap, QMap(("Menu", QVariant(int, 2000)))))("resultId", QVariant(QString, "Success"))))";
 }
 
 void ConsoleTest::commandPrintsItsResponse()
@@ -189,20 +200,24 @@ void ConsoleTest::commandPrintsItsResponse()
 void ConsoleTest::simulatedKeyIsSentByTheDaemonItself()
 {
     device->typeLine("C 7 0 139");
-    const QStringList expected{"log Process command response", emptyLine, "announce SingleKey UserMenu KeyboardHandler Menu",
-                               R"(log QMap(("errorId", QVariant(QString, "Undefined"))("resultId", QVariant(QString, "Success"))))"};
+    const QStringList expected{
+        "log Process command response", emptyLine, "announce SingleKey UserMenu KeyboardHandler Menu",
+        R"(log QMap(("errorId", QVariant(QString, "Undefined"))("resultId", QVariant(QString, "Success"))))"};
     QCOMPARE(device->take(), expected);
 }
 
 void ConsoleTest::unknownNumbersAreSentAsEmptyTexts()
 {
     device->typeLine("C 7 77 139");
-    const QString refused = R"(log QMap(("errorId", QVariant(QString, "InvalidValue"))("resultId", QVariant(QString, "Failure"))))";
-    QCOMPARE(device->take(), (QStringList{"log Process command response", emptyLine,
-                                          "log KeyboardHandler::simulateKey ERROR: Invalid key action received!", refused}));
+    const QString refused =
+        R"(log QMap(("errorId", QVariant(QString, "InvalidValue"))("resultId", QVariant(QString, "Failure"))))";
+    QCOMPARE(device->take(),
+             (QStringList{"log Process command response", emptyLine,
+                          "log KeyboardHandler::simulateKey ERROR: Invalid key action received!", refused}));
     device->typeLine("C 7 1 9999");
-    QCOMPARE(device->take(), (QStringList{"log Process command response", emptyLine,
-                                          "log KeyboardHandler::simulateKey ERROR: Invalid key received!", refused}));
+    QCOMPARE(device->take(),
+             (QStringList{"log Process command response", emptyLine,
+                          "log KeyboardHandler::simulateKey ERROR: Invalid key received!", refused}));
 }
 
 void ConsoleTest::notificationIsPrintedInItsCategory()
@@ -210,8 +225,9 @@ void ConsoleTest::notificationIsPrintedInItsCategory()
     QLoggingCategory::setFilterRules("Console.debug=true");
     device->tap(KeyId::Menu);
     QLoggingCategory::setFilterRules({});
-    const QStringList printed{"log ----------- Notification -----------", "log NotifcationId: \"KeyboardChange\"",
-                              "log SenderId: \"\"", "log ------------------------------------"};
+    const QStringList printed{"log ----------- Notification -----------",
+                              "log NotifcationId: \"KeyboardChange\"", "log SenderId: \"\"",
+                              "log ------------------------------------"};
     QCOMPARE(device->take().filter("log"), printed);
 }
 
@@ -235,7 +251,8 @@ void ConsoleTest::incompleteNotificationIsReportedWithTheOddPrefix()
     QVariantMap map{{notificationIdKey, "KeyboardChange"}, {actionIdKey, "A"}, {senderIdKey, ""}};
     map.remove(missing);
     Q_EMIT device->handler().notification(map);
-    QCOMPARE(device->take().filter("log"), QStringList{"log QVariantMap&)> ERROR: Invalid notification received!"});
+    QCOMPARE(device->take().filter("log"),
+             QStringList{"log QVariantMap&)> ERROR: Invalid notification received!"});
 }
 
 void ConsoleTest::everyLineIsTimed_data()

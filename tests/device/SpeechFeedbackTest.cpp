@@ -146,8 +146,10 @@ void SpeechFeedbackTest::sentencesAreTracedByName()
 
 void SpeechFeedbackTest::nothingIsTracedByDefault()
 {
-    QtMessageHandler previous = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext&, const QString& text) { qFatal("logged: %s", qPrintable(text)); });
+    QtMessageHandler previous =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
+            qFatal("logged: %s", qPrintable(text));
+        });
     speech->speakFromId(EmbosserCore::KeyTen);
     speech->cancelAll();
     Q_EMIT libvantre::Singleton<Speech>::instance()->connected();

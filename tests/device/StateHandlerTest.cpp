@@ -38,7 +38,8 @@ void StateHandlerTest::init()
 {
     handler = std::make_unique<StateHandler>(nullptr);
     states.clear();
-    connect(handler.get(), &StateHandler::stateChange, this, [this](const QString& state) { states.append(state); });
+    connect(handler.get(), &StateHandler::stateChange, this,
+            [this](const QString& state) { states.append(state); });
     FakeStateHandler::takeRequests();
 }
 
@@ -64,11 +65,15 @@ void StateHandlerTest::properAnswersGiveTheState_data()
 {
     QTest::addColumn<QVariantMap>("reply");
     QTest::addColumn<QString>("state");
-    QTest::newRow("success") << QVariantMap{{"resultId", "Success"}, {"errorId", "Undefined"}, {"stateId", "Print"}} << "Print";
+    QTest::newRow("success") << QVariantMap{{"resultId", "Success"},
+                                            {"errorId", "Undefined"},
+                                            {"stateId", "Print"}}
+                             << "Print";
     QTest::newRow("failure that carries a state")
         << QVariantMap{{"resultId", "Failure"}, {"errorId", "ServiceError"}, {"stateId", "Error"}} << "Error";
     QTest::newRow("result and error of no value")
-        << QVariantMap{{"resultId", QVariant()}, {"errorId", QVariant()}, {"stateId", "PrintOff"}} << "PrintOff";
+        << QVariantMap{{"resultId", QVariant()}, {"errorId", QVariant()}, {"stateId", "PrintOff"}}
+        << "PrintOff";
 }
 
 void StateHandlerTest::properAnswersGiveTheState()
@@ -89,8 +94,10 @@ void StateHandlerTest::improperAnswersGiveUndefined_data()
         return map;
     };
     QTest::newRow("nothing") << QVariantMap{} << "invalid result!";
-    QTest::newRow("no error, though a state") << QVariantMap{{"resultId", "Success"}, {"stateId", "Idle"}} << "invalid result!";
-    QTest::newRow("no result") << QVariantMap{{"errorId", "Undefined"}, {"stateId", "Idle"}} << "invalid result!";
+    QTest::newRow("no error, though a state")
+        << QVariantMap{{"resultId", "Success"}, {"stateId", "Idle"}} << "invalid result!";
+    QTest::newRow("no result") << QVariantMap{{"errorId", "Undefined"}, {"stateId", "Idle"}}
+                               << "invalid result!";
     QTest::newRow("no state") << result << "\"stateId\" not found!";
     QTest::newRow("other case") << withState("idle") << "invalid state \"idle\"";
     QTest::newRow("empty state") << withState("") << "invalid state \"\"";
@@ -158,8 +165,10 @@ void StateHandlerTest::otherNotificationsAreIgnoredSilently()
 {
     QVariantMap notification = stateChange("Idle");
     notification.insert("notificationId", "PaperOut");
-    QtMessageHandler previous = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext&, const QString& text) { qFatal("logged: %s", qPrintable(text)); });
+    QtMessageHandler previous =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
+            qFatal("logged: %s", qPrintable(text));
+        });
     FakeStateHandler::notify(notification);
     qInstallMessageHandler(previous);
     QCOMPARE(states, QStringList{});

@@ -26,10 +26,7 @@ void onCancel(const std::function<void()>& listener)
 
 namespace libspeech::detail {
 
-Speech::Speech(QObject* parent)
-    : QObject(parent)
-{
-}
+Speech::Speech(QObject* parent) : QObject(parent) {}
 
 void Speech::speakFromId(const QVariantMap& request)
 {

@@ -51,11 +51,8 @@ void notify(const QVariantMap& notification)
 
 } // namespace FakeStateHandler
 
-ls::DBusService::DBusService(const QString& serviceId, QObject* parent)
-    : QObject(parent)
-    , m_name(serviceId)
-{
-}
+ls::DBusService::DBusService(const QString& serviceId, QObject* parent) : QObject(parent), m_name(serviceId)
+{}
 
 QVariantMap ls::DBusService::process(const QVariantMap& command)
 {

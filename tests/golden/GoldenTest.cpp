@@ -64,8 +64,10 @@ void GoldenTest::scriptGoesAsExpected()
     }
     device->waitUntil(script.duration() + 5s);
     const Observations observed = device->takeObservations();
-    const QStringList difference = Transcript::difference(script.expectations, observed, Transcript::Mode::Exact);
-    QVERIFY2(difference.isEmpty(), qPrintable(difference.join('\n') + "\nobserved:" + asExpectations(observed)));
+    const QStringList difference =
+        Transcript::difference(script.expectations, observed, Transcript::Mode::Exact);
+    QVERIFY2(difference.isEmpty(),
+             qPrintable(difference.join('\n') + "\nobserved:" + asExpectations(observed)));
 }
 
 VIRTUAL_TIME_TEST_MAIN(GoldenTest)

@@ -29,7 +29,10 @@ void KeyboardManagerDevicesTest::startWithout(const QStringList& missing)
 void KeyboardManagerDevicesTest::runsOnWithoutTheFirstDevice()
 {
     startWithout({"/dev/input/event0"});
-    QCOMPARE(device->take(), QStringList{"log Keyboard::open ERROR: Unable to open device /dev/input/event0: No such file or directory"});
+    QCOMPARE(
+        device->take(),
+        QStringList{
+            "log Keyboard::open ERROR: Unable to open device /dev/input/event0: No such file or directory"});
     device->press(1, KeyId::Up);
     device->release(1, KeyId::Up);
     QCOMPARE(device->take(), QStringList{"announce SingleKey PrintManager - Up"});
@@ -38,7 +41,10 @@ void KeyboardManagerDevicesTest::runsOnWithoutTheFirstDevice()
 void KeyboardManagerDevicesTest::runsOnWithoutTheSecondDevice()
 {
     startWithout({"/dev/input/event1"});
-    QCOMPARE(device->take(), QStringList{"log Keyboard::open ERROR: Unable to open device /dev/input/event1: No such file or directory"});
+    QCOMPARE(
+        device->take(),
+        QStringList{
+            "log Keyboard::open ERROR: Unable to open device /dev/input/event1: No such file or directory"});
     device->tap(KeyId::Up);
     QCOMPARE(device->take(), QStringList{"announce SingleKey PrintManager - Up"});
 }
@@ -47,7 +53,8 @@ void KeyboardManagerDevicesTest::runsOnWithoutAnyDevice()
 {
     startWithout({"/dev/input/event0", "/dev/input/event1"});
     QCOMPARE(device->take().size(), 2);
-    const QVariantMap command{{commandIdKey, "SimulateModifier"}, {senderIdKey, "WwwApi"}, {keysListKey, QStringList{}}};
+    const QVariantMap command{
+        {commandIdKey, "SimulateModifier"}, {senderIdKey, "WwwApi"}, {keysListKey, QStringList{}}};
     QCOMPARE(device->process(command).value(resultIdKey).toString(), QString("Success"));
 }
 

@@ -55,7 +55,10 @@ private:
         return {"announce SingleKey " + receiver + " - " + key};
     }
     static QVariantMap startTest() { return {{commandIdKey, "StartTestMode"}, {senderIdKey, "ServiceTool"}}; }
-    static QVariantMap testResult() { return {{commandIdKey, "GetTestResult"}, {senderIdKey, "ServiceTool"}}; }
+    static QVariantMap testResult()
+    {
+        return {{commandIdKey, "GetTestResult"}, {senderIdKey, "ServiceTool"}};
+    }
 };
 
 void KeyboardManagerTest::idleMenuAloneIsSentAtOnce()
@@ -115,7 +118,8 @@ void KeyboardManagerTest::idleReceiversDependOnTheKey_data()
     for (const char* key : {"Feed", "Function", "On", "Off", "Ten"}) {
         QTest::newRow(key) << key << QStringList{"PrintManager", "UserMenu"};
     }
-    for (const char* key : {"Help", "Menu", "Back", "Right", "Up", "Down", "Ok", "Chs", "One", "FactoryReset"}) {
+    for (const char* key :
+         {"Help", "Menu", "Back", "Right", "Up", "Down", "Ok", "Chs", "One", "FactoryReset"}) {
         QTest::newRow(key) << key << QStringList{"UserMenu"};
     }
 }
@@ -178,8 +182,9 @@ void KeyboardManagerTest::idleTestModeChangesNothing()
     device->take();
     device->tap(KeyId::Ten);
     device->wait(1500ms);
-    QCOMPARE(device->take(), (QStringList{"speak EmbosserCore 29", "announce SingleKey PrintManager ServiceTool Ten",
-                                          "announce SingleKey UserMenu KeyboardHandler Ten"}));
+    QCOMPARE(device->take(),
+             (QStringList{"speak EmbosserCore 29", "announce SingleKey PrintManager ServiceTool Ten",
+                          "announce SingleKey UserMenu KeyboardHandler Ten"}));
     QCOMPARE(device->process(testResult()).value(resultIdKey), QVariant(0));
 }
 
@@ -187,10 +192,14 @@ void KeyboardManagerTest::busyStatesSendEveryReleaseAtOnce_data()
 {
     QTest::addColumn<QString>("state");
     QTest::addColumn<QString>("receiver");
-    QTest::newRow("printing") << "Print" << "PrintManager";
-    QTest::newRow("print paused") << "PrintOff" << "PrintManager";
-    QTest::newRow("error") << "Error" << "ErrorHandler";
-    QTest::newRow("update") << "Update" << "UpdateManager";
+    QTest::newRow("printing") << "Print"
+                              << "PrintManager";
+    QTest::newRow("print paused") << "PrintOff"
+                                  << "PrintManager";
+    QTest::newRow("error") << "Error"
+                           << "ErrorHandler";
+    QTest::newRow("update") << "Update"
+                            << "UpdateManager";
 }
 
 void KeyboardManagerTest::busyStatesSendEveryReleaseAtOnce()
@@ -246,7 +255,8 @@ void KeyboardManagerTest::testModeSpeaksAndCountsEachKeyOnce()
     device->tap(KeyId::Up);
     device->tap(KeyId::Up);
     device->tap(KeyId::FactoryReset);
-    QCOMPARE(device->take(), (QStringList{"cancel", "speak EmbosserCore 24", "cancel", "speak EmbosserCore 24"}));
+    QCOMPARE(device->take(),
+             (QStringList{"cancel", "speak EmbosserCore 24", "cancel", "speak EmbosserCore 24"}));
     QCOMPARE(device->process(testResult()).value(resultIdKey), QVariant(2));
 }
 
@@ -257,8 +267,9 @@ void KeyboardManagerTest::testModeEndsWithTenWhichIsSentAsOk()
     device->take();
     device->tap(KeyId::Down);
     device->tap(KeyId::Ten);
-    QCOMPARE(device->take(), (QStringList{"cancel", "speak EmbosserCore 25", "announce SingleKey ErrorHandler ServiceTool Ok",
-                                          "cancel", "speak EmbosserCore 29"}));
+    QCOMPARE(device->take(),
+             (QStringList{"cancel", "speak EmbosserCore 25", "announce SingleKey ErrorHandler ServiceTool Ok",
+                          "cancel", "speak EmbosserCore 29"}));
     QCOMPARE(device->process(testResult()).value(resultIdKey), QVariant(2));
     QCOMPARE(device->process(testResult()).value(resultIdKey), QVariant(0));
     device->take();
@@ -285,8 +296,9 @@ void KeyboardManagerTest::combinationInABusyStateIsSentAsSingleKeyToo()
     device->take();
     device->setState(StateId::Print);
     device->tap(KeyId::Up);
-    QCOMPARE(device->take(), (QStringList{"announce NextSet UserMenu - Chs Up",
-                                          "announce SingleKey PrintManager KeyboardHandler Up", "speak EmbosserCore 24"}));
+    QCOMPARE(device->take(),
+             (QStringList{"announce NextSet UserMenu - Chs Up",
+                          "announce SingleKey PrintManager KeyboardHandler Up", "speak EmbosserCore 24"}));
 }
 
 void KeyboardManagerTest::functionClosesACombinationAsThePlainSentenceOnOrvane()
@@ -360,9 +372,10 @@ void KeyboardManagerTest::longPressOfSeveralStatesWarnsOfTheOthers()
 {
     start(StateId::Print, {longRow("Back", 1, "Idle | Print", "Cancel", "PrintManager")});
     device->hold(KeyId::Back, 1250ms);
-    QCOMPARE(device->take(),
-             (QStringList{"log KeyboardManager::onEvent WARN: Expected state is:  \"Idle\" , but current state is:  \"Print\" !?",
-                          "announce Cancel PrintManager - Back", "announce SingleKey PrintManager KeyboardHandler Back"}));
+    QCOMPARE(device->take(), (QStringList{"log KeyboardManager::onEvent WARN: Expected state is:  \"Idle\" , "
+                                          "but current state is:  \"Print\" !?",
+                                          "announce Cancel PrintManager - Back",
+                                          "announce SingleKey PrintManager KeyboardHandler Back"}));
 }
 
 void KeyboardManagerTest::actionForAnotherStateIsDroppedWithItsReason()
@@ -370,8 +383,8 @@ void KeyboardManagerTest::actionForAnotherStateIsDroppedWithItsReason()
     start(StateId::Idle, {shortcutRow({"Function", "Up"}, "Print", "Louder")});
     device->press(KeyId::Function);
     device->press(KeyId::Up);
-    QCOMPARE(device->take(),
-             QStringList{"log KeyboardManager::onEvent WARN: Expected state is:  \"Print\" , but current state is:  \"Idle\" !?"});
+    QCOMPARE(device->take(), QStringList{"log KeyboardManager::onEvent WARN: Expected state is:  \"Print\" , "
+                                         "but current state is:  \"Idle\" !?"});
 }
 
 void KeyboardManagerTest::droppedActionStillCountsAsGesture()
@@ -413,7 +426,8 @@ void KeyboardManagerTest::factoryResetFiresAfterFiveSeconds()
     device->wait(4999ms);
     QCOMPARE(device->take(), QStringList{});
     device->wait(1ms);
-    QCOMPARE(device->take(), (QStringList{"announce FactoryReset WwwApi - FactoryReset", "speak EmbosserMenu 487"}));
+    QCOMPARE(device->take(),
+             (QStringList{"announce FactoryReset WwwApi - FactoryReset", "speak EmbosserMenu 487"}));
     device->wait(20s);
     QCOMPARE(device->take(), QStringList{});
 }
@@ -444,7 +458,8 @@ void KeyboardManagerTest::factoryResetTimerOutlivesAReleaseInStartup()
     device->setState(StateId::Startup);
     device->release(KeyId::FactoryReset);
     device->wait(5s);
-    QCOMPARE(device->take(), (QStringList{"announce FactoryReset WwwApi - FactoryReset", "speak EmbosserMenu 487"}));
+    QCOMPARE(device->take(),
+             (QStringList{"announce FactoryReset WwwApi - FactoryReset", "speak EmbosserMenu 487"}));
 }
 
 void KeyboardManagerTest::stateChangeDecidesOverAPendingKey()
@@ -472,7 +487,8 @@ void KeyboardManagerTest::stateChangeOpensTheWayOfACombination()
 
 void KeyboardManagerTest::keysOfBothDevicesMakeOneGesture()
 {
-    start(StateId::Idle, {shortcutRow({"Function", "Up"}, "Idle", "Louder"), modifierRow({"Chs", "Ok"}, "Idle", "Set")});
+    start(StateId::Idle,
+          {shortcutRow({"Function", "Up"}, "Idle", "Louder"), modifierRow({"Chs", "Ok"}, "Idle", "Set")});
     device->press(0, KeyId::Function);
     device->press(1, KeyId::Up);
     device->release(1, KeyId::Up);
@@ -482,7 +498,8 @@ void KeyboardManagerTest::keysOfBothDevicesMakeOneGesture()
     device->release(1, KeyId::Chs);
     device->tap(KeyId::Ok);
     QCOMPARE(device->take().filter("announce"),
-             (QStringList{"announce Louder UserMenu - Function Up", "announce Set UserMenu KeyboardHandler Chs Ok"}));
+             (QStringList{"announce Louder UserMenu - Function Up",
+                          "announce Set UserMenu KeyboardHandler Chs Ok"}));
 }
 
 void KeyboardManagerTest::otherRecordsAreIgnored()
@@ -493,7 +510,8 @@ void KeyboardManagerTest::otherRecordsAreIgnored()
     device->wait(10s);
     QCOMPARE(device->take(), QStringList{});
     device->record(0, {EV_KEY, KEY_MENU, 3});
-    QCOMPARE(device->take(), QStringList{"log KeyboardManager::onKeyEvent ERROR: Action cannot be categorized!"});
+    QCOMPARE(device->take(),
+             QStringList{"log KeyboardManager::onKeyEvent ERROR: Action cannot be categorized!"});
 }
 
 void KeyboardManagerTest::lineOfEachKeyIsTracedInItsCategory()
@@ -502,8 +520,9 @@ void KeyboardManagerTest::lineOfEachKeyIsTracedInItsCategory()
     QLoggingCategory::setFilterRules("KeyboardManager.debug=true");
     device->hold(KeyId::Up, 250ms);
     QLoggingCategory::setFilterRules({});
-    QCOMPARE(device->take().filter("log"), (QStringList{"log Key \"Up\" pressed.", "log Key \"Up\" repeatedly pressed.",
-                                                        "log Key \"Up\" released."}));
+    QCOMPARE(device->take().filter("log"),
+             (QStringList{"log Key \"Up\" pressed.", "log Key \"Up\" repeatedly pressed.",
+                          "log Key \"Up\" released."}));
 }
 
 void KeyboardManagerTest::windowIsOpenUntilExactly1500Milliseconds()

@@ -87,7 +87,8 @@ QByteArray KeyboardTest::bytes(const input_event& event)
 
 void KeyboardTest::write(const QByteArray& data)
 {
-    QCOMPARE(::write(writer, data.constData(), static_cast<size_t>(data.size())), static_cast<ssize_t>(data.size()));
+    QCOMPARE(::write(writer, data.constData(), static_cast<size_t>(data.size())),
+             static_cast<ssize_t>(data.size()));
     QCoreApplication::processEvents();
 }
 
@@ -126,7 +127,8 @@ void KeyboardTest::missingDeviceIsReportedAndMayComeLater()
 void KeyboardTest::everyRecordIsEmittedNotOnlyKeys()
 {
     keyboard->open();
-    write(bytes(record(EV_MSC, MSC_SCAN, 7)) + bytes(record(EV_KEY, KEY_UP, 1)) + bytes(record(EV_SYN, SYN_REPORT, 0)));
+    write(bytes(record(EV_MSC, MSC_SCAN, 7)) + bytes(record(EV_KEY, KEY_UP, 1)) +
+          bytes(record(EV_SYN, SYN_REPORT, 0)));
     QCOMPARE(events, (QStringList{"4 4 7", "1 103 1", "0 0 0"}));
 }
 
@@ -152,7 +154,8 @@ void KeyboardTest::burstWithPartialRecordsLosesNoWholeRecord()
 {
     keyboard->open();
     for (int i = 0; i < 10000; ++i) {
-        write(bytes(record(EV_KEY, KEY_UP, i % 3)) + QByteArray(i % static_cast<int>(sizeof(input_event)), 'x'));
+        write(bytes(record(EV_KEY, KEY_UP, i % 3)) +
+              QByteArray(i % static_cast<int>(sizeof(input_event)), 'x'));
     }
     QCOMPARE(events.size(), 10000);
 }
@@ -173,7 +176,10 @@ void KeyboardTest::readErrorIsReportedAndTheDeviceStaysWatched()
 {
     keyboard->open();
     const int unreadable = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
-    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("^Keyboard::readEvents ERROR: Error reading from device .*: Bad file descriptor$"));
+    QTest::ignoreMessage(
+        QtCriticalMsg,
+        QRegularExpression(
+            "^Keyboard::readEvents ERROR: Error reading from device .*: Bad file descriptor$"));
     QMetaObject::invokeMethod(keyboard.get(), "readEvents", Q_ARG(int, unreadable));
     QVERIFY(keyboard->errorString().startsWith("Error reading from device "));
     QVERIFY(keyboard->findChild<QSocketNotifier*>()->isEnabled());
@@ -196,7 +202,8 @@ void KeyboardTest::endOfFileIsWarnedOf()
 void KeyboardTest::writtenRecordIsReportedAsPartial()
 {
     keyboard->open();
-    QTest::ignoreMessage(QtCriticalMsg, qPrintable("Keyboard::write ERROR: Partial write to device " + path("event0") + "."));
+    QTest::ignoreMessage(
+        QtCriticalMsg, qPrintable("Keyboard::write ERROR: Partial write to device " + path("event0") + "."));
     QVERIFY(!keyboard->write(ls::KeyEvent(record(EV_KEY, KEY_UP, 1))));
     QCoreApplication::processEvents();
     QCOMPARE(events, QStringList{"1 103 1"}); // written whole: a FIFO hands it back
@@ -215,13 +222,27 @@ void KeyboardTest::simulatedKeysAreEmitted_data()
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("action");
     QTest::addColumn<QString>("event");
-    QTest::newRow("press") << "Menu" << "Pressed" << "1 139 1";
-    QTest::newRow("release") << "Ok" << "Released" << "1 352 0";
-    QTest::newRow("repeat") << "FactoryReset" << "Repeated" << "1 408 2";
-    QTest::newRow("gesture") << "Up" << "Shortcut" << "1 103 5";
-    QTest::newRow("unknown key") << "NoSuchKey" << "Pressed" << "1 0 1";
-    QTest::newRow("unknown action") << "Up" << "NoSuchAction" << "1 103 -2147483648";
-    QTest::newRow("neither known") << "" << "" << "1 0 -2147483648";
+    QTest::newRow("press") << "Menu"
+                           << "Pressed"
+                           << "1 139 1";
+    QTest::newRow("release") << "Ok"
+                             << "Released"
+                             << "1 352 0";
+    QTest::newRow("repeat") << "FactoryReset"
+                            << "Repeated"
+                            << "1 408 2";
+    QTest::newRow("gesture") << "Up"
+                             << "Shortcut"
+                             << "1 103 5";
+    QTest::newRow("unknown key") << "NoSuchKey"
+                                 << "Pressed"
+                                 << "1 0 1";
+    QTest::newRow("unknown action") << "Up"
+                                    << "NoSuchAction"
+                                    << "1 103 -2147483648";
+    QTest::newRow("neither known") << ""
+                                   << ""
+                                   << "1 0 -2147483648";
 }
 
 void KeyboardTest::simulatedKeysAreEmitted()

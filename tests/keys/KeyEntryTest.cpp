@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "keys/EnumDetail.h"
 #include "keys/KeyEntry.h"
+#include "keys/EnumDetail.h"
 
 #include <QMetaEnum>
 #include <QtTest>
@@ -62,7 +62,8 @@ void KeyEntryTest::sectionsAndConditionsAreNamed_data()
 {
     QTest::addColumn<QString>("enumeration");
     QTest::addColumn<QStringList>("names");
-    QTest::newRow("sections") << "RowKeyList" << QStringList{"Keys", "ModifierKeys", "LongKeys", "ShortcutKeys"};
+    QTest::newRow("sections") << "RowKeyList"
+                              << QStringList{"Keys", "ModifierKeys", "LongKeys", "ShortcutKeys"};
     QTest::newRow("conditions") << "ValidateKeyCommand"
                                 << QStringList{"Undefined", "AlwaysValid", "AlwaysInvalid", "ModelIsOrvane",
                                                "ModelIsPellit"};

@@ -30,7 +30,10 @@ private Q_SLOTS:
 
 private:
     KeyListFile loaded(const QVariantMap& content, Timeouts timeouts = Timeouts::Read);
-    QVariant row(const QVariant& timeout) { return QVariantMap{{"keys", QStringList{"Up"}}, {"timeout", timeout}}; }
+    QVariant row(const QVariant& timeout)
+    {
+        return QVariantMap{{"keys", QStringList{"Up"}}, {"timeout", timeout}};
+    }
 };
 
 KeyListFile KeyListFileTest::loaded(const QVariantMap& content, Timeouts timeouts)
@@ -47,9 +50,15 @@ void KeyListFileTest::missingFileGivesTwoLines_data()
     QTest::addColumn<QString>("className");
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("section");
-    QTest::newRow("long press") << "LongKey" << "longKeyList.json" << "LongKeys";
-    QTest::newRow("modifier") << "ModifierKey" << "modifierKeyList.json" << "ModifierKeys";
-    QTest::newRow("shortcut") << "ShortcutKey" << "shortcutKeyList.json" << "ShortcutKeys";
+    QTest::newRow("long press") << "LongKey"
+                                << "longKeyList.json"
+                                << "LongKeys";
+    QTest::newRow("modifier") << "ModifierKey"
+                              << "modifierKeyList.json"
+                              << "ModifierKeys";
+    QTest::newRow("shortcut") << "ShortcutKey"
+                              << "shortcutKeyList.json"
+                              << "ShortcutKeys";
 }
 
 void KeyListFileTest::missingFileGivesTwoLines()
@@ -90,7 +99,8 @@ void KeyListFileTest::sectionThatIsNoListGivesTheConversionLine_data()
 void KeyListFileTest::sectionThatIsNoListGivesTheConversionLine()
 {
     QFETCH(QVariant, section);
-    QTest::ignoreMessage(QtCriticalMsg, "LongKey::load ERROR: value list LongKeys conversion to list failed!");
+    QTest::ignoreMessage(QtCriticalMsg,
+                         "LongKey::load ERROR: value list LongKeys conversion to list failed!");
     const KeyListFile file = loaded({{"LongKeys", section}});
     QVERIFY(file.rows().isEmpty());
     QVERIFY(file.content().isEmpty());

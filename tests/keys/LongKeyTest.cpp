@@ -42,15 +42,19 @@ void LongKeyTest::make(const QVariantList& rows)
     MapReader reader({{"LongKeys", rows}});
     longKey = std::make_unique<LongKey>(reader, nullptr);
     fired.clear();
-    connect(longKey.get(), &LongKey::longPress, this,
-            [this](const QString& action, const QString& receiver, const QString& state, const QVariantMap& map) {
-                const QVariantMap expected{{firstKeyKey, map.value(firstKeyKey)}};
-                QCOMPARE(map, expected);
-                fired.append(QStringList{action, receiver, "<" + state + ">", map.value(firstKeyKey).toString()}.join(' '));
-            });
+    connect(
+        longKey.get(), &LongKey::longPress, this,
+        [this](const QString& action, const QString& receiver, const QString& state, const QVariantMap& map) {
+            const QVariantMap expected{{firstKeyKey, map.value(firstKeyKey)}};
+            QCOMPARE(map, expected);
+            fired.append(
+                QStringList{action, receiver, "<" + state + ">", map.value(firstKeyKey).toString()}.join(
+                    ' '));
+        });
 }
 
-QVariant LongKeyTest::row(const QString& key, const QVariant& timeout, const QString& states, const QString& action)
+QVariant LongKeyTest::row(const QString& key, const QVariant& timeout, const QString& states,
+                          const QString& action)
 {
     return QVariantMap{{"keys", QStringList{key}},
                        {"eAction", action},

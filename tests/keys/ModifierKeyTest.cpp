@@ -36,7 +36,8 @@ private:
 
 void ModifierKeyTest::initTestCase()
 {
-    FakeSpeech::onSpeak([this](const QVariantMap& request) { seen.append(ObservationText::speech(request)); });
+    FakeSpeech::onSpeak(
+        [this](const QVariantMap& request) { seen.append(ObservationText::speech(request)); });
     FakeSpeech::onCancel([this] { seen.append("cancel"); });
 }
 
@@ -46,7 +47,9 @@ void ModifierKeyTest::make(MapReader reader)
     modifiers->reset();
     connect(modifiers.get(), &ModifierKey::doubleModifier, this,
             [this](const QString& action, const QString&, const QString&, const QVariantMap& map) {
-                seen.append(QString("%1 %2 %3").arg(action, map.value("firstKey").toString(), map.value("secondKey").toString()));
+                seen.append(
+                    QString("%1 %2 %3")
+                        .arg(action, map.value("firstKey").toString(), map.value("secondKey").toString()));
             });
 }
 
@@ -70,35 +73,44 @@ void ModifierKeyTest::releasedSequencesMatch_data()
     const Rows triple{{"Menu", "Up", "Down"}};
     const QString menuUp = "A0 Menu Up";
     QTest::newRow("pair") << pair << QStringList{"Menu", "Up"} << QStringList{menuUp};
-    QTest::newRow("closing key again") << pair << QStringList{"Menu", "Up", "Up"} << QStringList{menuUp, menuUp};
+    QTest::newRow("closing key again")
+        << pair << QStringList{"Menu", "Up", "Up"} << QStringList{menuUp, menuUp};
     QTest::newRow("wrong order") << pair << QStringList{"Up", "Menu"} << QStringList{};
-    QTest::newRow("another key between does not hurt a pair") << pair << QStringList{"Menu", "Ok", "Up"} << QStringList{menuUp};
+    QTest::newRow("another key between does not hurt a pair")
+        << pair << QStringList{"Menu", "Ok", "Up"} << QStringList{menuUp};
     QTest::newRow("triple") << triple << QStringList{"Menu", "Up", "Down"} << QStringList{"A0 Menu Down"};
-    QTest::newRow("triple with a wrong middle") << triple << QStringList{"Menu", "Ok", "Down"} << QStringList{};
+    QTest::newRow("triple with a wrong middle")
+        << triple << QStringList{"Menu", "Ok", "Down"} << QStringList{};
     QTest::newRow("triple too long") << triple << QStringList{"Menu", "Up", "Up", "Down"} << QStringList{};
     QTest::newRow("pair behind a longer row is hidden")
         << Rows{{"Menu", "Up", "Down"}, {"Menu", "Up"}} << QStringList{"Menu", "Up"} << QStringList{};
     QTest::newRow("pair before a longer row works")
         << Rows{{"Menu", "Up"}, {"Menu", "Ok", "Down"}} << QStringList{"Menu", "Up"} << QStringList{menuUp};
     QTest::newRow("pair that matches empties the sequence of the longer row")
-        << Rows{{"Menu", "Up"}, {"Menu", "Up", "Down"}} << QStringList{"Menu", "Up", "Down"} << QStringList{menuUp};
+        << Rows{{"Menu", "Up"}, {"Menu", "Up", "Down"}} << QStringList{"Menu", "Up", "Down"}
+        << QStringList{menuUp};
     QTest::newRow("pair behind a longer row that matches is reached")
         << Rows{{"Menu", "Up", "Down"}, {"Menu", "Down"}} << QStringList{"Menu", "Up", "Down"}
         << QStringList{"A0 Menu Down", "A1 Menu Down"};
     QTest::newRow("second longer row is hidden by the first")
-        << Rows{{"Menu", "Up", "Down"}, {"Menu", "Up", "Ok"}} << QStringList{"Menu", "Up", "Ok"} << QStringList{};
+        << Rows{{"Menu", "Up", "Down"}, {"Menu", "Up", "Ok"}} << QStringList{"Menu", "Up", "Ok"}
+        << QStringList{};
     QTest::newRow("longer row behind a match starts from the current key")
         << Rows{{"Menu", "Up", "Down"}, {"Down", "x", "y"}} << QStringList{"Menu", "Up", "Down", "x", "y"}
         << QStringList{"A0 Menu Down"};
-    QTest::newRow("single key twice") << Rows{{"Help"}} << QStringList{"Help", "Help"} << QStringList{"A0 Help Help"};
-    QTest::newRow("same key named twice") << Rows{{"Help", "Help"}} << QStringList{"Help", "Help"} << QStringList{"A0 Help Help"};
+    QTest::newRow("single key twice")
+        << Rows{{"Help"}} << QStringList{"Help", "Help"} << QStringList{"A0 Help Help"};
+    QTest::newRow("same key named twice")
+        << Rows{{"Help", "Help"}} << QStringList{"Help", "Help"} << QStringList{"A0 Help Help"};
     QTest::newRow("single key once") << Rows{{"Help"}} << QStringList{"Help"} << QStringList{};
     QTest::newRow("two rows of the same pair both match")
-        << Rows{{"Menu", "Up"}, {"Menu", "Up"}} << QStringList{"Menu", "Up"} << QStringList{menuUp, "A1 Menu Up"};
-    QTest::newRow("row without keys is passed over") << Rows{{}, {"Menu", "Up"}} << QStringList{"Menu", "Up"}
-                                                     << QStringList{"A1 Menu Up"};
+        << Rows{{"Menu", "Up"}, {"Menu", "Up"}} << QStringList{"Menu", "Up"}
+        << QStringList{menuUp, "A1 Menu Up"};
+    QTest::newRow("row without keys is passed over")
+        << Rows{{}, {"Menu", "Up"}} << QStringList{"Menu", "Up"} << QStringList{"A1 Menu Up"};
     QTest::newRow("row without keys never matches") << Rows{{}} << QStringList{"", ""} << QStringList{};
-    QTest::newRow("key of no row opens nothing") << pair << QStringList{"Ok", "Menu", "Up"} << QStringList{menuUp};
+    QTest::newRow("key of no row opens nothing")
+        << pair << QStringList{"Ok", "Menu", "Up"} << QStringList{menuUp};
 }
 
 void ModifierKeyTest::releasedSequencesMatch()
@@ -116,7 +128,8 @@ void ModifierKeyTest::longerRowsCancelSpeechFirst()
     make(MapReader::ofKeys("ModifierKeys", {{"Menu", "Up"}, {"Menu", "Ok", "Down"}}));
     QCOMPARE(release({"Menu", "Up"}), (QStringList{"A0 Menu Up", "speak EmbosserCore 24"}));
     modifiers->reset();
-    QCOMPARE(release({"Menu", "Ok", "Down"}), (QStringList{"A1 Menu Down", "cancel", "speak EmbosserCore 25"}));
+    QCOMPARE(release({"Menu", "Ok", "Down"}),
+             (QStringList{"A1 Menu Down", "cancel", "speak EmbosserCore 25"}));
 }
 
 void ModifierKeyTest::functionIsSpokenAsThePlainSentence()
@@ -128,7 +141,8 @@ void ModifierKeyTest::functionIsSpokenAsThePlainSentence()
 void ModifierKeyTest::closingKeyWithoutNameIsSpokenAsSentence0()
 {
     make(MapReader::ofKeys("ModifierKeys", {{"Menu", "FactoryReset"}}));
-    QCOMPARE(release({"Menu", "FactoryReset"}), (QStringList{"A0 Menu FactoryReset", "speak EmbosserCore 0"}));
+    QCOMPARE(release({"Menu", "FactoryReset"}),
+             (QStringList{"A0 Menu FactoryReset", "speak EmbosserCore 0"}));
 }
 
 void ModifierKeyTest::resetClosesTheCombination()
@@ -159,7 +173,9 @@ void ModifierKeyTest::signalCarriesTheWholeRow()
     QVariantList carried;
     connect(modifiers.get(), &ModifierKey::doubleModifier, this,
             [&carried](const QString& action, const QString& receiver, const QString& states,
-                       const QVariantMap& parameters) { carried = QVariantList{action, receiver, states, parameters}; });
+                       const QVariantMap& parameters) {
+                carried = QVariantList{action, receiver, states, parameters};
+            });
     release({"Menu", "Up"});
     const QVariantMap parameters{{"firstKey", "Menu"}, {"secondKey", "Up"}};
     QCOMPARE(carried, (QVariantList{"Act", "WwwApi", "Idle|Print", parameters}));
@@ -169,7 +185,8 @@ void ModifierKeyTest::endlessSequenceDoesNotGrow()
 {
     make(MapReader::ofKeys("ModifierKeys", {{"Menu", "Up", "Down"}}));
     release({"Menu"});
-    const QStringList many = QVector<QString>(20000, "Ok").toList(); // quadratic, and out of memory in the long run, if each were kept
+    const QStringList many = QVector<QString>(20000, "Ok")
+                                 .toList(); // quadratic, and out of memory in the long run, if each were kept
     QCOMPARE(release(many), QStringList{});
     modifiers->reset();
     QCOMPARE(release({"Menu", "Up", "Down"}).first(), QString("A0 Menu Down"));

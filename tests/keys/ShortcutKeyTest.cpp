@@ -48,8 +48,10 @@ void ShortcutKeyTest::pressedSequencesFire_data()
     QTest::addColumn<QStringList>("pressed");
     QTest::addColumn<QStringList>("actions");
     const Rows one{{"Function", "Up"}};
-    QTest::newRow("closing key while the opening key is held") << one << QStringList{"Function", "Up"} << QStringList{"A0"};
-    QTest::newRow("closing key again") << one << QStringList{"Function", "Up", "Up"} << QStringList{"A0", "A0"};
+    QTest::newRow("closing key while the opening key is held")
+        << one << QStringList{"Function", "Up"} << QStringList{"A0"};
+    QTest::newRow("closing key again")
+        << one << QStringList{"Function", "Up", "Up"} << QStringList{"A0", "A0"};
     QTest::newRow("in the wrong order") << one << QStringList{"Up", "Function"} << QStringList{};
     QTest::newRow("wrong order is right for another row")
         << Rows{{"Function", "Up"}, {"Up", "Function"}} << QStringList{"Up", "Function"} << QStringList{"A1"};
@@ -57,10 +59,12 @@ void ShortcutKeyTest::pressedSequencesFire_data()
     QTest::newRow("first of two equal rows")
         << Rows{{"Function", "Up"}, {"Function", "Up"}} << QStringList{"Function", "Up"} << QStringList{"A0"};
     QTest::newRow("second row of the same opening key")
-        << Rows{{"Function", "Up"}, {"Function", "Down"}} << QStringList{"Function", "Down"} << QStringList{"A1"};
+        << Rows{{"Function", "Up"}, {"Function", "Down"}} << QStringList{"Function", "Down"}
+        << QStringList{"A1"};
     QTest::newRow("keys in the middle do not count")
         << Rows{{"Function", "Ok", "Up"}} << QStringList{"Function", "Up"} << QStringList{"A0"};
-    QTest::newRow("single key pressed twice") << Rows{{"Help"}} << QStringList{"Help", "Help"} << QStringList{"A0"};
+    QTest::newRow("single key pressed twice")
+        << Rows{{"Help"}} << QStringList{"Help", "Help"} << QStringList{"A0"};
     QTest::newRow("row without keys") << Rows{{}} << QStringList{"", ""} << QStringList{};
     QTest::newRow("row without keys is passed over")
         << Rows{{}, {"Function", "Up"}} << QStringList{"Function", "Up"} << QStringList{"A1"};
@@ -92,7 +96,9 @@ void ShortcutKeyTest::signalCarriesTheWholeRow()
     QVariantList carried;
     connect(shortcuts.get(), &ShortcutKey::doubleShortcut, this,
             [&carried](const QString& action, const QString& receiver, const QString& states,
-                       const QVariantMap& parameters) { carried = QVariantList{action, receiver, states, parameters}; });
+                       const QVariantMap& parameters) {
+                carried = QVariantList{action, receiver, states, parameters};
+            });
     press({"Function", "Up"});
     const QVariantMap parameters{{"firstKey", "Function"}, {"secondKey", "Up"}};
     QCOMPARE(carried, (QVariantList{"Act", "WwwApi", "Idle|Print", parameters}));

@@ -61,7 +61,8 @@ void AdaptorTest::cleanup()
 void AdaptorTest::registersAndSaysSo()
 {
     adapt();
-    QCOMPARE(log->texts(QtDebugMsg), QStringList{"Successfully registered on DBus: \"com.vantre.KeyboardHandler\""});
+    QCOMPARE(log->texts(QtDebugMsg),
+             QStringList{"Successfully registered on DBus: \"com.vantre.KeyboardHandler\""});
     QCOMPARE(log->texts(QtCriticalMsg), QStringList{});
     QVERIFY(QDBusConnection::systemBus().interface()->isServiceRegistered(name));
 }
@@ -70,7 +71,8 @@ void AdaptorTest::takenNameIsReported()
 {
     const BusPeer squatter(bus, name);
     adapt();
-    QCOMPARE(log->texts(QtCriticalMsg), QStringList{"Unable to register Service: Service-name already in use."});
+    QCOMPARE(log->texts(QtCriticalMsg),
+             QStringList{"Unable to register Service: Service-name already in use."});
 }
 
 void AdaptorTest::takenPathIsReported()
@@ -88,7 +90,8 @@ void AdaptorTest::callsReachTheServiceObjectUnpacked()
     QDBusConnection client = bus.connect("client");
     QDBusMessage call = QDBusMessage::createMethodCall(name, "/", name, "process");
     // A variant in a variant is unpacked before the sender is looked at.
-    call << QVariant(QVariantMap{{"commandId", QVariant::fromValue(QDBusVariant("GetKeyList"))}, {"senderId", "WwwApi"}});
+    call << QVariant(
+        QVariantMap{{"commandId", QVariant::fromValue(QDBusVariant("GetKeyList"))}, {"senderId", "WwwApi"}});
     QDBusPendingCall pending = client.asyncCall(call);
     QTRY_VERIFY(pending.isFinished());
     const auto response = qdbus_cast<QVariantMap>(pending.reply().arguments().value(0));
@@ -100,8 +103,11 @@ void AdaptorTest::notificationsAreRelayed()
     adapt();
     QDBusConnection client = bus.connect("listener");
     QVERIFY(client.connect(name, "/", name, "notification", this, SLOT(note(QVariantMap))));
-    const QVariantMap expected{{"notificationId", "KeyboardChange"}, {"actionId", "Act"}, {"senderId", ""},
-                               {"receiverId", "UserMenu"},           {"firstKey", "Up"}};
+    const QVariantMap expected{{"notificationId", "KeyboardChange"},
+                               {"actionId", "Act"},
+                               {"senderId", ""},
+                               {"receiverId", "UserMenu"},
+                               {"firstKey", "Up"}};
     handler->sendKeyboardChange("Act", "UserMenu", {{"firstKey", "Up"}});
     QTRY_COMPARE(noted, QList<QVariantMap>{expected});
 }

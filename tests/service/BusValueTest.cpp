@@ -68,8 +68,12 @@ QVariantMap BusValueTest::carried(const QVariantMap& map)
 
 void BusValueTest::plainValuesArriveAsTheyAre()
 {
-    const QVariantMap map{{"text", "x"},     {"number", 7},  {"long", 5000000000LL},
-                          {"real", 1.5},     {"truth", true}, {"list", QVariantList{1, "a", QVariantMap{{"b", 2}}}},
+    const QVariantMap map{{"text", "x"},
+                          {"number", 7},
+                          {"long", 5000000000LL},
+                          {"real", 1.5},
+                          {"truth", true},
+                          {"list", QVariantList{1, "a", QVariantMap{{"b", 2}}}},
                           {"map", QVariantMap{{"empty", QVariantMap{}}}}};
     QCOMPARE(carried(map), map);
 }
@@ -77,8 +81,11 @@ void BusValueTest::plainValuesArriveAsTheyAre()
 void BusValueTest::nullsArriveAsEmptyStrings()
 {
     const QVariantMap parsed =
-        QJsonDocument::fromJson(R"({"a": null, "b": [1, null, {"c": null}], "d": {"e": null}})").toVariant().toMap();
-    const QVariantMap expected{{"a", ""}, {"b", QVariantList{1, "", QVariantMap{{"c", ""}}}}, {"d", QVariantMap{{"e", ""}}}};
+        QJsonDocument::fromJson(R"({"a": null, "b": [1, null, {"c": null}], "d": {"e": null}})")
+            .toVariant()
+            .toMap();
+    const QVariantMap expected{
+        {"a", ""}, {"b", QVariantList{1, "", QVariantMap{{"c", ""}}}}, {"d", QVariantMap{{"e", ""}}}};
     QCOMPARE(QJsonDocument::fromVariant(carried(parsed)), QJsonDocument::fromVariant(expected));
 }
 
@@ -88,7 +95,8 @@ void BusValueTest::valuesOfEveryDepthArrive_data()
     for (int depth : {1, 10, 18, 19, 20, 21, 22, 25, 40, 70, 1000}) {
         QTest::addRow("maps %d deep", depth) << nestedMaps(depth);
         QTest::addRow("lists %d deep", depth) << nestedLists(depth);
-        QTest::addRow("lists %d deep in maps", depth) << QVariant(QVariantMap{{"a", QVariantMap{{"b", nestedLists(depth)}}}});
+        QTest::addRow("lists %d deep in maps", depth)
+            << QVariant(QVariantMap{{"a", QVariantMap{{"b", nestedLists(depth)}}}});
     }
     for (int depth = 26; depth < 34; ++depth) {
         QTest::addRow("lists %d deep, around the limit", depth) << nestedLists(depth);

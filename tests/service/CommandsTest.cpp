@@ -35,8 +35,9 @@ private:
 
 void CommandsTest::init()
 {
-    start(StateId::Idle, {modifierRow({"Chs", "Up"}, "Idle", "NextSet"), shortcutRow({"Function", "Up"}, "Idle", "Louder"),
-                          longRow("Help", 2, "Idle", "Explain"), longRow("Menu", 2, "Idle", "MainMenu")});
+    start(StateId::Idle,
+          {modifierRow({"Chs", "Up"}, "Idle", "NextSet"), shortcutRow({"Function", "Up"}, "Idle", "Louder"),
+           longRow("Help", 2, "Idle", "Explain"), longRow("Menu", 2, "Idle", "MainMenu")});
 }
 
 QVariantMap CommandsTest::send(const QString& command, QVariantMap parameters)
@@ -120,7 +121,8 @@ void CommandsTest::simulateKeyWithTheActionNoneFails()
 void CommandsTest::simulateKeyWithAGestureActionIsNotCategorized()
 {
     QCOMPARE(send("SimulateKey", {{"actionId", "LongPress"}, {"key", "Menu"}}), success);
-    QCOMPARE(device->take(), QStringList{"log KeyboardManager::onKeyEvent ERROR: Action cannot be categorized!"});
+    QCOMPARE(device->take(),
+             QStringList{"log KeyboardManager::onKeyEvent ERROR: Action cannot be categorized!"});
 }
 
 void CommandsTest::simulatedListsTakeWhatAQStringListCanBeMadeOf_data()
@@ -170,10 +172,12 @@ void CommandsTest::nonKeyInAListSimulatesNothing_data()
     QTest::addColumn<QString>("command");
     QTest::addColumn<QStringList>("keys");
     QTest::addColumn<QString>("line");
-    QTest::newRow("modifier") << "SimulateModifier" << QStringList{"Chs", "Up", "up"}
-                              << "log KeyboardHandler::simulateModifier ERROR: Invalid key included in the modifier!";
-    QTest::newRow("shortcut") << "SimulateShortcut" << QStringList{"Function", "Up", ""}
-                              << "log KeyboardHandler::simulateShortcut ERROR: Invalid key included in the shortcut!";
+    QTest::newRow("modifier")
+        << "SimulateModifier" << QStringList{"Chs", "Up", "up"}
+        << "log KeyboardHandler::simulateModifier ERROR: Invalid key included in the modifier!";
+    QTest::newRow("shortcut")
+        << "SimulateShortcut" << QStringList{"Function", "Up", ""}
+        << "log KeyboardHandler::simulateShortcut ERROR: Invalid key included in the shortcut!";
 }
 
 void CommandsTest::nonKeyInAListSimulatesNothing()

@@ -32,8 +32,8 @@ void ServiceObjectTest::refusedCommandsNameTheirError_data()
     QTest::addColumn<QString>("error");
     QTest::addColumn<QString>("line");
     QTest::newRow("empty map") << QVariantMap{} << "InvalidCmd" << prefix + "Invalid command!";
-    QTest::newRow("no command and no service") << QVariantMap{{"senderId", "Nobody"}} << "InvalidCmd"
-                                               << prefix + "Invalid command!";
+    QTest::newRow("no command and no service")
+        << QVariantMap{{"senderId", "Nobody"}} << "InvalidCmd" << prefix + "Invalid command!";
     QTest::newRow("command in another case")
         << QVariantMap{{"commandId", "getlastkey"}, {"senderId", "UserMenu"}} << "InvalidCmd"
         << prefix + "Invalid command!";
@@ -121,8 +121,11 @@ void ServiceObjectTest::senderIsResetAlsoWhenAParameterReplacedIt()
 
 void ServiceObjectTest::notificationCarriesItsFourFieldsAndTheParameters()
 {
-    const QVariantMap expected{{"notificationId", "KeyboardChange"}, {"actionId", "Act"}, {"senderId", ""},
-                               {"receiverId", "UserMenu"},           {"firstKey", "Up"}};
+    const QVariantMap expected{{"notificationId", "KeyboardChange"},
+                               {"actionId", "Act"},
+                               {"senderId", ""},
+                               {"receiverId", "UserMenu"},
+                               {"firstKey", "Up"}};
     QCOMPARE(emitted({{firstKeyKey, "Up"}}), expected);
 }
 
@@ -131,8 +134,7 @@ void ServiceObjectTest::commandIsTracedInItsCategory()
     QLoggingCategory::setFilterRules("KeyboardHandler.debug=true");
     device->handler().process({{commandIdKey, "StartTestMode"}, {senderIdKey, "WwwApi"}});
     QLoggingCategory::setFilterRules({});
-    QCOMPARE(device->take(),
-             QStringList{R"(log process command - "StartTestMode" from sender - "WwwApi")"});
+    QCOMPARE(device->take(), QStringList{R"(log process command - "StartTestMode" from sender - "WwwApi")"});
     device->handler().process({{commandIdKey, "StartTestMode"}, {senderIdKey, "WwwApi"}});
     QCOMPARE(device->take(), QStringList{});
 }

@@ -78,10 +78,10 @@ void VocabularyTest::successCarriesTheNoErrorMarker()
 void VocabularyTest::keyNamesAreSentences17To29And31()
 {
     const vocabulary::KeyNames expected{
-        {QStringLiteral("On"), 17},    {QStringLiteral("Off"), 18},  {QStringLiteral("Feed"), 19},
-        {QStringLiteral("Help"), 20},  {QStringLiteral("Menu"), 21}, {QStringLiteral("Back"), 22},
-        {QStringLiteral("Right"), 23}, {QStringLiteral("Up"), 24},   {QStringLiteral("Down"), 25},
-        {QStringLiteral("Ok"), 26},    {QStringLiteral("Chs"), 27},  {QStringLiteral("One"), 28},
+        {QStringLiteral("On"), 17},    {QStringLiteral("Off"), 18},     {QStringLiteral("Feed"), 19},
+        {QStringLiteral("Help"), 20},  {QStringLiteral("Menu"), 21},    {QStringLiteral("Back"), 22},
+        {QStringLiteral("Right"), 23}, {QStringLiteral("Up"), 24},      {QStringLiteral("Down"), 25},
+        {QStringLiteral("Ok"), 26},    {QStringLiteral("Chs"), 27},     {QStringLiteral("One"), 28},
         {QStringLiteral("Ten"), 29},   {QStringLiteral("Function"), 31}};
     QCOMPARE(vocabulary::keyNames(), expected);
 }
@@ -98,19 +98,29 @@ void VocabularyTest::logPrefixIsCutFromTheSignature_data()
     QTest::addColumn<QString>("shortName");
     QTest::addColumn<QString>("signature");
     QTest::addColumn<QString>("prefix");
-    QTest::newRow("member function") << "simulateKey" << "QVariantMap KeyboardHandler::simulateKey(const ls::Command&)"
+    QTest::newRow("member function") << "simulateKey"
+                                     << "QVariantMap KeyboardHandler::simulateKey(const ls::Command&)"
                                      << "KeyboardHandler::simulateKey FAILED!";
-    QTest::newRow("virtual function")
-        << "process" << "virtual QVariantMap KeyboardHandler::process(const QVariantMap&)"
-        << "KeyboardHandler::process FAILED!";
-    QTest::newRow("constructor") << "Console" << "Console::Console(KeyboardHandler*)" << "Console::Console FAILED!";
-    QTest::newRow("const function") << "getState" << "const EnumKey StateHandler::getState() const"
+    QTest::newRow("virtual function") << "process"
+                                      << "virtual QVariantMap KeyboardHandler::process(const QVariantMap&)"
+                                      << "KeyboardHandler::process FAILED!";
+    QTest::newRow("constructor") << "Console"
+                                 << "Console::Console(KeyboardHandler*)"
+                                 << "Console::Console FAILED!";
+    QTest::newRow("const function") << "getState"
+                                    << "const EnumKey StateHandler::getState() const"
                                     << "StateHandler::getState FAILED!";
     QTest::newRow("lambda of the long-press recogniser")
-        << "operator()" << "LongKey::LongKey(ls::IReader&, QObject*)::<lambda()>" << "QObject*)::<lambda()> FAILED!";
-    QTest::newRow("lambda of the console") << "operator()" << "Console::Console(KeyboardHandler*)::<lambda(const QVariantMap&)>"
-                                           << "QVariantMap&)> FAILED!";
-    QTest::newRow("nothing to cut") << "f" << "" << " FAILED!";
+        << "operator()"
+        << "LongKey::LongKey(ls::IReader&, QObject*)::<lambda()>"
+        << "QObject*)::<lambda()> FAILED!";
+    QTest::newRow("lambda of the console")
+        << "operator()"
+        << "Console::Console(KeyboardHandler*)::<lambda(const QVariantMap&)>"
+        << "QVariantMap&)> FAILED!";
+    QTest::newRow("nothing to cut") << "f"
+                                    << ""
+                                    << " FAILED!";
 }
 
 void VocabularyTest::logPrefixIsCutFromTheSignature()
@@ -122,7 +132,8 @@ void VocabularyTest::logPrefixIsCutFromTheSignature()
 
 void VocabularyTest::logLineQuotesIdentifiersButNotThePrefix()
 {
-    QTest::ignoreMessage(QtCriticalMsg, "VocabularyTest::logLineQuotesIdentifiersButNotThePrefix ERROR: \"Menu\" is gone");
+    QTest::ignoreMessage(QtCriticalMsg,
+                         "VocabularyTest::logLineQuotesIdentifiersButNotThePrefix ERROR: \"Menu\" is gone");
     LOG_ERROR() << ls::KeyId::Menu << "is gone";
     QTest::ignoreMessage(QtCriticalMsg, "VocabularyTest::logLineQuotesIdentifiersButNotThePrefix WARN: once");
     LOG_WARNING() << "once";

@@ -29,7 +29,8 @@ class DeviceTest : public QObject
 
 protected:
     /// Builds the device with `rows` as its key lists and starts it; nothing of the start is recorded.
-    void start(const QString& state, const QVector<KeyRow>& rows, const QString& model = QStringLiteral("Pellit"))
+    void start(const QString& state, const QVector<KeyRow>& rows,
+               const QString& model = QStringLiteral("Pellit"))
     {
         device = std::make_unique<VirtualDevice>();
         device->setModel(model);

@@ -10,11 +10,7 @@ class MapReader : public ls::IReader
 {
 public:
     MapReader() = default;
-    explicit MapReader(const QVariantMap& content)
-        : m_content(content)
-        , m_succeeds(true)
-    {
-    }
+    explicit MapReader(const QVariantMap& content) : m_content(content), m_succeeds(true) {}
 
     /// A reader of a file whose section `section` has rows with these keys, and action "A0", "A1", ...
     static MapReader ofKeys(const QString& section, const QList<QStringList>& rows)

@@ -26,6 +26,7 @@ namespace {
 const QStringList inputNodes{QStringLiteral("/dev/input/event0"), QStringLiteral("/dev/input/event1")};
 const QStringList keyListFiles{vocabulary::longKeyListFile, vocabulary::modifierKeyListFile,
                                vocabulary::shortcutKeyListFile};
+constexpr int inputChunk = 4096; // a pipe takes this much at once
 const QString modelFolder = QStringLiteral("/var/lib/configuration-manager");
 std::function<void(const QString&)> g_onLogLine;
 
@@ -81,7 +82,8 @@ VirtualDevice::VirtualDevice()
     QDir(vocabulary::dataDirectory).removeRecursively();
     QDir().mkpath(vocabulary::dataDirectory);
     for (const QString& name : keyListFiles) {
-        QFile::copy(QStringLiteral(KEY_LISTS "/") + name, vocabulary::dataDirectory + QLatin1Char('/') + name);
+        QFile::copy(QStringLiteral(KEY_LISTS "/") + name,
+                    vocabulary::dataDirectory + QLatin1Char('/') + name);
     }
     QDir().mkpath(modelFolder);
     setModel(QStringLiteral("Pellit"));
@@ -170,10 +172,13 @@ void VirtualDevice::sendCommand(const QVariantMap& command)
 void VirtualDevice::typeLine(const QString& line)
 {
     const QByteArray bytes = line.toUtf8() + '\n';
-    if (::write(m_input, bytes.constData(), static_cast<size_t>(bytes.size())) != bytes.size()) {
-        qFatal("console input not taken");
+    for (int i = 0; i < bytes.size(); i += inputChunk) {
+        const QByteArray chunk = bytes.mid(i, inputChunk);
+        if (::write(m_input, chunk.constData(), static_cast<size_t>(chunk.size())) != chunk.size()) {
+            qFatal("console input not taken");
+        }
+        clock().settle();
     }
-    clock().settle();
 }
 
 void VirtualDevice::tap(const QString& key)

@@ -12,10 +12,7 @@
 
 using std::chrono::milliseconds;
 
-VirtualTimeDispatcher::VirtualTimeDispatcher(QObject* parent)
-    : QAbstractEventDispatcher(parent)
-{
-}
+VirtualTimeDispatcher::VirtualTimeDispatcher(QObject* parent) : QAbstractEventDispatcher(parent) {}
 
 VirtualTimeDispatcher::~VirtualTimeDispatcher() = default;
 
@@ -113,7 +110,8 @@ bool VirtualTimeDispatcher::handleDescriptors()
             continue;
         }
         const bool reads = notifier->type() == QSocketNotifier::Read;
-        pollfd descriptor{static_cast<int>(notifier->socket()), static_cast<short>(reads ? POLLIN : POLLOUT), 0};
+        pollfd descriptor{static_cast<int>(notifier->socket()), static_cast<short>(reads ? POLLIN : POLLOUT),
+                          0};
         if (::poll(&descriptor, 1, 0) == 1) {
             QEvent event(QEvent::SockAct);
             QCoreApplication::sendEvent(notifier, &event);
@@ -145,5 +143,6 @@ void VirtualTimeDispatcher::insert(const Timer& timer)
 
 QList<VirtualTimeDispatcher::Timer>::iterator VirtualTimeDispatcher::find(int timerId)
 {
-    return std::find_if(m_timers.begin(), m_timers.end(), [timerId](const Timer& t) { return t.id == timerId; });
+    return std::find_if(m_timers.begin(), m_timers.end(),
+                        [timerId](const Timer& t) { return t.id == timerId; });
 }

@@ -41,7 +41,8 @@ public:
     void flush() override {}
 
 private:
-    struct Timer {
+    struct Timer
+    {
         int id;
         std::chrono::milliseconds interval;
         Qt::TimerType type;

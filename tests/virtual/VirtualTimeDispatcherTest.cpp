@@ -76,9 +76,8 @@ void VirtualTimeDispatcherTest::timerSetDuringTheAdvanceFiresToo()
 {
     const auto start = clock.now();
     qint64 fired = 0;
-    QTimer::singleShot(10, this, [&] {
-        QTimer::singleShot(5, this, [&] { fired = (clock.now() - start).count(); });
-    });
+    QTimer::singleShot(10, this,
+                       [&] { QTimer::singleShot(5, this, [&] { fired = (clock.now() - start).count(); }); });
     clock.advance(15ms);
     QCOMPARE(fired, 15);
 }
@@ -130,7 +129,8 @@ void VirtualTimeDispatcherTest::postedEventsComeBeforeTheClockMoves()
 {
     const auto start = clock.now();
     qint64 handled = -1;
-    QMetaObject::invokeMethod(this, [&] { handled = (clock.now() - start).count(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [&] { handled = (clock.now() - start).count(); }, Qt::QueuedConnection);
     clock.advance(10ms);
     QCOMPARE(handled, 0);
 }
