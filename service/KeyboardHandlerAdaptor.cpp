@@ -12,6 +12,21 @@
 #include <QDBusError>
 #include <QDebug>
 
+#include <thread>
+
+namespace {
+
+/// Of a connection that the main thread opens, Qt holds the messages back until the event loop runs, and
+/// may then deliver newer ones first: a change of the state could be lost while the daemon starts. A
+/// connection that another thread opens delivers in order from the beginning.
+QDBusConnection openSystemBus()
+{
+    std::thread([] { QDBusConnection::systemBus(); }).join();
+    return QDBusConnection::systemBus();
+}
+
+} // namespace
+
 KeyboardHandlerAdaptor::KeyboardHandlerAdaptor(KeyboardHandler* handler)
     : QDBusAbstractAdaptor(handler), m_handler(handler)
 {
@@ -27,7 +42,7 @@ QVariantMap KeyboardHandlerAdaptor::process(const QVariantMap& command)
 
 void KeyboardHandlerAdaptor::registerOnBus()
 {
-    QDBusConnection bus = QDBusConnection::systemBus();
+    QDBusConnection bus = openSystemBus();
     if (!bus.isConnected()) {
         qCritical() << "Unable to connect to system-bus!";
         return;

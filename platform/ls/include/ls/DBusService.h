@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+#include <QVariantMap>
+
+class QDBusMessage;
+
+namespace ls {
+
+/// Proxy of another service on the system bus. Made and owned by `DBusServiceStore`.
+class DBusService : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `serviceId` is an identifier of `ls::ServiceId`. Subscribes to the notifications of the service,
+    /// whether or not it is on the bus now.
+    explicit DBusService(const QString& serviceId, QObject* parent = nullptr);
+
+    /// Sends a command map and waits for the reply, at most five seconds. Nested bus arguments of the
+    /// reply come back as plain variants. Returns an empty map, after one critical log line, when the
+    /// bus or the service is absent, does not answer in time or answers with something else than a map.
+    QVariantMap process(const QVariantMap& command);
+
+Q_SIGNALS:
+    /// A notification of the service, nested bus arguments unpacked. One whose first argument is no map
+    /// is dropped with one critical log line.
+    void notification(const QVariantMap& notification);
+
+private Q_SLOTS:
+    void onMessage(const QDBusMessage& message);
+
+private:
+    QString m_name;
+};
+
+} // namespace ls

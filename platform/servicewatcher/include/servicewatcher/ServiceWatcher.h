@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+class QString;
+
+/// Readiness of the services of the device. A service is ready while the file
+/// `/run/service-watcher/NAME` exists.
+namespace ServiceWatcher {
+
+/// Whether the service `name` has declared itself ready. A "yes" comes at once. A "no" may be held back
+/// for up to 50 ms, less when the service becomes ready meanwhile, so that a caller that asks in a loop
+/// leaves the processor to the services that are starting. A name that is no file name (empty, with a
+/// slash, "." or "..") is never ready.
+bool isReady(const QString& name);
+
+/// Declares the service `name` ready or not ready; failure is one critical log line. Becoming ready also
+/// tells the service manager when the process was started with a notification socket, even when the file
+/// could not be made.
+void setReady(const QString& name, bool ready);
+
+} // namespace ServiceWatcher

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/BusPeer.h"
+#include "tests/support/PrivateBus.h"
+
+#include <configurationmanager/ConfigurationManager.h>
+
+#include <QtTest>
+
+using libconfigurationmanager::detail::ConfigurationManager;
+
+namespace {
+
+const QString service = QStringLiteral("com.vantre.ConfigurationManager");
+
+void writeModel(const QByteArray& model)
+{
+    QDir().mkpath("/var/lib/configuration-manager");
+    QFile file("/var/lib/configuration-manager/configuration.json");
+    if (!file.open(QIODevice::WriteOnly) || file.write("{\"model\": \"" + model + "\"}") == -1)
+        qFatal("no configuration file");
+}
+
+} // namespace
+
+class ConfigurationServiceTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { writeModel("Orvane"); }
+    void cleanup() { m_bus.report(); }
+    void connectionIsCheckedByDefault();
+    void modelIsReadWhileTheServiceIsThere();
+    void fileAloneAnswersWithoutCheck();
+    void serviceItselfIsNotAsked();
+
+private:
+    PrivateBus m_bus;
+};
+
+void ConfigurationServiceTest::connectionIsCheckedByDefault()
+{
+    const ConfigurationManager manager;
+    QVERIFY(!manager.isOrvane());
+    {
+        const BusPeer peer(m_bus, service);
+        QVERIFY(manager.isOrvane());
+    }
+    QTRY_VERIFY(!manager.isOrvane());
+}
+
+void ConfigurationServiceTest::modelIsReadWhileTheServiceIsThere()
+{
+    const BusPeer peer(m_bus, service);
+    const ConfigurationManager manager;
+
+    QVERIFY(manager.isOrvane());
+    writeModel("Pellit");
+    QVERIFY(!manager.isOrvane());
+}
+
+void ConfigurationServiceTest::fileAloneAnswersWithoutCheck()
+{
+    ConfigurationManager manager;
+
+    manager.setCheckConnection(false);
+    QVERIFY(manager.isOrvane());
+    manager.setCheckConnection(true);
+    QVERIFY(!manager.isOrvane());
+}
+
+void ConfigurationServiceTest::serviceItselfIsNotAsked()
+{
+    const BusPeer peer(m_bus, service, &BusPeer::hang);
+
+    QVERIFY(ConfigurationManager().isOrvane());
+    peer.synchronise();
+    QVERIFY(peer.calls().isEmpty());
+}
+
+QTEST_GUILESS_MAIN(ConfigurationServiceTest)
+#include "ConfigurationServiceTest.moc"

@@ -1,0 +1,282 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/BusPeer.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/PrivateBus.h"
+
+#include <speech/Speech.h>
+
+#include <QDBusConnectionInterface>
+#include <QtTest>
+
+#include <memory>
+
+using libspeech::detail::Speech;
+
+namespace {
+
+const QString speechDaemon = QStringLiteral("com.vantre.SpeechDaemon");
+const QVariantMap request{{"serviceId", 0}, {"sentenceId", 21}};
+
+QStringList membersOf(const QList<QDBusMessage>& calls)
+{
+    QStringList members;
+    for (const QDBusMessage& call : calls)
+        members.append(call.member());
+    return members;
+}
+
+} // namespace
+
+class SpeechTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void daemonThatWasThereBeforeIsConnected();
+    void nothingIsReportedDuringConstruction();
+    void daemonThatAppearsLaterIsConnected();
+    void everyAppearanceIsReportedOnce();
+    void appearanceDuringTheQueryIsReportedOnce();
+    void disappearanceDuringTheQueryIsNotMissed();
+    void changeOfOwnerIsADisconnectionAndAConnection();
+    void absentDaemonIsNotReported();
+    void sentenceIsRequestedWithoutReply();
+    void cancellationIsRequestedWithoutReply();
+    void requestsKeepTheirOrder();
+    void refusedRequestsAreSilent();
+    void hangingDaemonDoesNotHoldUpTheCaller();
+    void requestsForAnAbsentDaemonAreGone();
+    void daemonIsNotStartedForARequest();
+
+private:
+    void makeSpeech();
+
+    PrivateBus m_bus{{speechDaemon}};
+    std::unique_ptr<LogRecorder> m_log;
+    std::unique_ptr<Speech> m_speech;
+    QStringList m_events;
+};
+
+void SpeechTest::init()
+{
+    m_log = std::make_unique<LogRecorder>();
+}
+
+void SpeechTest::cleanup()
+{
+    m_speech.reset();
+    m_log.reset();
+    m_events.clear();
+    m_bus.report();
+    PrivateBus::waitForAbsence(speechDaemon);
+}
+
+void SpeechTest::makeSpeech()
+{
+    m_speech = std::make_unique<Speech>();
+    connect(m_speech.get(), &Speech::connected, this, [this] { m_events.append("connected"); });
+    connect(m_speech.get(), &Speech::disconnected, this, [this] { m_events.append("disconnected"); });
+}
+
+void SpeechTest::daemonThatWasThereBeforeIsConnected()
+{
+    const BusPeer daemon(m_bus, speechDaemon);
+
+    makeSpeech();
+
+    QTRY_COMPARE(m_events, QStringList("connected"));
+}
+
+void SpeechTest::nothingIsReportedDuringConstruction()
+{
+    const BusPeer daemon(m_bus, speechDaemon);
+
+    makeSpeech();
+    QVERIFY(m_events.isEmpty());
+    QDBusConnection::systemBus().interface()->isServiceRegistered(speechDaemon);
+    QVERIFY(m_events.isEmpty());
+
+    QTRY_COMPARE(m_events, QStringList("connected"));
+}
+
+void SpeechTest::daemonThatAppearsLaterIsConnected()
+{
+    makeSpeech();
+    PrivateBus::settle();
+    QVERIFY(m_events.isEmpty());
+
+    const BusPeer daemon(m_bus, speechDaemon);
+
+    QTRY_COMPARE(m_events, QStringList("connected"));
+}
+
+void SpeechTest::everyAppearanceIsReportedOnce()
+{
+    makeSpeech();
+    QStringList expected;
+    for (int i = 0; i < 10; ++i) {
+        const BusPeer daemon(m_bus, speechDaemon);
+        expected.append("connected");
+        QTRY_COMPARE(m_events, expected);
+        daemon.vanish();
+        expected.append("disconnected");
+        QTRY_COMPARE(m_events, expected);
+    }
+    PrivateBus::settle();
+    QCOMPARE(m_events, expected);
+}
+
+void SpeechTest::appearanceDuringTheQueryIsReportedOnce()
+{
+    for (int i = 0; i < 50; ++i) {
+        makeSpeech();
+        const BusPeer daemon(m_bus, speechDaemon);
+        QTRY_COMPARE(m_events, QStringList("connected"));
+        PrivateBus::settle();
+        QCOMPARE(m_events, QStringList("connected"));
+        daemon.vanish();
+        cleanup();
+    }
+}
+
+void SpeechTest::disappearanceDuringTheQueryIsNotMissed()
+{
+    for (int i = 0; i < 50; ++i) {
+        const BusPeer daemon(m_bus, speechDaemon);
+        makeSpeech();
+        daemon.vanish();
+        PrivateBus::waitForAbsence(speechDaemon);
+        QVERIFY(m_events.isEmpty() || m_events == QStringList({"connected", "disconnected"}));
+        cleanup();
+    }
+}
+
+void SpeechTest::changeOfOwnerIsADisconnectionAndAConnection()
+{
+    const BusPeer first(m_bus, speechDaemon);
+    makeSpeech();
+    QTRY_COMPARE(m_events, QStringList("connected"));
+
+    const BusPeer second(m_bus, speechDaemon);
+
+    QTRY_COMPARE(m_events, QStringList({"connected", "disconnected", "connected"}));
+}
+
+void SpeechTest::absentDaemonIsNotReported()
+{
+    makeSpeech();
+
+    PrivateBus::settle();
+    PrivateBus::settle();
+
+    QVERIFY(m_events.isEmpty());
+    QVERIFY(m_log->lines().isEmpty());
+}
+
+void SpeechTest::sentenceIsRequestedWithoutReply()
+{
+    const BusPeer daemon(m_bus, speechDaemon);
+    makeSpeech();
+
+    m_speech->speakFromId({{"serviceId", 1}, {"sentenceId", 69}, {"arguments", QStringList{"x"}}});
+
+    QTRY_COMPARE(daemon.calls().size(), 1);
+    const QDBusMessage call = daemon.calls().constFirst();
+    QCOMPARE(call.path(), QString("/"));
+    QCOMPARE(call.interface(), speechDaemon);
+    QCOMPARE(call.member(), QString("speakFromId"));
+    QCOMPARE(call.signature(), QString("a{sv}"));
+    QCOMPARE(qdbus_cast<QVariantMap>(call.arguments().constFirst()),
+             QVariantMap({{"serviceId", 1}, {"sentenceId", 69}, {"arguments", QStringList{"x"}}}));
+    QVERIFY(!call.isReplyRequired());
+}
+
+void SpeechTest::cancellationIsRequestedWithoutReply()
+{
+    const BusPeer daemon(m_bus, speechDaemon);
+    makeSpeech();
+
+    m_speech->cancelAll();
+
+    QTRY_COMPARE(daemon.calls().size(), 1);
+    const QDBusMessage call = daemon.calls().constFirst();
+    QCOMPARE(call.path(), QString("/"));
+    QCOMPARE(call.interface(), speechDaemon);
+    QCOMPARE(call.member(), QString("cancelAll"));
+    QCOMPARE(call.signature(), QString());
+    QVERIFY(!call.isReplyRequired());
+}
+
+void SpeechTest::requestsKeepTheirOrder()
+{
+    const BusPeer daemon(m_bus, speechDaemon);
+    makeSpeech();
+
+    m_speech->speakFromId(request);
+    m_speech->cancelAll();
+    m_speech->speakFromId(request);
+
+    QTRY_COMPARE(membersOf(daemon.calls()), QStringList({"speakFromId", "cancelAll", "speakFromId"}));
+}
+
+void SpeechTest::refusedRequestsAreSilent()
+{
+    const BusPeer daemon(m_bus, speechDaemon, [](const BusPeer& self, const QDBusMessage& call) {
+        self.refuse(call, "com.vantre.Error.Busy", "busy");
+    });
+    makeSpeech();
+
+    m_speech->speakFromId(request);
+    m_speech->cancelAll();
+
+    QTRY_COMPARE(daemon.calls().size(), 2);
+    daemon.synchronise();
+    PrivateBus::settle();
+    QVERIFY(m_log->lines().isEmpty());
+}
+
+void SpeechTest::hangingDaemonDoesNotHoldUpTheCaller()
+{
+    const BusPeer daemon(m_bus, speechDaemon, &BusPeer::hang);
+    makeSpeech();
+
+    for (int i = 0; i < 1000; ++i)
+        m_speech->speakFromId(request);
+
+    QTRY_COMPARE(daemon.calls().size(), 1000);
+    QVERIFY(m_log->lines().isEmpty());
+}
+
+void SpeechTest::requestsForAnAbsentDaemonAreGone()
+{
+    makeSpeech();
+    for (int i = 0; i < 1000; ++i)
+        m_speech->speakFromId(request);
+    PrivateBus::settle();
+
+    const BusPeer daemon(m_bus, speechDaemon);
+    QTRY_COMPARE(m_events, QStringList("connected"));
+    m_speech->cancelAll();
+
+    QTRY_COMPARE(membersOf(daemon.calls()), QStringList("cancelAll"));
+    QVERIFY(m_log->lines().isEmpty());
+}
+
+void SpeechTest::daemonIsNotStartedForARequest()
+{
+    const QByteArray startLine = "Activating service name='com.vantre.SpeechDaemon'";
+    makeSpeech();
+
+    m_speech->speakFromId(request);
+    m_speech->cancelAll();
+    PrivateBus::settle();
+    QVERIFY(!m_bus.output().contains(startLine));
+
+    QDBusConnection::systemBus().interface()->startService(speechDaemon);
+    QTRY_VERIFY(m_bus.output().contains(startLine));
+}
+
+QTEST_GUILESS_MAIN(SpeechTest)
+#include "SpeechTest.moc"
