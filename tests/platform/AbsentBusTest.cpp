@@ -50,8 +50,9 @@ void AbsentBusTest::everyCommandIsReportedOnce()
     ls::DBusService service(ls::ServiceId::StateHandler);
     const LogRecorder log;
 
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         QCOMPARE(service.process({}), QVariantMap());
+    }
 
     QCOMPARE(log.lines().size(), 3);
 }
@@ -63,8 +64,9 @@ void AbsentBusTest::speechIsSilent()
     const QSignalSpy connected(&speech, &libspeech::detail::Speech::connected);
     const QSignalSpy disconnected(&speech, &libspeech::detail::Speech::disconnected);
 
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 100; ++i) {
         speech.speakFromId({{"serviceId", 0}, {"sentenceId", 21}});
+    }
     speech.cancelAll();
     QCoreApplication::processEvents();
 

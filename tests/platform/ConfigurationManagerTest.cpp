@@ -15,8 +15,9 @@ const QString configurationFile = folder + QStringLiteral("/configuration.json")
 void write(const QString& path, const QByteArray& text)
 {
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
         qFatal("no configuration file");
+    }
 }
 
 } // namespace

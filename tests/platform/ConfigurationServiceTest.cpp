@@ -16,8 +16,9 @@ void writeModel(const QByteArray& model)
 {
     QDir().mkpath("/var/lib/configuration-manager");
     QFile file("/var/lib/configuration-manager/configuration.json");
-    if (!file.open(QIODevice::WriteOnly) || file.write("{\"model\": \"" + model + "\"}") == -1)
+    if (!file.open(QIODevice::WriteOnly) || file.write("{\"model\": \"" + model + "\"}") == -1) {
         qFatal("no configuration file");
+    }
 }
 
 } // namespace

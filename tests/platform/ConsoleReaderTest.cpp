@@ -94,18 +94,20 @@ void ConsoleReaderTest::cleanup()
     m_reader.reset();
     m_lines.clear();
     endInput();
-    if (m_savedInput == -1)
+    if (m_savedInput == -1) {
         ::close(STDIN_FILENO);
-    else
+    } else {
         ::dup2(m_savedInput, STDIN_FILENO);
+    }
     ::close(m_savedInput);
 }
 
 void ConsoleReaderTest::makePipe()
 {
     int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0)
+    if (::pipe2(ends, O_CLOEXEC) != 0) {
         qFatal("no pipe");
+    }
     const int input = ::fcntl(ends[0], F_DUPFD_CLOEXEC, 3);
     ::close(ends[0]);
     ::dup2(input, STDIN_FILENO);
@@ -258,8 +260,9 @@ void ConsoleReaderTest::endlessLineTakesNoMemory()
     type(piece);
     const std::size_t before = allocatedBytes();
 
-    for (int i = 0; i < 10; ++i)
+    for (int i = 0; i < 10; ++i) {
         type(piece);
+    }
 
     QTRY_VERIFY(isEventLoopAtRest());
     QVERIFY(allocatedBytes() < before + 1024 * 1024);
@@ -325,8 +328,9 @@ void ConsoleReaderTest::receiverMayDeleteTheReader()
 void ConsoleReaderTest::receiverMayRunAnEventLoop()
 {
     connect(m_reader.get(), &ls::ConsoleReader::textReceived, this, [this](const QString& line) {
-        if (line == "wait")
+        if (line == "wait") {
             type("d\ne");
+        }
     });
 
     type("a\nwait\nb\nc");

@@ -30,8 +30,9 @@ QVariant arrayOf(const QList<T>& elements)
 {
     QDBusArgument argument;
     argument.beginArray(qMetaTypeId<T>());
-    for (const T& element : elements)
+    for (const T& element : elements) {
         argument << element;
+    }
     argument.endArray();
     return QVariant::fromValue(argument);
 }
@@ -79,16 +80,18 @@ QDBusUnixFileDescriptor descriptor()
 QVariant nestedBusVariants(int depth)
 {
     QVariant value = QStringLiteral("innermost");
-    for (int i = 0; i < depth; ++i)
+    for (int i = 0; i < depth; ++i) {
         value = busVariant(value);
+    }
     return value;
 }
 
 QVariant nestedLists(int depth)
 {
     QVariant value = QStringLiteral("innermost");
-    for (int i = 0; i < depth; ++i)
+    for (int i = 0; i < depth; ++i) {
         value = QVariantList{value};
+    }
     return value;
 }
 
@@ -149,8 +152,9 @@ QVariant DBusArgumentUnpackTest::overTheBus(const QVariant& value) const
     QDBusMessage call = QDBusMessage::createMethodCall(echoService, "/", echoService, "echo");
     call << value;
     const QDBusMessage reply = QDBusConnection::systemBus().call(call);
-    if (reply.type() != QDBusMessage::ReplyMessage)
+    if (reply.type() != QDBusMessage::ReplyMessage) {
         qFatal("no echo: %s", qPrintable(reply.errorMessage()));
+    }
     return reply.arguments().constFirst();
 }
 

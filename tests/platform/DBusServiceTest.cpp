@@ -111,8 +111,9 @@ void DBusServiceTest::cleanup()
 QList<QVariantMap> DBusServiceTest::notifications() const
 {
     QList<QVariantMap> maps;
-    for (const QVariantList& arguments : *m_spy)
+    for (const QVariantList& arguments : *m_spy) {
         maps.append(arguments.constFirst().toMap());
+    }
     return maps;
 }
 

@@ -50,8 +50,9 @@ void JFileTest::cleanup()
 QString JFileTest::fileWith(const QByteArray& text) const
 {
     QFile file(path("test.json"));
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
         qFatal("no test file");
+    }
     return file.fileName();
 }
 

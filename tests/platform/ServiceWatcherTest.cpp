@@ -31,8 +31,9 @@ public:
         sockaddr_un address = {};
         address.sun_family = AF_UNIX;
         qstrncpy(address.sun_path, qPrintable(m_folder.filePath("notify")), sizeof address.sun_path);
-        if (::bind(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+        if (::bind(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
             qFatal("no notify socket");
+        }
         qputenv("NOTIFY_SOCKET", address.sun_path);
     }
     ~NotifySocket()
@@ -152,8 +153,9 @@ void ServiceWatcherTest::pollingLeavesTheProcessorToOthers()
     wall.start();
     const std::clock_t start = std::clock();
 
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         QVERIFY(!ServiceWatcher::isReady("speechd"));
+    }
 
     const qint64 busy = (std::clock() - start) * 1000 / CLOCKS_PER_SEC;
     QVERIFY(busy < wall.elapsed() / 2);

@@ -53,11 +53,13 @@ void SingletonTest::allThreadsGetTheOneCompleteObject()
 {
     std::atomic<int> complete{0};
     std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i)
+    for (int i = 0; i < 8; ++i) {
         threads.emplace_back(
             [&] { complete += libvantre::Singleton<Counted>::instance()->isComplete() ? 1 : 0; });
-    for (std::thread& thread : threads)
+    }
+    for (std::thread& thread : threads) {
         thread.join();
+    }
 
     QCOMPARE(complete.load(), 8);
     QCOMPARE(Counted::s_made.load(), 1);

@@ -20,8 +20,9 @@ const QVariantMap request{{"serviceId", 0}, {"sentenceId", 21}};
 QStringList membersOf(const QList<QDBusMessage>& calls)
 {
     QStringList members;
-    for (const QDBusMessage& call : calls)
+    for (const QDBusMessage& call : calls) {
         members.append(call.member());
+    }
     return members;
 }
 
@@ -242,8 +243,9 @@ void SpeechTest::hangingDaemonDoesNotHoldUpTheCaller()
     const BusPeer daemon(m_bus, speechDaemon, &BusPeer::hang);
     makeSpeech();
 
-    for (int i = 0; i < 1000; ++i)
+    for (int i = 0; i < 1000; ++i) {
         m_speech->speakFromId(request);
+    }
 
     QTRY_COMPARE(daemon.calls().size(), 1000);
     QVERIFY(m_log->lines().isEmpty());
@@ -252,8 +254,9 @@ void SpeechTest::hangingDaemonDoesNotHoldUpTheCaller()
 void SpeechTest::requestsForAnAbsentDaemonAreGone()
 {
     makeSpeech();
-    for (int i = 0; i < 1000; ++i)
+    for (int i = 0; i < 1000; ++i) {
         m_speech->speakFromId(request);
+    }
     PrivateBus::settle();
 
     const BusPeer daemon(m_bus, speechDaemon);

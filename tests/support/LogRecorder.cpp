@@ -39,8 +39,9 @@ QStringList LogRecorder::texts(QtMsgType type) const
 {
     QStringList texts;
     for (const LogLine& line : lines()) {
-        if (line.type == type)
+        if (line.type == type) {
             texts.append(line.text);
+        }
     }
     return texts;
 }

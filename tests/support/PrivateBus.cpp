@@ -34,8 +34,9 @@ constexpr char activatableService[] = "[D-BUS Service]\nName=%1\nExec=/bin/false
 void writeFile(const QString& path, const QString& text)
 {
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) == -1)
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) == -1) {
         qFatal("%s cannot be written", qPrintable(path));
+    }
 }
 
 /// A child that does not outlive a test that crashes.
@@ -57,8 +58,9 @@ PrivateBus::PrivateBus(const QStringList& activatable) : m_daemon(new Daemon)
 
 PrivateBus::~PrivateBus()
 {
-    for (const QString& name : qAsConst(m_connections))
+    for (const QString& name : qAsConst(m_connections)) {
         QDBusConnection::disconnectFromBus(name);
+    }
     qunsetenv("DBUS_SYSTEM_BUS_ADDRESS");
     m_daemon->terminate();
     m_daemon->waitForFinished();
@@ -75,8 +77,9 @@ QDBusConnection PrivateBus::connect(const QString& name)
 void PrivateBus::connectThisProcess()
 {
     std::thread([] { QDBusConnection::systemBus(); }).join();
-    if (!QDBusConnection::systemBus().isConnected())
+    if (!QDBusConnection::systemBus().isConnected()) {
         qFatal("no connection to %s", qPrintable(m_address));
+    }
 }
 
 void PrivateBus::waitForAbsence(const QString& name)
@@ -100,16 +103,18 @@ QByteArray PrivateBus::output()
 
 void PrivateBus::report()
 {
-    if (QTest::currentTestFailed())
+    if (QTest::currentTestFailed()) {
         qWarning("dbus-daemon wrote: %s", output().constData());
+    }
 }
 
 void PrivateBus::writeConfiguration(const QStringList& activatable)
 {
     writeFile(filePath(QStringLiteral("bus.conf")), QString::fromLatin1(configuration).arg(m_folder.path()));
-    for (const QString& name : activatable)
+    for (const QString& name : activatable) {
         writeFile(filePath(name + QStringLiteral(".service")),
                   QString::fromLatin1(activatableService).arg(name));
+    }
 }
 
 void PrivateBus::start()
@@ -121,8 +126,9 @@ void PrivateBus::start()
                      QStringLiteral("--config-file=") + filePath(QStringLiteral("bus.conf"))});
     // The address is printed when the daemon accepts connections.
     while (!m_daemon->canReadLine()) {
-        if (!m_daemon->waitForReadyRead())
+        if (!m_daemon->waitForReadyRead()) {
             qFatal("dbus-daemon did not start: %s", m_daemon->readAll().constData());
+        }
     }
     m_address = QString::fromUtf8(m_daemon->readLine().trimmed());
 }

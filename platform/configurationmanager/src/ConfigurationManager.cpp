@@ -39,11 +39,13 @@ QByteArray readConfigurationFile()
 {
     const int fd = ::open(configurationFile, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     QFile file;
-    if (fd == -1 || !file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
+    if (fd == -1 || !file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
         return {};
+    }
     struct stat status = {};
-    if (::fstat(fd, &status) == -1 || !S_ISREG(status.st_mode) || status.st_size > largestFile)
+    if (::fstat(fd, &status) == -1 || !S_ISREG(status.st_mode) || status.st_size > largestFile) {
         return {};
+    }
     return file.read(status.st_size);
 }
 
@@ -58,8 +60,9 @@ void ConfigurationManager::setCheckConnection(bool check)
 
 bool ConfigurationManager::isOrvane() const
 {
-    if (m_checkConnection && !isServicePresent())
+    if (m_checkConnection && !isServicePresent()) {
         return false;
+    }
     const QJsonObject configuration = QJsonDocument::fromJson(readConfigurationFile()).object();
     return configuration.value(QLatin1String("model")).toString() == QLatin1String("Orvane");
 }

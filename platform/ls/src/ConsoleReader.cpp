@@ -52,8 +52,9 @@ ConsoleReader::ConsoleReader(QObject* parent)
 
 void ConsoleReader::readInput()
 {
-    if (!isReadable())
+    if (!isReadable()) {
         return;
+    }
     char chunk[chunkSize];
     const ssize_t count = ::read(STDIN_FILENO, chunk, sizeof chunk);
     if (count > 0) {
@@ -74,8 +75,9 @@ void ConsoleReader::deliverLines()
         const QByteArray line = m_buffer.left(end);
         m_buffer.remove(0, end + 1);
         finishLine(line);
-        if (!self)
+        if (!self) {
             return;
+        }
     }
     dropOverlongLine();
 }
@@ -84,18 +86,21 @@ void ConsoleReader::finishLine(const QByteArray& line)
 {
     const int size = contentSize(line);
     const bool reported = std::exchange(m_overlong, false);
-    if (!reported && size <= longestLine)
+    if (!reported && size <= longestLine) {
         Q_EMIT textReceived(QString::fromUtf8(line.constData(), size));
-    else if (!reported)
+    } else if (!reported) {
         reportOverlongLine();
+    }
 }
 
 void ConsoleReader::dropOverlongLine()
 {
-    if (!m_overlong && contentSize(m_buffer) <= longestLine)
+    if (!m_overlong && contentSize(m_buffer) <= longestLine) {
         return;
-    if (!m_overlong)
+    }
+    if (!m_overlong) {
         reportOverlongLine();
+    }
     m_overlong = true;
     m_buffer.clear();
 }

@@ -23,8 +23,9 @@ constexpr std::chrono::milliseconds replyTimeout = 5s;
 std::optional<QVariantMap> firstMap(const QDBusMessage& message)
 {
     const QVariant argument = libvantre::dbusArgumentUnpack(message.arguments().value(0));
-    if (argument.userType() != QMetaType::QVariantMap)
+    if (argument.userType() != QMetaType::QVariantMap) {
         return std::nullopt;
+    }
     return argument.toMap();
 }
 
@@ -50,18 +51,20 @@ QVariantMap DBusService::process(const QVariantMap& command)
         return {};
     }
     const std::optional<QVariantMap> response = firstMap(reply);
-    if (!response)
+    if (!response) {
         qCritical() << "ls::DBusService::process ERROR:" << m_name << "answered without a map.";
+    }
     return response.value_or(QVariantMap());
 }
 
 void DBusService::onMessage(const QDBusMessage& message)
 {
     const std::optional<QVariantMap> content = firstMap(message);
-    if (content)
+    if (content) {
         Q_EMIT notification(*content);
-    else
+    } else {
         qCritical() << "ls::DBusService::onMessage ERROR:" << m_name << "announced something without a map.";
+    }
 }
 
 } // namespace ls

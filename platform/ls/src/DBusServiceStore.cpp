@@ -13,8 +13,9 @@ DBusServiceStore* DBusServiceStore::instance()
 
 void DBusServiceStore::registerService(const QString& serviceId)
 {
-    if (!m_services.contains(serviceId))
+    if (!m_services.contains(serviceId)) {
         m_services.insert(serviceId, new DBusService(serviceId));
+    }
 }
 
 DBusService* DBusServiceStore::getService(const QString& serviceId) const

@@ -62,21 +62,25 @@ void Speech::queryOwner()
     connect(query, &QDBusPendingCallWatcher::finished, this, [this, query] {
         query->deleteLater();
         const QDBusPendingReply<QString> owner = *query;
-        if (!m_ownerChangeSeen && owner.isValid())
+        if (!m_ownerChangeSeen && owner.isValid()) {
             setOwner(owner.value());
+        }
     });
 }
 
 void Speech::setOwner(const QString& owner)
 {
-    if (owner == m_owner)
+    if (owner == m_owner) {
         return;
+    }
     const bool wasConnected = !m_owner.isEmpty();
     m_owner = owner;
-    if (wasConnected)
+    if (wasConnected) {
         Q_EMIT disconnected();
-    if (!owner.isEmpty())
+    }
+    if (!owner.isEmpty()) {
         Q_EMIT connected();
+    }
 }
 
 void Speech::send(const QString& member, const QVariantList& arguments)

@@ -15,8 +15,9 @@ namespace {
 // A key that is a byte would convert to the character of that number.
 QString keyText(const QVariant& key)
 {
-    if (key.userType() == QMetaType::UChar)
+    if (key.userType() == QMetaType::UChar) {
         return QString::number(key.value<uchar>());
+    }
     return dbusArgumentUnpack(key).toString();
 }
 
@@ -27,8 +28,9 @@ QVariantList readElements(const QDBusArgument& argument)
     QVariantList elements;
     while (!argument.atEnd()) {
         const QVariant element = argument.asVariant();
-        if (!element.isValid())
+        if (!element.isValid()) {
             break;
+        }
         elements.append(dbusArgumentUnpack(element));
     }
     return elements;
@@ -37,8 +39,9 @@ QVariantList readElements(const QDBusArgument& argument)
 QVariant readArray(const QDBusArgument& argument)
 {
     const QString signature = argument.currentSignature();
-    if (signature == QLatin1String("as") || signature == QLatin1String("ay"))
+    if (signature == QLatin1String("as") || signature == QLatin1String("ay")) {
         return argument.asVariant();
+    }
     argument.beginArray();
     const QVariantList elements = readElements(argument);
     argument.endArray();
@@ -62,8 +65,9 @@ QVariant readMap(const QDBusArgument& argument)
         const QVariant key = argument.asVariant();
         const QVariant value = argument.asVariant();
         argument.endMapEntry();
-        if (!key.isValid())
+        if (!key.isValid()) {
             break;
+        }
         map.insert(keyText(key), dbusArgumentUnpack(value));
     }
     argument.endMap();
@@ -91,15 +95,17 @@ QVariant readArgument(const QDBusArgument& argument)
 
 QVariant unpackList(QVariantList list)
 {
-    for (QVariant& element : list)
+    for (QVariant& element : list) {
         element = dbusArgumentUnpack(element);
+    }
     return list;
 }
 
 QVariant unpackMap(QVariantMap map)
 {
-    for (QVariant& value : map)
+    for (QVariant& value : map) {
         value = dbusArgumentUnpack(value);
+    }
     return map;
 }
 
@@ -109,21 +115,28 @@ QVariant dbusArgumentUnpack(const QVariant& value)
 {
     const int type = value.userType();
     // Reading moves the position of the copy alone, so that the value can be unpacked again.
-    if (type == qMetaTypeId<QDBusArgument>())
+    if (type == qMetaTypeId<QDBusArgument>()) {
         return readArgument(value.value<QDBusArgument>());
-    if (type == qMetaTypeId<QDBusVariant>())
+    }
+    if (type == qMetaTypeId<QDBusVariant>()) {
         return dbusArgumentUnpack(value.value<QDBusVariant>().variant());
-    if (type == qMetaTypeId<QDBusObjectPath>())
+    }
+    if (type == qMetaTypeId<QDBusObjectPath>()) {
         return value.value<QDBusObjectPath>().path();
-    if (type == qMetaTypeId<QDBusSignature>())
+    }
+    if (type == qMetaTypeId<QDBusSignature>()) {
         return value.value<QDBusSignature>().signature();
+    }
     // A descriptor over a bus that cannot pass any is handed out as a pointer that means nothing.
-    if (type == qMetaTypeId<QDBusUnixFileDescriptor>() || type == QMetaType::VoidStar)
+    if (type == qMetaTypeId<QDBusUnixFileDescriptor>() || type == QMetaType::VoidStar) {
         return {};
-    if (type == QMetaType::QVariantList)
+    }
+    if (type == QMetaType::QVariantList) {
         return unpackList(value.toList());
-    if (type == QMetaType::QVariantMap)
+    }
+    if (type == QMetaType::QVariantMap) {
         return unpackMap(value.toMap());
+    }
     return value;
 }
 
