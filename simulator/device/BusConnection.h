@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDBusConnection>
+
+/// A connection of its own to a message bus, closed with this object.
+class BusConnection
+{
+public:
+    /// Opens the connection at once; `get().isConnected()` tells whether that went well.
+    explicit BusConnection(const QString& address);
+    ~BusConnection();
+
+    BusConnection(const BusConnection&) = delete;
+    BusConnection& operator=(const BusConnection&) = delete;
+
+    QDBusConnection& get() { return m_connection; }
+
+private:
+    QString m_name;
+    QDBusConnection m_connection;
+};

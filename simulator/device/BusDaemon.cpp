@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/device/BusDaemon.h"
+
+#include "simulator/device/DeviceFolder.h"
+
+#include <ls/BusNames.h>
+
+#include <QFile>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr int startTimeoutMs = 5000;
+
+const QString denyOwnership = QStringLiteral(R"(
+  <policy context="mandatory">
+    <deny own="%1"/>
+  </policy>)");
+
+// The simulating user stands in for root and for the users of the other services, whose policies are
+// installed with those services.
+const QString standInPolicy = QStringLiteral(R"(
+  <policy user="%1">
+    <allow own="%2"/>
+    <allow own="%3"/>
+    <allow own="%4"/>
+    <allow send_destination="%3"/>
+    <allow send_destination="%4"/>
+  </policy>)");
+
+const QString configuration = QStringLiteral(R"(<!DOCTYPE busconfig PUBLIC
+ "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>system</type>
+  <listen>%1</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow user="*"/>
+    <deny own="*"/>
+    <deny send_type="method_call"/>
+    <allow send_type="signal"/>
+    <allow send_requested_reply="true" send_type="method_return"/>
+    <allow send_requested_reply="true" send_type="error"/>
+    <allow receive_type="method_call"/>
+    <allow receive_type="method_return"/>
+    <allow receive_type="error"/>
+    <allow receive_type="signal"/>
+    <allow send_destination="org.freedesktop.DBus"/>
+  </policy>
+  <include>%2</include>%3
+</busconfig>
+)");
+
+QString policies(DeviceOptions::NamePolicy namePolicy)
+{
+    const QString keyboardHandler = ls::busName(ls::ServiceId::KeyboardHandler);
+    const QString standIns = standInPolicy.arg(QString::number(getuid()), keyboardHandler,
+                                               ls::busName(ls::ServiceId::StateHandler),
+                                               ls::busName(QStringLiteral("SpeechDaemon")));
+    const bool deny = namePolicy == DeviceOptions::NamePolicy::DenyOwnership;
+    return standIns + (deny ? denyOwnership.arg(keyboardHandler) : QString());
+}
+
+QString writeConfiguration(const DeviceFolder& folder, const QString& address,
+                           DeviceOptions::NamePolicy namePolicy)
+{
+    QFile file(folder.busConfiguration());
+    const QString text =
+        configuration.arg(address, QStringLiteral(KEYBOARD_HANDLER_BUS_POLICY), policies(namePolicy));
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) == -1) {
+        return file.errorString();
+    }
+    return {};
+}
+
+} // namespace
+
+QString BusDaemon::start(const DeviceFolder& folder, DeviceOptions::NamePolicy namePolicy)
+{
+    m_address = QStringLiteral("unix:path=") + folder.busSocket();
+    const QString fault = writeConfiguration(folder, m_address, namePolicy);
+    if (!fault.isEmpty()) {
+        return fault;
+    }
+    m_process.start(QStringLiteral("dbus-daemon"),
+                    {QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
+                     QStringLiteral("--print-address=1"),
+                     QStringLiteral("--config-file=") + folder.busConfiguration()});
+    // The address is printed when the socket listens.
+    if (!m_process.waitForReadyRead(startTimeoutMs)) {
+        return QStringLiteral("dbus-daemon does not start: %1 %2")
+            .arg(m_process.errorString(), QString::fromLocal8Bit(m_process.readAllStandardError()));
+    }
+    return {};
+}
+
+void BusDaemon::stop()
+{
+    m_process.end();
+}

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/device/ChildProcess.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int endTimeoutMs = 5000;
+
+} // namespace
+
+ChildProcess::ChildProcess(QObject* parent) : QProcess(parent), m_parent(getpid()) {}
+
+ChildProcess::~ChildProcess()
+{
+    end();
+}
+
+void ChildProcess::end()
+{
+    if (state() == NotRunning) {
+        return;
+    }
+    terminate();
+    if (!waitForFinished(endTimeoutMs)) {
+        kill();
+        waitForFinished(endTimeoutMs);
+    }
+}
+
+void ChildProcess::setupChildProcess()
+{
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // The parent may be gone since the fork; nothing would end this process then.
+    if (getppid() != m_parent) {
+        _exit(EXIT_FAILURE);
+    }
+    if (m_inherited != -1) {
+        fcntl(m_inherited, F_SETFD, 0);
+    }
+}

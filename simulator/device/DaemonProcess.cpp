@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/device/DaemonProcess.h"
+
+#include "simulator/device/DeviceFolder.h"
+
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int startTimeoutMs = 5000;
+
+QStringList viewOfDevice(const DeviceFolder& folder)
+{
+    return {QStringLiteral("--die-with-parent"),
+            QStringLiteral("--ro-bind"),
+            QStringLiteral("/"),
+            QStringLiteral("/"),
+            QStringLiteral("--dev"),
+            QStringLiteral("/dev"),
+            QStringLiteral("--bind"),
+            folder.inputFolder(),
+            QStringLiteral("/dev/input"),
+            QStringLiteral("--bind"),
+            folder.libraryFolder(),
+            QStringLiteral("/var/lib"),
+            QStringLiteral("--bind"),
+            folder.runFolder(),
+            QStringLiteral("/run")};
+}
+
+/// Keeps the executable in sight when it lies in a folder that the device has in another form.
+QStringList viewOfExecutable(const QString& executable)
+{
+    for (const char* hidden : {"/dev/", "/var/lib/", "/run/"}) {
+        if (executable.startsWith(QLatin1String(hidden))) {
+            return {QStringLiteral("--ro-bind"), executable, executable};
+        }
+    }
+    return {};
+}
+
+QStringList commandOf(const QString& executable, const DeviceOptions& options)
+{
+    const QStringList command = QStringList(executable) + options.daemonArguments;
+    if (options.standardInput != DeviceOptions::StandardInput::Closed) {
+        return command;
+    }
+    // Closed at the last moment, so that no helper's file takes its number.
+    return QStringList{QStringLiteral("/bin/sh"), QStringLiteral("-c"),
+                       QStringLiteral("exec \"$0\" \"$@\" <&-")} +
+           command;
+}
+
+QProcessEnvironment environment(const QString& loggingRules)
+{
+    QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"DBUS_SYSTEM_BUS_ADDRESS", "DBUS_SESSION_BUS_ADDRESS", "NOTIFY_SOCKET",
+                             "QT_MESSAGE_PATTERN", "QT_LOGGING_CONF", "QT_LOGGING_DEBUG"}) {
+        variables.remove(QLatin1String(name));
+    }
+    variables.insert(QStringLiteral("QT_LOGGING_RULES"), loggingRules);
+    // Without it the log goes to the journal of this machine where there is one.
+    variables.insert(QStringLiteral("QT_FORCE_STDERR_LOGGING"), QStringLiteral("1"));
+    return variables;
+}
+
+QByteArray readToEnd(int descriptor)
+{
+    QByteArray text;
+    char buffer[512];
+    pollfd poller{descriptor, POLLIN, 0};
+    while (poll(&poller, 1, startTimeoutMs) == 1) {
+        const ssize_t count = read(descriptor, buffer, sizeof buffer);
+        if (count <= 0) {
+            break;
+        }
+        text.append(buffer, int(count));
+    }
+    return text;
+}
+
+QString withoutEnd(const QByteArray& line)
+{
+    return QString::fromUtf8(line.constData(), line.size() - 1);
+}
+
+} // namespace
+
+DaemonProcess::DaemonProcess(QObject* parent) : QObject(parent) {}
+
+QString DaemonProcess::start(const DeviceFolder& folder, const DeviceOptions& options)
+{
+    const QString executable = QFileInfo(options.daemon).canonicalFilePath();
+    if (executable.isEmpty()) {
+        return QStringLiteral("The daemon %1 is not there.").arg(options.daemon);
+    }
+    makeProcess(options);
+
+    // Bubblewrap tells on this pipe which process the daemon has become.
+    int report[2];
+    if (pipe2(report, O_CLOEXEC) == -1) {
+        return QStringLiteral("There are no more file descriptors.");
+    }
+    m_process->inherit(report[1]);
+    m_process->start(
+        QStringLiteral("bwrap"),
+        viewOfDevice(folder) + viewOfExecutable(executable) +
+            QStringList{QStringLiteral("--info-fd"), QString::number(report[1]), QStringLiteral("--")} +
+            commandOf(executable, options));
+    m_process->waitForStarted(startTimeoutMs);
+    close(report[1]);
+    const QJsonObject info = QJsonDocument::fromJson(readToEnd(report[0])).object();
+    close(report[0]);
+    m_processId = info.value(QStringLiteral("child-pid")).toInt();
+    if (m_processId == 0) {
+        return QStringLiteral("bwrap does not start the daemon: ") + m_process->errorString();
+    }
+    return {};
+}
+
+void DaemonProcess::stop()
+{
+    if (!isRunning()) {
+        return;
+    }
+    kill(pid_t(m_processId), SIGTERM);
+    m_process->waitForFinished(startTimeoutMs);
+    m_process->end();
+}
+
+bool DaemonProcess::isRunning() const
+{
+    return m_process && m_process->state() == QProcess::Running;
+}
+
+void DaemonProcess::typeLine(const QString& line)
+{
+    type(line.toUtf8() + '\n');
+}
+
+void DaemonProcess::type(const QByteArray& bytes)
+{
+    if (isRunning()) {
+        m_process->write(bytes);
+    }
+}
+
+void DaemonProcess::endInput()
+{
+    m_process->closeWriteChannel();
+}
+
+void DaemonProcess::makeProcess(const DeviceOptions& options)
+{
+    m_process = std::make_unique<ChildProcess>();
+    connect(m_process.get(), &QProcess::readyReadStandardError, this, &DaemonProcess::readLog);
+    connect(m_process.get(), &QProcess::readyReadStandardOutput, this, &DaemonProcess::readOutput);
+    connect(m_process.get(), qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
+            &DaemonProcess::exited);
+    if (options.standardInput == DeviceOptions::StandardInput::Null) {
+        m_process->setStandardInputFile(QProcess::nullDevice());
+    }
+    m_process->setProcessEnvironment(environment(options.loggingRules));
+}
+
+void DaemonProcess::readLog()
+{
+    m_process->setReadChannel(QProcess::StandardError);
+    while (m_process->canReadLine()) {
+        Q_EMIT logLine(withoutEnd(m_process->readLine()));
+    }
+}
+
+void DaemonProcess::readOutput()
+{
+    m_process->setReadChannel(QProcess::StandardOutput);
+    while (m_process->canReadLine()) {
+        Q_EMIT outputLine(withoutEnd(m_process->readLine()));
+    }
+}

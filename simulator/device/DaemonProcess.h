@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulator/device/ChildProcess.h"
+#include "simulator/device/DeviceOptions.h"
+
+#include <QObject>
+
+#include <memory>
+
+class DeviceFolder;
+
+/// The daemon's executable, run inside of a simulated device's view of the file system.
+class DaemonProcess : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit DaemonProcess(QObject* parent = nullptr);
+
+    /// Starts the daemon; returns a sentence about what went wrong, or an empty text. What the daemon
+    /// then does, `exited` included, is reported from the event loop.
+    QString start(const DeviceFolder& folder, const DeviceOptions& options);
+    /// Ends the daemon, if it runs, as the service manager would, and waits for its end.
+    void stop();
+
+    bool isRunning() const;
+    /// The process id of the daemon itself; 0 before its start.
+    qint64 processId() const { return m_processId; }
+
+    void typeLine(const QString& line);
+    /// Writes bytes that need not be whole lines.
+    void type(const QByteArray& bytes);
+    /// Ends the daemon's standard input.
+    void endInput();
+
+Q_SIGNALS:
+    /// A line of the daemon's log.
+    void logLine(const QString& line);
+    /// A line of the daemon's standard output.
+    void outputLine(const QString& line);
+    /// The exit status, or 128 and the number of the signal that ended the daemon.
+    void exited(int status);
+
+private:
+    void makeProcess(const DeviceOptions& options);
+    void readLog();
+    void readOutput();
+
+    std::unique_ptr<ChildProcess> m_process;
+    qint64 m_processId = 0;
+};

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <ls/Identifiers.h>
+
+#include <QByteArray>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+
+#include <array>
+
+/// What a simulated device is made of. The default is a device in good order.
+struct DeviceOptions
+{
+    enum class StandardInput { Pipe, Null, Closed };
+    enum class NamePolicy { Project, DenyOwnership };
+
+    /// The daemon's executable and its arguments.
+    QString daemon = QStringLiteral(KEYBOARD_HANDLER_DAEMON);
+    QStringList daemonArguments;
+    /// The rules for the daemon's logging categories, as Qt reads them.
+    QString loggingRules;
+    StandardInput standardInput = StandardInput::Pipe;
+
+    /// The folder whose *.json files are the device's key lists; empty for none.
+    QString keyListFolder = QStringLiteral(KEYBOARD_HANDLER_DATA_FOLDER);
+    /// File name to content, in place of a file of that folder or next to them.
+    QMap<QString, QByteArray> keyLists;
+    /// "Orvane" or "Pellit"; empty for a device without configuration.
+    QString model = QStringLiteral("Pellit");
+    /// Which of the two input devices exist.
+    std::array<bool, 2> inputDevices{true, true};
+
+    bool bus = true;
+    NamePolicy namePolicy = NamePolicy::Project;
+    bool stateHandler = true;
+    QString state = ls::StateId::Idle;
+    bool speechDaemon = true;
+    /// Whether the state handler and the speech daemon are declared ready before the daemon starts.
+    bool dependenciesReady = true;
+};

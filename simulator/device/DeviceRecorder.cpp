@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/device/DeviceRecorder.h"
+
+#include "simulator/device/SimulatedDevice.h"
+#include "simulator/script/ObservationText.h"
+
+DeviceRecorder::DeviceRecorder(SimulatedDevice& device, QObject* parent) : QObject(parent)
+{
+    restart();
+    connect(&device, &SimulatedDevice::announced, this,
+            [this](const QVariantMap& notification) { add(ObservationText::announcement(notification)); });
+    connect(&device, &SimulatedDevice::spoken, this,
+            [this](const QVariantMap& request) { add(ObservationText::speech(request)); });
+    connect(&device, &SimulatedDevice::speechCancelled, this,
+            [this] { add(ObservationText::cancellation()); });
+    connect(&device, &SimulatedDevice::answered, this,
+            [this](const QVariantMap& response) { add(ObservationText::answer(response)); });
+    connect(&device, &SimulatedDevice::commandFailed, this, [this](const QDBusError& error) {
+        add(ObservationText::answer({{QStringLiteral("busError"), error.name()}}));
+    });
+    connect(&device, &SimulatedDevice::logLine, this,
+            [this](const QString& line) { add(ObservationText::logLine(line)); });
+}
+
+void DeviceRecorder::restart()
+{
+    m_observations.clear();
+    m_clock.start();
+}
+
+std::chrono::milliseconds DeviceRecorder::elapsed() const
+{
+    return std::chrono::milliseconds(m_clock.elapsed());
+}
+
+void DeviceRecorder::add(const QString& text)
+{
+    m_observations.append({elapsed(), text});
+    Q_EMIT observed(m_observations.last());
+}

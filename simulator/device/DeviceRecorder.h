@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulator/script/Observation.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+
+class SimulatedDevice;
+
+/// Keeps what a simulated device's daemon does, as the observations that a key script can expect.
+class DeviceRecorder : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `device` must live as long as the recorder.
+    explicit DeviceRecorder(SimulatedDevice& device, QObject* parent = nullptr);
+
+    /// Forgets what was seen and counts the time from now.
+    void restart();
+
+    const Observations& observations() const { return m_observations; }
+    std::chrono::milliseconds elapsed() const;
+
+Q_SIGNALS:
+    void observed(const Observation& observation);
+
+private:
+    void add(const QString& text);
+
+    Observations m_observations;
+    QElapsedTimer m_clock;
+};

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/device/KeyboardClient.h"
+
+#include <ls/BusNames.h>
+#include <ls/Identifiers.h>
+#include <vantre/DBusArgumentUnpack.h>
+
+namespace {
+
+QString keyboardService()
+{
+    return ls::busName(ls::ServiceId::KeyboardHandler);
+}
+
+} // namespace
+
+KeyboardClient::KeyboardClient(const QDBusConnection& bus, QObject* parent) : QObject(parent), m_bus(bus) {}
+
+bool KeyboardClient::listen()
+{
+    return m_bus.connect({}, ls::busPath, keyboardService(), QStringLiteral("notification"), this,
+                         SLOT(onNotification(QVariantMap)));
+}
+
+void KeyboardClient::send(const QVariantMap& command)
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(keyboardService(), ls::busPath, keyboardService(),
+                                                          QStringLiteral("process"));
+    message << command;
+    // The slots are known before the message goes out. A watcher, made afterwards, could come after the
+    // reply and then report it behind things that were sent later.
+    m_bus.callWithCallback(message, this, SLOT(onReply(QDBusMessage)), SLOT(onError(QDBusError)));
+}
+
+void KeyboardClient::onNotification(const QVariantMap& notification)
+{
+    Q_EMIT announced(libvantre::dbusArgumentUnpack(notification).toMap());
+}
+
+void KeyboardClient::onReply(const QDBusMessage& reply)
+{
+    Q_EMIT answered(libvantre::dbusArgumentUnpack(reply.arguments().value(0)).toMap());
+}
+
+void KeyboardClient::onError(const QDBusError& error)
+{
+    Q_EMIT failed(error);
+}

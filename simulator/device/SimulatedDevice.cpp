@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/device/SimulatedDevice.h"
+
+#include <QEventLoop>
+#include <QTimer>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto requestTimeout = 10s;
+
+const QString daemonName = QStringLiteral("keyboard-handler");
+const QStringList dependencies{QStringLiteral("state-handler"), QStringLiteral("speechd")};
+
+} // namespace
+
+SimulatedDevice::SimulatedDevice(const DeviceOptions& options, QObject* parent)
+    : QObject(parent), m_options(options), m_folder(options), m_error(m_folder.errorString())
+{
+    connect(&m_daemon, &DaemonProcess::logLine, this, &SimulatedDevice::logLine);
+    connect(&m_daemon, &DaemonProcess::outputLine, this, &SimulatedDevice::outputLine);
+    connect(&m_daemon, &DaemonProcess::exited, this, &SimulatedDevice::daemonExited);
+    m_stateHandler.setInitialState(options.state);
+}
+
+SimulatedDevice::~SimulatedDevice()
+{
+    // Who watches the device may be half gone already.
+    m_daemon.disconnect(this);
+    m_daemon.stop();
+}
+
+bool SimulatedDevice::start()
+{
+    return startServices() && startDaemon();
+}
+
+bool SimulatedDevice::startServices()
+{
+    if (!m_error.isEmpty()) {
+        return false;
+    }
+    for (int device = 0; device < Panel::deviceCount; ++device) {
+        if (m_options.inputDevices.at(size_t(device)) &&
+            !m_panel.open(device, m_folder.inputDevice(device))) {
+            return fail(QStringLiteral("The input device %1 cannot be opened.").arg(device));
+        }
+    }
+    if (m_options.bus && !startBus()) {
+        return false;
+    }
+    for (const QString& dependency : dependencies) {
+        m_folder.setReady(dependency, m_options.dependenciesReady);
+    }
+    return true;
+}
+
+bool SimulatedDevice::startDaemon()
+{
+    const QString error = m_daemon.start(m_folder, m_options);
+    return error.isEmpty() || fail(error);
+}
+
+bool SimulatedDevice::isReady() const
+{
+    return m_folder.isReady(daemonName);
+}
+
+void SimulatedDevice::dropSpeech()
+{
+    m_speech->disappear();
+}
+
+void SimulatedDevice::restoreSpeech()
+{
+    m_speech->appear();
+}
+
+QVariantMap SimulatedDevice::request(const QVariantMap& command)
+{
+    QVariantMap response;
+    QEventLoop loop;
+    connect(this, &SimulatedDevice::answered, &loop, [&](const QVariantMap& answer) {
+        response = answer;
+        loop.quit();
+    });
+    connect(this, &SimulatedDevice::commandFailed, &loop, &QEventLoop::quit);
+    QTimer::singleShot(requestTimeout, &loop, &QEventLoop::quit);
+    QTimer::singleShot(0, &loop, [&] { sendCommand(command); });
+    loop.exec();
+    return response;
+}
+
+void SimulatedDevice::press(int device, const QString& key)
+{
+    m_panel.press(device, key);
+}
+
+void SimulatedDevice::release(int device, const QString& key)
+{
+    m_panel.release(device, key);
+}
+
+void SimulatedDevice::record(int device, const RawRecord& record)
+{
+    m_panel.record(device, record);
+}
+
+void SimulatedDevice::setState(const QString& state)
+{
+    m_stateHandler.changeState(state);
+}
+
+void SimulatedDevice::sendCommand(const QVariantMap& command)
+{
+    if (m_client) {
+        m_client->send(command);
+    } else {
+        Q_EMIT commandFailed(QDBusError(QDBusError::Disconnected, QStringLiteral("There is no bus.")));
+    }
+}
+
+void SimulatedDevice::typeLine(const QString& line)
+{
+    m_daemon.typeLine(line);
+}
+
+bool SimulatedDevice::startBus()
+{
+    const QString error = m_bus.start(m_folder, m_options.namePolicy);
+    if (!error.isEmpty()) {
+        return fail(error);
+    }
+    m_connection = std::make_unique<BusConnection>(m_bus.address());
+    m_speech = std::make_unique<SpeechDaemonStandIn>(m_connection->get());
+    m_client = std::make_unique<KeyboardClient>(m_connection->get());
+    connectPeers();
+    if (!m_client->listen() || (m_options.speechDaemon && !m_speech->appear()) ||
+        (m_options.stateHandler && !m_stateHandler.appear(m_bus.address()))) {
+        return fail(QStringLiteral("The services do not get on the bus: ") +
+                    m_connection->get().lastError().message());
+    }
+    return true;
+}
+
+void SimulatedDevice::connectPeers()
+{
+    connect(m_speech.get(), &SpeechDaemonStandIn::spoken, this, &SimulatedDevice::spoken);
+    connect(m_speech.get(), &SpeechDaemonStandIn::cancelled, this, &SimulatedDevice::speechCancelled);
+    connect(m_client.get(), &KeyboardClient::announced, this, &SimulatedDevice::announced);
+    connect(m_client.get(), &KeyboardClient::answered, this, &SimulatedDevice::answered);
+    connect(m_client.get(), &KeyboardClient::failed, this, &SimulatedDevice::commandFailed);
+}
+
+bool SimulatedDevice::fail(const QString& error)
+{
+    m_error = error;
+    return false;
+}

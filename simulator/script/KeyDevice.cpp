@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/script/KeyDevice.h"
+
+#include <time.h>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto repeatDelay = 250ms;
+constexpr auto repeatPeriod = 33ms;
+
+constexpr qint32 released = 0;
+constexpr qint32 pressed = 1;
+constexpr qint32 repeated = 2;
+
+input_event stamped(quint16 type, quint16 code, qint32 value)
+{
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    input_event record{};
+    // The fields differ between the 32-bit and the 64-bit record; the macros name the right ones.
+    record.input_event_sec = static_cast<decltype(record.input_event_sec)>(now.tv_sec);
+    record.input_event_usec = static_cast<decltype(record.input_event_usec)>(now.tv_nsec / 1000);
+    record.type = type;
+    record.code = code;
+    record.value = value;
+    return record;
+}
+
+} // namespace
+
+KeyDevice::KeyDevice(QObject* parent) : QObject(parent)
+{
+    m_repeatTimer.setTimerType(Qt::PreciseTimer);
+    connect(&m_repeatTimer, &QTimer::timeout, this, &KeyDevice::repeat);
+}
+
+void KeyDevice::press(quint16 code)
+{
+    if (m_down.contains(code)) {
+        return;
+    }
+    m_down.insert(code);
+    m_repeating = code;
+    m_repeatTimer.start(repeatDelay);
+    report(EV_KEY, code, pressed);
+}
+
+void KeyDevice::release(quint16 code)
+{
+    if (!m_down.remove(code)) {
+        return;
+    }
+    m_repeatTimer.stop();
+    report(EV_KEY, code, released);
+}
+
+void KeyDevice::report(quint16 type, quint16 code, qint32 value)
+{
+    write(type, code, value);
+    write(EV_SYN, SYN_REPORT, 0);
+}
+
+void KeyDevice::repeat()
+{
+    m_repeatTimer.start(repeatPeriod);
+    write(EV_KEY, m_repeating, repeated);
+    // The kernel marks the report of a repetition with 1.
+    write(EV_SYN, SYN_REPORT, 1);
+}
+
+void KeyDevice::write(quint16 type, quint16 code, qint32 value)
+{
+    Q_EMIT recorded(stamped(type, code, value));
+}

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulator/script/Observation.h"
+
+#include <ls/Identifiers.h>
+
+#include <QByteArray>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+#include <QVector>
+
+#include <chrono>
+
+/// One row of a key list.
+struct KeyRow
+{
+    enum class Kind { Long, Modifier, Shortcut };
+
+    Kind kind = Kind::Long;
+    QString action;
+    QString receiver;
+    QString validOnState;
+    /// Only for `Kind::Long`.
+    int seconds = 0;
+    QStringList keys;
+};
+
+/// The fields of an input record that a device chooses itself.
+struct RawRecord
+{
+    quint16 type = 0;
+    quint16 code = 0;
+    qint32 value = 0;
+};
+
+/// What a script does to the device at one moment.
+struct ScriptStep
+{
+    enum class Kind { Heading, Press, Release, Record, State, Command, Console };
+
+    /// Since the start of the script.
+    std::chrono::milliseconds at{0};
+    Kind kind = Kind::Heading;
+    /// The input device, 0 or 1, of `Press`, `Release` and `Record`.
+    int device = 0;
+    /// The heading, the key, the state or the console line.
+    QString text;
+    /// The map of a `Command`.
+    QVariantMap command;
+    /// The record of a `Record`.
+    RawRecord record;
+};
+
+/// A fault of a script: the line that it is in, counted from 1 (0: the whole file), and a sentence.
+struct ScriptFault
+{
+    int line = 0;
+    QString text;
+};
+
+/// What a person does at the device and what is expected of it; docs/key-scripts.md has the grammar.
+struct KeyScript
+{
+    QString model = QStringLiteral("Pellit");
+    QString initialState = ls::StateId::Idle;
+    /// The whole key lists; with none the installed lists count.
+    QVector<KeyRow> rows;
+    /// In the order of time.
+    QVector<ScriptStep> steps;
+    /// When the steps and the waits behind them are over.
+    std::chrono::milliseconds end{0};
+    Observations expectations;
+
+    /// When the script is over and the last expectation is due.
+    std::chrono::milliseconds duration() const;
+    /// The three key-list files made of `rows`, by their names; empty without rows.
+    QMap<QString, QByteArray> keyLists() const;
+    /// The script as text, which parses to an equal script.
+    QString toText() const;
+};
+
+/// A parsed script; it is usable when there are no faults.
+struct ParsedScript
+{
+    KeyScript script;
+    QVector<ScriptFault> faults;
+};
+
+/// Parses the text of a script file.
+ParsedScript parseKeyScript(const QString& text);
+/// Parses lines that stand behind the header of a script: steps and expectations only.
+ParsedScript parseKeyScriptSteps(const QString& text);
+/// Reads and parses a script file.
+ParsedScript loadKeyScript(const QString& path);

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulator/script/KeyScript.h"
+
+#include <QHash>
+
+/// Reads the lines of one key script. Whatever the text, it ends with a script or with faults.
+class KeyScriptParser
+{
+public:
+    enum class Begin { AtHeader, AtSteps };
+
+    explicit KeyScriptParser(Begin begin);
+
+    ParsedScript parse(const QString& text);
+
+private:
+    /// Takes the words behind the keyword; returns a sentence about the fault, or an empty text.
+    using Handler = QString (KeyScriptParser::*)(const QStringList& words);
+    using Handlers = QHash<QString, Handler>;
+
+    static const Handlers& headerHandlers();
+    static const Handlers& stepHandlers();
+
+    void readLine(const QString& line);
+    QString readWords(const QString& keyword, const QStringList& words);
+
+    QString readModel(const QStringList& words);
+    QString readInitialState(const QStringList& words);
+    QString readRow(const QStringList& words);
+
+    QString readDevice(const QStringList& words);
+    QString readPress(const QStringList& words);
+    QString readRelease(const QStringList& words);
+    QString readTap(const QStringList& words);
+    QString readHold(const QStringList& words);
+    QString readWait(const QStringList& words);
+    QString readState(const QStringList& words);
+    QString readRecord(const QStringList& words);
+    QString readCommand(const QStringList& words);
+    QString readConsole(const QStringList& words);
+    QString readExpect(const QStringList& words);
+
+    QString readKey(ScriptStep::Kind kind, const QStringList& words, const QString& usage);
+    void addKey(ScriptStep::Kind kind, const QString& key);
+    void addStep(ScriptStep step);
+    QString advance(std::chrono::milliseconds time);
+
+    ParsedScript m_result;
+    QString m_line;
+    bool m_inHeader;
+    bool m_stateGiven = false;
+    int m_device = 0;
+    std::chrono::milliseconds m_now{0};
+};

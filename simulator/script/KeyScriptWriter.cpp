@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/script/CommandWords.h"
+#include "simulator/script/KeyRowWords.h"
+#include "simulator/script/KeyScript.h"
+
+namespace {
+
+/// Writes a script line by line, with a `wait` where time passes.
+class Writer
+{
+public:
+    void writeHeader(const KeyScript& script)
+    {
+        line({QStringLiteral("model"), script.model});
+        line({QStringLiteral("state"), script.initialState});
+        for (const KeyRow& row : script.rows) {
+            line(QStringList(QStringLiteral("row")) + KeyRowWords::wordsOf(row));
+        }
+        // Ends the header: a change of state that follows is not taken for the initial state.
+        line({QStringLiteral("device"), QString::number(m_device)});
+    }
+
+    void waitUntil(std::chrono::milliseconds time)
+    {
+        if (time > m_now) {
+            line({QStringLiteral("wait"), QString::number((time - m_now).count())});
+            m_now = time;
+        }
+    }
+
+    void write(const ScriptStep& step)
+    {
+        waitUntil(step.at);
+        const bool fromDevice = step.kind == ScriptStep::Kind::Press ||
+                                step.kind == ScriptStep::Kind::Release ||
+                                step.kind == ScriptStep::Kind::Record;
+        if (fromDevice && step.device != m_device) {
+            line({QStringLiteral("device"), QString::number(step.device)});
+            m_device = step.device;
+        }
+        line(wordsOf(step));
+    }
+
+    void write(const Observation& expectation)
+    {
+        line({QStringLiteral("expect"), QString::number(expectation.at.count()), expectation.text});
+    }
+
+    QString text() const { return m_text; }
+
+private:
+    static QStringList wordsOf(const ScriptStep& step)
+    {
+        switch (step.kind) {
+        case ScriptStep::Kind::Heading:
+            return {QStringLiteral("##"), step.text};
+        case ScriptStep::Kind::Press:
+            return {QStringLiteral("press"), step.text};
+        case ScriptStep::Kind::Release:
+            return {QStringLiteral("release"), step.text};
+        case ScriptStep::Kind::Record:
+            return {QStringLiteral("record"), QString::number(step.record.type),
+                    QString::number(step.record.code), QString::number(step.record.value)};
+        case ScriptStep::Kind::State:
+            return {QStringLiteral("state"), step.text};
+        case ScriptStep::Kind::Command:
+            return QStringList(QStringLiteral("command")) + CommandWords::wordsOf(step.command);
+        case ScriptStep::Kind::Console:
+            return {QStringLiteral("console"), step.text};
+        }
+        return {};
+    }
+
+    void line(const QStringList& words) { m_text += words.join(' ') + '\n'; }
+
+    QString m_text;
+    std::chrono::milliseconds m_now{0};
+    int m_device = 0;
+};
+
+} // namespace
+
+QString KeyScript::toText() const
+{
+    Writer writer;
+    writer.writeHeader(*this);
+    auto expectation = expectations.begin();
+    for (const ScriptStep& step : steps) {
+        for (; expectation != expectations.end() && expectation->at < step.at; ++expectation) {
+            writer.write(*expectation);
+        }
+        writer.write(step);
+    }
+    writer.waitUntil(end);
+    for (; expectation != expectations.end(); ++expectation) {
+        writer.write(*expectation);
+    }
+    return writer.text();
+}

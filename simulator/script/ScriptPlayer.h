@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulator/script/KeyScript.h"
+
+#include <QObject>
+
+class ScriptTarget;
+
+/// Plays the steps of a key script, each at its time from the start.
+///
+/// All times come from the thread's event dispatcher, so that a script plays just as well on the clock of
+/// a test.
+class ScriptPlayer : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `target` must live as long as the player.
+    ScriptPlayer(const KeyScript& script, ScriptTarget& target, QObject* parent = nullptr);
+
+    /// To be called once, from a running or a coming event loop.
+    void start();
+
+Q_SIGNALS:
+    /// `step` is being taken.
+    void stepping(const ScriptStep& step);
+    /// Some time has passed since the last step was taken and the last expectation was due.
+    void finished();
+
+private:
+    void schedule(int first, int end);
+    void take(int first, int end);
+
+    KeyScript m_script;
+    ScriptTarget& m_target;
+};

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/script/ScriptTarget.h"
+
+void ScriptTarget::take(const ScriptStep& step)
+{
+    switch (step.kind) {
+    case ScriptStep::Kind::Heading:
+        break;
+    case ScriptStep::Kind::Press:
+        press(step.device, step.text);
+        break;
+    case ScriptStep::Kind::Release:
+        release(step.device, step.text);
+        break;
+    case ScriptStep::Kind::Record:
+        record(step.device, step.record);
+        break;
+    case ScriptStep::Kind::State:
+        setState(step.text);
+        break;
+    case ScriptStep::Kind::Command:
+        sendCommand(step.command);
+        break;
+    case ScriptStep::Kind::Console:
+        typeLine(step.text);
+        break;
+    }
+}

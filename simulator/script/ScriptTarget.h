@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulator/script/KeyScript.h"
+
+/// What the steps of a key script are taken on: the simulated device, or the daemon's classes in a test.
+class ScriptTarget
+{
+public:
+    virtual ~ScriptTarget() = default;
+
+    /// `device` is 0 or 1, `key` an identifier of `ls::KeyId`.
+    virtual void press(int device, const QString& key) = 0;
+    virtual void release(int device, const QString& key) = 0;
+    /// Writes the record and the report that ends it.
+    virtual void record(int device, const RawRecord& record) = 0;
+    /// The state handler announces `state`, an identifier of `ls::StateId`.
+    virtual void setState(const QString& state) = 0;
+    /// Sends `command` to the keyboard service without waiting for the answer.
+    virtual void sendCommand(const QVariantMap& command) = 0;
+    /// Types `line` at the daemon's console.
+    virtual void typeLine(const QString& line) = 0;
+
+    /// Does what `step` says, now.
+    void take(const ScriptStep& step);
+};

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/script/ScriptWords.h"
+
+#include <ls/Identifiers.h>
+
+namespace {
+
+QString checkMember(const QMap<QString, int>& family, const QString& name, const QString& kind)
+{
+    if (family.contains(name)) {
+        return {};
+    }
+    return QStringLiteral("There is no %1 \"%2\"; known are %3.")
+        .arg(kind, name, QStringList(family.keys()).join(QStringLiteral(", ")));
+}
+
+} // namespace
+
+namespace ScriptWords {
+
+QString checkCount(const QStringList& words, int least, int most, const QString& usage)
+{
+    if (words.size() >= least && (most < 0 || words.size() <= most)) {
+        return {};
+    }
+    return QStringLiteral("Write it as: ") + usage;
+}
+
+QString checkKeys(const QStringList& keys)
+{
+    for (const QString& key : keys) {
+        const QString fault = checkMember(ls::KeyId::meta, key, QStringLiteral("key"));
+        if (!fault.isEmpty()) {
+            return fault;
+        }
+    }
+    return {};
+}
+
+QString checkState(const QString& state)
+{
+    return checkMember(ls::StateId::meta, state, QStringLiteral("state"));
+}
+
+QString checkService(const QString& service)
+{
+    return checkMember(ls::ServiceId::meta, service, QStringLiteral("service"));
+}
+
+std::optional<qint64> number(const QString& word, qint64 least, qint64 most)
+{
+    bool ok = false;
+    const qint64 value = word.toLongLong(&ok);
+    if (!ok || value < least || value > most) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+QString withoutWords(const QString& line, int count)
+{
+    QString rest = line.trimmed();
+    for (int i = 0; i < count; ++i) {
+        int end = 0;
+        while (end < rest.size() && !rest.at(end).isSpace()) {
+            ++end;
+        }
+        rest = rest.mid(end).trimmed();
+    }
+    return rest;
+}
+
+} // namespace ScriptWords

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/script/ScriptPlayer.h"
+
+#include "tests/virtual/DeviceTest.h"
+
+namespace {
+
+/// Writes down what is done to it, and when.
+class RecordingTarget : public ScriptTarget
+{
+public:
+    void press(int device, const QString& key) override
+    {
+        add(QStringLiteral("press %1 %2").arg(device).arg(key));
+    }
+    void release(int device, const QString& key) override
+    {
+        add(QStringLiteral("release %1 %2").arg(device).arg(key));
+    }
+    void record(int device, const RawRecord& record) override
+    {
+        add(QStringLiteral("record %1 %2").arg(device).arg(record.value));
+    }
+    void setState(const QString& state) override { add("state " + state); }
+    void sendCommand(const QVariantMap& command) override
+    {
+        add("command " + command.value(commandIdKey).toString());
+    }
+    void typeLine(const QString& line) override { add("console " + line); }
+
+    QStringList lines;
+
+private:
+    void add(const QString& text)
+    {
+        const auto time = VirtualDevice::clock().now() - m_start;
+        lines << QString::number(time.count()) + ' ' + text;
+    }
+
+    std::chrono::milliseconds m_start = VirtualDevice::clock().now();
+};
+
+} // namespace
+
+class ScriptPlayerTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyKindOfStepReachesTheTarget();
+    void stepsOfOneMomentKeepTheirOrder();
+    void stepsAreShownBeforeTheyAreTaken();
+    void theEndIsToldAfterTheLastExpectation();
+    void anEmptyScriptEndsToo();
+    void aPlayerThatIsGonePlaysNothing();
+};
+
+void ScriptPlayerTest::everyKindOfStepReachesTheTarget()
+{
+    RecordingTarget target;
+    ScriptPlayer player(
+        parseKeyScript("## Title\nwait 10\ndevice 1\ntap Up\nwait 5\nrecord 4 4 7\nstate Print\n"
+                       "command GetLastKey\nconsole C 4")
+            .script,
+        target);
+    player.start();
+    VirtualDevice::clock().advance(1s);
+    QCOMPARE(target.lines, QStringList({"10 press 1 Up", "60 release 1 Up", "65 record 1 7", "65 state Print",
+                                        "65 command GetLastKey", "65 console C 4"}));
+}
+
+void ScriptPlayerTest::stepsOfOneMomentKeepTheirOrder()
+{
+    RecordingTarget target;
+    ScriptPlayer player(parseKeyScript("press Up\npress Ok\nrelease Up\nwait 0\nrelease Ok").script, target);
+    player.start();
+    VirtualDevice::clock().advance(0ms);
+    QCOMPARE(target.lines, QStringList({"0 press 0 Up", "0 press 0 Ok", "0 release 0 Up", "0 release 0 Ok"}));
+}
+
+void ScriptPlayerTest::stepsAreShownBeforeTheyAreTaken()
+{
+    RecordingTarget target;
+    ScriptPlayer player(parseKeyScript("## Title\npress Up").script, target);
+    connect(&player, &ScriptPlayer::stepping, this,
+            [&](const ScriptStep& step) { target.lines << "shown " + step.text; });
+    player.start();
+    VirtualDevice::clock().advance(1s);
+    QCOMPARE(target.lines, QStringList({"shown Title", "shown Up", "0 press 0 Up"}));
+}
+
+void ScriptPlayerTest::theEndIsToldAfterTheLastExpectation()
+{
+    RecordingTarget target;
+    ScriptPlayer player(parseKeyScript("tap Up\nexpect 1550 announce SingleKey UserMenu - Up").script,
+                        target);
+    const QSignalSpy finished(&player, &ScriptPlayer::finished);
+    player.start();
+    VirtualDevice::clock().advance(2049ms);
+    QCOMPARE(finished.size(), 0);
+    VirtualDevice::clock().advance(1ms);
+    QCOMPARE(finished.size(), 1);
+}
+
+void ScriptPlayerTest::anEmptyScriptEndsToo()
+{
+    RecordingTarget target;
+    ScriptPlayer player(KeyScript(), target);
+    const QSignalSpy finished(&player, &ScriptPlayer::finished);
+    player.start();
+    VirtualDevice::clock().advance(1s);
+    QCOMPARE(finished.size(), 1);
+}
+
+void ScriptPlayerTest::aPlayerThatIsGonePlaysNothing()
+{
+    RecordingTarget target;
+    auto player = std::make_unique<ScriptPlayer>(parseKeyScript("wait 10\npress Up").script, target);
+    player->start();
+    player.reset();
+    VirtualDevice::clock().advance(1s);
+    QCOMPARE(target.lines, QStringList());
+}
+
+VIRTUAL_TIME_TEST_MAIN(ScriptPlayerTest)
+#include "ScriptPlayerTest.moc"

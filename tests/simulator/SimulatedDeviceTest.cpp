@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/device/SimulatedDevice.h"
+#include "simulator/device/DeviceRecorder.h"
+
+#include <ls/MessageKeys.h>
+
+#include <QFileInfo>
+#include <QtTest>
+
+#include <signal.h>
+
+namespace {
+
+const QVariantMap getLastKey{{ls::commandIdKey, "GetLastKey"}, {ls::senderIdKey, "ServiceTool"}};
+
+bool isAlive(qint64 processId)
+{
+    return kill(pid_t(processId), 0) == 0;
+}
+
+} // namespace
+
+class SimulatedDeviceTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aDeviceBecomesReady();
+    void nothingStaysBehind();
+    void twoDevicesHaveNothingInCommon();
+    void aMissingDaemonIsTold();
+    void aCommandWithoutDaemonFails();
+    void aCommandWithoutBusFails();
+    void theDaemonsEndIsTold();
+    void theDaemonsFilesAreTheDevices();
+};
+
+void SimulatedDeviceTest::aDeviceBecomesReady()
+{
+    SimulatedDevice device;
+    QVERIFY2(device.start(), qPrintable(device.errorString()));
+    QVERIFY(device.isRunning());
+    QTRY_VERIFY(device.isReady());
+    QCOMPARE(device.request(getLastKey).value(ls::resultIdKey).toString(), QStringLiteral("Success"));
+}
+
+void SimulatedDeviceTest::nothingStaysBehind()
+{
+    qint64 daemon = 0;
+    QString folder;
+    {
+        SimulatedDevice device;
+        QVERIFY(device.start());
+        daemon = device.daemon().processId();
+        folder = device.folder().runFolder();
+        QVERIFY(isAlive(daemon) && QFileInfo::exists(folder));
+    }
+    QVERIFY(!isAlive(daemon));
+    QVERIFY(!QFileInfo::exists(folder));
+}
+
+void SimulatedDeviceTest::twoDevicesHaveNothingInCommon()
+{
+    SimulatedDevice first;
+    SimulatedDevice second;
+    QVERIFY(first.start() && second.start());
+    QTRY_VERIFY(first.isReady() && second.isReady());
+    const DeviceRecorder recorder(first);
+    const QSignalSpy announced(&second, &SimulatedDevice::announced);
+    second.press(0, ls::KeyId::Menu);
+    second.release(0, ls::KeyId::Menu);
+    QTRY_COMPARE(announced.size(), 1);
+    first.request(getLastKey);
+    QCOMPARE(recorder.observations().last().text,
+             QStringLiteral("answer errorId=Undefined key=0 resultId=Success"));
+}
+
+void SimulatedDeviceTest::aMissingDaemonIsTold()
+{
+    DeviceOptions options;
+    options.daemon = QStringLiteral("/nowhere/daemon");
+    SimulatedDevice device(options);
+    QVERIFY(!device.start());
+    QCOMPARE(device.errorString(), QStringLiteral("The daemon /nowhere/daemon is not there."));
+}
+
+void SimulatedDeviceTest::aCommandWithoutDaemonFails()
+{
+    SimulatedDevice device;
+    QVERIFY(device.startServices());
+    const QSignalSpy failed(&device, &SimulatedDevice::commandFailed);
+    QCOMPARE(device.request(getLastKey), QVariantMap());
+    QCOMPARE(failed.size(), 1);
+    QCOMPARE(failed.first().first().value<QDBusError>().type(), QDBusError::ServiceUnknown);
+}
+
+void SimulatedDeviceTest::aCommandWithoutBusFails()
+{
+    DeviceOptions options;
+    options.bus = false;
+    SimulatedDevice device(options);
+    QVERIFY(device.start());
+    const QSignalSpy failed(&device, &SimulatedDevice::commandFailed);
+    QCOMPARE(device.request(getLastKey), QVariantMap());
+    QCOMPARE(failed.size(), 1);
+}
+
+void SimulatedDeviceTest::theDaemonsEndIsTold()
+{
+    SimulatedDevice device;
+    QVERIFY(device.start());
+    QTRY_VERIFY(device.isReady());
+    const QSignalSpy exited(&device, &SimulatedDevice::daemonExited);
+    QCOMPARE(kill(pid_t(device.daemon().processId()), SIGKILL), 0);
+    QTRY_COMPARE(exited.size(), 1);
+    QCOMPARE(exited.first().first().toInt(), 128 + SIGKILL);
+    QVERIFY(!device.isRunning());
+}
+
+void SimulatedDeviceTest::theDaemonsFilesAreTheDevices()
+{
+    DeviceOptions options;
+    options.daemon = QStringLiteral("/bin/ls");
+    options.daemonArguments = QStringList{"/dev/input", "/var/lib/keyboard-handler", "/run/service-watcher"};
+    options.keyListFolder.clear();
+    options.keyLists = {{QStringLiteral("longKeyList.json"), "{}"}};
+    options.inputDevices = {false, true};
+    SimulatedDevice device(options);
+    QStringList lines;
+    connect(&device, &SimulatedDevice::outputLine, this, [&](const QString& line) { lines << line; });
+    const QSignalSpy exited(&device, &SimulatedDevice::daemonExited);
+    QVERIFY(device.start());
+    QTRY_COMPARE(exited.size(), 1);
+    QCOMPARE(lines.join(' '),
+             QStringLiteral("/dev/input: event1  /run/service-watcher: speechd state-handler  "
+                            "/var/lib/keyboard-handler: longKeyList.json"));
+}
+
+QTEST_GUILESS_MAIN(SimulatedDeviceTest)
+#include "SimulatedDeviceTest.moc"

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "tests/system/SystemTest.h"
+
+#include <unistd.h>
+
+Q_DECLARE_METATYPE(DeviceOptions::StandardInput)
+
+namespace {
+
+constexpr int measuredMs = 2000;
+/// Of one processor.
+constexpr double mostLoad = 0.02;
+
+/// The processor time that a process has used, in clock ticks; -1 when it is gone.
+long ticks(qint64 processId)
+{
+    QFile file(QStringLiteral("/proc/%1/stat").arg(processId));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return -1;
+    }
+    // The fields behind the name, which may hold blanks itself; the state comes first.
+    const QList<QByteArray> fields = file.readAll().split(')').last().simplified().split(' ');
+    return fields.value(11).toLong() + fields.value(12).toLong();
+}
+
+} // namespace
+
+class SystemIdleCostTest : public SystemTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void anIdleDaemonLeavesTheProcessorAlone_data();
+    void anIdleDaemonLeavesTheProcessorAlone();
+    void aWaitingDaemonLeavesTheProcessorAlone();
+    void aDaemonWithoutABusLeavesTheProcessorAlone();
+
+private:
+    double load();
+};
+
+double SystemIdleCostTest::load()
+{
+    const qint64 process = device().daemon().processId();
+    const long before = ticks(process);
+    QElapsedTimer clock;
+    clock.start();
+    QTest::qWait(measuredMs);
+    const double seconds = double(clock.elapsed()) / 1000;
+    return double(ticks(process) - before) / double(sysconf(_SC_CLK_TCK)) / seconds;
+}
+
+void SystemIdleCostTest::anIdleDaemonLeavesTheProcessorAlone_data()
+{
+    using Input = DeviceOptions::StandardInput;
+    QTest::addColumn<Input>("input");
+    QTest::newRow("a silent pipe as input") << Input::Pipe;
+    QTest::newRow("no device as input") << Input::Null;
+    QTest::newRow("closed input") << Input::Closed;
+}
+
+void SystemIdleCostTest::anIdleDaemonLeavesTheProcessorAlone()
+{
+    QFETCH(DeviceOptions::StandardInput, input);
+    options.standardInput = input;
+    QVERIFY(launch());
+    QVERIFY(nextKeyWorks());
+    const double share = load();
+    QVERIFY2(share < mostLoad, qPrintable(QString::number(share)));
+    QVERIFY(nextKeyWorks());
+}
+
+void SystemIdleCostTest::aWaitingDaemonLeavesTheProcessorAlone()
+{
+    options.dependenciesReady = false;
+    QVERIFY(prepare());
+    QVERIFY(device().startDaemon());
+    const double share = load();
+    QVERIFY2(share < mostLoad, qPrintable(QString::number(share)));
+    QVERIFY(device().isRunning());
+}
+
+void SystemIdleCostTest::aDaemonWithoutABusLeavesTheProcessorAlone()
+{
+    options.bus = false;
+    QVERIFY(launch());
+    const double share = load();
+    QVERIFY2(share < mostLoad, qPrintable(QString::number(share)));
+}
+
+QTEST_GUILESS_MAIN(SystemIdleCostTest)
+#include "SystemIdleCostTest.moc"

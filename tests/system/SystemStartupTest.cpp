@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+#include "tests/system/SystemTest.h"
+
+#include <ls/BusNames.h>
+
+#include <QDBusConnectionInterface>
+#include <QDir>
+
+namespace {
+
+const QString ownName = QStringLiteral("keyboard-handler");
+const QString stateHandlerName = QStringLiteral("state-handler");
+const QString speechName = QStringLiteral("speechd");
+
+/// More than a daemon needs to look for both of its dependencies, whatever it finds.
+constexpr int looks = 100;
+
+/// How often the threads of a process have given the processor away.
+int waits(qint64 processId)
+{
+    int count = 0;
+    const QDir tasks(QStringLiteral("/proc/%1/task").arg(processId));
+    for (const QString& task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile status(tasks.filePath(task + QStringLiteral("/status")));
+        if (!status.open(QIODevice::ReadOnly)) {
+            continue;
+        }
+        const QString text = QString::fromLatin1(status.readAll());
+        count += text.section(QStringLiteral("\nvoluntary_ctxt_switches:"), 1).section('\n', 0, 0).toInt();
+    }
+    return count;
+}
+
+} // namespace
+
+class SystemStartupTest : public SystemTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aStaleDeclarationIsWithdrawnBeforeAnythingElse();
+    void bothDependenciesAreAwaited_data();
+    void bothDependenciesAreAwaited();
+    void readinessComesWithTheBusName();
+    void theStateIsAskedForOnce();
+    void versionAndHelpWaitForTheDependenciesToo_data();
+    void versionAndHelpWaitForTheDependenciesToo();
+    void anUnknownOptionIsRefused();
+    void aRestartedDaemonTakesUpItsWork();
+
+private:
+    bool looksAround();
+};
+
+bool SystemStartupTest::looksAround()
+{
+    const qint64 process = device().daemon().processId();
+    const int before = waits(process);
+    return QTest::qWaitFor([&] { return waits(process) > before + looks; }, 10'000);
+}
+
+void SystemStartupTest::aStaleDeclarationIsWithdrawnBeforeAnythingElse()
+{
+    options.dependenciesReady = false;
+    QVERIFY(prepare());
+    device().declareReady(ownName);
+    QVERIFY(device().startDaemon());
+    QTRY_VERIFY(!device().isReady());
+    QVERIFY(device().isRunning());
+}
+
+void SystemStartupTest::bothDependenciesAreAwaited_data()
+{
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("second");
+    QTest::newRow("the state handler first") << stateHandlerName << speechName;
+    QTest::newRow("the speech daemon first") << speechName << stateHandlerName;
+}
+
+void SystemStartupTest::bothDependenciesAreAwaited()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, second);
+    options.dependenciesReady = false;
+    QVERIFY(prepare());
+    QVERIFY(device().startDaemon());
+    device().declareReady(first);
+    QVERIFY(looksAround());
+    QVERIFY(!device().isReady());
+    QCOMPARE(log(), QStringList());
+    device().declareReady(second);
+    QTRY_VERIFY(device().isReady());
+    QVERIFY(nextKeyWorks());
+}
+
+void SystemStartupTest::readinessComesWithTheBusName()
+{
+    QVERIFY(launch());
+    BusConnection client(device().bus().address());
+    QVERIFY(client.get().interface()->isServiceRegistered(ls::busName(ls::ServiceId::KeyboardHandler)));
+    QVERIFY(awaitLog(QStringLiteral("Successfully registered on DBus: \"com.vantre.KeyboardHandler\"")));
+    QCOMPARE(log().size(), 1);
+}
+
+void SystemStartupTest::theStateIsAskedForOnce()
+{
+    QVERIFY(prepare());
+    const QSignalSpy asked(&device().stateHandler(), &StateHandlerStandIn::asked);
+    QVERIFY(launch());
+    QVERIFY(nextKeyWorks());
+    QCOMPARE(asked.size(), 1);
+    QCOMPARE(asked.first().first().toMap(),
+             QVariantMap({{ls::commandIdKey, "GetState"}, {ls::senderIdKey, "KeyboardHandler"}}));
+}
+
+void SystemStartupTest::versionAndHelpWaitForTheDependenciesToo_data()
+{
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QString>("output");
+    QTest::newRow("version") << "--version"
+                             << "keyboard-handler 1.0.3";
+    QTest::newRow("help") << "--help"
+                          << "Options:";
+}
+
+void SystemStartupTest::versionAndHelpWaitForTheDependenciesToo()
+{
+    QFETCH(QString, option);
+    options.daemonArguments = QStringList(option);
+    options.dependenciesReady = false;
+    QVERIFY(prepare());
+    QStringList output;
+    connect(&device(), &SimulatedDevice::outputLine, this, [&](const QString& line) { output << line; });
+    const QSignalSpy exited(&device(), &SimulatedDevice::daemonExited);
+    QVERIFY(device().startDaemon());
+    QVERIFY(looksAround());
+    QVERIFY(output.isEmpty() && exited.isEmpty());
+    device().declareReady(stateHandlerName);
+    device().declareReady(speechName);
+    QTRY_COMPARE(exited.value(0).value(0).toInt(), 0);
+    QTRY_COMPARE(exited.size(), 1);
+    QTEST(output.value(option == "--help" ? 2 : 0), "output");
+}
+
+void SystemStartupTest::anUnknownOptionIsRefused()
+{
+    options.daemonArguments = QStringList("--odd");
+    QVERIFY(prepare());
+    const QSignalSpy exited(&device(), &SimulatedDevice::daemonExited);
+    QVERIFY(device().startDaemon());
+    QTRY_COMPARE(exited.size(), 1);
+    QCOMPARE(exited.first().first().toInt(), 1);
+    QVERIFY(!device().isReady());
+}
+
+void SystemStartupTest::aRestartedDaemonTakesUpItsWork()
+{
+    QVERIFY(launch());
+    QVERIFY(nextKeyWorks());
+    device().stopDaemon();
+    QVERIFY(!device().isRunning());
+    device().withdrawReady(ownName);
+    QVERIFY(launch());
+    QVERIFY(nextKeyWorks());
+}
+
+QTEST_GUILESS_MAIN(SystemStartupTest)
+#include "SystemStartupTest.moc"

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: MIT
+#include "tests/system/SystemTest.h"
+
+#include "simulator/script/ObservationText.h"
+#include "simulator/script/ScriptPlayer.h"
+#include "simulator/script/Transcript.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int patienceMs = 20'000;
+constexpr int shownObservations = 50;
+
+} // namespace
+
+bool SystemTest::prepare()
+{
+    m_device = std::make_unique<SimulatedDevice>(options);
+    m_recorder = std::make_unique<DeviceRecorder>(*m_device);
+    const bool started = m_device->startServices();
+    if (!started) {
+        qWarning() << m_device->errorString();
+    }
+    return started;
+}
+
+bool SystemTest::launch()
+{
+    if (!m_device && !prepare()) {
+        return false;
+    }
+    if (!m_device->startDaemon()) {
+        qWarning() << m_device->errorString();
+        return false;
+    }
+    return QTest::qWaitFor([this] { return m_device->isReady(); }, patienceMs);
+}
+
+void SystemTest::tap(const QString& key, int inputDevice)
+{
+    m_device->press(inputDevice, key);
+    m_device->release(inputDevice, key);
+}
+
+QVariantMap SystemTest::command(const QString& name, const QVariantMap& arguments)
+{
+    QVariantMap map = arguments;
+    map.insert(ls::commandIdKey, name);
+    map.insert(ls::senderIdKey, ls::ServiceId::ServiceTool);
+    return m_device->request(map);
+}
+
+QStringList SystemTest::actions() const
+{
+    QStringList texts;
+    for (const Observation& observation : m_recorder->observations()) {
+        if (!ObservationText::isLogLine(observation.text)) {
+            texts << observation.text;
+        }
+    }
+    return texts;
+}
+
+QStringList SystemTest::log() const
+{
+    QStringList lines;
+    for (const Observation& observation : m_recorder->observations()) {
+        if (ObservationText::isLogLine(observation.text)) {
+            lines << observation.text.section(' ', 1);
+        }
+    }
+    return lines;
+}
+
+bool SystemTest::awaitAction(const QString& text)
+{
+    return QTest::qWaitFor([&] { return actions().contains(text); }, patienceMs);
+}
+
+bool SystemTest::awaitLog(const QString& line)
+{
+    return QTest::qWaitFor([&] { return log().contains(line); }, patienceMs);
+}
+
+QStringList SystemTest::play(const KeyScript& script)
+{
+    m_recorder->restart();
+    ScriptPlayer player(script, *m_device);
+    QSignalSpy finished(&player, &ScriptPlayer::finished);
+    player.start();
+    const int limit = int(script.duration().count()) + patienceMs;
+    if (!finished.wait(limit)) {
+        return {QStringLiteral("The script does not end.")};
+    }
+    return Transcript::difference(script.expectations, m_recorder->observations(),
+                                  Transcript::Mode::RealTime);
+}
+
+bool SystemTest::nextKeyWorks()
+{
+    const int before = menuAnnouncements();
+    tap(ls::KeyId::Menu);
+    return QTest::qWaitFor([&] { return menuAnnouncements() > before; }, patienceMs);
+}
+
+int SystemTest::menuAnnouncements() const
+{
+    static const QRegularExpression announcement(QStringLiteral("^announce SingleKey UserMenu \\S+ Menu$"));
+    return actions().filter(announcement).size();
+}
+
+void SystemTest::cleanup()
+{
+    if (QTest::currentTestFailed() && m_recorder) {
+        // The end tells what went wrong; a flood before it would hide that.
+        const Observations last = m_recorder->observations().mid(
+            std::max(0, m_recorder->observations().size() - shownObservations));
+        for (const Observation& observation : last) {
+            qInfo("%6lld ms  %s", static_cast<long long>(observation.at.count()),
+                  qPrintable(observation.text));
+        }
+    }
+    m_recorder.reset();
+    m_device.reset();
+    options = DeviceOptions();
+}

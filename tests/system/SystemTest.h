@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulator/device/DeviceRecorder.h"
+#include "simulator/device/SimulatedDevice.h"
+
+#include <ls/Identifiers.h>
+#include <ls/MessageKeys.h>
+
+#include <QtTest>
+
+#include <memory>
+
+/// The base of tests that drive the real daemon: a fresh simulated device for each test function, whose
+/// log is shown when the test fails.
+class SystemTest : public QObject
+{
+    Q_OBJECT
+
+protected:
+    /// Makes the device with `options` and starts its services, but not the daemon.
+    bool prepare();
+    /// Starts the daemon, preparing the device if that was not done, and waits until it is ready.
+    bool launch();
+
+    SimulatedDevice& device() { return *m_device; }
+
+    void tap(const QString& key, int inputDevice = 0);
+    QVariantMap command(const QString& name, const QVariantMap& arguments = {});
+
+    /// What was announced, spoken, cancelled and answered, in this order of arrival; then the log.
+    QStringList actions() const;
+    QStringList log() const;
+    /// Waits for one of these; false when it does not come within some seconds.
+    bool awaitAction(const QString& text);
+    bool awaitLog(const QString& line);
+
+    /// Plays the script's steps on the launched device; returns how the outcome differs from what the
+    /// script expects.
+    QStringList play(const KeyScript& script);
+
+    /// Whether the daemon runs on: the next press of Menu is announced to the user menu. For states in
+    /// which that happens at once: Idle, and none at all.
+    bool nextKeyWorks();
+
+    /// Set before `prepare` or `launch`.
+    DeviceOptions options;
+
+private Q_SLOTS:
+    void cleanup();
+
+private:
+    int menuAnnouncements() const;
+
+    std::unique_ptr<SimulatedDevice> m_device;
+    std::unique_ptr<DeviceRecorder> m_recorder;
+};
