@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "app/LogOutput.h"
 #include "app/SystemCheck.h"
 #include "console/Console.h"
 #include "service/KeyboardHandler.h"
@@ -43,6 +44,7 @@ void waitForServices()
 int main(int argc, char* argv[])
 {
     fillStandardStreams();
+    LogOutput::install();
     ServiceWatcher::setReady(serviceName, false);
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     QCoreApplication application(argc, argv);
