@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/script/KeyScript.h"
+
+#include <QDirIterator>
+#include <QtTest>
+
+namespace {
+
+QString projectPath(const QString& name)
+{
+    return QStringLiteral(PROJECT_FOLDER "/") + name;
+}
+
+QString textOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+/// What the first group of `pattern` matches in `text`, each time.
+QStringList matches(const QString& text, const char* pattern)
+{
+    QStringList found;
+    QRegularExpressionMatchIterator it = QRegularExpression(QString::fromLatin1(pattern)).globalMatch(text);
+    while (it.hasNext()) {
+        found.append(it.next().captured(1));
+    }
+    return found;
+}
+
+/// The documents of the project, with their paths in it.
+QStringList documents()
+{
+    QStringList names;
+    QStringList folders{QString()};
+    folders += QDir(projectPath(QString())).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString& folder : qAsConst(folders)) {
+        const QDir dir(projectPath(folder));
+        for (const QString& name : dir.entryList({QStringLiteral("*.md")}, QDir::Files)) {
+            names.append(folder.isEmpty() ? name : folder + '/' + name);
+        }
+    }
+    return names;
+}
+
+} // namespace
+
+/// What the documents refer to exists, and what they propose to type is understood.
+class ReferencesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void linkedFilesExist_data();
+    void linkedFilesExist();
+    void scriptsThatShowTheBehaviourExist();
+    void linesOfTheReadmeAreStatements_data();
+    void linesOfTheReadmeAreStatements();
+};
+
+void ReferencesTest::linkedFilesExist_data()
+{
+    QTest::addColumn<QString>("document");
+    const QStringList names = documents();
+    QVERIFY(names.contains(QStringLiteral("README.md")));
+    for (const QString& name : names) {
+        QTest::newRow(qPrintable(name)) << name;
+    }
+}
+
+void ReferencesTest::linkedFilesExist()
+{
+    QFETCH(QString, document);
+    const QDir folder = QFileInfo(projectPath(document)).dir();
+    const QStringList links = matches(textOf(projectPath(document)), "\\]\\(([^)#:]+)\\)");
+    for (const QString& link : links) {
+        QVERIFY2(folder.exists(link), qPrintable(link));
+    }
+}
+
+void ReferencesTest::scriptsThatShowTheBehaviourExist()
+{
+    const QDir scripts(projectPath(QStringLiteral("tests/golden")));
+    const QString text = textOf(projectPath(QStringLiteral("docs/behaviour.md")));
+    const QStringList groups = matches(text, "\\((`[a-z0-9-]+`(?:,\\s+`[a-z0-9-]+`)*)\\)");
+    QVERIFY(groups.size() > 1);
+    for (const QString& name : matches(groups.join(' '), "`([a-z0-9-]+)`")) {
+        QVERIFY2(scripts.exists(name + QStringLiteral(".keys")), qPrintable(name));
+    }
+}
+
+void ReferencesTest::linesOfTheReadmeAreStatements_data()
+{
+    QTest::addColumn<QString>("line");
+    const QString text = textOf(projectPath(QStringLiteral("README.md")));
+    const QString table =
+        text.section(QStringLiteral("| to see | type |"), 1).section(QStringLiteral("\n\n"), 0, 0);
+    const QStringList lines = matches(table, "\\| `([^`]+)` \\|\n");
+    QVERIFY(lines.size() > 1);
+    for (const QString& line : lines) {
+        QTest::newRow(qPrintable(line)) << line;
+    }
+}
+
+void ReferencesTest::linesOfTheReadmeAreStatements()
+{
+    QFETCH(QString, line);
+    const ParsedScript parsed = parseKeyScriptSteps(QString(line).replace(';', '\n'));
+    QVERIFY2(parsed.faults.isEmpty(), qPrintable(parsed.faults.value(0).text));
+    QVERIFY(!parsed.script.steps.isEmpty());
+}
+
+QTEST_GUILESS_MAIN(ReferencesTest)
+#include "ReferencesTest.moc"
