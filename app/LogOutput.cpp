@@ -5,14 +5,21 @@
 #include <QString>
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+using namespace std::chrono_literals;
+
 namespace {
+
+/// How long a line waits for room: a burst of lines fills a pipe faster than its reader empties it.
+constexpr std::chrono::milliseconds patience = 100ms;
 
 bool isSocket(int fd)
 {
@@ -25,6 +32,12 @@ bool isSocket(int fd)
 int openWithoutWaiting()
 {
     return ::open("/proc/self/fd/2", O_WRONLY | O_APPEND | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+}
+
+bool waitForRoom(int fd)
+{
+    pollfd output = {fd, POLLOUT, 0};
+    return ::poll(&output, 1, static_cast<int>(patience.count())) > 0;
 }
 
 } // namespace
@@ -69,11 +82,16 @@ bool LogOutput::flush()
         if (count >= 0) {
             m_rest.remove(0, static_cast<int>(count));
         } else if (errno == EAGAIN) {
-            return false;
+            // Once for a reader that is only slow; one that has stopped is not waited for again.
+            if (m_isStalled || !waitForRoom(m_fd)) {
+                m_isStalled = true;
+                return false;
+            }
         } else if (errno != EINTR) {
             m_rest.clear();
         }
     }
+    m_isStalled = false;
     return true;
 }
 

@@ -4,10 +4,11 @@
 #include <QByteArray>
 #include <QMutex>
 
-/// Writes the log to standard error without ever waiting for its reader.
+/// Writes the log to standard error without being held up by its reader.
 ///
-/// A terminal that is stopped, or a pipe that nobody empties, must not hold up the keys: lines that find no
-/// room are dropped and counted, and the count is reported with the next line that does. Lines arrive whole.
+/// A terminal that is stopped, or a pipe that nobody empties, must not hold up the keys: when a line has
+/// found no room for 100 ms, it and all further lines are dropped and counted until there is room again, and
+/// the count is reported with the next line. Lines arrive whole.
 class LogOutput
 {
 public:
@@ -26,4 +27,5 @@ private:
     bool m_isSocket;
     QByteArray m_rest; // of a line that was written in part
     int m_dropped = 0;
+    bool m_isStalled = false;
 };

@@ -4,6 +4,9 @@
 #include <QDebug>
 #include <QtTest>
 
+#include <chrono>
+#include <thread>
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -16,6 +19,7 @@ class LogOutputTest : public QObject
 private Q_SLOTS:
     void initTestCase();
     void linesArriveWhole();
+    void slowReaderGetsEveryLine();
     void fullPipeHoldsNobodyUp();
     void droppedLinesAreCountedWhenThereIsRoomAgain();
     void inheritedDescriptorKeepsItsFlags();
@@ -57,6 +61,26 @@ void LogOutputTest::linesArriveWhole()
     const QByteArray written = readAll();
     qInstallMessageHandler(testHandler);
     QCOMPARE(written, QByteArray("first \"line\"\n\n"));
+}
+
+void LogOutputTest::slowReaderGetsEveryLine()
+{
+    constexpr int count = 3000; // much more than the pipe holds
+    QByteArray read;
+    std::thread slowReader([&] {
+        while (read.count('\n') < count) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            read += readAll();
+        }
+    });
+    const QtMessageHandler testHandler = qInstallMessageHandler(nullptr);
+    LogOutput::install();
+    for (int i = 0; i < count; ++i) {
+        qCritical() << QString(100, 'x');
+    }
+    slowReader.join();
+    qInstallMessageHandler(testHandler);
+    QCOMPARE(read, QByteArray('"' + QByteArray(100, 'x') + "\"\n").repeated(count));
 }
 
 void LogOutputTest::fullPipeHoldsNobodyUp()
