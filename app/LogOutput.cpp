@@ -2,24 +2,20 @@
 #include "app/LogOutput.h"
 
 #include <QMutexLocker>
+#include <QSocketNotifier>
 #include <QString>
 
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-using namespace std::chrono_literals;
-
 namespace {
 
-/// How long a line waits for room: a burst of lines fills a pipe faster than its reader empties it.
-constexpr std::chrono::milliseconds patience = 100ms;
+constexpr int mostKept = 1024 * 1024;
 
 bool isSocket(int fd)
 {
@@ -32,12 +28,6 @@ bool isSocket(int fd)
 int openWithoutWaiting()
 {
     return ::open("/proc/self/fd/2", O_WRONLY | O_APPEND | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-}
-
-bool waitForRoom(int fd)
-{
-    pollfd output = {fd, POLLOUT, 0};
-    return ::poll(&output, 1, static_cast<int>(patience.count())) > 0;
 }
 
 } // namespace
@@ -62,41 +52,65 @@ LogOutput::LogOutput() : m_fd(STDERR_FILENO), m_isSocket(isSocket(STDERR_FILENO)
 void LogOutput::writeLine(const QByteArray& line)
 {
     const QMutexLocker locker(&m_mutex);
-    if (!flush()) {
+    writeKept();
+    keep(line);
+    writeKept();
+    if (!m_kept.isEmpty() && !m_isWaiting) {
+        m_isWaiting = true;
+        QMetaObject::invokeMethod(this, &LogOutput::waitForRoom, Qt::QueuedConnection);
+    }
+}
+
+void LogOutput::keep(const QByteArray& line)
+{
+    if (!m_kept.isEmpty() && m_kept.size() + line.size() > mostKept) {
         ++m_dropped;
         return;
     }
     if (m_dropped > 0) {
-        m_rest = QByteArray::number(m_dropped) + " log lines dropped: nobody read them.\n";
+        m_kept += QByteArray::number(m_dropped) + " log lines dropped: nobody read them.\n";
         m_dropped = 0;
     }
-    m_rest += line;
-    flush();
+    m_kept += line;
 }
 
-/// Whether all that was to be written is written, or can never be.
-bool LogOutput::flush()
+void LogOutput::writeKept()
 {
-    while (!m_rest.isEmpty()) {
-        const qint64 count = write(m_rest.constData(), m_rest.size());
-        if (count >= 0) {
-            m_rest.remove(0, static_cast<int>(count));
-        } else if (errno == EAGAIN) {
-            // Once for a reader that is only slow; one that has stopped is not waited for again.
-            if (m_isStalled || !waitForRoom(m_fd)) {
-                m_isStalled = true;
-                return false;
-            }
+    int written = 0;
+    while (written < m_kept.size()) {
+        const qint64 count =
+            write(QByteArray::fromRawData(m_kept.constData() + written, m_kept.size() - written));
+        if (count > 0) {
+            written += static_cast<int>(count);
+        } else if (count == 0 || errno == EAGAIN) {
+            break;
         } else if (errno != EINTR) {
-            m_rest.clear();
+            written = m_kept.size(); // there is nobody to write to
         }
     }
-    m_isStalled = false;
-    return true;
+    m_kept.remove(0, written);
 }
 
-qint64 LogOutput::write(const char* data, qint64 size) const
+qint64 LogOutput::write(const QByteArray& bytes) const
 {
-    const auto length = static_cast<size_t>(size);
-    return m_isSocket ? ::send(m_fd, data, length, MSG_DONTWAIT | MSG_NOSIGNAL) : ::write(m_fd, data, length);
+    const auto size = static_cast<size_t>(bytes.size());
+    return m_isSocket ? ::send(m_fd, bytes.constData(), size, MSG_DONTWAIT | MSG_NOSIGNAL)
+                      : ::write(m_fd, bytes.constData(), size);
+}
+
+void LogOutput::waitForRoom()
+{
+    if (!m_notifier) {
+        m_notifier = new QSocketNotifier(m_fd, QSocketNotifier::Write, this);
+        connect(m_notifier, &QSocketNotifier::activated, this, &LogOutput::onRoom);
+    }
+    m_notifier->setEnabled(true);
+}
+
+void LogOutput::onRoom()
+{
+    const QMutexLocker locker(&m_mutex);
+    writeKept();
+    m_isWaiting = !m_kept.isEmpty();
+    m_notifier->setEnabled(m_isWaiting);
 }

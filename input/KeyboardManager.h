@@ -33,7 +33,7 @@ public:
     KeyboardManager(ModifierKey& modifierKey, ShortcutKey& shortcutKey, LongKey& longKey,
                     StateHandler& stateHandler, KeyboardHandler& keyboardHandler);
 
-    /// The record of the last key event of either device; zeros before the first.
+    /// The record of the last key event of either device, real or simulated; zeros before the first.
     input_event lastEvent() const;
     /// The long-press time of each key in milliseconds.
     QVariantMap longKeysTimeout() const;
@@ -42,9 +42,10 @@ public:
     /// The content of the shortcut list and the time in which keys are combined, in milliseconds.
     QVariantMap shortcutKeyList() const;
 
-    /// Begins the keyboard test, which a release of the Ten key ends. Earlier results are kept.
+    /// Begins the keyboard test, which a release of the Ten key in any state but Idle ends. Earlier results
+    /// are kept.
     void startTestMode();
-    /// The number of distinct keys that were released in the test; forgets them.
+    /// The number of distinct keys that were released in the test, or were the unknown key; forgets them.
     int takeTestResult();
     /// Lets the first device emit a key event; false when the action has no input event value.
     bool simulateKey(const ls::EnumKey& key, const ls::EnumKey& action);

@@ -28,7 +28,8 @@ public:
     /// Whether the row has keys: a row without any can never be matched.
     bool isValid() const;
 
-    /// Makes the row idle: without keys and timeout. The valid states stay as they are.
+    /// Makes the row idle: without keys and timeout, with action and receiver that stand for none. The valid
+    /// states stay as they are.
     void clear();
 
 private:

@@ -49,6 +49,7 @@ void KeyListFile::load(ls::IReader& reader)
     }
     const auto section = content.constFind(m_section);
     if (section == content.cend()) {
+        // Deliberate punctuation: technicians search their logs for this very text.
         error().noquote() << "value list" << m_section << "not found!.";
         return;
     }

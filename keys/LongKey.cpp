@@ -80,11 +80,13 @@ void LongKey::onExpired()
         return;
     }
     const QVariantMap parameters{{ls::firstKeyKey, entry.firstKey()}};
+    // Deliberate: a single state is passed on untouched, blanks included; only joined ones are trimmed.
     if (!entry.validOnState().contains(stateSeparator)) {
         Q_EMIT longPress(entry.eAction(), entry.receiverService(), entry.validOnState(), parameters);
         return;
     }
     const QStringList states = entry.validOnState().split(stateSeparator, Qt::KeepEmptyParts);
+    // A guard only, for a split that keeps empty parts is never empty; its text is spelt as logs have it.
     if (states.isEmpty()) {
         vocabulary::logLine("operator()", "LongKey::LongKey(ls::IReader&, QObject*)::<lambda()>", "ERROR:")
             << "retreiving valid states for" << entry.eAction() << "failed!";

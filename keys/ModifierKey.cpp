@@ -33,13 +33,15 @@ void ModifierKey::process(const ls::EnumKey& key)
                 return;
             }
         } else if (entry.keyCount() > pairSize) {
+            // Deliberate: each longer row that is visited takes the key once more, and one that does not
+            // match (yet) hides the rows behind it.
             append(key);
-            // Deliberate: a longer row that does not match (yet) hides the rows behind it.
             if (m_pressedKeys != entry.keys()) {
                 return;
             }
             complete(entry);
         } else if (key == entry.lastKey() && m_firstKey == entry.firstKey()) {
+            // A row of one key is both its own opening and its closing key: it takes two releases.
             complete(entry);
         }
     }
@@ -74,6 +76,7 @@ void ModifierKey::append(const ls::EnumKey& key)
 void ModifierKey::complete(const KeyEntry& entry)
 {
     auto* speech = libvantre::Singleton<detail::SpeechFeedback>::instance();
+    // Deliberate: only a longer row cuts off the names of the keys before.
     if (entry.keyCount() > pairSize) {
         speech->cancelAll();
     }

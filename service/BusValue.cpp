@@ -7,7 +7,7 @@ namespace {
 
 // A message holds at most 64 nested containers. A map within a map takes three of them (variant, array,
 // dictionary entry), a list two; the map that is the body of the message has taken its share already.
-constexpr int containerLimit = 60;
+constexpr int containerLimit = 64;
 constexpr int mapCost = 3;
 constexpr int listCost = 2;
 
@@ -42,6 +42,9 @@ Carried carriedMap(const QVariantMap& map, int depth)
         const Carried entry = carried(it.value(), depth);
         result.insert(it.key(), entry.value);
         size += carriedString(it.key()).size + entry.size;
+        if (size > sizeLimit) {
+            break; // nothing is copied that will not be sent
+        }
     }
     return fitting(result, size);
 }
@@ -54,6 +57,9 @@ Carried carriedList(const QVariantList& list, int depth)
         const Carried item = carried(value, depth);
         result.append(item.value);
         size += item.size;
+        if (size > sizeLimit) {
+            break;
+        }
     }
     return fitting(result, size);
 }

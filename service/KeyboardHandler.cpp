@@ -181,7 +181,8 @@ QVariantMap KeyboardHandler::simulateKeys(const ls::Command& command, KeysOperat
         logError(QStringLiteral("Invalid %1 received!"));
         return failure(ls::ErrorId::InvalidValue);
     }
-    // A value that is no list of strings gives an empty list, with which nothing is simulated.
+    // A text counts as a list of one; any other value that is no list of strings as an empty list, with which
+    // nothing is simulated.
     const QStringList keys = command.value(ls::keysListKey).toStringList();
     if (!std::all_of(keys.cbegin(), keys.cend(), isKey)) {
         logError(QStringLiteral("Invalid key included in the %1!"));

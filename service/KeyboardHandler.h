@@ -31,7 +31,8 @@ public:
                             const QVariantMap& parameters);
 
 public Q_SLOTS:
-    /// Executes `command` and returns its response: always a result and, with a failure, an `ls::ErrorId`.
+    /// Executes `command` and returns its response: always a result and an error, which is
+    /// "Undefined" on success.
     QVariantMap process(const QVariantMap& command) override;
 
 Q_SIGNALS:

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "console/Console.h"
 #include "service/KeyboardHandler.h"
+#include "tests/support/LogRecorder.h"
 #include "tests/virtual/DeviceTest.h"
 
 namespace {
@@ -37,6 +39,18 @@ QStringList wrongCount(const QString& command)
     return {"log Too many/few arguments received for command \"" + command + "\"", emptyLine};
 }
 
+class RecordingHandler : public KeyboardHandler
+{
+public:
+    using KeyboardHandler::KeyboardHandler;
+    QVariantMap process(const QVariantMap& command) override
+    {
+        commands.append(command);
+        return {};
+    }
+    QList<QVariantMap> commands;
+};
+
 } // namespace
 
 class ConsoleTest : public DeviceTest
@@ -62,6 +76,9 @@ private Q_SLOTS:
     void incompleteNotificationIsReportedWithTheOddPrefix_data();
     void incompleteNotificationIsReportedWithTheOddPrefix();
     void everyLineIsTimed_data();
+    void faultsAreCriticalAndAnswersAreNot_data();
+    void faultsAreCriticalAndAnswersAreNot();
+    void commandMapIsThatOfTheBus();
     void everyLineIsTimed();
     void keepsWorkingAfterRubbish();
 };
@@ -80,6 +97,9 @@ void ConsoleTest::linesThatAreNoCommandPrintTheGeneralHelp_data()
                                      << QStringList{"log No arguments received for help.", emptyLine};
     QTest::newRow("HELP and a word") << "HELP x" << badArgument;
     QTest::newRow("HELP and a fraction") << "HELP 1.5" << badArgument;
+    QTest::newRow("HELP and a hexadecimal number") << "HELP 0x4" << badArgument;
+    QTest::newRow("HELP C and a word") << "HELP C 4" << badArgument;
+    QTest::newRow("HELP S and a word") << "HELP S 4" << badArgument;
     QTest::newRow("HELP grown together")
         << "HELPC" << QStringList{"log No arguments received for help.", emptyLine};
     QTest::newRow("HELP of a command that is listed only") << "HELP 5" << notFound;
@@ -280,6 +300,46 @@ void ConsoleTest::keepsWorkingAfterRubbish()
     device->take();
     device->typeLine("HELP 4");
     QCOMPARE(device->take().first(), QString("log \"GetLastKey\" params: [None]"));
+}
+
+void ConsoleTest::faultsAreCriticalAndAnswersAreNot_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QStringList>("faults");
+    QTest::newRow("general help") << "xyz" << QStringList{};
+    QTest::newRow("list of commands") << "HELP C" << QStringList{};
+    QTest::newRow("list of parameters") << "HELP S" << QStringList{};
+    QTest::newRow("response") << "C 4" << QStringList{};
+    QTest::newRow("description") << "HELP 7"
+                                 << QStringList{"\"SimulateKey\" params: [KeyActionId id] [KeyId id]"};
+    QTest::newRow("HELP alone") << "HELP" << QStringList{"No arguments received for help."};
+    QTest::newRow("no number") << "C x" << QStringList{"Arguments must be of integer type!"};
+    QTest::newRow("no command") << "C 99"
+                                << QStringList{"Command not found!",
+                                               "Too many/few arguments received for command \"\""};
+}
+
+void ConsoleTest::faultsAreCriticalAndAnswersAreNot()
+{
+    QFETCH(QString, line);
+    const LogRecorder log;
+    device->typeLine(line);
+    QTEST(log.texts(QtCriticalMsg), "faults");
+    QCOMPARE(log.texts(QtDebugMsg).size() + log.texts(QtCriticalMsg).size(), log.lines().size());
+}
+
+void ConsoleTest::commandMapIsThatOfTheBus()
+{
+    RecordingHandler handler(nullptr);
+    auto* console = new Console(&handler);
+    QMetaObject::invokeMethod(console, "onTextReceived", Q_ARG(QString, "C 7 1 139"));
+    const QVariantMap expected{{commandIdKey, "SimulateKey"},
+                               {subCommandIdKey, ""},
+                               {senderIdKey, "KeyboardHandler"},
+                               {actionIdKey, "Pressed"},
+                               {keyKey, "Menu"}};
+    device->take();
+    QCOMPARE(handler.commands, QList<QVariantMap>{expected});
 }
 
 VIRTUAL_TIME_TEST_MAIN(ConsoleTest)

@@ -67,6 +67,8 @@ void SpeechFeedbackTest::requestNamesFileAndSentence()
                                 QVariantMap{{"serviceId", 1}, {"sentenceId", 69}},
                                 QVariantMap{{"serviceId", 2}, {"sentenceId", 487}}};
     QCOMPARE(sent, expected);
+    QCOMPARE(sent.first().toMap().value("serviceId").type(), QVariant::Int);
+    QCOMPARE(sent.first().toMap().value("sentenceId").type(), QVariant::Int);
 }
 
 void SpeechFeedbackTest::argumentsAreSentOnlyWhenThereAreAny()

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void sameStateIsEmittedAgain();
     void incompleteNotificationIsRefused_data();
     void incompleteNotificationIsRefused();
+    void otherNotificationsAreIgnoredSilently_data();
     void otherNotificationsAreIgnoredSilently();
     void unknownStatesAreRefused_data();
     void unknownStatesAreRefused();
@@ -100,6 +101,7 @@ void StateHandlerTest::improperAnswersGiveUndefined_data()
                                << "invalid result!";
     QTest::newRow("no state") << result << "\"stateId\" not found!";
     QTest::newRow("other case") << withState("idle") << "invalid state \"idle\"";
+    QTest::newRow("blank before the state") << withState(" Idle") << "invalid state \" Idle\"";
     QTest::newRow("empty state") << withState("") << "invalid state \"\"";
     QTest::newRow("list for a state") << withState(QVariantList{1, 2}) << "invalid state \"\"";
     QTest::newRow("number for a state") << withState(2) << "invalid state \"2\"";
@@ -161,10 +163,19 @@ void StateHandlerTest::incompleteNotificationIsRefused()
     QCOMPARE(states, QStringList{});
 }
 
+void StateHandlerTest::otherNotificationsAreIgnoredSilently_data()
+{
+    QTest::addColumn<QString>("identifier");
+    QTest::newRow("another") << "PaperOut";
+    QTest::newRow("other case") << "statechange";
+    QTest::newRow("empty") << "";
+}
+
 void StateHandlerTest::otherNotificationsAreIgnoredSilently()
 {
+    QFETCH(QString, identifier);
     QVariantMap notification = stateChange("Idle");
-    notification.insert("notificationId", "PaperOut");
+    notification.insert("notificationId", identifier);
     QtMessageHandler previous =
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
             qFatal("logged: %s", qPrintable(text));

@@ -11,6 +11,8 @@ private Q_SLOTS:
     void runsOnWithoutTheFirstDevice();
     void runsOnWithoutTheSecondDevice();
     void runsOnWithoutAnyDevice();
+    void simulatedKeysTakeTheWayOfTheFirstDevice_data();
+    void simulatedKeysTakeTheWayOfTheFirstDevice();
     void burstOfRecordsWithPartialOnesLosesNoKey();
 
 private:
@@ -69,6 +71,24 @@ void KeyboardManagerDevicesTest::burstOfRecordsWithPartialOnesLosesNoKey()
     QCOMPARE(device->take().size(), 5000);
     device->tap(KeyId::Down);
     QCOMPARE(device->take(), QStringList{"announce SingleKey PrintManager KeyboardHandler Down"});
+}
+
+void KeyboardManagerDevicesTest::simulatedKeysTakeTheWayOfTheFirstDevice_data()
+{
+    QTest::addColumn<QString>("missing");
+    QTest::addColumn<QStringList>("announced");
+    QTest::newRow("without the first") << "/dev/input/event0" << QStringList{};
+    QTest::newRow("without the second")
+        << "/dev/input/event1" << QStringList{"announce SingleKey PrintManager WwwApi Up"};
+}
+
+void KeyboardManagerDevicesTest::simulatedKeysTakeTheWayOfTheFirstDevice()
+{
+    QFETCH(QString, missing);
+    startWithout({missing});
+    device->process(
+        {{commandIdKey, "SimulateKey"}, {senderIdKey, "WwwApi"}, {actionIdKey, "Released"}, {keyKey, "Up"}});
+    QTEST(device->take().filter("announce"), "announced");
 }
 
 VIRTUAL_TIME_TEST_MAIN(KeyboardManagerDevicesTest)

@@ -48,6 +48,16 @@ private Q_SLOTS:
     void otherRecordsAreIgnored();
     void lineOfEachKeyIsTracedInItsCategory();
     void windowIsOpenUntilExactly1500Milliseconds();
+    void stateThatComesBackInTimeLeavesThePendingKey();
+    void testModeNamesTheFunctionKeyOnEveryModel_data();
+    void testModeNamesTheFunctionKeyOnEveryModel();
+    void unknownStateSendsMachineKeysToBothReceivers();
+    void modelIsAskedOnlyAtTheStart();
+    void statesOfARowAreComparedExactly_data();
+    void statesOfARowAreComparedExactly();
+    void rowWithoutReceiverIsAnnounced();
+    void rowOfTheActionSingleKeyIsNoGesture();
+    void oddValueWhileStartingUpIsNotLogged();
 
 private:
     QStringList single(const QString& receiver, const QString& key) const
@@ -533,6 +543,96 @@ void KeyboardManagerTest::windowIsOpenUntilExactly1500Milliseconds()
     QCOMPARE(device->take(), (QStringList{"speak EmbosserCore 27", "announce SingleKey UserMenu - Chs"}));
     device->tap(KeyId::Up);
     QCOMPARE(device->take(), QStringList{"speak EmbosserCore 24"});
+}
+
+void KeyboardManagerTest::stateThatComesBackInTimeLeavesThePendingKey()
+{
+    start(StateId::Idle);
+    device->tap(KeyId::Up);
+    device->setState(StateId::Print);
+    device->setState(StateId::Idle);
+    device->take();
+    device->wait(1500ms);
+    QCOMPARE(device->take(), single("UserMenu", "Up"));
+}
+
+void KeyboardManagerTest::testModeNamesTheFunctionKeyOnEveryModel_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<QStringList>("spoken");
+    QTest::newRow("Pellit") << "Pellit" << QStringList{"cancel", "speak EmbosserCore 31"};
+    QTest::newRow("Orvane") << "Orvane" << QStringList{"cancel", "speak EmbosserCore 30"};
+}
+
+void KeyboardManagerTest::testModeNamesTheFunctionKeyOnEveryModel()
+{
+    QFETCH(QString, model);
+    start(StateId::Error, {}, model);
+    device->process(startTest());
+    device->take();
+    device->tap(KeyId::Function);
+    QTEST(device->take(), "spoken");
+}
+
+void KeyboardManagerTest::unknownStateSendsMachineKeysToBothReceivers()
+{
+    start("NoSuchState");
+    device->tap(KeyId::Feed);
+    QCOMPARE(device->take(), (QStringList{"announce SingleKey PrintManager - Feed",
+                                          "announce SingleKey UserMenu KeyboardHandler Feed"}));
+}
+
+void KeyboardManagerTest::modelIsAskedOnlyAtTheStart()
+{
+    start(StateId::Idle, {}, "Orvane");
+    device->setModel("Pellit");
+    device->tap(KeyId::Function);
+    QCOMPARE(device->take(), QStringList{"speak EmbosserCore 30"});
+}
+
+void KeyboardManagerTest::statesOfARowAreComparedExactly_data()
+{
+    QTest::addColumn<QString>("state");
+    QTest::newRow("other case") << "idle";
+    QTest::newRow("with a blank") << " Idle";
+    QTest::newRow("none") << "";
+}
+
+void KeyboardManagerTest::statesOfARowAreComparedExactly()
+{
+    QFETCH(QString, state);
+    start(StateId::Idle, {shortcutRow({"Function", "Up"}, state, "Louder")});
+    device->press(KeyId::Function);
+    device->press(KeyId::Up);
+    QCOMPARE(device->take(), QStringList{"log KeyboardManager::onEvent WARN: Expected state is:  \"" + state +
+                                         "\" , but current state is:  \"Idle\" !?"});
+}
+
+void KeyboardManagerTest::rowWithoutReceiverIsAnnounced()
+{
+    start(StateId::Idle, {shortcutRow({"Function", "Up"}, "Idle", "Louder", "")});
+    device->press(KeyId::Function);
+    device->press(KeyId::Up);
+    QCOMPARE(device->take(), QStringList{"announce Louder - - Function Up"});
+}
+
+void KeyboardManagerTest::rowOfTheActionSingleKeyIsNoGesture()
+{
+    start(StateId::Idle, {shortcutRow({"Function", "Up"}, "Idle", "SingleKey")});
+    device->press(KeyId::Function);
+    device->press(KeyId::Up);
+    device->take();
+    device->release(KeyId::Up);
+    QCOMPARE(device->take(), QStringList{"speak EmbosserCore 24"});
+    device->wait(1500ms);
+    QCOMPARE(device->take(), QStringList{"announce SingleKey UserMenu KeyboardHandler Up"});
+}
+
+void KeyboardManagerTest::oddValueWhileStartingUpIsNotLogged()
+{
+    start(StateId::Startup);
+    device->record(0, {EV_KEY, KEY_MENU, 3});
+    QCOMPARE(device->take(), QStringList{});
 }
 
 VIRTUAL_TIME_TEST_MAIN(KeyboardManagerTest)

@@ -39,6 +39,9 @@ private Q_SLOTS:
     void keysAreNamed();
     void lastEventIsWhatWasStored();
     void descriptorIsClosedInTheEnd();
+    void descriptorIsNotInherited();
+    void emptyNameKeepsTheErrorBefore();
+    void simulatedKeyHasNoTime();
 
 private:
     static input_event record(int type, int code, int value);
@@ -304,6 +307,44 @@ void KeyboardTest::descriptorIsClosedInTheEnd()
     QCOMPARE(openFiles(), before + 1);
     keyboard.reset();
     QCOMPARE(openFiles(), before);
+}
+
+void KeyboardTest::descriptorIsNotInherited()
+{
+    keyboard->open();
+    const QDir descriptors("/proc/self/fd");
+    int found = 0;
+    for (const QString& name : descriptors.entryList(QDir::Files | QDir::System)) {
+        if (QFile::symLinkTarget(descriptors.filePath(name)) == path("event0")) {
+            ++found;
+            QVERIFY(::fcntl(name.toInt(), F_GETFD) & FD_CLOEXEC);
+        }
+    }
+    QCOMPARE(found, 2); // the writer's and the device's
+}
+
+void KeyboardTest::emptyNameKeepsTheErrorBefore()
+{
+    Keyboard late(path("event7"));
+    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("^Keyboard::open ERROR: "));
+    late.open();
+    const QString error = late.errorString();
+    late.setDevice({});
+    QTest::ignoreMessage(QtCriticalMsg, "Keyboard::open WARN: No device specified.");
+    late.open();
+    QVERIFY(!error.isEmpty());
+    QCOMPARE(late.errorString(), error);
+}
+
+void KeyboardTest::simulatedKeyHasNoTime()
+{
+    input_event emitted = record(0, 0, 0);
+    emitted.input_event_sec = emitted.input_event_usec = 1;
+    connect(keyboard.get(), &Keyboard::event, this,
+            [&emitted](const ls::KeyEvent& event) { emitted = event.event(); });
+    keyboard->simulateKey(ls::KeyId::Up, ls::KeyActionId::Pressed);
+    QCOMPARE(emitted.input_event_sec, 0);
+    QCOMPARE(emitted.input_event_usec, 0);
 }
 
 QTEST_GUILESS_MAIN(KeyboardTest)

@@ -118,7 +118,9 @@ void KeyListFileTest::elementsThatAreNoObjectsAreSkipped()
 
 void KeyListFileTest::missingFieldsAreEmpty()
 {
-    const KeyEntry entry = loaded({{"LongKeys", QVariantList{QVariantMap{}}}}).rows().value(0);
+    const QList<KeyEntry> rows = loaded({{"LongKeys", QVariantList{QVariantMap{}}}}).rows();
+    QCOMPARE(rows.size(), 1);
+    const KeyEntry& entry = rows.first();
     QVERIFY(!entry.isValid());
     QCOMPARE(entry.eAction(), QString());
     QCOMPARE(entry.receiverService(), QString());

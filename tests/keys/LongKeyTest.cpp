@@ -17,6 +17,7 @@ private Q_SLOTS:
     void repeatOfAKeyWithoutRowDoesNothing();
     void firesAgainWhileTheKeyStaysHeld();
     void rowWithoutKeysNeverFires();
+    void firstKeyOfARowIsTheOneThatIsHeld();
     void negativeTimeFiresAtOnce();
     void largestTimeIsHeldOut();
     void receiverMayStopTheRecogniser();
@@ -236,6 +237,18 @@ void LongKeyTest::missingFileHasNoTimes()
     empty.start("Menu");
     advance(10s);
     QCOMPARE(spy.size(), 0);
+}
+
+void LongKeyTest::firstKeyOfARowIsTheOneThatIsHeld()
+{
+    make({QVariantMap{{"keys", QStringList{"Menu", "Up"}}, {"timeout", 1}, {"validOnState", "Idle"}}});
+    QCOMPARE(longKey->timeouts(), (QVariantMap{{"Menu", 1000}}));
+    longKey->start("Up");
+    advance(10s);
+    QCOMPARE(takeFired(), QStringList{});
+    longKey->start("Menu");
+    advance(1s);
+    QCOMPARE(takeFired(), QStringList{"  <Idle> Menu"});
 }
 
 VIRTUAL_TIME_TEST_MAIN(LongKeyTest)

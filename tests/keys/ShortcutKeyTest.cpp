@@ -12,6 +12,7 @@ private Q_SLOTS:
     void pressedSequencesFire_data();
     void pressedSequencesFire();
     void resetForgetsTheHeldKey();
+    void beforeTheFirstResetNoKeyOpensARow();
     void signalCarriesTheWholeRow();
     void keyListIsTheWholeFile();
     void missingFileHasAnEmptyList();
@@ -118,6 +119,16 @@ void ShortcutKeyTest::missingFileHasAnEmptyList()
     make(MapReader());
     QCOMPARE(shortcuts->keyList(), QVariantMap{});
     QCOMPARE(press({"Function", "Up"}), QStringList{});
+}
+
+void ShortcutKeyTest::beforeTheFirstResetNoKeyOpensARow()
+{
+    MapReader reader = MapReader::ofKeys("ShortcutKeys", {{"Function", "Up"}});
+    ShortcutKey untouched(reader, nullptr);
+    QSignalSpy spy(&untouched, &ShortcutKey::doubleShortcut);
+    untouched.process("Function");
+    untouched.process("Up");
+    QCOMPARE(spy.size(), 0);
 }
 
 QTEST_GUILESS_MAIN(ShortcutKeyTest)

@@ -44,8 +44,8 @@ private Q_SLOTS:
     void nullsArriveAsEmptyStrings();
     void valuesOfEveryDepthArrive_data();
     void valuesOfEveryDepthArrive();
-    void shallowValuesAreNotCut_data();
-    void shallowValuesAreNotCut();
+    void valuesThatFitAreNotCut_data();
+    void valuesThatFitAreNotCut();
     void largeListOfSmallValuesArrivesOrIsEmptied_data();
     void largeListOfSmallValuesArrivesOrIsEmptied();
     void oddStringsArrive_data();
@@ -111,14 +111,14 @@ void BusValueTest::valuesOfEveryDepthArrive()
     QVERIFY(arrived.contains("value"));
 }
 
-void BusValueTest::shallowValuesAreNotCut_data()
+void BusValueTest::valuesThatFitAreNotCut_data()
 {
     QTest::addColumn<QVariant>("value");
-    QTest::newRow("15 maps") << nestedMaps(15);
-    QTest::newRow("25 lists") << nestedLists(25);
+    QTest::newRow("as many maps as a message holds") << nestedMaps(20);
+    QTest::newRow("as many lists as a message holds") << nestedLists(30);
 }
 
-void BusValueTest::shallowValuesAreNotCut()
+void BusValueTest::valuesThatFitAreNotCut()
 {
     QFETCH(QVariant, value);
     QCOMPARE(carried({{"value", value}}).value("value"), value);

@@ -10,6 +10,13 @@ private Q_SLOTS:
     void init();
     void lastKeyIsANumberOfEitherDevice();
     void lastKeyBeforeAnyKeyIsZero();
+    void lastKeyCountsEveryKeyRecord_data();
+    void lastKeyCountsEveryKeyRecord();
+    void lastKeyIsUnsigned();
+    void startOfATestKeepsEarlierResults();
+    void startOfATestLeavesAnOpenCombination();
+    void simulatedShortcutUsesTheHeldKey();
+    void combiningTimeReplacesAFieldOfTheFile();
     void longKeysTimeoutTriplesHelp();
     void listsCarryTheCombiningTime();
     void simulatedKeyTravelsLikeARealOne();
@@ -19,6 +26,7 @@ private Q_SLOTS:
     void simulateKeyWithAGestureActionIsNotCategorized();
     void simulatedListsTakeWhatAQStringListCanBeMadeOf_data();
     void simulatedListsTakeWhatAQStringListCanBeMadeOf();
+    void singleTextIsAListOfOne();
     void missingListIsRefused_data();
     void missingListIsRefused();
     void nonKeyInAListSimulatesNothing_data();
@@ -148,6 +156,15 @@ void CommandsTest::simulatedListsTakeWhatAQStringListCanBeMadeOf()
     QTEST(device->take(), "observed");
 }
 
+void CommandsTest::singleTextIsAListOfOne()
+{
+    send("SimulateModifier", {{"keysList", "Chs"}});
+    send("SimulateModifier", {{"keysList", "Up"}});
+    QCOMPARE(device->take().first(), QString("announce NextSet UserMenu ServiceTool Chs Up"));
+    QCOMPARE(send("SimulateModifier", {{"keysList", "Dance"}}).value("errorId").toString(),
+             QString("InvalidValue"));
+}
+
 void CommandsTest::missingListIsRefused_data()
 {
     QTest::addColumn<QString>("command");
@@ -225,6 +242,67 @@ void CommandsTest::testResultIsTakenOnlyOnce()
     device->tap(KeyId::Up);
     QCOMPARE(send("GetTestResult").value("resultId"), QVariant(2));
     QCOMPARE(send("GetTestResult").value("resultId"), QVariant(0));
+}
+
+void CommandsTest::lastKeyCountsEveryKeyRecord_data()
+{
+    QTest::addColumn<QString>("state");
+    QTest::addColumn<qint32>("value");
+    QTest::newRow("press while starting up") << "Startup" << 1;
+    QTest::newRow("release while starting up") << "Startup" << 0;
+    QTest::newRow("value that is no action") << "Idle" << 3;
+}
+
+void CommandsTest::lastKeyCountsEveryKeyRecord()
+{
+    QFETCH(QString, state);
+    QFETCH(qint32, value);
+    device->setState(state);
+    device->record(0, {EV_KEY, KEY_OK, value});
+    QCOMPARE(send("GetLastKey").value("key"), QVariant(352));
+}
+
+void CommandsTest::lastKeyIsUnsigned()
+{
+    device->record(0, {EV_KEY, 0xffff, 1});
+    QCOMPARE(send("GetLastKey").value("key"), QVariant(65535));
+}
+
+void CommandsTest::startOfATestKeepsEarlierResults()
+{
+    device->setState(StateId::Error);
+    send("StartTestMode");
+    device->tap(KeyId::Up);
+    device->tap(KeyId::Ten);
+    send("StartTestMode");
+    QCOMPARE(send("GetTestResult").value("resultId"), QVariant(2));
+}
+
+void CommandsTest::startOfATestLeavesAnOpenCombination()
+{
+    device->tap(KeyId::Chs);
+    send("StartTestMode");
+    device->take();
+    device->tap(KeyId::Up);
+    QCOMPARE(device->take(),
+             (QStringList{"announce NextSet UserMenu ServiceTool Chs Up", "speak EmbosserCore 24"}));
+}
+
+void CommandsTest::simulatedShortcutUsesTheHeldKey()
+{
+    device->press(KeyId::Function);
+    send("SimulateShortcut", {{"keysList", QStringList{"Up"}}});
+    QCOMPARE(device->take(), QStringList{"announce Louder UserMenu ServiceTool Function Up"});
+}
+
+void CommandsTest::combiningTimeReplacesAFieldOfTheFile()
+{
+    device = std::make_unique<VirtualDevice>();
+    device->setKeyList("modifierKeyList.json", R"({"ModifierKeys": [], "keyTimeouts": 7})");
+    device->start(StateId::Idle);
+    const QVariantMap list = send("GetModifierKeyList").value("modifierKeyList").toMap();
+    QCOMPARE(list.value("keyTimeouts"), QVariant(1500));
+    QCOMPARE(list.value("keyTimeouts").type(), QVariant::Int);
 }
 
 VIRTUAL_TIME_TEST_MAIN(CommandsTest)

@@ -19,6 +19,9 @@ private Q_SLOTS:
     void senderIsResetAlsoWhenAParameterReplacedIt();
     void notificationCarriesItsFourFieldsAndTheParameters();
     void commandIsTracedInItsCategory();
+    void everyFieldOfTheNotificationMayBeReplaced_data();
+    void everyFieldOfTheNotificationMayBeReplaced();
+    void senderIsResetBeforeTheNotificationIsOut();
     void metaCastKnowsTheSharedInterface();
 
 private:
@@ -44,6 +47,9 @@ void ServiceObjectTest::refusedCommandsNameTheirError_data()
                                << prefix + "Invalid sender!";
     QTest::newRow("unknown sender") << QVariantMap{{"commandId", "GetLastKey"}, {"senderId", "Nobody"}}
                                     << "InvalidSender" << prefix + "Invalid sender!";
+    QTest::newRow("sender with a blank behind")
+        << QVariantMap{{"commandId", "GetLastKey"}, {"senderId", "UserMenu "}} << "InvalidSender"
+        << prefix + "Invalid sender!";
     QTest::newRow("known but not served")
         << QVariantMap{{"commandId", "GetKeyList"}, {"senderId", "UserMenu"}} << "CmdNotFound"
         << prefix + "\"GetKeyList\" command n/a!";
@@ -150,6 +156,35 @@ QVariantMap ServiceObjectTest::emitted(const QVariantMap& parameters)
     QSignalSpy spy(&device->handler(), &KeyboardHandler::notification);
     device->handler().sendKeyboardChange("Act", "UserMenu", parameters);
     return spy.value(0).value(0).toMap();
+}
+
+void ServiceObjectTest::everyFieldOfTheNotificationMayBeReplaced_data()
+{
+    QTest::addColumn<QString>("field");
+    for (const QString& field : {notificationIdKey, actionIdKey, senderIdKey, receiverIdKey}) {
+        QTest::newRow(qPrintable(field)) << field;
+    }
+}
+
+void ServiceObjectTest::everyFieldOfTheNotificationMayBeReplaced()
+{
+    QFETCH(QString, field);
+    const QVariantMap map = emitted({{field, "Other"}});
+    QCOMPARE(map.value(field).toString(), QString("Other"));
+    QCOMPARE(map.size(), 4);
+}
+
+void ServiceObjectTest::senderIsResetBeforeTheNotificationIsOut()
+{
+    const auto connection =
+        connect(&device->handler(), &KeyboardHandler::notification, this, [this](const QVariantMap&) {
+            device->handler().process({{commandIdKey, "GetLastKey"}, {senderIdKey, "WwwApi"}});
+        });
+    device->tap(KeyId::Menu);
+    disconnect(connection);
+    device->take();
+    device->tap(KeyId::Menu);
+    QCOMPARE(device->take(), QStringList{"announce SingleKey UserMenu WwwApi Menu"});
 }
 
 VIRTUAL_TIME_TEST_MAIN(ServiceObjectTest)

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#include "app/SystemCheck.h"
+
+#include <servicewatcher/ServiceWatcher.h>
+
+#include <QtTest>
+
+namespace {
+
+QStringList g_asked;
+QStringList g_answersNo{"state-handler", "speechd"}; // each of them says no once
+
+} // namespace
+
+// In the place of the library's: says who was asked.
+bool ServiceWatcher::isReady(const QString& name)
+{
+    g_asked.append(name);
+    return !g_answersNo.removeOne(name);
+}
+
+void ServiceWatcher::setReady(const QString&, bool) {}
+
+class DependenciesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyPassAsksForAllInTheirOrder();
+};
+
+void DependenciesTest::everyPassAsksForAllInTheirOrder()
+{
+    SystemCheck check;
+    check.start();
+    QVERIFY(check.wait());
+    QCOMPARE(g_asked, (QStringList{"state-handler", "speechd", "state-handler", "speechd"}));
+}
+
+QTEST_GUILESS_MAIN(DependenciesTest)
+#include "DependenciesTest.moc"
