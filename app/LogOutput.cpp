@@ -35,9 +35,9 @@ int openWithoutWaiting()
 void LogOutput::install()
 {
     std::signal(SIGPIPE, SIG_IGN); // a reader that went away is an error of the write, not the end
-    static auto* const output = new LogOutput;
+    static LogOutput& output = *new LogOutput;
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& text) {
-        output->writeLine(qFormatLogMessage(type, context, text).toLocal8Bit() + '\n');
+        output.writeLine(qFormatLogMessage(type, context, text).toLocal8Bit() + '\n');
     });
 }
 
