@@ -68,6 +68,13 @@ void SystemKeyRoadsTest::scriptsComeTrue_data()
                                         "command SimulateKey as WwwApi Released Down\n"
                                         "expect 0 announce SingleKey UpdateManager WwwApi Down\n"
                                         "expect 0 answer errorId=Undefined resultId=Success\n";
+    QTest::newRow("a key typed at the console")
+        << "state Error\n"
+           "console C 7 0 108\n"
+           "expect 0 log Process command response\n"
+           "expect 0 announce SingleKey ErrorHandler KeyboardHandler Down\n"
+           "expect 0 log QMap((\"errorId\", QVariant(QString, \"Undefined\"))(\"resultId\", "
+           "QVariant(QString, \"Success\")))\n";
     QTest::newRow("a change of state") << "wait 0\n"
                                           "state PrintOff\n"
                                           "wait 300\n"

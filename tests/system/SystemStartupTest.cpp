@@ -6,6 +6,8 @@
 #include <QDBusConnectionInterface>
 #include <QDir>
 
+using namespace std::chrono_literals;
+
 namespace {
 
 const QString ownName = QStringLiteral("keyboard-handler");
@@ -41,8 +43,13 @@ private Q_SLOTS:
     void aStaleDeclarationIsWithdrawnBeforeAnythingElse();
     void bothDependenciesAreAwaited_data();
     void bothDependenciesAreAwaited();
+    void nothingIsDoneBeforeTheDependenciesAreThere();
     void readinessComesWithTheBusName();
     void theStateIsAskedForOnce();
+    void theStateIsAskedForUnderTheBusName();
+    void readinessComesAfterTheState();
+    void aCommandThatComesBeforeTheStateIsAnswered();
+    void readinessComesWithoutTheBusName();
     void versionAndHelpWaitForTheDependenciesToo_data();
     void versionAndHelpWaitForTheDependenciesToo();
     void anUnknownOptionIsRefused();
@@ -50,6 +57,7 @@ private Q_SLOTS:
 
 private:
     bool looksAround();
+    bool hasBusName();
 };
 
 bool SystemStartupTest::looksAround()
@@ -57,6 +65,12 @@ bool SystemStartupTest::looksAround()
     const qint64 process = device().daemon().processId();
     const int before = waits(process);
     return QTest::qWaitFor([&] { return waits(process) > before + looks; }, 10'000);
+}
+
+bool SystemStartupTest::hasBusName()
+{
+    BusConnection client(device().bus().address());
+    return client.get().interface()->isServiceRegistered(ls::busName(ls::ServiceId::KeyboardHandler));
 }
 
 void SystemStartupTest::aStaleDeclarationIsWithdrawnBeforeAnythingElse()
@@ -93,11 +107,23 @@ void SystemStartupTest::bothDependenciesAreAwaited()
     QVERIFY(nextKeyWorks());
 }
 
+void SystemStartupTest::nothingIsDoneBeforeTheDependenciesAreThere()
+{
+    options.dependenciesReady = false;
+    QVERIFY(prepare());
+    const QSignalSpy asked(&device().stateHandler(), &StateHandlerStandIn::asked);
+    QVERIFY(device().startDaemon());
+    device().typeLine(QStringLiteral("C 4"));
+    QVERIFY(looksAround());
+    QVERIFY(!hasBusName());
+    QVERIFY(asked.isEmpty());
+    QCOMPARE(log(), QStringList());
+}
+
 void SystemStartupTest::readinessComesWithTheBusName()
 {
     QVERIFY(launch());
-    BusConnection client(device().bus().address());
-    QVERIFY(client.get().interface()->isServiceRegistered(ls::busName(ls::ServiceId::KeyboardHandler)));
+    QVERIFY(hasBusName());
     QVERIFY(awaitLog(QStringLiteral("Successfully registered on DBus: \"com.vantre.KeyboardHandler\"")));
     QCOMPARE(log().size(), 1);
 }
@@ -111,6 +137,47 @@ void SystemStartupTest::theStateIsAskedForOnce()
     QCOMPARE(asked.size(), 1);
     QCOMPARE(asked.first().first().toMap(),
              QVariantMap({{ls::commandIdKey, "GetState"}, {ls::senderIdKey, "KeyboardHandler"}}));
+}
+
+void SystemStartupTest::theStateIsAskedForUnderTheBusName()
+{
+    QVERIFY(prepare());
+    QList<bool> named;
+    connect(&device().stateHandler(), &StateHandlerStandIn::asked, this, [&] { named << hasBusName(); });
+    QVERIFY(launch());
+    QCOMPARE(named, QList<bool>{true});
+}
+
+void SystemStartupTest::readinessComesAfterTheState()
+{
+    QVERIFY(prepare());
+    QSignalSpy asked(&device().stateHandler(), &StateHandlerStandIn::asked);
+    device().stateHandler().setDelay(2s);
+    QVERIFY(device().startDaemon());
+    QVERIFY(asked.wait());
+    QVERIFY(!QTest::qWaitFor([this] { return device().isReady(); }, 500));
+    QTRY_VERIFY(device().isReady());
+    QVERIFY(nextKeyWorks());
+}
+
+void SystemStartupTest::aCommandThatComesBeforeTheStateIsAnswered()
+{
+    QVERIFY(prepare());
+    device().stateHandler().setDelay(300ms);
+    connect(&device().stateHandler(), &StateHandlerStandIn::asked, this, [this] {
+        device().sendCommand({{ls::commandIdKey, "GetLastKey"}, {ls::senderIdKey, "WwwApi"}});
+    });
+    QVERIFY(launch());
+    QVERIFY(awaitAction(QStringLiteral("answer errorId=Undefined key=0 resultId=Success")));
+    QVERIFY(nextKeyWorks());
+}
+
+void SystemStartupTest::readinessComesWithoutTheBusName()
+{
+    options.namePolicy = DeviceOptions::NamePolicy::DenyOwnership;
+    QVERIFY(launch());
+    QVERIFY(!hasBusName());
+    QVERIFY(nextKeyWorks());
 }
 
 void SystemStartupTest::versionAndHelpWaitForTheDependenciesToo_data()

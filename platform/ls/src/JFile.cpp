@@ -20,11 +20,13 @@ QByteArray readRegularFile(const QString& path)
 {
     const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     QFile file;
-    if (fd == -1 || !file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
+    if (fd == -1 || !file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
         return {};
+    }
     struct stat status = {};
-    if (::fstat(fd, &status) == -1 || !S_ISREG(status.st_mode) || status.st_size > largestFile)
+    if (::fstat(fd, &status) == -1 || !S_ISREG(status.st_mode) || status.st_size > largestFile) {
         return {};
+    }
     return file.read(status.st_size);
 }
 
@@ -35,8 +37,9 @@ JFile::JFile(QObject* parent) : QObject(parent) {}
 bool JFile::read(const QString& path, QVariantMap& content)
 {
     const QJsonDocument document = QJsonDocument::fromJson(readRegularFile(path));
-    if (!document.isObject())
+    if (!document.isObject()) {
         return false;
+    }
     content = document.object().toVariantMap();
     return true;
 }

@@ -27,8 +27,9 @@ void Timer::start(const QString& name)
 void Timer::finish(const QString& name)
 {
     const QElapsedTimer timer = runningTimers().take(name);
-    if (timer.isValid())
+    if (timer.isValid()) {
         qCDebug(timerCategory) << name << "took" << timer.elapsed() << "ms";
+    }
 }
 
 } // namespace ls

@@ -43,23 +43,26 @@ void createFile(const QString& path)
 {
     QDir().mkpath(folder());
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
+    if (!file.open(QIODevice::WriteOnly)) {
         qCritical() << "ServiceWatcher::setReady ERROR: creating" << path << "failed:" << file.errorString();
+    }
 }
 
 void removeFile(const QString& path)
 {
     QFile file(path);
-    if (!file.remove() && file.exists())
+    if (!file.remove() && file.exists()) {
         qCritical() << "ServiceWatcher::setReady ERROR: removing" << path << "failed:" << file.errorString();
+    }
 }
 
 void notifyServiceManager()
 {
     const int result = sd_notify(0, "READY=1");
-    if (result < 0)
+    if (result < 0) {
         qCritical() << "ServiceWatcher::setReady ERROR: notifying the service manager failed:"
                     << QString::fromLocal8Bit(std::strerror(-result));
+    }
 }
 
 } // namespace
@@ -69,8 +72,9 @@ bool isReady(const QString& name)
     // Callers ask again and again without a pause while other services start on the same processor.
     const QString path = readinessFile(name);
     for (auto held = 0ms; held < longestHold; held += holdStep) {
-        if (QFile::exists(path))
+        if (QFile::exists(path)) {
             return true;
+        }
         std::this_thread::sleep_for(holdStep);
     }
     return QFile::exists(path);

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+#include "tests/system/SystemAbuseTest.h"
+
+#include <QDir>
+
+namespace {
+
+constexpr int warmUps = 2;
+constexpr int repetitions = 4;
+#ifdef __SANITIZE_ADDRESS__
+/// The sanitizer holds back what is freed.
+constexpr qint64 sanitizerSlackKiB = 512 * 1024;
+#else
+constexpr qint64 sanitizerSlackKiB = 0;
+#endif
+constexpr int patienceMs = 10'000;
+
+} // namespace
+
+QString SystemAbuseTest::damageOf(const std::function<void()>& attack, qint64 slackKiB)
+{
+    const QString early = faultsAfter(attack, warmUps);
+    if (!early.isEmpty()) {
+        return early;
+    }
+    const qint64 memory = memoryKiB();
+    const int files = descriptors();
+    if (memory <= 0 || files <= 0) {
+        return QStringLiteral("the daemon cannot be looked into");
+    }
+    const QString late = faultsAfter(attack, repetitions);
+    if (!late.isEmpty()) {
+        return late;
+    }
+    if (!QTest::qWaitFor([&] { return descriptors() <= files; }, patienceMs)) {
+        return QStringLiteral("%1 descriptors more").arg(descriptors() - files);
+    }
+    return growthFault(memory, slackKiB);
+}
+
+QString SystemAbuseTest::faults()
+{
+    if (!device().isRunning()) {
+        return QStringLiteral("the daemon is gone");
+    }
+    if (!nextKeyWorks()) {
+        return QStringLiteral("keys do not work");
+    }
+    const QVariantMap response = command(ls::KeyboardHandlerCmdId::GetLastKey);
+    const bool answered = response.value(ls::keyKey) == ls::KeyId::meta.value(ls::KeyId::Menu);
+    return answered ? QString() : QStringLiteral("commands do not work");
+}
+
+qint64 SystemAbuseTest::memoryKiB()
+{
+    QFile status(QStringLiteral("/proc/%1/status").arg(device().daemon().processId()));
+    if (!status.open(QIODevice::ReadOnly)) {
+        return -1;
+    }
+    const QString text = QString::fromLatin1(status.readAll());
+    return text.section(QStringLiteral("RssAnon:"), 1).simplified().section(' ', 0, 0).toLongLong();
+}
+
+QString SystemAbuseTest::growthFault(qint64 memoryBeforeKiB, qint64 allowedKiB)
+{
+    const qint64 growth = memoryKiB() - memoryBeforeKiB;
+    return growth <= allowedKiB + sanitizerSlackKiB ? QString() : QStringLiteral("%1 KiB more").arg(growth);
+}
+
+bool SystemAbuseTest::idles()
+{
+    constexpr int measuredMs = 500;
+    constexpr long fewTicks = 5; // of the 50 that a loop would take
+    const long before = processorTicks();
+    QTest::qWait(measuredMs);
+    return before != -1 && processorTicks() - before <= fewTicks;
+}
+
+QString SystemAbuseTest::faultsAfter(const std::function<void()>& attack, int times)
+{
+    for (int i = 0; i < times; ++i) {
+        attack();
+        if (QTest::currentTestFailed()) {
+            return QStringLiteral("the attack did not come to its end");
+        }
+    }
+    return faults();
+}
+
+long SystemAbuseTest::processorTicks()
+{
+    QFile file(QStringLiteral("/proc/%1/stat").arg(device().daemon().processId()));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return -1;
+    }
+    // The fields behind the name, which may hold blanks itself; the state comes first.
+    const QList<QByteArray> fields = file.readAll().split(')').last().simplified().split(' ');
+    return fields.value(11).toLong() + fields.value(12).toLong();
+}
+
+int SystemAbuseTest::descriptors()
+{
+    return QDir(QStringLiteral("/proc/%1/fd").arg(device().daemon().processId()))
+        .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
+        .size();
+}
