@@ -115,6 +115,17 @@ bool isTimed(const QVector<KeyInput>& starts, const Place& end, const Announceme
     return false;
 }
 
+/// The same behind the last end before `announcement`. An end at its very moment may also have been ahead of
+/// it: the end of a window, followed by a repetition whose time is none.
+bool isTimed(const QVector<KeyInput>& starts, const Facts& facts, const QVector<Place>& disturbances,
+             const Announcement& announcement, milliseconds time)
+{
+    const Place& place = announcement.place;
+    const bool isTied = !place.isInStep() && disturbances.contains(place);
+    return isTimed(starts, lastEnd(facts, disturbances, place), announcement, time) ||
+           (isTied && isTimed(starts, place, announcement, time));
+}
+
 int countOf(const Facts& facts, const KeyRow& row, milliseconds at)
 {
     const auto isSame = [&](const Announcement& announcement) {
@@ -187,12 +198,11 @@ QString longPressesLastTheirTime(const Facts& facts)
             continue;
         }
         const auto row = rowOf(facts, announcement.keys.first());
-        const Place end = lastEnd(facts, disturbances, announcement.place);
         const auto same = [&](const KeyInput& start) { return start.at == announcement.at - timeOf(*row); };
         const auto times = row ? std::count_if(starts.cbegin(), starts.cend(), same) : 0;
         const bool isRight =
             row && row->action == announcement.action && row->receiver == announcement.receiver &&
-            isTimed(starts, end, announcement, timeOf(*row)) &&
+            isTimed(starts, facts, disturbances, announcement, timeOf(*row)) &&
             countOf(facts, *row, announcement.at) <= times * countIn(*row, facts.stateAt(announcement.place));
         if (!isRight) {
             return QStringLiteral("%1 at %2 ms").arg(announcement.action).arg(announcement.at.count());
