@@ -1,114 +1,91 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/demonstration/Demonstration.h"
 
-#include "simulator/script/ObservationText.h"
-#include "simulator/script/ScriptPlayer.h"
-#include "simulator/script/Transcript.h"
+#include <QTimer>
 
 using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto readinessInterval = 20ms;
-constexpr int mostReadinessChecks = 1000;
-
-DeviceOptions completed(DeviceOptions options, const KeyScript& script)
-{
-    options.model = script.model;
-    options.state = script.initialState;
-    const QMap<QString, QByteArray> lists = script.keyLists();
-    if (!lists.isEmpty()) {
-        options.keyListFolder.clear();
-        options.keyLists = lists;
-    }
-    return options;
-}
+/// For what a typed line causes to be printed before the next one is asked for.
+constexpr std::chrono::milliseconds promptPause = 500ms;
 
 } // namespace
 
-Demonstration::Demonstration(const KeyScript& script, DeviceOptions options, QObject* parent)
-    : QObject(parent)
-    , m_script(script)
-    , m_device(completed(std::move(options), script))
-    , m_recorder(m_device)
-    , m_printer(m_device, m_recorder)
+Demonstration::Demonstration(const CommandLine& line, QObject* parent)
+    : QObject(parent), m_line(line), m_session(line.device), m_printer(m_session), m_server(m_session)
 {
-    connect(&m_device, &SimulatedDevice::daemonExited, this, &Demonstration::onDaemonExited);
-    connect(&m_readinessTimer, &QTimer::timeout, this, &Demonstration::awaitReadiness);
+    connect(&m_session, &DeviceSession::added, this, &Demonstration::onAdded);
 }
 
-void Demonstration::start()
+void Demonstration::start(const std::optional<KeyScript>& script)
 {
-    m_printer.printText(QStringLiteral("An embosser of the model %1, in the state %2.")
-                            .arg(m_script.model, m_script.initialState));
-    if (m_device.start()) {
-        m_readinessTimer.start(readinessInterval);
+    // Before the script is played: a port in use is better told at once.
+    if (m_line.serve && !m_server.listen(m_line.port)) {
+        m_printer.printText(m_server.errorString());
+        Q_EMIT finished(NotStarted);
+    } else if (script) {
+        m_isPlaying = true;
+        m_session.replay(*script);
     } else {
-        giveUp(m_device.errorString());
+        m_session.start();
     }
 }
 
-KeyScript Demonstration::recorded() const
+void Demonstration::onAdded(const QJsonObject& entry)
 {
-    KeyScript script = m_script;
-    script.steps = m_taken;
-    script.end = m_recorder.elapsed();
-    script.expectations.clear();
-    for (const Observation& observation : m_recorder.observations()) {
-        if (!ObservationText::isLogLine(observation.text)) {
-            script.expectations.append(observation);
-        }
-    }
-    return script;
-}
-
-void Demonstration::awaitReadiness()
-{
-    if (m_device.isReady()) {
-        begin();
-    } else if (++m_readinessChecks == mostReadinessChecks) {
-        giveUp(QStringLiteral("The daemon does not become ready."));
+    const QString type = entry.value(QLatin1String("type")).toString();
+    if (type == QLatin1String("device")) {
+        onDevice(entry.value(QLatin1String("status")).toString());
+    } else if (type == QLatin1String("replay") && m_isPlaying) {
+        onReplay(entry);
     }
 }
 
-void Demonstration::begin()
+void Demonstration::onDevice(const QString& status)
 {
-    m_readinessTimer.stop();
-    m_recorder.restart();
-    connect(play(m_script), &ScriptPlayer::finished, this, &Demonstration::judge);
+    if (m_isAttending) {
+        return;
+    }
+    if (status == QLatin1String("ended")) {
+        Q_EMIT finished(NotStarted);
+    } else if (status == QLatin1String("ready") && !m_isPlaying) {
+        attend();
+    }
 }
 
-ScriptPlayer* Demonstration::play(const KeyScript& script)
+void Demonstration::onReplay(const QJsonObject& entry)
 {
-    auto* player = new ScriptPlayer(script, m_device, this);
-    connect(player, &ScriptPlayer::stepping, this, &Demonstration::onStepping);
-    connect(player, &ScriptPlayer::finished, player, &QObject::deleteLater);
-    player->start();
-    return player;
+    const QString status = entry.value(QLatin1String("status")).toString();
+    if (status == QLatin1String("finished")) {
+        onPlayed(entry.value(QLatin1String("differences")).toArray().isEmpty() ? AsExpected : NotAsExpected);
+    } else if (status == QLatin1String("stopped")) {
+        // Later: where it is the end of the device that stopped it, that is told next.
+        QTimer::singleShot(0, this, [this] {
+            if (m_session.status() != DeviceSession::Status::Ended) {
+                onPlayed(NotAsExpected);
+            }
+        });
+    }
 }
 
-void Demonstration::onStepping(const ScriptStep& step)
+void Demonstration::onPlayed(Status status)
 {
-    m_printer.printStep(step);
-    m_taken.append(step);
-    m_taken.last().at = m_recorder.elapsed();
-}
-
-void Demonstration::judge()
-{
-    const QStringList lines =
-        Transcript::difference(m_script.expectations, m_recorder.observations(), Transcript::Mode::RealTime);
-    m_status = lines.isEmpty() ? AsExpected : NotAsExpected;
-    if (lines.isEmpty()) {
-        m_printer.printText(QStringLiteral("\nAll %1 expectations came true, and nothing else happened.")
-                                .arg(m_script.expectations.size()));
+    m_isPlaying = false;
+    m_status = status;
+    if (m_line.serve) {
+        attend();
     } else {
-        m_printer.printText(QStringLiteral("\nNot as expected:\n") + lines.join('\n'));
+        Q_EMIT finished(status);
     }
+}
+
+void Demonstration::attend()
+{
+    m_isAttending = true;
+    m_printer.printText(QStringLiteral("\nThe front panel: %1 (Ctrl-C ends)").arg(m_server.url()));
     if (Prompt::isAtTerminal()) {
         openPrompt();
-    } else {
-        Q_EMIT finished(m_status);
     }
 }
 
@@ -128,25 +105,15 @@ void Demonstration::onTyped(const QString& line)
         Q_EMIT finished(m_status);
         return;
     }
-    const ParsedScript parsed = parseKeyScriptSteps(QString(line).replace(';', '\n'));
-    if (parsed.faults.isEmpty()) {
-        connect(play(parsed.script), &ScriptPlayer::finished, m_prompt.get(), &Prompt::show);
+    const QString statements = QString(line).replace(';', '\n');
+    const QVector<ScriptFault> faults = m_session.take(statements);
+    if (faults.isEmpty()) {
+        QTimer::singleShot(parseKeyScriptSteps(statements).script.duration() + promptPause, m_prompt.get(),
+                           &Prompt::show);
         return;
     }
-    for (const ScriptFault& fault : parsed.faults) {
+    for (const ScriptFault& fault : faults) {
         m_printer.printText(fault.text);
     }
     m_prompt->show();
-}
-
-void Demonstration::onDaemonExited(int status)
-{
-    giveUp(QStringLiteral("The daemon has ended with status %1.").arg(status));
-}
-
-void Demonstration::giveUp(const QString& reason)
-{
-    m_readinessTimer.stop();
-    m_printer.printText(reason);
-    Q_EMIT finished(NotStarted);
 }

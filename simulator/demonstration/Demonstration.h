@@ -1,21 +1,18 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "simulator/demonstration/CommandLine.h"
 #include "simulator/demonstration/Prompt.h"
 #include "simulator/demonstration/TranscriptPrinter.h"
-#include "simulator/device/DeviceRecorder.h"
-#include "simulator/device/SimulatedDevice.h"
-#include "simulator/script/KeyScript.h"
+#include "simulator/session/DeviceSession.h"
+#include "simulator/web/WebServer.h"
 
 #include <QObject>
-#include <QTimer>
 
 #include <memory>
 
-class ScriptPlayer;
-
-/// Plays a key script on a simulated device as a transcript, judges what came of it, and lets a person at
-/// a terminal go on with lines of their own.
+/// Plays a key script on a simulated device as a transcript and judges what came of it. If asked for, it then
+/// keeps the device for people: in a browser and, where there is one, at the terminal.
 class Demonstration : public QObject
 {
     Q_OBJECT
@@ -23,36 +20,31 @@ class Demonstration : public QObject
 public:
     enum Status { AsExpected = 0, NotAsExpected = 1, NotStarted = 2 };
 
-    /// `options` are completed by what the script's header says.
-    Demonstration(const KeyScript& script, DeviceOptions options, QObject* parent = nullptr);
+    explicit Demonstration(const CommandLine& line, QObject* parent = nullptr);
 
-    void start();
+    /// Plays `script`, or nothing.
+    void start(const std::optional<KeyScript>& script);
 
-    /// What was done so far, typed lines included, at the times at which it was done, with all that the
-    /// daemon announced, spoke and answered as its expectations.
-    KeyScript recorded() const;
+    const DeviceSession& session() const { return m_session; }
 
 Q_SIGNALS:
     void finished(int status);
 
 private:
-    void awaitReadiness();
-    void begin();
-    ScriptPlayer* play(const KeyScript& script);
-    void onStepping(const ScriptStep& step);
-    void judge();
+    void onAdded(const QJsonObject& entry);
+    void onDevice(const QString& status);
+    void onReplay(const QJsonObject& entry);
+    void onPlayed(Status status);
+    void attend();
     void openPrompt();
     void onTyped(const QString& line);
-    void onDaemonExited(int status);
-    void giveUp(const QString& reason);
 
-    KeyScript m_script;
-    QVector<ScriptStep> m_taken;
-    SimulatedDevice m_device;
-    DeviceRecorder m_recorder;
+    const CommandLine m_line;
+    DeviceSession m_session;
     TranscriptPrinter m_printer;
-    QTimer m_readinessTimer;
-    int m_readinessChecks = 0;
-    int m_status = NotStarted;
+    WebServer m_server;
     std::unique_ptr<Prompt> m_prompt;
+    Status m_status = AsExpected;
+    bool m_isPlaying = false;
+    bool m_isAttending = false;
 };

@@ -1,33 +1,34 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "simulator/script/KeyScript.h"
-
+#include <QJsonObject>
 #include <QObject>
 #include <QTextStream>
 
-class DeviceRecorder;
-class SimulatedDevice;
+class DeviceSession;
 
-/// Writes what happens at a simulated device for a person to follow: a line for each thing, with the
-/// seconds since the start.
+/// Writes what happens in a session for a person to follow: a line for each thing, with the seconds since the
+/// device became ready.
 class TranscriptPrinter : public QObject
 {
     Q_OBJECT
 
 public:
-    /// `device` and `recorder`, whose clock is used, must live as long as the printer.
-    TranscriptPrinter(SimulatedDevice& device, const DeviceRecorder& recorder, QObject* parent = nullptr);
+    /// `session` must live as long as the printer.
+    explicit TranscriptPrinter(DeviceSession& session, QObject* parent = nullptr);
 
-    void printStep(const ScriptStep& step);
     void printText(const QString& text);
 
 private:
-    void printAnnouncement(const QVariantMap& notification);
-    void printSpeech(const QVariantMap& request);
+    void printEntry(const QJsonObject& entry);
+    void printDevice(const QJsonObject& entry);
+    void printReplay(const QJsonObject& entry);
+    void printKey(const QJsonObject& entry);
     void printLogLine(const QString& line);
     void print(const QString& label, const QString& text);
 
-    const DeviceRecorder& m_recorder;
     QTextStream m_output;
+    /// When the device became ready, and when the present entry came, in milliseconds.
+    double m_ready = 0;
+    double m_now = 0;
 };

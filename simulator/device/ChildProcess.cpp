@@ -34,6 +34,8 @@ void ChildProcess::end()
 void ChildProcess::setupChildProcess()
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // What is typed at the parent's terminal, such as Ctrl-C, is for the parent alone.
+    setpgid(0, 0);
     // The parent may be gone since the fork; nothing would end this process then.
     if (getppid() != m_parent) {
         _exit(EXIT_FAILURE);

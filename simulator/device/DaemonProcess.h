@@ -29,6 +29,8 @@ public:
     qint64 processId() const { return m_processId; }
 
     void typeLine(const QString& line);
+    /// How many typed bytes the daemon has not taken yet.
+    qint64 pendingInput() const { return m_process ? m_process->bytesToWrite() : 0; }
     /// Writes bytes that need not be whole lines.
     void type(const QByteArray& bytes);
     /// Ends the daemon's standard input.

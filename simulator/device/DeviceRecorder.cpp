@@ -4,6 +4,13 @@
 #include "simulator/device/SimulatedDevice.h"
 #include "simulator/script/ObservationText.h"
 
+namespace {
+
+/// More than any script can expect; so many need some ten megabytes.
+constexpr int mostObservations = 200'000;
+
+} // namespace
+
 DeviceRecorder::DeviceRecorder(SimulatedDevice& device, QObject* parent) : QObject(parent)
 {
     restart();
@@ -35,6 +42,9 @@ std::chrono::milliseconds DeviceRecorder::elapsed() const
 
 void DeviceRecorder::add(const QString& text)
 {
-    m_observations.append({elapsed(), text});
-    Q_EMIT observed(m_observations.last());
+    const Observation observation{elapsed(), text};
+    if (m_observations.size() < mostObservations) {
+        m_observations.append(observation);
+    }
+    Q_EMIT observed(observation);
 }

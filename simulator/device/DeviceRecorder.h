@@ -20,6 +20,7 @@ public:
     /// Forgets what was seen and counts the time from now.
     void restart();
 
+    /// The first 200,000 of them.
     const Observations& observations() const { return m_observations; }
     std::chrono::milliseconds elapsed() const;
 

@@ -18,6 +18,7 @@ const QStringList dependencies{QStringLiteral("state-handler"), QStringLiteral("
 SimulatedDevice::SimulatedDevice(const DeviceOptions& options, QObject* parent)
     : QObject(parent), m_options(options), m_folder(options), m_error(m_folder.errorString())
 {
+    connect(&m_panel, &Panel::written, this, &SimulatedDevice::written);
     connect(&m_daemon, &DaemonProcess::logLine, this, &SimulatedDevice::logLine);
     connect(&m_daemon, &DaemonProcess::outputLine, this, &SimulatedDevice::outputLine);
     connect(&m_daemon, &DaemonProcess::exited, this, &SimulatedDevice::daemonExited);
@@ -65,6 +66,11 @@ bool SimulatedDevice::startDaemon()
 bool SimulatedDevice::isReady() const
 {
     return m_folder.isReady(daemonName);
+}
+
+qint64 SimulatedDevice::pendingInput() const
+{
+    return m_panel.pending(0) + m_panel.pending(1) + m_daemon.pendingInput();
 }
 
 void SimulatedDevice::dropSpeech()

@@ -42,6 +42,9 @@ public:
     bool isReady() const;
     bool isRunning() const { return m_daemon.isRunning(); }
 
+    /// How many bytes of keys and typed lines the daemon has not taken yet.
+    qint64 pendingInput() const;
+
     DeviceFolder& folder() { return m_folder; }
     Panel& panel() { return m_panel; }
     DaemonProcess& daemon() { return m_daemon; }
@@ -69,6 +72,8 @@ public:
     void typeLine(const QString& line) override;
 
 Q_SIGNALS:
+    /// The front panel wrote `record` to the input device number `device`.
+    void written(int device, const RawRecord& record);
     void announced(const QVariantMap& notification);
     void answered(const QVariantMap& response);
     void commandFailed(const QDBusError& error);

@@ -64,6 +64,8 @@ struct ScriptFault
 /// What a person does at the device and what is expected of it; docs/key-scripts.md has the grammar.
 struct KeyScript
 {
+    /// Whether the times were taken from a real clock, and so are no exact ones.
+    bool recorded = false;
     QString model = QStringLiteral("Pellit");
     QString initialState = ls::StateId::Idle;
     /// The whole key lists; with none the installed lists count.
@@ -93,5 +95,7 @@ struct ParsedScript
 ParsedScript parseKeyScript(const QString& text);
 /// Parses lines that stand behind the header of a script: steps and expectations only.
 ParsedScript parseKeyScriptSteps(const QString& text);
+/// Parses the content of a script file, which may be too long for one.
+ParsedScript parseScriptFile(const QByteArray& content);
 /// Reads and parses a script file.
 ParsedScript loadKeyScript(const QString& path);

@@ -18,9 +18,7 @@ constexpr milliseconds tapTime = 50ms;
 constexpr milliseconds tapPause = 50ms;
 constexpr int mostFaults = 50;
 constexpr int mostSteps = 100'000;
-
-const QString orvane = QStringLiteral("Orvane");
-const QString pellit = QStringLiteral("Pellit");
+constexpr int longestFault = 400;
 
 std::optional<milliseconds> timeOf(const QString& word)
 {
@@ -30,7 +28,17 @@ std::optional<milliseconds> timeOf(const QString& word)
 
 QString noTime(const QString& word)
 {
-    return QStringLiteral("\"%1\" is no time from 0 to %2 ms.").arg(word).arg(longestScript.count());
+    return QStringLiteral("\"%1\" is no time from 0 to %2 ms.")
+        .arg(word, QString::number(longestScript.count()));
+}
+
+/// A sentence may quote a word of any length, as a file has that is no script.
+QString shortened(const QString& sentence)
+{
+    const int half = longestFault / 2;
+    return sentence.size() <= longestFault
+               ? sentence
+               : sentence.left(half) + QStringLiteral(" ... ") + sentence.right(half);
 }
 
 } // namespace
@@ -52,7 +60,8 @@ ParsedScript KeyScriptParser::parse(const QString& text)
 
 const KeyScriptParser::Handlers& KeyScriptParser::headerHandlers()
 {
-    static const Handlers handlers{{QStringLiteral("model"), &KeyScriptParser::readModel},
+    static const Handlers handlers{{QStringLiteral("recorded"), &KeyScriptParser::readRecorded},
+                                   {QStringLiteral("model"), &KeyScriptParser::readModel},
                                    {QStringLiteral("state"), &KeyScriptParser::readInitialState},
                                    {QStringLiteral("row"), &KeyScriptParser::readRow}};
     return handlers;
@@ -90,7 +99,7 @@ void KeyScriptParser::readLine(const QString& line)
         fault = QStringLiteral("The script has more than %1 steps.").arg(mostSteps);
     }
     if (!fault.isEmpty()) {
-        m_result.faults.append({0, fault});
+        m_result.faults.append({0, shortened(fault)});
     }
 }
 
@@ -109,9 +118,15 @@ QString KeyScriptParser::readWords(const QString& keyword, const QStringList& wo
     return QStringLiteral("\"%1\" is no keyword of a key script.").arg(keyword);
 }
 
+QString KeyScriptParser::readRecorded(const QStringList& words)
+{
+    m_result.script.recorded = true;
+    return ScriptWords::checkCount(words, 0, 0, QStringLiteral("recorded"));
+}
+
 QString KeyScriptParser::readModel(const QStringList& words)
 {
-    if (words.size() != 1 || (words.first() != orvane && words.first() != pellit)) {
+    if (words.size() != 1 || !ScriptWords::models().contains(words.first())) {
         return QStringLiteral("Write it as: model Orvane|Pellit");
     }
     m_result.script.model = words.first();

@@ -26,6 +26,7 @@ private:
     void readLine(const QString& line);
     QString readWords(const QString& keyword, const QStringList& words);
 
+    QString readRecorded(const QStringList& words);
     QString readModel(const QStringList& words);
     QString readInitialState(const QStringList& words);
     QString readRow(const QStringList& words);

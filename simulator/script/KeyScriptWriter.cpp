@@ -11,6 +11,9 @@ class Writer
 public:
     void writeHeader(const KeyScript& script)
     {
+        if (script.recorded) {
+            line({QStringLiteral("recorded")});
+        }
         line({QStringLiteral("model"), script.model});
         line({QStringLiteral("state"), script.initialState});
         for (const KeyRow& row : script.rows) {

@@ -17,9 +17,11 @@ QByteArray bytesOf(const input_event& record)
 
 Panel::Panel(QObject* parent) : QObject(parent)
 {
-    for (Device& device : m_devices) {
-        connect(&device.keys, &KeyDevice::recorded, &device.sink,
-                [&device](const input_event& record) { device.sink.write(bytesOf(record)); });
+    for (int device = 0; device < deviceCount; ++device) {
+        connect(&at(device).keys, &KeyDevice::recorded, this, [this, device](const input_event& record) {
+            at(device).sink.write(bytesOf(record));
+            Q_EMIT written(device, {record.type, record.code, record.value});
+        });
     }
 }
 

@@ -34,6 +34,10 @@ public:
     /// How many bytes of `device` wait for the reader to make room.
     int pending(int device) const;
 
+Q_SIGNALS:
+    /// `record` was written to the device, repetitions and reports' ends included.
+    void written(int device, const RawRecord& record);
+
 private:
     struct Device
     {

@@ -4,6 +4,7 @@
 #include "simulator/script/KeyScript.h"
 
 #include <QObject>
+#include <QTimer>
 
 class ScriptTarget;
 
@@ -21,6 +22,8 @@ public:
 
     /// To be called once, from a running or a coming event loop.
     void start();
+    /// Takes no further step; `finished` does not come any more.
+    void stop();
 
 Q_SIGNALS:
     /// `step` is being taken.
@@ -29,9 +32,15 @@ Q_SIGNALS:
     void finished();
 
 private:
-    void schedule(int first, int end);
-    void take(int first, int end);
+    void schedule(int end);
+    void takeDue();
+    void finish();
 
     KeyScript m_script;
     ScriptTarget& m_target;
+    /// The steps before these are taken, and due.
+    int m_next = 0;
+    int m_due = 0;
+    bool m_stopped = false;
+    QTimer m_turnTimer;
 };

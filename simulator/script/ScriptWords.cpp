@@ -5,13 +5,13 @@
 
 namespace {
 
-QString checkMember(const QMap<QString, int>& family, const QString& name, const QString& kind)
+QString checkMember(const QStringList& family, const QString& name, const QString& kind)
 {
     if (family.contains(name)) {
         return {};
     }
     return QStringLiteral("There is no %1 \"%2\"; known are %3.")
-        .arg(kind, name, QStringList(family.keys()).join(QStringLiteral(", ")));
+        .arg(kind, name, family.join(QStringLiteral(", ")));
 }
 
 } // namespace
@@ -26,10 +26,20 @@ QString checkCount(const QStringList& words, int least, int most, const QString&
     return QStringLiteral("Write it as: ") + usage;
 }
 
+QStringList models()
+{
+    return {QStringLiteral("Orvane"), QStringLiteral("Pellit")};
+}
+
+QString checkModel(const QString& model)
+{
+    return checkMember(models(), model, QStringLiteral("model"));
+}
+
 QString checkKeys(const QStringList& keys)
 {
     for (const QString& key : keys) {
-        const QString fault = checkMember(ls::KeyId::meta, key, QStringLiteral("key"));
+        const QString fault = checkMember(ls::KeyId::meta.keys(), key, QStringLiteral("key"));
         if (!fault.isEmpty()) {
             return fault;
         }
@@ -39,12 +49,12 @@ QString checkKeys(const QStringList& keys)
 
 QString checkState(const QString& state)
 {
-    return checkMember(ls::StateId::meta, state, QStringLiteral("state"));
+    return checkMember(ls::StateId::meta.keys(), state, QStringLiteral("state"));
 }
 
 QString checkService(const QString& service)
 {
-    return checkMember(ls::ServiceId::meta, service, QStringLiteral("service"));
+    return checkMember(ls::ServiceId::meta.keys(), service, QStringLiteral("service"));
 }
 
 std::optional<qint64> number(const QString& word, qint64 least, qint64 most)

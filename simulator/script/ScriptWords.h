@@ -12,6 +12,9 @@ namespace ScriptWords {
 
 /// Whether there are `least` to `most` words (any number for `most` < 0); `usage` is shown if not.
 QString checkCount(const QStringList& words, int least, int most, const QString& usage);
+/// The embosser's models.
+QStringList models();
+QString checkModel(const QString& model);
 QString checkKeys(const QStringList& keys);
 QString checkState(const QString& state);
 QString checkService(const QString& service);

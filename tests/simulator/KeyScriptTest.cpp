@@ -61,6 +61,7 @@ private Q_SLOTS:
     void everyFaultyLineIsNamed();
     void typedLinesHaveNoHeader();
     void aScriptSurvivesBeingWritten();
+    void aRecordingSaysThatItIsOne();
     void aFileThatCannotBeReadIsRefused();
     void aFileThatIsTooLongIsRefused();
     void bytesThatAreNoTextAreRefused();
@@ -235,6 +236,10 @@ void KeyScriptTest::faultsAreExplained_data()
         << "2: The initial state is given already; write \"wait 0\" before the first change.";
     QTest::newRow("late header") << "press Up\nmodel Orvane"
                                  << "2: \"model\" must stand before the first step.";
+    QTest::newRow("recorded with a word") << "recorded today"
+                                          << "1: Write it as: recorded";
+    QTest::newRow("late recorded") << "wait 0\nrecorded"
+                                   << "2: \"recorded\" must stand before the first step.";
     QTest::newRow("unknown model") << "model Moo"
                                    << "1: Write it as: model Orvane|Pellit";
     QTest::newRow("third device") << "device 2"
@@ -343,6 +348,16 @@ void KeyScriptTest::aScriptSurvivesBeingWritten()
     const ParsedScript parsed = parseKeyScript(text);
     QCOMPARE(firstFault(parsed), QString());
     QCOMPARE(parsed.script.toText(), text);
+}
+
+void KeyScriptTest::aRecordingSaysThatItIsOne()
+{
+    const QString text = QStringLiteral("recorded\nmodel Pellit\nstate Idle\ndevice 0\npress Up\n");
+    const ParsedScript parsed = parseKeyScript(text);
+    QCOMPARE(firstFault(parsed), QString());
+    QVERIFY(parsed.script.recorded);
+    QCOMPARE(parsed.script.toText(), text);
+    QVERIFY(!parseKeyScript(QStringLiteral("press Up")).script.recorded);
 }
 
 void KeyScriptTest::aFileThatCannotBeReadIsRefused()

@@ -25,6 +25,7 @@ private Q_SLOTS:
     void whatDoesNotFitIsWrittenLater();
     void aFullFifoTearsNoRecord();
     void partsOfRecordsAreWrittenAsTheyAre();
+    void eachRecordIsToldAsItIsWritten();
 
 private:
     QByteArray readAvailable();
@@ -119,6 +120,21 @@ void PanelTest::partsOfRecordsAreWrittenAsTheyAre()
     m_panel->writeRaw(0, "abc");
     m_panel->writeRaw(0, "de");
     QCOMPARE(readAvailable(), QByteArray("abcde"));
+}
+
+void PanelTest::eachRecordIsToldAsItIsWritten()
+{
+    QStringList told;
+    connect(m_panel.get(), &Panel::written, this, [&](int device, const RawRecord& record) {
+        told
+            << QStringLiteral("%1: %2 %3 %4").arg(device).arg(record.type).arg(record.code).arg(record.value);
+    });
+    m_panel->press(1, ls::KeyId::Menu);
+    QTRY_VERIFY(told.size() >= 4);
+    m_panel->release(1, ls::KeyId::Menu);
+    m_panel->record(0, {EV_MSC, MSC_SCAN, -7});
+    QCOMPARE(told.mid(0, 4), QStringList({"1: 1 139 1", "1: 0 0 0", "1: 1 139 2", "1: 0 0 1"}));
+    QCOMPARE(told.mid(told.size() - 4), QStringList({"1: 1 139 0", "1: 0 0 0", "0: 4 4 -7", "0: 0 0 0"}));
 }
 
 QTEST_GUILESS_MAIN(PanelTest)

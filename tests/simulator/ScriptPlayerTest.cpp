@@ -49,10 +49,13 @@ class ScriptPlayerTest : public QObject
 private Q_SLOTS:
     void everyKindOfStepReachesTheTarget();
     void stepsOfOneMomentKeepTheirOrder();
+    void manyStepsLetTheEventLoopHaveItsTurn();
     void stepsAreShownBeforeTheyAreTaken();
     void theEndIsToldAfterTheLastExpectation();
     void anEmptyScriptEndsToo();
     void aPlayerThatIsGonePlaysNothing();
+    void aPlayerCanBeStopped_data();
+    void aPlayerCanBeStopped();
 };
 
 void ScriptPlayerTest::everyKindOfStepReachesTheTarget()
@@ -76,6 +79,22 @@ void ScriptPlayerTest::stepsOfOneMomentKeepTheirOrder()
     player.start();
     VirtualDevice::clock().advance(0ms);
     QCOMPARE(target.lines, QStringList({"0 press 0 Up", "0 press 0 Ok", "0 release 0 Up", "0 release 0 Ok"}));
+}
+
+void ScriptPlayerTest::manyStepsLetTheEventLoopHaveItsTurn()
+{
+    RecordingTarget target;
+    const QString burst = QStringLiteral("press Up\nrelease Up\n").repeated(1000);
+    ScriptPlayer player(parseKeyScript(burst + "wait 1\npress Ok").script, target);
+    const QSignalSpy finished(&player, &ScriptPlayer::finished);
+    int takenAtFirstTurn = 0;
+    player.start();
+    QTimer::singleShot(0, this, [&] { takenAtFirstTurn = target.lines.size(); });
+    VirtualDevice::clock().advance(501ms);
+    QVERIFY2(takenAtFirstTurn <= 100, qPrintable(QString::number(takenAtFirstTurn)));
+    QCOMPARE(target.lines.size(), 2001);
+    QCOMPARE(target.lines.mid(1999), QStringList({"0 release 0 Up", "1 press 0 Ok"}));
+    QCOMPARE(finished.size(), 1);
 }
 
 void ScriptPlayerTest::stepsAreShownBeforeTheyAreTaken()
@@ -120,6 +139,31 @@ void ScriptPlayerTest::aPlayerThatIsGonePlaysNothing()
     player.reset();
     VirtualDevice::clock().advance(1s);
     QCOMPARE(target.lines, QStringList());
+}
+
+void ScriptPlayerTest::aPlayerCanBeStopped_data()
+{
+    QTest::addColumn<QString>("stopAt");
+    QTest::addColumn<QStringList>("taken");
+    QTest::newRow("before a step of the same moment") << "Ok" << QStringList("0 press 0 Up");
+    QTest::newRow("before a later step") << "Down" << QStringList({"0 press 0 Up", "0 press 0 Ok"});
+}
+
+void ScriptPlayerTest::aPlayerCanBeStopped()
+{
+    QFETCH(QString, stopAt);
+    RecordingTarget target;
+    ScriptPlayer player(parseKeyScript("press Up\npress Ok\nwait 10\npress Down").script, target);
+    const QSignalSpy finished(&player, &ScriptPlayer::finished);
+    connect(&player, &ScriptPlayer::stepping, this, [&](const ScriptStep& step) {
+        if (step.text == stopAt) {
+            player.stop();
+        }
+    });
+    player.start();
+    VirtualDevice::clock().advance(1s);
+    QTEST(target.lines, "taken");
+    QCOMPARE(finished.size(), 0);
 }
 
 VIRTUAL_TIME_TEST_MAIN(ScriptPlayerTest)

@@ -3,14 +3,18 @@
 
 #include <QDir>
 #include <QProcess>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <fcntl.h>
 #include <signal.h>
+#include <unistd.h>
 
 namespace {
 
 constexpr int patienceMs = 30'000;
+const QString panelLine = QStringLiteral("\nThe front panel: http://127.0.0.1:");
 
 bool mentions(const QString& file, const QString& text)
 {
@@ -54,15 +58,33 @@ private Q_SLOTS:
     void aSignalCleansUp_data();
     void aSignalCleansUp();
     void evenKilledItLeavesNothingRunning();
+    void wrongArgumentsAreExplained_data();
+    void wrongArgumentsAreExplained();
+    void aServedDeviceStaysUntilASignal_data() { aSignalCleansUp_data(); }
+    void aServedDeviceStaysUntilASignal();
+    void clientsOfThePanelHoldNothingUp();
+    void aPortInUseIsTold();
+    void aCrashDoesNotEndAServedDevice();
+    void aDaemonThatEndsBeforeItIsServedIsTold();
+    void atATerminalTheDeviceStays_data();
+    void atATerminalTheDeviceStays();
+    void whatIsTypedAtTheTerminalIsDone();
 
 private:
     QString write(const QByteArray& script);
     void start(const QStringList& arguments);
     int run(const QStringList& arguments);
+    bool awaitOutput(const QString& text);
+    bool expectStatus(int status);
+    void type(const QByteArray& line);
+    QByteArray openTerminal();
+    qint64 daemon() const;
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<QProcess> m_program;
     QString m_output;
+    QByteArray m_input = QProcess::nullDevice().toLocal8Bit();
+    int m_terminal = -1;
 };
 
 void SimulatorProgramTest::init()
@@ -76,6 +98,11 @@ void SimulatorProgramTest::cleanup()
 {
     m_program.reset();
     m_folder.reset();
+    if (m_terminal != -1) {
+        close(m_terminal);
+    }
+    m_terminal = -1;
+    m_input = QProcess::nullDevice().toLocal8Bit();
 }
 
 QString SimulatorProgramTest::write(const QByteArray& script)
@@ -94,7 +121,7 @@ void SimulatorProgramTest::start(const QStringList& arguments)
     m_program = std::make_unique<QProcess>();
     m_program->setProcessEnvironment(environment);
     m_program->setProcessChannelMode(QProcess::MergedChannels);
-    m_program->setStandardInputFile(QProcess::nullDevice());
+    m_program->setStandardInputFile(QString::fromLocal8Bit(m_input));
     m_program->start(QStringLiteral(SIMULATOR), arguments);
 }
 
@@ -106,6 +133,44 @@ int SimulatorProgramTest::run(const QStringList& arguments)
     }
     m_output = QString::fromUtf8(m_program->readAll());
     return m_program->exitCode();
+}
+
+bool SimulatorProgramTest::awaitOutput(const QString& text)
+{
+    return QTest::qWaitFor(
+        [&] { return m_output.append(QString::fromUtf8(m_program->readAll())).contains(text); }, patienceMs);
+}
+
+bool SimulatorProgramTest::expectStatus(int status)
+{
+    return m_program->waitForFinished(patienceMs) && m_program->exitStatus() == QProcess::NormalExit &&
+           m_program->exitCode() == status;
+}
+
+QByteArray SimulatorProgramTest::openTerminal()
+{
+    m_terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    const bool isOpen = m_terminal != -1 && grantpt(m_terminal) == 0 && unlockpt(m_terminal) == 0;
+    return isOpen ? QByteArray(ptsname(m_terminal)) : QByteArray();
+}
+
+void SimulatorProgramTest::type(const QByteArray& line)
+{
+    QCOMPARE(::write(m_terminal, line.constData(), size_t(line.size())), ssize_t(line.size()));
+}
+
+/// The daemon is the process that has the device's folder of services as its own.
+qint64 SimulatorProgramTest::daemon() const
+{
+    const QStringList processes =
+        QDir(QStringLiteral("/proc")).entryList({QStringLiteral("[0-9]*")}, QDir::Dirs);
+    for (const QString& process : processes) {
+        const QString path = QStringLiteral("/proc/%1/").arg(process);
+        if (mentions(path + "mountinfo", m_folder->path()) && !mentions(path + "cmdline", "bwrap")) {
+            return process.toLongLong();
+        }
+    }
+    return 0;
 }
 
 void SimulatorProgramTest::aScriptThatComesTrueSucceeds()
@@ -196,6 +261,133 @@ void SimulatorProgramTest::evenKilledItLeavesNothingRunning()
     m_program->kill();
     QVERIFY(m_program->waitForFinished(patienceMs));
     QTRY_COMPARE(processesIn(m_folder->path()), 0);
+}
+
+void SimulatorProgramTest::wrongArgumentsAreExplained_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("sentence");
+    const QString nothing = QStringLiteral("There is nothing to do: name a key script, or add --serve.\n");
+    QTest::newRow("nothing to do") << QStringList("--no-demo") << nothing;
+    QTest::newRow("a word as port") << QStringList({"--serve", "--port", "moo"})
+                                    << "\"moo\" is no port number.\n";
+    QTest::newRow("a port too high") << QStringList({"--serve", "--port", "65536"})
+                                     << "\"65536\" is no port number.\n";
+}
+
+void SimulatorProgramTest::wrongArgumentsAreExplained()
+{
+    QFETCH(QStringList, arguments);
+    QCOMPARE(run(arguments), 2);
+    QTEST(m_output, "sentence");
+}
+
+void SimulatorProgramTest::aServedDeviceStaysUntilASignal()
+{
+    QFETCH(int, signal);
+    start({"--serve", "--port", "0", write("tap Menu\nexpect +0 announce SingleKey UserMenu - Menu\n")});
+    QVERIFY(awaitOutput(panelLine));
+    QVERIFY(m_output.contains(QStringLiteral("\nAll 1 expectations came true")));
+    QVERIFY(processesIn(m_folder->path()) >= 3);
+    QCOMPARE(kill(pid_t(m_program->processId()), signal), 0);
+    QVERIFY(expectStatus(128 + signal));
+    QCOMPARE(processesIn(m_folder->path()), 0);
+    QVERIFY(QDir(m_folder->filePath(QStringLiteral("tmp"))).isEmpty());
+}
+
+void SimulatorProgramTest::clientsOfThePanelHoldNothingUp()
+{
+    start({"--serve", "--no-demo", "--port", "0"});
+    QVERIFY(awaitOutput(panelLine));
+    const QString port = m_output.section(panelLine, 1).section('/', 0, 0);
+    QTcpSocket silent;
+    QTcpSocket slow;
+    QTcpSocket stream;
+    for (QTcpSocket* client : {&silent, &slow, &stream}) {
+        client->connectToHost(QStringLiteral("127.0.0.1"), port.toUShort());
+        QVERIFY(client->waitForConnected(patienceMs));
+    }
+    slow.write("GET / HT");
+    stream.write("GET /api/events HTTP/1.1\r\nHost: 127.0.0.1:" + port.toLatin1() + "\r\n\r\n");
+    QTRY_VERIFY(stream.peek(stream.bytesAvailable()).contains("event: snapshot"));
+    QCOMPARE(kill(pid_t(m_program->processId()), SIGINT), 0);
+    QVERIFY(expectStatus(128 + SIGINT));
+    QCOMPARE(processesIn(m_folder->path()), 0);
+    QVERIFY(QDir(m_folder->filePath(QStringLiteral("tmp"))).isEmpty());
+    for (const QTcpSocket* client : {&silent, &slow, &stream}) {
+        QTRY_COMPARE(client->state(), QAbstractSocket::UnconnectedState);
+    }
+}
+
+void SimulatorProgramTest::aPortInUseIsTold()
+{
+    start({"--serve", "--no-demo", "--port", "0"});
+    QVERIFY(awaitOutput(panelLine));
+    const QString port = m_output.section(panelLine, 1).section('/', 0, 0);
+    const std::unique_ptr<QProcess> first = std::move(m_program);
+    QCOMPARE(run({"--serve", "--no-demo", "--port", port}), 2);
+    QVERIFY2(m_output.contains(port) && m_output.endsWith(".\n"), qPrintable(m_output));
+    QCOMPARE(first->state(), QProcess::Running);
+    first->terminate();
+    QVERIFY(first->waitForFinished(patienceMs));
+}
+
+void SimulatorProgramTest::aCrashDoesNotEndAServedDevice()
+{
+    start({"--serve", "--no-demo", "--port", "0"});
+    QVERIFY(awaitOutput(panelLine));
+    QVERIFY(daemon() != 0);
+    QCOMPARE(kill(pid_t(daemon()), SIGKILL), 0);
+    QVERIFY(awaitOutput(QStringLiteral("\nThe daemon has ended with status 137.\n")));
+    QVERIFY(!m_program->waitForFinished(500));
+    QCOMPARE(kill(pid_t(m_program->processId()), SIGINT), 0);
+    QVERIFY(expectStatus(128 + SIGINT));
+}
+
+void SimulatorProgramTest::aDaemonThatEndsBeforeItIsServedIsTold()
+{
+    QCOMPARE(run({"--serve", "--no-demo", "--port", "0", "--daemon", "/bin/false"}), 2);
+    QVERIFY2(m_output.endsWith(QStringLiteral("The daemon has ended with status 1.\n")),
+             qPrintable(m_output));
+    QVERIFY(!m_output.contains(panelLine));
+}
+
+void SimulatorProgramTest::atATerminalTheDeviceStays_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<QByteArray>("typed");
+    QTest::addColumn<int>("status");
+    const QByteArray endOfInput(1, '\x04');
+    QTest::newRow("as expected") << QByteArray("wait 0\n") << QByteArray("quit\n") << 0;
+    QTest::newRow("not as expected") << QByteArray("expect 0 cancel\n") << QByteArray("quit\n") << 1;
+    QTest::newRow("end of input") << QByteArray("wait 0\n") << endOfInput << 0;
+}
+
+void SimulatorProgramTest::atATerminalTheDeviceStays()
+{
+    QFETCH(QByteArray, script);
+    QFETCH(QByteArray, typed);
+    QFETCH(int, status);
+    m_input = openTerminal();
+    start({"--port", "0", write(script)});
+    QVERIFY(awaitOutput(panelLine));
+    QVERIFY(awaitOutput(QStringLiteral("\n> ")));
+    QCOMPARE(m_program->state(), QProcess::Running);
+    type(typed);
+    QVERIFY(expectStatus(status));
+}
+
+void SimulatorProgramTest::whatIsTypedAtTheTerminalIsDone()
+{
+    m_input = openTerminal();
+    start({"--no-demo", "--port", "0"});
+    QVERIFY(awaitOutput(QStringLiteral("\n> ")));
+    type("state Print; wait 100; tap Up\n");
+    QVERIFY(awaitOutput(QStringLiteral("announced  SingleKey Up  to PrintManager, no sender\n> ")));
+    type("jump\n");
+    QVERIFY(awaitOutput(QStringLiteral("\"jump\" is no keyword of a key script.\n> ")));
+    type("quit\n");
+    QVERIFY(expectStatus(0));
 }
 
 QTEST_GUILESS_MAIN(SimulatorProgramTest)

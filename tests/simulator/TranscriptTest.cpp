@@ -3,16 +3,32 @@
 
 #include <QtTest>
 
-Q_DECLARE_METATYPE(Transcript::Mode)
+Q_DECLARE_METATYPE(Transcript::Clock)
 
 using namespace std::chrono_literals;
-using Transcript::difference;
-using Transcript::Mode;
+using Transcript::Clock;
 
 namespace {
 
 const Observations spokenThenAnnounced{{150ms, "speak EmbosserCore 24"},
                                        {1650ms, "announce SingleKey UserMenu - Up"}};
+
+QStringList differenceOf(const Observations& expected, const Observations& observed, Clock clock)
+{
+    KeyScript script;
+    script.expectations = expected;
+    return Transcript::difference(script, observed, clock);
+}
+
+/// As above, of a recording that lasts 10 s.
+QStringList recordedDifference(const Observations& expected, const Observations& observed, Clock clock)
+{
+    KeyScript script;
+    script.recorded = true;
+    script.end = 10s;
+    script.expectations = expected;
+    return Transcript::difference(script, observed, clock);
+}
 
 } // namespace
 
@@ -36,54 +52,65 @@ private Q_SLOTS:
     void theLogOfARealClockMayHoldMore();
     void theLogOfARealClockKeepsItsOwnOrder();
     void theLogOfAVirtualClockIsComparedWhole();
+    void longListsAreComparedInNoTime();
+    void aRecordingIsComparedWithATolerance_data();
+    void aRecordingIsComparedWithATolerance();
+    void aRecordingPlayedLateIsNoDifferenceOnARealClock();
+    void aRecordingKeepsTheOrder_data() { whatIsTheSameHasNoDifference_data(); }
+    void aRecordingKeepsTheOrder();
+    void whatComesAfterTheEndOfARecordingIsOfNoAccount_data();
+    void whatComesAfterTheEndOfARecordingIsOfNoAccount();
+    void theLogOfARecordingIsComparedByItself_data() { whatIsTheSameHasNoDifference_data(); }
+    void theLogOfARecordingIsComparedByItself();
 };
 
 void TranscriptTest::whatIsTheSameHasNoDifference_data()
 {
-    QTest::addColumn<Mode>("mode");
-    QTest::newRow("virtual clock") << Mode::Exact;
-    QTest::newRow("real clock") << Mode::RealTime;
+    QTest::addColumn<Clock>("clock");
+    QTest::newRow("virtual clock") << Clock::Virtual;
+    QTest::newRow("real clock") << Clock::Real;
 }
 
 void TranscriptTest::whatIsTheSameHasNoDifference()
 {
-    QFETCH(Mode, mode);
-    QCOMPARE(difference(spokenThenAnnounced, spokenThenAnnounced, mode), QStringList());
-    QCOMPARE(difference({}, {}, mode), QStringList());
+    QFETCH(Clock, clock);
+    QCOMPARE(differenceOf(spokenThenAnnounced, spokenThenAnnounced, clock), QStringList());
+    QCOMPARE(differenceOf({}, {}, clock), QStringList());
 }
 
 void TranscriptTest::aMissingObservationIsNamed()
 {
-    QFETCH(Mode, mode);
-    QCOMPARE(difference(spokenThenAnnounced, {spokenThenAnnounced.last()}, mode),
+    QFETCH(Clock, clock);
+    QCOMPARE(differenceOf(spokenThenAnnounced, {spokenThenAnnounced.last()}, clock),
              QStringList("missing     150 ms: speak EmbosserCore 24"));
 }
 
 void TranscriptTest::anObservationTooMuchIsNamed()
 {
-    QFETCH(Mode, mode);
-    QCOMPARE(difference({spokenThenAnnounced.last()}, spokenThenAnnounced, mode),
+    QFETCH(Clock, clock);
+    QCOMPARE(differenceOf({spokenThenAnnounced.last()}, spokenThenAnnounced, clock),
              QStringList("unexpected  150 ms: speak EmbosserCore 24"));
 }
 
 void TranscriptTest::theOrderCounts()
 {
-    QFETCH(Mode, mode);
+    QFETCH(Clock, clock);
     const Observations expected{{0ms, "cancel"}, {0ms, "speak EmbosserCore 24"}};
     const Observations observed{expected.last(), expected.first()};
-    QCOMPARE(difference(expected, observed, mode), QStringList({"unexpected  0 ms: speak EmbosserCore 24",
-                                                                "missing     0 ms: speak EmbosserCore 24"}));
+    QCOMPARE(
+        differenceOf(expected, observed, clock),
+        QStringList({"unexpected  0 ms: speak EmbosserCore 24", "missing     0 ms: speak EmbosserCore 24"}));
 }
 
 void TranscriptTest::oneMillisecondIsADifferenceOnAVirtualClock()
 {
-    QCOMPARE(difference({{1500ms, "cancel"}}, {{1501ms, "cancel"}}, Mode::Exact),
+    QCOMPARE(differenceOf({{1500ms, "cancel"}}, {{1501ms, "cancel"}}, Clock::Virtual),
              QStringList({"missing     1500 ms: cancel", "unexpected  1501 ms: cancel"}));
 }
 
 void TranscriptTest::latenessIsNoDifferenceOnARealClock()
 {
-    QCOMPARE(difference({{150ms, "cancel"}}, {{60000ms, "cancel"}}, Mode::RealTime), QStringList());
+    QCOMPARE(differenceOf({{150ms, "cancel"}}, {{60000ms, "cancel"}}, Clock::Real), QStringList());
 }
 
 void TranscriptTest::earlinessIsADifferenceOnARealClock_data()
@@ -104,27 +131,103 @@ void TranscriptTest::earlinessIsADifferenceOnARealClock()
     QFETCH(int, observed);
     const Observations early{{std::chrono::milliseconds(observed), "cancel"}};
     const QStringList lines =
-        difference({{std::chrono::milliseconds(expected), "cancel"}}, early, Mode::RealTime);
+        differenceOf({{std::chrono::milliseconds(expected), "cancel"}}, early, Clock::Real);
     QTEST(!lines.isEmpty(), "tooEarly");
 }
 
 void TranscriptTest::theLogOfARealClockMayHoldMore()
 {
     const Observations observed{{1ms, "log one"}, {2ms, "log two"}, {3ms, "log three"}};
-    QCOMPARE(difference({{0ms, "log two"}}, observed, Mode::RealTime), QStringList());
-    QCOMPARE(difference({{0ms, "log four"}}, observed, Mode::RealTime),
+    QCOMPARE(differenceOf({{0ms, "log two"}}, observed, Clock::Real), QStringList());
+    QCOMPARE(differenceOf({{0ms, "log four"}}, observed, Clock::Real),
              QStringList("missing     0 ms: log four"));
 }
 
 void TranscriptTest::theLogOfARealClockKeepsItsOwnOrder()
 {
     const Observations observed{{1ms, "log refused"}, {2ms, "cancel"}};
-    QCOMPARE(difference({{0ms, "cancel"}, {0ms, "log refused"}}, observed, Mode::RealTime), QStringList());
+    QCOMPARE(differenceOf({{0ms, "cancel"}, {0ms, "log refused"}}, observed, Clock::Real), QStringList());
 }
 
 void TranscriptTest::theLogOfAVirtualClockIsComparedWhole()
 {
-    QCOMPARE(difference({}, {{1ms, "log one"}}, Mode::Exact), QStringList("unexpected  1 ms: log one"));
+    QCOMPARE(differenceOf({}, {{1ms, "log one"}}, Clock::Virtual), QStringList("unexpected  1 ms: log one"));
+}
+
+void TranscriptTest::longListsAreComparedInNoTime()
+{
+    // All of one text and too early: each expectation could be sought in the whole list.
+    const Observations expected(50'000, {1h, "cancel"});
+    const Observations observed(50'000, {1ms, "cancel"});
+    QElapsedTimer clock;
+    clock.start();
+    QCOMPARE(differenceOf(expected, observed, Clock::Real).size(), 100'000);
+    QVERIFY2(clock.elapsed() < 5000, qPrintable(QString::number(clock.elapsed())));
+}
+
+void TranscriptTest::aRecordingIsComparedWithATolerance_data()
+{
+    QTest::addColumn<Clock>("clock");
+    QTest::addColumn<int>("observed");
+    QTest::addColumn<bool>("differs");
+    QTest::newRow("as early as may be") << Clock::Virtual << 900 << false;
+    QTest::newRow("too early") << Clock::Virtual << 899 << true;
+    QTest::newRow("as late as may be") << Clock::Virtual << 1100 << false;
+    QTest::newRow("too late") << Clock::Virtual << 1101 << true;
+    QTest::newRow("as early as may be, in real time") << Clock::Real << 900 << false;
+    QTest::newRow("too early, in real time") << Clock::Real << 899 << true;
+}
+
+void TranscriptTest::aRecordingIsComparedWithATolerance()
+{
+    QFETCH(Clock, clock);
+    QFETCH(int, observed);
+    const QStringList lines =
+        recordedDifference({{1000ms, "cancel"}}, {{std::chrono::milliseconds(observed), "cancel"}}, clock);
+    QTEST(!lines.isEmpty(), "differs");
+}
+
+void TranscriptTest::aRecordingPlayedLateIsNoDifferenceOnARealClock()
+{
+    QCOMPARE(recordedDifference({{1000ms, "cancel"}}, {{60000ms, "cancel"}}, Clock::Real), QStringList());
+}
+
+void TranscriptTest::aRecordingKeepsTheOrder()
+{
+    QFETCH(Clock, clock);
+    const Observations expected{{1000ms, "cancel"}, {1000ms, "speak EmbosserCore 24"}};
+    QCOMPARE(recordedDifference(expected, {expected.last(), expected.first()}, clock).size(), 2);
+}
+
+void TranscriptTest::whatComesAfterTheEndOfARecordingIsOfNoAccount_data()
+{
+    QTest::addColumn<Clock>("clock");
+    QTest::addColumn<int>("observed");
+    QTest::addColumn<bool>("differs");
+    for (const Clock clock : {Clock::Virtual, Clock::Real}) {
+        const char* name = clock == Clock::Real ? "real" : "virtual";
+        QTest::addRow("before the end, %s clock", name) << clock << 9899 << true;
+        QTest::addRow("about the end, %s clock", name) << clock << 9900 << false;
+        QTest::addRow("after the end, %s clock", name) << clock << 12000 << false;
+    }
+}
+
+void TranscriptTest::whatComesAfterTheEndOfARecordingIsOfNoAccount()
+{
+    QFETCH(Clock, clock);
+    QFETCH(int, observed);
+    const QStringList lines =
+        recordedDifference({}, {{std::chrono::milliseconds(observed), "cancel"}}, clock);
+    QTEST(!lines.isEmpty(), "differs");
+}
+
+void TranscriptTest::theLogOfARecordingIsComparedByItself()
+{
+    QFETCH(Clock, clock);
+    const Observations observed{{0ms, "log other"}, {0ms, "cancel"}, {1ms, "log refused"}};
+    QCOMPARE(recordedDifference({{0ms, "log refused"}, {0ms, "cancel"}}, observed, clock), QStringList());
+    QCOMPARE(recordedDifference({{0ms, "log absent"}, {0ms, "cancel"}}, observed, clock),
+             QStringList("missing     0 ms: log absent"));
 }
 
 QTEST_APPLESS_MAIN(TranscriptTest)

@@ -93,8 +93,7 @@ QStringList SystemTest::play(const KeyScript& script)
     if (!finished.wait(limit)) {
         return {QStringLiteral("The script does not end.")};
     }
-    return Transcript::difference(script.expectations, m_recorder->observations(),
-                                  Transcript::Mode::RealTime);
+    return Transcript::difference(script, m_recorder->observations(), Transcript::Clock::Real);
 }
 
 bool SystemTest::nextKeyWorks()

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/demonstration/CommandLine.h"
+
+#include "simulator/demonstration/Prompt.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QTextStream>
+
+namespace {
+
+const QString daemonOption = QStringLiteral("daemon");
+const QString dataOption = QStringLiteral("data");
+const QString recordOption = QStringLiteral("record");
+const QString portOption = QStringLiteral("port");
+const QString serveOption = QStringLiteral("serve");
+const QString noDemoOption = QStringLiteral("no-demo");
+const QString defaultPort = QStringLiteral("8765");
+
+void addOptions(QCommandLineParser& parser)
+{
+    parser.setApplicationDescription(
+        QStringLiteral("Plays a key script on a simulated embosser and shows what the key daemon does. "
+                       "At a terminal the embosser then stays, with a front panel for a browser."));
+    parser.addHelpOption();
+    parser.addOptions(
+        {{daemonOption, QStringLiteral("The daemon's executable."), QStringLiteral("path"),
+          QStringLiteral(KEYBOARD_HANDLER_DAEMON)},
+         {dataOption, QStringLiteral("The folder of the key lists."), QStringLiteral("folder"),
+          QStringLiteral(KEYBOARD_HANDLER_DATA_FOLDER)},
+         {recordOption, QStringLiteral("Write what was done, and what came of it, as a key script."),
+          QStringLiteral("file")},
+         {portOption, QStringLiteral("The port of the front panel on this machine; 0 is any that is free."),
+          QStringLiteral("number"), defaultPort},
+         {serveOption, QStringLiteral("Keep the embosser and its front panel also without a terminal.")},
+         {noDemoOption, QStringLiteral("Play nothing but a script that is named.")}});
+    parser.addPositionalArgument(QStringLiteral("script"), QStringLiteral("The key script (*.keys)."),
+                                 QStringLiteral("[script]"));
+}
+
+std::nullopt_t refuse(const QString& sentence)
+{
+    QTextStream(stderr) << sentence << '\n';
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<CommandLine> CommandLine::read(const QCoreApplication& application)
+{
+    QCommandLineParser parser;
+    addOptions(parser);
+    parser.process(application);
+    CommandLine line;
+    const QString demonstration =
+        parser.isSet(noDemoOption) ? QString() : QStringLiteral(DEMONSTRATION_SCRIPT);
+    line.script = parser.positionalArguments().value(0, demonstration);
+    line.device.daemon = parser.value(daemonOption);
+    line.device.keyListFolder = parser.value(dataOption);
+    line.recording = parser.value(recordOption);
+    line.serve = parser.isSet(serveOption) || Prompt::isAtTerminal();
+    bool isPort = false;
+    line.port = parser.value(portOption).toUShort(&isPort);
+    if (!isPort) {
+        return refuse(QStringLiteral("\"%1\" is no port number.").arg(parser.value(portOption)));
+    }
+    if (line.script.isEmpty() && !line.serve) {
+        return refuse(QStringLiteral("There is nothing to do: name a key script, or add --serve."));
+    }
+    return line;
+}

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulator/script/KeyScript.h"
+#include "simulator/session/RefusalFinder.h"
+
+#include <QDBusError>
+#include <QJsonObject>
+#include <QObject>
+
+class SimulatedDevice;
+
+/// Reports what happens at a simulated device as the entries of a session and as the observations that a key
+/// script can expect.
+class DeviceEvents : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `rows` are those of the device's key lists.
+    DeviceEvents(SimulatedDevice& device, const QString& state, const QVector<KeyRow>& rows,
+                 QObject* parent = nullptr);
+
+    /// `step` is about to be taken; its keys and records report themselves.
+    void noteStep(const ScriptStep& step);
+
+Q_SIGNALS:
+    void happened(const QJsonObject& entry);
+    void observed(const QString& text);
+
+private:
+    void onWritten(int device, const RawRecord& record);
+    void onAnnounced(const QVariantMap& notification);
+    void onSpoken(const QVariantMap& request);
+    void onAnswered(const QVariantMap& response);
+    void onFailed(const QDBusError& error);
+    void onLogLine(const QString& line);
+    void reportAnswer(const QString& text, const QVariantMap& response);
+    void report(const Refusal& refusal);
+
+    QString m_state;
+    RefusalFinder m_refusals;
+};

@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulator/device/DeviceOptions.h"
+#include "simulator/script/KeyScript.h"
+#include "simulator/session/SessionHistory.h"
+#include "simulator/session/SessionRecording.h"
+#include "simulator/session/StepQueue.h"
+
+#include <QElapsedTimer>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+
+class DeviceEvents;
+class DeviceRecorder;
+class SimulatedDevice;
+
+/// A simulated device that people work with: it can be restarted, remembers what happened, records and
+/// replays. All that is done to it are statements of key scripts. For the main thread only.
+class DeviceSession : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum class Status { Starting, Ready, Ended };
+
+    /// What a restart changes; an empty member leaves things as they are.
+    struct Changes
+    {
+        QString model;
+        /// File name to content, for those of the three key lists that change.
+        QMap<QString, QByteArray> keyLists;
+        /// The installed key lists, before those of `keyLists` are put in their place.
+        bool defaultKeyLists = false;
+        QString state;
+    };
+
+    /// The key lists of `options` are the installed ones. Nothing runs before `start`, `restart` or `replay`.
+    explicit DeviceSession(const DeviceOptions& options, QObject* parent = nullptr);
+    ~DeviceSession() override;
+
+    /// Starts the device; `statusChanged` tells what comes of it.
+    void start();
+    /// Makes the device, its bus and its daemon anew; keys, pending statements and a replay are given up.
+    /// Returns a sentence when the changes name something that there is not, and does nothing then.
+    QString restart(const Changes& changes);
+
+    Status status() const { return m_status; }
+    /// Why the device has ended, as a sentence; empty while it has not.
+    QString reason() const { return m_reason; }
+
+    /// The process id of the daemon; 0 while none runs.
+    qint64 daemonProcess() const;
+
+    /// Takes statements of a key script ("press Menu"), those that are due at once before it returns. When
+    /// one of them is faulty or cannot be taken now, nothing is done. Keys that they press and leave down
+    /// are held by `client`; 0 is nobody.
+    QVector<ScriptFault> take(const QString& statements, int client = 0);
+    /// The client is gone: gives up what it still wanted to do and releases the keys that it holds.
+    void releaseKeysOf(int client);
+
+    /// Restarts the device as the script's header says, plays the script and judges what comes of it; the
+    /// entries of the type "replay" tell. Faults when the text is no script that can be replayed.
+    QVector<ScriptFault> replay(const QString& text);
+    void replay(const KeyScript& script);
+    /// Ends a replay, if there is one, and releases the keys that it holds.
+    void stopReplay();
+    bool isReplaying() const { return m_replay.has_value(); }
+
+    /// Forgets what was recorded. A recording begins with a fresh daemon, for what a daemon that is at work
+    /// remembers stands in no header: unless nothing was done yet, the device restarts as it is.
+    void restartRecording();
+    /// What was done since the device became ready, and what came of it, as the text of a *.keys file; empty,
+    /// with sentences in `faults`, when a script cannot tell it.
+    QString recording(QStringList* faults) const;
+
+    QJsonObject description() const;
+    /// The latest entries, oldest first.
+    QJsonArray history() const { return m_history.entries(); }
+    /// File name to content, as the daemon has read them at its start; a list that is not there is left out.
+    QMap<QString, QByteArray> keyLists() const { return m_options.keyLists; }
+
+Q_SIGNALS:
+    /// Something happened. `entry` has an "id", which counts up over the whole session, and the milliseconds
+    /// since the device was started as "at".
+    void added(const QJsonObject& entry);
+    void statusChanged();
+
+private:
+    struct Replay
+    {
+        KeyScript script;
+        /// While the script is played.
+        std::unique_ptr<DeviceRecorder> observer;
+    };
+
+    QString faultOf(const Changes& changes) const;
+    void apply(const Changes& changes);
+    void beginStart();
+    void build();
+    void connectDevice();
+    void awaitReadiness();
+    void becomeReady();
+    void onDaemonExited(int status);
+    void end(const QString& reason);
+    /// Nothing of the device is heard any more.
+    void leaveDevice();
+    void dropDevice();
+    void report(const QString& status);
+
+    QString whyNotNow() const;
+    void onStepping(const ScriptStep& step);
+    void onObserved(const QString& text);
+    void add(const QJsonObject& entry);
+    void beginRecording();
+    void watchRecording();
+
+    void beginReplay();
+    void judgeReplay();
+    void endReplay(const QString& status, const QStringList& differences = {});
+
+    /// The state and the key lists are the present ones.
+    DeviceOptions m_options;
+    DeviceOptions m_installed;
+    SessionHistory m_history;
+    SessionRecording m_recording;
+    QElapsedTimer m_clock;
+    QElapsedTimer m_startClock;
+    QTimer m_buildTimer;
+    QTimer m_readinessTimer;
+    Status m_status = Status::Ended;
+    QString m_reason;
+    StepQueue m_steps;
+    std::unique_ptr<SimulatedDevice> m_device;
+    std::unique_ptr<DeviceEvents> m_events;
+    std::optional<Replay> m_replay;
+};

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/session/SessionDescription.h"
+
+#include "simulator/script/ScriptWords.h"
+
+#include <algorithm>
+
+namespace {
+
+/// The identifiers of a family in the order of their ordinals.
+QStringList inOrder(const QMap<QString, int>& family)
+{
+    QStringList names = family.keys();
+    std::sort(names.begin(), names.end(), [&](const QString& one, const QString& other) {
+        return family.value(one) < family.value(other);
+    });
+    return names;
+}
+
+QJsonArray without(QStringList names, const QString& name)
+{
+    names.removeOne(name);
+    return QJsonArray::fromStringList(names);
+}
+
+} // namespace
+
+namespace SessionDescription {
+
+QJsonObject ofVocabulary()
+{
+    return {{QStringLiteral("models"), QJsonArray::fromStringList(ScriptWords::models())},
+            {QStringLiteral("states"), QJsonArray::fromStringList(inOrder(ls::StateId::meta))},
+            {QStringLiteral("keys"), without(inOrder(ls::KeyId::meta), ls::KeyId::Unknown)},
+            {QStringLiteral("services"), QJsonArray::fromStringList(inOrder(ls::ServiceId::meta))},
+            {QStringLiteral("commands"),
+             without(inOrder(ls::KeyboardHandlerCmdId::meta), ls::KeyboardHandlerCmdId::GetKeyList)},
+            {QStringLiteral("actions"), QJsonArray::fromStringList(inOrder(ls::KeyActionId::meta))},
+            {QStringLiteral("version"), QStringLiteral(KEYBOARD_HANDLER_VERSION)}};
+}
+
+QString nameOf(DeviceSession::Status status)
+{
+    switch (status) {
+    case DeviceSession::Status::Starting:
+        return QStringLiteral("starting");
+    case DeviceSession::Status::Ready:
+        return QStringLiteral("ready");
+    case DeviceSession::Status::Ended:
+        return QStringLiteral("ended");
+    }
+    return {};
+}
+
+} // namespace SessionDescription

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulator/session/DeviceSession.h"
+
+/// The parts of a session's description that are the same for each session.
+namespace SessionDescription {
+
+/// What there is: models, states, keys, services, commands and key actions, and the program's version.
+QJsonObject ofVocabulary();
+QString nameOf(DeviceSession::Status status);
+
+} // namespace SessionDescription

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulator/web/EventStream.h"
+
+#include <QObject>
+#include <QVector>
+
+#include <memory>
+
+class DeviceSession;
+
+/// The event streams of all clients. Each begins with what there is, and goes on with each entry that the
+/// session adds: none is missing between, and none comes twice. Main thread only.
+class EventStreams : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `session` must live as long as the streams.
+    explicit EventStreams(DeviceSession& session, QObject* parent = nullptr);
+
+    /// A stream for a new client; null when there are too many.
+    std::shared_ptr<EventStream> open();
+    bool contains(int client) const;
+    /// The client goes, and releases the keys that it holds.
+    void close(int client);
+    void closeAll();
+
+private:
+    void publish(const QJsonObject& entry);
+
+    DeviceSession& m_session;
+    QVector<std::shared_ptr<EventStream>> m_streams;
+    int m_lastClient = 0;
+};

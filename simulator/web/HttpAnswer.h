@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QMap>
+#include <QString>
+
+/// What is sent back to a client.
+struct HttpAnswer
+{
+    int status = 200;
+    QByteArray type;
+    QByteArray body;
+    /// Further headers, by their names.
+    QMap<QByteArray, QByteArray> headers;
+
+    static HttpAnswer json(const QJsonObject& object, int status = 200);
+    /// A file that a browser saves under this name.
+    static HttpAnswer file(const QByteArray& name, const QByteArray& type, const QByteArray& content);
+    /// `sentence` tells a person what is wrong, and `details` a program.
+    static HttpAnswer error(int status, const QString& sentence, QJsonObject details = {});
+};

@@ -1,0 +1,940 @@
+// SPDX-License-Identifier: MIT
+// The front panel: sends what is done on the page as key-script statements and shows what comes of it.
+import { Timeline } from './timeline.js';
+
+const byId = id => document.getElementById(id);
+
+function element(name, properties = {}, ...children) {
+    const made = Object.assign(document.createElement(name), properties);
+    made.append(...children);
+    return made;
+}
+
+// ---------------------------------------------------------------- messages
+
+// A new element each time: a sentence that comes twice is read twice.
+function show(place, text) {
+    byId(place).replaceChildren(...(text ? [element('span', { textContent: text })] : []));
+}
+
+function tell(text) {
+    show('alert', '');
+    show('status', text);
+}
+
+function complain(text) {
+    show('status', '');
+    show('alert', text);
+}
+
+/// Waits for `work`; what goes wrong is shown. Tells whether all went well.
+async function attempt(work) {
+    try {
+        await work;
+        return true;
+    } catch (fault) {
+        complain(fault.message);
+        return false;
+    }
+}
+
+// ---------------------------------------------------------------- requests
+
+const answerTime = 15000; // milliseconds
+
+let client = 0;           // the name under which the simulator knows this page's keys
+let connection = 'first'; // 'open', 'lost'
+let epoch = 0;            // counts up when the connection goes; what still waited to be sent then is void
+let queue = Promise.resolve();
+
+async function faultOf(response) {
+    const { error, faults = [] } = await response.json().catch(() => ({}));
+    const fault = new Error(error ?? `The simulator answers with status ${response.status}.`);
+    fault.isAnswer = true;
+    fault.lines = faults.map(({ line, text }) => `Line ${line}: ${text}`);
+    return fault;
+}
+
+async function request(path, options = {}) {
+    const response = await fetch(path, { signal: AbortSignal.timeout(answerTime), ...options }).catch(() => {
+        throw new Error('The simulator does not answer.');
+    });
+    if (!response.ok) {
+        throw await faultOf(response);
+    }
+    return response;
+}
+
+function post(path, body = '', headers = {}) {
+    return request(path, { method: 'POST', body, headers });
+}
+
+/// Sends statements of a key script after all those before: a release never overtakes its press.
+/// Whether they are still wanted is asked when it is their turn.
+function send(statements, isWanted = () => true) {
+    const mine = epoch;
+    const headers = { 'Content-Type': 'text/plain', 'X-Client': String(client) };
+    const sent = queue.then(async () => {
+        if (mine === epoch && isWanted()) {
+            await post('/api/steps', statements, headers);
+            show('alert', '');
+        }
+    });
+    queue = sent.catch(() => {});
+    return sent;
+}
+
+function restart(changes) {
+    return attempt(post('/api/restart', JSON.stringify(changes), { 'Content-Type': 'application/json' }));
+}
+
+async function download(path, fileName) {
+    const url = URL.createObjectURL(await (await request(path)).blob());
+    element('a', { href: url, download: fileName }).click();
+    setTimeout(() => URL.revokeObjectURL(url), answerTime);
+}
+
+// ---------------------------------------------------------------- keys
+
+const keyButtons = [...document.querySelectorAll('[data-key]')];
+const held = new Map(); // "device key" -> how this page holds it; the holder is a pointer's id, 'keyboard' or 'latch'
+const down = new Set(); // "device key", whoever holds it
+const pointerReleases = new WeakMap(); // key button -> when a pointer left it
+
+const inputDevice = () => document.querySelector('[name="input-device"]:checked').value;
+const idOf = key => `${inputDevice()} ${key}`;
+const isDown = key => ['0', '1'].some(number => down.has(`${number} ${key}`) || held.has(`${number} ${key}`));
+
+function statementsOf(verb, id) {
+    const [number, key] = id.split(' ');
+    return `device ${number}\n${verb} ${key}`;
+}
+
+function showKeys() {
+    const latching = byId('latch').checked;
+    for (const button of keyButtons) {
+        const { key } = button.dataset;
+        button.classList.toggle('down', isDown(key));
+        if (latching) {
+            button.setAttribute('aria-pressed', String(held.get(idOf(key))?.holder === 'latch'));
+        } else {
+            button.removeAttribute('aria-pressed');
+        }
+    }
+}
+
+function press(id, holder) {
+    if (held.has(id)) {
+        return;
+    }
+    const hold = { holder, isRefused: false };
+    held.set(id, hold);
+    showKeys();
+    const sent = send(statementsOf('press', id));
+    sent.catch(({ isAnswer = false }) => {
+        hold.isRefused = isAnswer; // what is not answered may be done yet, and is to be undone then
+        if (held.get(id) === hold) {
+            release((_, each) => each === id);
+        }
+    });
+    attempt(sent);
+}
+
+function release(isMeant) {
+    for (const [id, hold] of held) {
+        if (isMeant(hold.holder, id)) {
+            held.delete(id);
+            attempt(send(statementsOf('release', id), () => !hold.isRefused));
+        }
+    }
+    showKeys();
+}
+
+const releaseHeldBy = holder => release(each => each === holder);
+const releaseMomentary = () => release(holder => holder !== 'latch');
+const releaseAll = () => release(() => true);
+
+function forgetHeldKeys() {
+    held.clear();
+    showKeys();
+}
+
+function begin(key, holder) {
+    const id = idOf(key);
+    if (!byId('latch').checked) {
+        press(id, holder);
+    } else if (held.has(id)) {
+        release((_, each) => each === id);
+    } else {
+        press(id, 'latch');
+    }
+}
+
+// Assistive technology clicks without a pointer and without a key of the keyboard: a tap.
+function onKeyClick(event) {
+    const button = event.currentTarget;
+    const fromPointer = event.detail > 0 && event.timeStamp - (pointerReleases.get(button) ?? -Infinity) < 1000;
+    if (fromPointer) {
+        return;
+    }
+    const { key } = button.dataset;
+    if (byId('latch').checked) {
+        begin(key, 'latch');
+    } else {
+        attempt(send(statementsOf('tap', idOf(key))));
+    }
+}
+
+function onKeyPointer(event) {
+    if (event.pointerType === 'mouse' && event.button !== 0) {
+        return;
+    }
+    begin(event.currentTarget.dataset.key, event.pointerId);
+    event.currentTarget.setPointerCapture(event.pointerId);
+}
+
+function onKeyPointerEnd(event) {
+    pointerReleases.set(event.currentTarget, event.timeStamp);
+    releaseHeldBy(event.pointerId);
+}
+
+function onKeyDown(event) {
+    if (!['Enter', ' '].includes(event.key) || event.ctrlKey || event.altKey || event.metaKey) {
+        return;
+    }
+    event.preventDefault(); // no click
+    if (!event.repeat) {
+        begin(event.currentTarget.dataset.key, 'keyboard');
+    }
+}
+
+// Whatever other keys are down meanwhile.
+function onKeyUp(event) {
+    if (['Enter', ' '].includes(event.key)) {
+        event.preventDefault(); // no click
+        releaseHeldBy('keyboard');
+    }
+}
+
+// The page goes: what waits is dropped, and the releases must not wait for an answer.
+function releaseOnLeaving() {
+    ++epoch;
+    if (held.size > 0) {
+        const statements = [...held.keys()].map(id => statementsOf('release', id));
+        navigator.sendBeacon(`/api/steps?client=${client}`, statements.join('\n'));
+    }
+    forgetHeldKeys();
+}
+
+function setUpKeys() {
+    for (const button of keyButtons) {
+        button.addEventListener('pointerdown', onKeyPointer);
+        for (const end of ['pointerup', 'pointercancel', 'lostpointercapture']) {
+            button.addEventListener(end, onKeyPointerEnd);
+        }
+        button.addEventListener('keydown', onKeyDown);
+        button.addEventListener('keyup', onKeyUp);
+        button.addEventListener('blur', () => releaseHeldBy('keyboard'));
+        button.addEventListener('click', onKeyClick);
+        button.addEventListener('contextmenu', event => event.preventDefault()); // of a long touch
+    }
+    window.addEventListener('blur', releaseMomentary);
+    document.addEventListener('visibilitychange', () => document.hidden && releaseMomentary());
+    window.addEventListener('pagehide', releaseOnLeaving);
+    byId('latch').addEventListener('change', releaseAll);
+    byId('release-all').addEventListener('click', releaseAll);
+    for (const choice of document.getElementsByName('input-device')) {
+        choice.addEventListener('change', showKeys);
+    }
+}
+
+function onKey({ device: number, key, value }) {
+    const id = `${number} ${key}`;
+    if (value === 0) {
+        down.delete(id);
+    } else {
+        down.add(id);
+    }
+}
+
+// ---------------------------------------------------------------- device
+
+let device = { status: 'starting', model: '', state: '', states: [], models: [] };
+
+function fillChoice(place, names, choose) {
+    const present = [...byId(place).children].map(button => button.textContent);
+    if (present.join() !== names.join()) {
+        byId(place).replaceChildren(...names.map(name => element('button', {
+            type: 'button', textContent: name, onclick: () => choose(name),
+        })));
+    }
+}
+
+function markChoice(place, name) {
+    for (const button of byId(place).children) {
+        button.setAttribute('aria-pressed', String(button.textContent === name));
+    }
+}
+
+function fillSelect(place, names, chosen) {
+    if (byId(place).length === 0) {
+        byId(place).append(...names.map(name => new Option(name, name, name === chosen, name === chosen)));
+    }
+}
+
+function fillChoices() {
+    fillChoice('states', device.states, state => attempt(send(`state ${state}`)));
+    fillChoice('models', device.models, model => restart({ model }));
+    fillSelect('command-sender', device.services, 'ServiceTool');
+    fillSelect('simulated-action', device.actions, 'Pressed');
+    fillSelect('simulated-key', device.keys, 'Menu');
+}
+
+function showDevice() {
+    const isConnected = connection === 'open';
+    byId('device-model').textContent = device.model || '–';
+    byId('device-state').textContent = device.state || '–';
+    byId('device-status').textContent = isConnected ? device.status : 'not connected';
+    byId('daemon-lamp').dataset.status = isConnected ? device.status : 'lost';
+    byId('ended').hidden = device.status !== 'ended';
+    byId('ended-reason').textContent = device.reason ?? '';
+    markChoice('states', device.state);
+    markChoice('models', device.model);
+    showNow();
+}
+
+function onDevice({ status, model, state, reason }) {
+    Object.assign(device, { status, model, state, reason });
+    down.clear();
+    forgetHeldKeys();
+}
+
+function reportDevice({ status, model, reason }) {
+    if (status === 'ended') {
+        complain(reason ?? 'The daemon has ended.');
+    } else {
+        tell(status === 'ready' ? `The daemon is ready, on model ${model}.` : 'The device restarts.');
+    }
+}
+
+function setUpDevice() {
+    byId('restart-device').addEventListener('click', async () => {
+        if (await restart({})) {
+            currentView().querySelector('h2').focus(); // the button goes
+        }
+    });
+}
+
+// ---------------------------------------------------------------- feedback
+
+/// The latest entries of some types. Only what comes live is in the live region: the past is not read again.
+class EntryLog {
+    constructor(place, limit, describe) {
+        [this.earlier, this.live] = byId(place).querySelectorAll('[data-part]');
+        this.limit = limit;
+        this.describe = describe; // an entry's element, or null when it does not belong here
+    }
+
+    reset(history) {
+        const elements = [];
+        for (let at = history.length - 1; at >= 0 && elements.length < this.limit; --at) {
+            const made = this.describe(history[at]);
+            if (made) {
+                elements.unshift(made);
+            }
+        }
+        this.live.replaceChildren();
+        this.earlier.replaceChildren(...elements);
+    }
+
+    add(entry) {
+        const made = this.describe(entry);
+        if (made) {
+            this.live.append(made);
+            this.trim();
+        }
+    }
+
+    trim() {
+        for (const part of [this.earlier, this.live]) {
+            while (part.firstChild && this.earlier.childElementCount + this.live.childElementCount > this.limit) {
+                part.firstChild.remove();
+            }
+        }
+    }
+}
+
+const line = (text, className = '') => element('p', { textContent: text, className });
+const keysOf = keys => keys.flatMap(key => [element('kbd', { textContent: key }), ' ']);
+const speechText = ({ text, observation }) => text || observation;
+
+function describeAnnouncement({ action, keys, receiver, sender }) {
+    return element('p', { className: 'announcement' },
+        element('strong', { textContent: action }), ' ', ...keysOf(keys),
+        element('span', { textContent: `to ${receiver} ${sender ? `from ${sender}` : 'without a sender'}` }));
+}
+
+function refusalText({ reason, expected, current, action }) {
+    const what = action ? `Refused: ${action}.` : 'Refused:';
+    return expected && current ? `${what} Expected state is ${expected}, but current state is ${current}.`
+        : `${what} ${reason}`;
+}
+
+function describeAnnounced(entry) {
+    switch (entry.type) {
+    case 'announcement': return describeAnnouncement(entry);
+    case 'refusal': return line(refusalText(entry), 'refusal');
+    default: return null;
+    }
+}
+
+const consoleClasses = { console: 'typed', log: 'log', output: 'output' };
+const isAboutLists = text => /KeyList|ModifierKey::|ShortcutKey::|LongKey::|KeyEntry|JFile/.test(text);
+
+const logs = {
+    spoken: new EntryLog('spoken', 6, entry => (entry.type === 'speech' ? line(speechText(entry)) : null)),
+    announced: new EntryLog('announced', 6, describeAnnounced),
+    answers: new EntryLog('answers', 8, describeAnswer),
+    console: new EntryLog('console', 300, ({ type, text }) => {
+        return type in consoleClasses ? line(text, consoleClasses[type]) : null;
+    }),
+    lists: new EntryLog('list-log', 50, ({ type, text }) => {
+        return type === 'log' && isAboutLists(text) ? line(text, 'log') : null;
+    }),
+};
+
+function followConsole() {
+    const place = byId('console');
+    place.scrollTop = place.scrollHeight;
+}
+
+// ---------------------------------------------------------------- speech
+
+const aloud = byId('aloud');
+
+function setAloud(on) {
+    aloud.checked = on;
+    byId('spoken-live').setAttribute('aria-live', on ? 'off' : 'polite'); // nothing is heard twice
+}
+
+function onSpeechFault({ error }) {
+    if (!['canceled', 'interrupted'].includes(error)) {
+        setAloud(false);
+        complain(`This browser cannot speak (${error}).`);
+    }
+}
+
+function speakAloud(entry) {
+    if (!aloud.checked) {
+        return;
+    }
+    if (entry.type === 'cancel') {
+        window.speechSynthesis.cancel();
+    } else if (entry.type === 'speech') {
+        const utterance = new SpeechSynthesisUtterance(speechText(entry));
+        utterance.lang = 'en';
+        utterance.onerror = onSpeechFault;
+        window.speechSynthesis.speak(utterance);
+    }
+}
+
+function setUpSpeech() {
+    aloud.addEventListener('change', () => {
+        window.speechSynthesis.cancel();
+        setAloud(aloud.checked);
+    });
+    if (!('speechSynthesis' in window)) {
+        aloud.disabled = true;
+        byId('aloud-help').textContent = 'This browser cannot speak.';
+    }
+}
+
+// ---------------------------------------------------------------- key card
+
+const kinds = new Map([
+    ['single', 'Single keys'],
+    ['long', 'Long presses'],
+    ['combination', 'Combinations: one key after the other'],
+    ['shortcut', 'Shortcuts: a key while another is held'],
+    ['hold', 'Holds'],
+]);
+
+let card = { states: [] };
+
+const seconds = milliseconds => `${milliseconds / 1000} s`;
+const isPart = (state, kind) => state.entries.some(entry => entry.kind === kind);
+const entriesOf = (state, kind) => state.entries.filter(entry => entry.kind === kind);
+
+function describeNow({ keys, how, holdMs, action, receivers, notes = [] }) {
+    return element('li', {},
+        element('span', { className: 'what' }, ...keysOf(keys), element('strong', { textContent: action }),
+            ` to ${receivers.join(' and ')}${holdMs ? `, ${seconds(holdMs)}` : ''}`),
+        element('span', { className: 'how', textContent: [how, ...notes].join(' ') }));
+}
+
+function nowText(state) {
+    if (device.status !== 'ready') {
+        return device.status === 'ended' ? 'Nothing: the daemon has ended.' : 'Nothing yet: the daemon is starting.';
+    }
+    const text = state?.entries.length ? `In the state ${device.state}, on model ${device.model}.`
+        : `In the state ${device.state} no key leads to an action.`;
+    return [text, ...state?.notes ?? []].join(' ');
+}
+
+function showNow() {
+    const state = card.states.find(each => each.state === device.state);
+    const shown = device.status === 'ready' && state ? [...kinds].filter(([kind]) => isPart(state, kind)) : [];
+    byId('now-state').textContent = nowText(state);
+    byId('now').replaceChildren(...shown.map(([kind, title]) => element('div', {},
+        element('h4', { textContent: title }),
+        element('ul', {}, ...entriesOf(state, kind).map(describeNow)))));
+}
+
+// Roles and labels of their own: on a narrow page the rows are laid out as blocks.
+function cell(label, ...children) {
+    const made = element('td', { role: 'cell' }, ...children);
+    made.dataset.label = label;
+    return made;
+}
+
+function cardRow({ keys, how, holdMs, action, receivers, notes = [] }) {
+    return element('tr', { role: 'row' },
+        element('th', { scope: 'row', role: 'rowheader' }, ...keysOf(keys)),
+        cell('How', [how, ...notes].join(' ')),
+        cell('Hold', ...(holdMs ? [seconds(holdMs)] : [])),
+        cell('Action', action),
+        cell('For', receivers.join(', ')));
+}
+
+function cardKind(state, [kind, title]) {
+    const head = element('th', { scope: 'rowgroup', role: 'rowheader', colSpan: 5, textContent: title });
+    return element('tbody', { role: 'rowgroup' }, element('tr', { role: 'row' }, head),
+        ...entriesOf(state, kind).map(cardRow));
+}
+
+// The first row is seen on paper only, on top of each page.
+function cardHead({ state }) {
+    const running = element('th', { colSpan: 5, textContent: `Key card of the ${card.model}: state ${state}` });
+    const heads = ['Keys', 'How', 'Hold', 'Action', 'For'];
+    return element('thead', { role: 'rowgroup' },
+        element('tr', { className: 'running-head' }, running),
+        element('tr', { role: 'row' },
+            ...heads.map(text => element('th', { scope: 'col', role: 'columnheader', textContent: text }))));
+}
+
+function cardTable(state) {
+    const caption = [`What can be pressed in the state ${state.state}.`, ...state.notes ?? []].join(' ');
+    return element('table', { role: 'table' },
+        element('caption', { textContent: caption }),
+        element('colgroup', {}, ...Array.from({ length: 5 }, () => element('col'))),
+        cardHead(state), ...[...kinds].filter(([kind]) => isPart(state, kind)).map(kind => cardKind(state, kind)));
+}
+
+function cardState(state) {
+    const lines = ['No key leads to an action.', ...state.notes ?? []];
+    return element('section', { className: 'state' },
+        element('h3', { textContent: `State ${state.state}` }),
+        ...(state.entries.length ? [cardTable(state)] : lines.map(text => line(text))));
+}
+
+const listNames = { long: 'long presses', combination: 'combinations', shortcut: 'shortcuts' };
+
+function describeNever({ kind, row, keys, action, why }) {
+    return element('li', {}, `Row ${row} of the ${listNames[kind]}, `, ...keysOf(keys),
+        element('strong', { textContent: action }), `: ${why}`);
+}
+
+/// The rows of the loaded lists that no key can ever complete.
+function showNever(rows) {
+    byId('never').replaceChildren(...(rows.length === 0 ? [] : [
+        element('h3', { textContent: 'Rows that never count' }),
+        element('ul', {}, ...rows.map(describeNever)),
+    ]));
+}
+
+function showCard() {
+    showNever(card.never ?? []);
+    byId('card-tables').replaceChildren(
+        ...[`Model ${card.model}`, ...card.notes ?? []].map(text => line(text)), ...card.states.map(cardState));
+    showNow();
+}
+
+async function loadCard() {
+    card = await (await request('/api/card')).json();
+    timeline.setCard(card);
+    showCard();
+}
+
+function setUpCard() {
+    byId('print-card').addEventListener('click', () => window.print());
+    byId('download-braille').addEventListener('click', () => attempt(download('/api/card.brf', 'key-card.brf')));
+}
+
+// ---------------------------------------------------------------- key lists
+
+const listFields = [...document.querySelectorAll('[data-file]')];
+const loadedLists = new Map(); // text area -> its content as the daemon has it
+
+function checkList(field) {
+    let fault = '';
+    try {
+        JSON.parse(field.value);
+    } catch (error) {
+        fault = `This is no JSON: ${error.message}`;
+    }
+    byId(`${field.id}-note`).textContent = fault;
+    field.setAttribute('aria-invalid', String(fault !== ''));
+}
+
+function fillList(field, text) {
+    field.value = text;
+    checkList(field);
+}
+
+/// What somebody is typing stays.
+async function loadLists() {
+    const lists = await (await request('/api/key-lists')).json();
+    for (const field of listFields) {
+        if (field.value === (loadedLists.get(field) ?? '')) {
+            fillList(field, lists[field.dataset.file] ?? '');
+            loadedLists.set(field, field.value);
+        }
+    }
+}
+
+async function loadListFile(input) {
+    const [file] = input.files;
+    if (!file) {
+        return;
+    }
+    const field = listFields.find(each => each.dataset.file === file.name) ?? byId(input.dataset.list);
+    fillList(field, await file.text());
+    input.value = '';
+    tell(`${file.name} stands in the field of ${field.dataset.file} now. It counts after "Check and restart".`);
+}
+
+/// What is typed is given up for what the daemon has then, but only if it restarts.
+async function restartWith(keyLists) {
+    const former = [...loadedLists];
+    listFields.forEach(field => loadedLists.set(field, field.value));
+    if (!await restart({ keyLists })) {
+        former.forEach(([field, text]) => loadedLists.set(field, text));
+    }
+}
+
+function takeLists(event) {
+    event.preventDefault();
+    restartWith(Object.fromEntries(listFields.map(field => [field.dataset.file, field.value])));
+}
+
+let lastStart = 0; // the id of its entry
+
+function reportQuietLists(part) {
+    if (device.status === 'ready' && !byId('list-log').querySelector('p')) {
+        part.append(line('Nothing: it has read all three.'));
+    }
+}
+
+// The daemon's log and its readiness come by different ways, so silence counts only after a while.
+function awaitListLog() {
+    const start = lastStart;
+    setTimeout(() => start === lastStart && reportQuietLists(logs.lists.live), 500);
+}
+
+function setUpLists() {
+    byId('lists-form').addEventListener('submit', takeLists);
+    byId('default-lists').addEventListener('click', () => restartWith(null));
+    for (const field of listFields) {
+        field.addEventListener('input', () => checkList(field));
+    }
+    for (const input of document.querySelectorAll('[data-list]')) {
+        input.addEventListener('change', () => attempt(loadListFile(input)));
+    }
+}
+
+// ---------------------------------------------------------------- recording and replay
+
+let shownReplay = 0; // the id of its entry
+
+function showRecording(status) {
+    byId('recording-status').textContent = status === 'full'
+        ? 'The recording is full: what happens now is not in it.' : 'The device is being recorded.';
+}
+
+const count = (number, noun) => `${number} ${noun}${number === 1 ? '' : 's'}`;
+
+function differenceText({ differences = [], expectations }) {
+    return differences.length === 0 ? `Everything came as written: ${count(expectations, 'expectation')}.`
+        : `${count(differences.length, 'difference')}, with ${count(expectations, 'expectation')}:`;
+}
+
+function showLines(place, title, lines) {
+    const list = lines.length ? [element('ul', {}, ...lines.map(text => element('li', { textContent: text })))] : [];
+    byId(place).replaceChildren(line(title), ...list);
+}
+
+function replayText(entry) {
+    switch (entry.status) {
+    case 'playing': return 'The script is being replayed.';
+    case 'stopped': return 'The replay was stopped.';
+    default: return differenceText(entry);
+    }
+}
+
+function showReplay(entry) {
+    if (entry && entry.id !== shownReplay) { // a result is not read again
+        shownReplay = entry.id;
+        showLines('replay-result', replayText(entry), entry.differences ?? []);
+    }
+}
+
+async function startReplay(event) {
+    event.preventDefault();
+    try {
+        const [file] = byId('replay-file').files;
+        await post('/api/replay', await file.text(), { 'Content-Type': 'text/plain' });
+    } catch (fault) {
+        const { lines = [] } = fault;
+        showLines('replay-result', lines.length ? 'The script is faulty:' : fault.message, lines);
+    }
+}
+
+function setUpRecording() {
+    byId('restart-recording').addEventListener('click', async () => {
+        if (await attempt(post('/api/recording'))) {
+            tell('The recording begins anew.');
+        }
+    });
+    byId('download-recording').addEventListener('click',
+        () => attempt(download('/api/recording.keys', 'recording.keys')));
+    byId('replay-form').addEventListener('submit', startReplay);
+    byId('stop-replay').addEventListener('click', () => attempt(post('/api/replay/stop')));
+}
+
+// ---------------------------------------------------------------- commands and console
+
+const isNested = value => typeof value === 'object' && value !== null;
+
+function describeResponse({ text, response }) {
+    if (!response || !Object.values(response).some(isNested)) {
+        return [line(text, 'answer')];
+    }
+    const plain = Object.entries(response).map(([key, value]) => `${key}=${isNested(value) ? '…' : value}`);
+    return [line(`answer ${plain.join(' ')}`, 'answer'), element('details', {},
+        element('summary', { textContent: 'The whole answer' }),
+        element('pre', { tabIndex: 0, textContent: JSON.stringify(response, null, 2) }))];
+}
+
+function describeAnswer(entry) {
+    switch (entry.type) {
+    case 'command': return line(entry.text, 'typed');
+    case 'answer': return element('div', {}, ...describeResponse(entry));
+    default: return null;
+    }
+}
+
+function sendCommand(event) {
+    event.preventDefault();
+    const words = new FormData(event.target).getAll('argument');
+    const statement = ['command', event.target.dataset.command, 'as', byId('command-sender').value, ...words];
+    attempt(send(statement.join(' ').trim()));
+}
+
+async function sendConsoleLine(event) {
+    event.preventDefault();
+    if (await attempt(send(`console ${byId('console-line').value}`.trim()))) {
+        byId('console-line').select();
+    }
+}
+
+function setUpCommands() {
+    for (const form of document.querySelectorAll('[data-command]')) {
+        form.addEventListener('submit', sendCommand);
+    }
+    byId('console-form').addEventListener('submit', sendConsoleLine);
+}
+
+// ---------------------------------------------------------------- views
+
+const views = [...document.querySelectorAll('.view')];
+const currentView = () => views.find(view => `#${view.id}` === location.hash) ?? views[0];
+
+function showView() {
+    const current = currentView();
+    views.forEach(view => { view.hidden = view !== current; });
+    for (const link of document.querySelectorAll('nav a')) {
+        if (link.hash === `#${current.id}`) {
+            link.setAttribute('aria-current', 'page');
+        } else {
+            link.removeAttribute('aria-current');
+        }
+    }
+    document.title = `${current.querySelector('h2').textContent} – Embosser front panel`;
+    followConsole();
+}
+
+function setUpViews() {
+    showView();
+    window.addEventListener('hashchange', () => {
+        releaseMomentary();
+        showView();
+        currentView().querySelector('h2').focus();
+    });
+    byId('skip-link').addEventListener('click', event => {
+        event.preventDefault(); // the address keeps the view
+        currentView().querySelector('h2').focus();
+    });
+}
+
+// ---------------------------------------------------------------- events
+
+const retryTime = 3000; // milliseconds
+const mostStreams = 5; // a browser has six connections to a server, for all its pages and requests
+
+const timeline = new Timeline(byId('timeline-chart'));
+let lastId = 0;
+
+/// What the page must know of an entry, old or new.
+function learn(entry) {
+    switch (entry.type) {
+    case 'device': return onDevice(entry);
+    case 'key': return onKey(entry);
+    case 'state': device.state = entry.state; return undefined;
+    default: return undefined;
+    }
+}
+
+/// What is done about an entry at the moment that it comes.
+function react(entry) {
+    switch (entry.type) {
+    case 'device': return reactToDevice(entry);
+    case 'state': showDevice(); return tell(`State ${entry.state}.`);
+    case 'key': return showKeys();
+    case 'recording': return showRecording(entry.status);
+    case 'replay': return showReplay(entry);
+    case 'speech':
+    case 'cancel': return speakAloud(entry);
+    case 'console':
+    case 'log':
+    case 'output': return followConsole();
+    default: return undefined;
+    }
+}
+
+function reactToDevice(entry) {
+    showDevice();
+    reportDevice(entry);
+    if (entry.status === 'starting') {
+        lastStart = entry.id;
+        logs.lists.reset([]);
+    } else if (entry.status === 'ready') {
+        awaitListLog();
+        loadDeviceFiles();
+    }
+}
+
+function loadDeviceFiles() {
+    attempt(loadCard());
+    attempt(loadLists());
+}
+
+function sinceLastStart(history) {
+    let first = history.length;
+    while (first > 0 && history[first - 1].status !== 'starting') {
+        --first;
+    }
+    return history.slice(first);
+}
+
+function takeSnapshot(snapshot) {
+    const { history } = snapshot;
+    client = snapshot.client;
+    lastId = history.at(-1)?.id ?? 0;
+    down.clear();
+    held.clear();
+    history.forEach(learn);
+    device = { reason: device.reason, ...snapshot.device };
+    showRecording(device.recording ? 'recording' : 'full');
+    showReplay(history.filter(entry => entry.type === 'replay').at(-1));
+    Object.values(logs).forEach(log => log.reset(history));
+    logs.lists.reset(sinceLastStart(history));
+    reportQuietLists(logs.lists.earlier);
+    timeline.reset(history);
+    if (connection === 'lost') {
+        tell('Connected again.');
+    }
+    connection = 'open';
+    fillChoices();
+    showDevice();
+    showKeys();
+    followConsole();
+    loadDeviceFiles();
+}
+
+function takeEntry(entry) {
+    if (entry.id <= lastId) {
+        return;
+    }
+    lastId = entry.id;
+    learn(entry);
+    Object.values(logs).forEach(log => log.add(entry));
+    timeline.add(entry);
+    react(entry);
+}
+
+function loseConnection(reason) {
+    if (connection !== 'lost') {
+        connection = 'lost';
+        ++epoch;
+        down.clear();
+        forgetHeldKeys();
+        showDevice();
+        complain(`${reason} The page goes on trying.`);
+    }
+}
+
+function connect() {
+    const events = new EventSource('/api/events');
+    events.addEventListener('snapshot', event => takeSnapshot(JSON.parse(event.data)));
+    events.addEventListener('entry', event => takeEntry(JSON.parse(event.data)));
+    events.addEventListener('error', () => {
+        if (events.readyState === EventSource.CLOSED) { // the browser itself gives up when it is refused
+            loseConnection('The simulator takes no further page now.');
+            setTimeout(connect, retryTime);
+        } else {
+            loseConnection('There is no connection to the simulator.');
+        }
+    });
+}
+
+/// Whether the lock was free; it is this page's from then on.
+function tryLock(name) {
+    return new Promise(resolve => {
+        navigator.locks.request(name, { ifAvailable: true }, lock => {
+            resolve(lock !== null);
+            return lock && new Promise(() => {});
+        });
+    });
+}
+
+/// Connects, unless so many pages of this browser have a connection that their requests would find none.
+async function connectInTurn() {
+    for (let place = 1; place <= mostStreams; ++place) {
+        if (await tryLock(`event stream ${place}`)) {
+            connect();
+            return;
+        }
+    }
+    loseConnection('This browser has the panel open in as many pages as it can serve.');
+    setTimeout(connectInTurn, retryTime);
+}
+
+setUpViews();
+setUpKeys();
+setUpDevice();
+setUpSpeech();
+setUpCard();
+setUpLists();
+setUpRecording();
+setUpCommands();
+connectInTurn();

@@ -1,0 +1,360 @@
+// SPDX-License-Identifier: MIT
+#include "tests/session/SessionTest.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <signal.h>
+
+using Status = DeviceSession::Status;
+
+namespace {
+
+const QString longFile = QStringLiteral("longKeyList.json");
+const QByteArray oneLongRow =
+    R"({"LongKeys": [{"keys": ["Up"], "eAction": "Rise", "receiverService": "WwwApi", "timeout": 1, "validOnState": "Idle"}]})";
+
+/// Lets no other program be found than those in a folder of its own.
+class SearchPath
+{
+public:
+    SearchPath() { qputenv("PATH", m_folder.path().toLocal8Bit()); }
+    ~SearchPath() { qputenv("PATH", m_before); }
+    SearchPath(const SearchPath&) = delete;
+    SearchPath& operator=(const SearchPath&) = delete;
+
+    void add(const QString& name, const QByteArray& script)
+    {
+        QFile file(m_folder.filePath(name));
+        file.open(QIODevice::WriteOnly);
+        file.write("#!/bin/sh\n" + script + '\n');
+        file.close();
+        file.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    }
+    void link(const QString& name, const QString& target) { QFile::link(target, m_folder.filePath(name)); }
+
+private:
+    QTemporaryDir m_folder;
+    QByteArray m_before = qgetenv("PATH");
+};
+
+} // namespace
+
+/// The device of a session: started, restarted with changes, crashed and brought back.
+class SessionLifeTest : public SessionTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aDeviceStarts();
+    void nothingIsTakenBeforeTheStart();
+    void aRestartKeepsModelStateAndLists();
+    void aRestartChangesWhatItIsTold();
+    void theInstalledListsComeBack();
+    void aListThatIsNotThereIsLeftOut();
+    void whatThereIsNotIsRefused_data();
+    void whatThereIsNotIsRefused();
+    void aRestartForgetsHeldKeysAndPlans();
+    void restartsWhileStartingBecomeOne();
+    void aRestartMayBeAskedForByWhoIsTold_data();
+    void aRestartMayBeAskedForByWhoIsTold();
+    void aCrashEndsTheDevice();
+    void aRestartAfterACrashBringsEverythingBack();
+    void aDaemonThatEndsWhileStartingIsTold();
+    void aDaemonThatDoesNotBecomeReadyIsGivenUp();
+    void aHelperThatFailsIsTold_data();
+    void aHelperThatFailsIsTold();
+    void nothingStaysBehind();
+};
+
+void SessionLifeTest::aDeviceStarts()
+{
+    options.model = QStringLiteral("Orvane");
+    options.state = ls::StateId::Print;
+    QVERIFY(launch());
+    QCOMPARE(members("device", "status"), QStringList({"starting", "ready"}));
+    const QJsonObject description = session().description();
+    QCOMPARE(description.value("status").toString(), QStringLiteral("ready"));
+    QCOMPARE(description.value("model").toString(), QStringLiteral("Orvane"));
+    QCOMPARE(description.value("state").toString(), QStringLiteral("Print"));
+    QCOMPARE(description.value("models").toArray(), QJsonArray({"Orvane", "Pellit"}));
+    QCOMPARE(description.value("states").toArray(),
+             QJsonArray({"Startup", "Idle", "Print", "PrintOff", "Update", "Error"}));
+    QCOMPARE(description.value("keys").toArray().size(), 15);
+    QCOMPARE(description.value("commands").toArray().size(), 9);
+    QVERIFY(!description.value("commands").toArray().contains("GetKeyList"));
+    QVERIFY(description.value("recording").toBool());
+    QVERIFY(!description.value("replaying").toBool());
+}
+
+void SessionLifeTest::nothingIsTakenBeforeTheStart()
+{
+    QCOMPARE(take("press Up"), QStringLiteral("The device has not been started."));
+    session().start();
+    QCOMPARE(take("press Up"), QStringLiteral("The device is starting."));
+    QVERIFY(awaitStatus(Status::Ready));
+    QCOMPARE(take("press Up"), QString());
+}
+
+void SessionLifeTest::aRestartKeepsModelStateAndLists()
+{
+    options.model = QStringLiteral("Orvane");
+    options.keyLists.insert(longFile, oneLongRow);
+    QVERIFY(launch());
+    QCOMPARE(take("state Update"), QString());
+    const auto lists = session().keyLists();
+    const qint64 before = session().daemonProcess();
+    QCOMPARE(session().restart({}), QString());
+    QVERIFY(awaitStatus(Status::Ready));
+    QVERIFY(session().daemonProcess() != before);
+    QCOMPARE(session().description().value("model").toString(), QStringLiteral("Orvane"));
+    QCOMPARE(session().description().value("state").toString(), QStringLiteral("Update"));
+    QCOMPARE(session().keyLists(), lists);
+    QCOMPARE(take("tap Up"), QString());
+    QVERIFY(awaitEntry("announcement", "receiver", "UpdateManager"));
+}
+
+void SessionLifeTest::aRestartChangesWhatItIsTold()
+{
+    QVERIFY(launch());
+    DeviceSession::Changes changes;
+    changes.model = QStringLiteral("Orvane");
+    changes.state = ls::StateId::Error;
+    changes.keyLists.insert(longFile, oneLongRow);
+    QCOMPARE(session().restart(changes), QString());
+    QVERIFY(awaitStatus(Status::Ready));
+    QCOMPARE(session().description().value("model").toString(), QStringLiteral("Orvane"));
+    QCOMPARE(session().keyLists().value(longFile), oneLongRow);
+    QCOMPARE(session().keyLists().size(), 3);
+    QCOMPARE(take("state Idle; command GetLongKeysTimeout; wait 100; hold Up 1400"), QString());
+    QVERIFY(
+        awaitEntry("answer", "text", "answer errorId=Undefined keyTimeouts={\"Up\":1000} resultId=Success"));
+    QVERIFY(awaitEntry("announcement", "action", "Rise"));
+}
+
+void SessionLifeTest::theInstalledListsComeBack()
+{
+    options.keyLists.insert(longFile, oneLongRow);
+    QVERIFY(launch());
+    DeviceSession::Changes changes;
+    changes.keyLists.insert(longFile, "{}");
+    QCOMPARE(session().restart(changes), QString());
+    QCOMPARE(session().keyLists().value(longFile), QByteArray("{}"));
+    changes = {};
+    changes.defaultKeyLists = true;
+    QCOMPARE(session().restart(changes), QString());
+    QCOMPARE(session().keyLists().value(longFile), oneLongRow);
+    QVERIFY(awaitStatus(Status::Ready));
+}
+
+void SessionLifeTest::aListThatIsNotThereIsLeftOut()
+{
+    options.keyListFolder.clear();
+    options.keyLists.insert(longFile, oneLongRow);
+    QVERIFY(launch());
+    QCOMPARE(session().keyLists().keys(), QStringList(longFile));
+    QVERIFY(awaitEntry("log", "text", "ModifierKey::load ERROR: value list ModifierKeys not found!."));
+}
+
+void SessionLifeTest::whatThereIsNotIsRefused_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<QString>("state");
+    QTest::addColumn<QString>("list");
+    QTest::addColumn<QString>("sentence");
+    QTest::newRow("a model") << "Moo"
+                             << ""
+                             << ""
+                             << "There is no model \"Moo\"; known are Orvane, Pellit.";
+    QTest::newRow("a state") << ""
+                             << "Sleep"
+                             << ""
+                             << "There is no state \"Sleep\"; known are Error, Idle, Print, "
+                                "PrintOff, Startup, Update.";
+    QTest::newRow("a key list") << ""
+                                << ""
+                                << "../../escape.json"
+                                << "There is no key list \"../../escape.json\".";
+}
+
+void SessionLifeTest::whatThereIsNotIsRefused()
+{
+    QFETCH(QString, model);
+    QFETCH(QString, state);
+    QFETCH(QString, list);
+    DeviceSession::Changes changes{model, {}, false, state};
+    if (!list.isEmpty()) {
+        changes.keyLists.insert(list, "{}");
+    }
+    QVERIFY(launch());
+    QTEST(session().restart(changes), "sentence");
+    QCOMPARE(session().status(), Status::Ready);
+    QCOMPARE(session().keyLists().size(), 3);
+}
+
+void SessionLifeTest::aRestartForgetsHeldKeysAndPlans()
+{
+    QVERIFY(launch());
+    QCOMPARE(take("press Menu; wait 600; press Down; wait 3600000; press Up", 1), QString());
+    QCOMPARE(session().restart({}), QString());
+    QVERIFY(awaitStatus(Status::Ready));
+    forgetEntries();
+    session().releaseKeysOf(1);
+    QTest::qWait(800);
+    QCOMPARE(keys(), QStringList());
+    QCOMPARE(take("tap Menu", 1), QString());
+    QVERIFY(awaitEntry("announcement", "observation", "announce SingleKey UserMenu - Menu"));
+    QCOMPARE(keys(), QStringList({"0 Menu 1", "0 Menu 0"}));
+}
+
+void SessionLifeTest::restartsWhileStartingBecomeOne()
+{
+    session().start();
+    for (const char* state : {"Print", "Update", "Error"}) {
+        DeviceSession::Changes changes;
+        changes.state = QString::fromLatin1(state);
+        QCOMPARE(session().restart(changes), QString());
+    }
+    // Now the device is there, but its daemon is not ready.
+    QTRY_VERIFY(session().daemonProcess() != 0);
+    QCOMPARE(session().status(), Status::Starting);
+    QCOMPARE(session().restart({}), QString());
+    QVERIFY(awaitStatus(Status::Ready));
+    QCOMPARE(members("device", "status").filter("ready").size(), 1);
+    QCOMPARE(session().description().value("state").toString(), QStringLiteral("Error"));
+    QCOMPARE(take("tap Up"), QString());
+    QVERIFY(awaitEntry("announcement", "receiver", "ErrorHandler"));
+}
+
+void SessionLifeTest::aRestartMayBeAskedForByWhoIsTold_data()
+{
+    QTest::addColumn<QString>("type");
+    for (const char* type : {"key", "state", "answer", "announcement", "speech", "log", "command"}) {
+        QTest::newRow(type) << QString::fromLatin1(type);
+    }
+}
+
+void SessionLifeTest::aRestartMayBeAskedForByWhoIsTold()
+{
+    QFETCH(QString, type);
+    QVERIFY(launch());
+    bool restarted = false;
+    connect(&session(), &DeviceSession::added, this, [&](const QJsonObject& entry) {
+        if (!restarted && entry.value("type").toString() == type) {
+            restarted = true;
+            session().restart({});
+        }
+    });
+    QCOMPARE(
+        take("tap Up; wait 300; state Print; wait 100; tap Up; command GetLastKey; console C; tap Up Up"),
+        QString());
+    QTRY_VERIFY(restarted);
+    QVERIFY(awaitStatus(Status::Ready));
+    QCOMPARE(members("device", "status"), QStringList({"starting", "ready", "starting", "ready"}));
+}
+
+void SessionLifeTest::aCrashEndsTheDevice()
+{
+    QVERIFY(launch());
+    QCOMPARE(take("press Up; wait 3600000; press Down"), QString());
+    QVERIFY(crash());
+    QCOMPARE(session().reason(), QStringLiteral("The daemon has ended with status 137."));
+    QCOMPARE(entries("device").last().value("status").toString(), QStringLiteral("ended"));
+    QCOMPARE(entries("device").last().value("reason").toString(), session().reason());
+    QCOMPARE(take("press Up"), session().reason());
+    QCOMPARE(session().description().value("status").toString(), QStringLiteral("ended"));
+    QVERIFY(!session().description().value("recording").toBool());
+    forgetEntries();
+    session().releaseKeysOf(1);
+    QTest::qWait(400);
+    QVERIFY(entries().isEmpty());
+}
+
+void SessionLifeTest::aRestartAfterACrashBringsEverythingBack()
+{
+    QVERIFY(launch());
+    const qint64 lastId = qint64(entries().last().value("id").toDouble());
+    QVERIFY(crash());
+    QCOMPARE(session().restart({}), QString());
+    QVERIFY(awaitStatus(Status::Ready));
+    QCOMPARE(session().reason(), QString());
+    QCOMPARE(take("tap Menu"), QString());
+    QVERIFY(awaitEntry("announcement", "action", "SingleKey"));
+    for (int i = 1; i < entries().size(); ++i) {
+        QVERIFY(entries().at(i).value("id").toDouble() > entries().at(i - 1).value("id").toDouble());
+    }
+    QVERIFY(entries().last().value("id").toDouble() > double(lastId));
+}
+
+void SessionLifeTest::aDaemonThatEndsWhileStartingIsTold()
+{
+    options.daemon = QStringLiteral("/bin/false");
+    session().start();
+    QVERIFY(awaitStatus(Status::Ended) && awaitEntry("device", "status", "ended"));
+    QCOMPARE(session().reason(), QStringLiteral("The daemon has ended with status 1."));
+}
+
+void SessionLifeTest::aDaemonThatDoesNotBecomeReadyIsGivenUp()
+{
+    options.daemon = QStringLiteral("/bin/sleep");
+    options.daemonArguments = QStringList("3600");
+    session().start();
+    QVERIFY(awaitEntry("device", "status", "ended"));
+    QCOMPARE(session().reason(), QStringLiteral("The daemon does not become ready."));
+    QTRY_COMPARE(session().daemonProcess(), 0);
+}
+
+void SessionLifeTest::aHelperThatFailsIsTold_data()
+{
+    QTest::addColumn<QString>("helper");
+    QTest::addColumn<QString>("other");
+    QTest::addColumn<QString>("begin");
+    QTest::newRow("the sandbox") << "bwrap"
+                                 << "dbus-daemon"
+                                 << "bwrap does not start the daemon: ";
+    QTest::newRow("the bus") << "dbus-daemon"
+                             << "bwrap"
+                             << "dbus-daemon does not start: ";
+}
+
+void SessionLifeTest::aHelperThatFailsIsTold()
+{
+    QFETCH(QString, helper);
+    QFETCH(QString, other);
+    QFETCH(QString, begin);
+    {
+        SearchPath path;
+        path.add(helper, "exit 1");
+        path.link(other, "/usr/bin/" + other);
+        session().start();
+        QVERIFY(awaitEntry("device", "status", "ended"));
+    }
+    QVERIFY2(session().reason().startsWith(begin), qPrintable(session().reason()));
+    QCOMPARE(session().restart({}), QString());
+    QVERIFY(awaitStatus(Status::Ready));
+}
+
+void SessionLifeTest::nothingStaysBehind()
+{
+    const QTemporaryDir folder;
+    qputenv("TMPDIR", folder.path().toLocal8Bit());
+    qint64 first = 0;
+    qint64 second = 0;
+    {
+        DeviceSession own{DeviceOptions()};
+        own.start();
+        QTRY_COMPARE(own.status(), Status::Ready);
+        first = own.daemonProcess();
+        own.restart({});
+        QTRY_COMPARE(own.status(), Status::Ready);
+        second = own.daemonProcess();
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 1);
+        own.restart({});
+    }
+    qunsetenv("TMPDIR");
+    QVERIFY(first != second && kill(pid_t(first), 0) == -1 && kill(pid_t(second), 0) == -1);
+    QVERIFY(QDir(folder.path()).isEmpty());
+}
+
+QTEST_GUILESS_MAIN(SessionLifeTest)
+#include "SessionLifeTest.moc"

@@ -1,0 +1,313 @@
+// SPDX-License-Identifier: MIT
+#include "tests/session/SessionTest.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+
+using Status = DeviceSession::Status;
+
+namespace {
+
+const QString longFile = QStringLiteral("longKeyList.json");
+const QByteArray oneLongRow =
+    R"({"LongKeys": [{"keys": ["Up"], "eAction": "Rise", "receiverService": "WwwApi", "timeout": 1, "validOnState": "Idle | Error"}]})";
+
+/// A lone key, a combination, a shortcut, a refused action, a long press, a command, a console line, an odd
+/// record and a change of state.
+const QString busyHour = QStringLiteral("tap Up; wait 1900; tap Help; wait 100; tap Feed; wait 1900;"
+                                        "press Function; wait 100; tap Up; release Function; wait 1900;"
+                                        "press Feed; wait 100; tap Ok; release Feed; wait 1900;"
+                                        "device 1; hold Help 2600; wait 1900;"
+                                        "command GetLastKey as WwwApi; wait 100; console HELP C; wait 100;"
+                                        "record 1 139 5; wait 100; state Print; wait 200; tap Up; wait 300");
+constexpr int busyHourMs = 18'000;
+constexpr int mostAttempts = 3;
+
+} // namespace
+
+/// What a session records, and what the recordings are worth.
+class SessionRecordingTest : public SessionTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aRecordingComesTrueAgain_data();
+    void aRecordingComesTrueAgain();
+    void aFalsifiedRecordingDoesNotComeTrue();
+    void otherKeyListsBecomeRows();
+    void whatRowsCannotTellIsAFault();
+    void aRecordingBeginsWithModelAndState();
+    void anUntouchedDeviceStaysForANewRecording();
+    void aNewRecordingBeginsWithANewDaemon();
+    void keysHeldAtTheEndStayDown();
+    void keysHeldAtTheBeginningAreForgotten();
+    void whatSeveralClientsDoIsRecorded();
+    void aReplayIsRecorded();
+    void aCrashEndsARecording();
+    void withoutADeviceThereIsNoRecording();
+    void aFullRecordingStopsAndCanBeRead();
+
+private:
+    /// The recording; empty, and a warning, when there are faults.
+    QString recording();
+    /// What the golden tests, and a replay, say of a script.
+    QString playedVirtually(const QString& text);
+    /// Does this on a device that has just started, for `ms`, and plays what was recorded virtually; anew
+    /// when it does not come true, for a machine that stood still meanwhile was recorded, too.
+    QString recordedAndPlayed(const QString& done, int ms);
+    QString replayed(const QString& text);
+};
+
+QString SessionRecordingTest::recording()
+{
+    QStringList faults;
+    const QString text = session().recording(&faults);
+    if (!faults.isEmpty()) {
+        qWarning() << faults;
+    }
+    return text;
+}
+
+QString SessionRecordingTest::playedVirtually(const QString& text)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("recording.keys")));
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) == -1 || !file.flush()) {
+        return file.errorString();
+    }
+    QStringList arguments = QStringLiteral(GOLDEN_ROOT).split(' ');
+    const QString sandbox = arguments.takeFirst();
+    arguments << QStringList{"--ro-bind",   folder.path(),  "/tmp/scripts", "--setenv",
+                             "KEY_SCRIPTS", "/tmp/scripts", "--",           QStringLiteral(GOLDEN_TEST)};
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(sandbox, arguments);
+    const bool ended = process.waitForFinished() && process.exitStatus() == QProcess::NormalExit;
+    const QString output = QString::fromUtf8(process.readAll());
+    const bool played = output.contains(QStringLiteral("scriptGoesAsExpected(recording)"));
+    return ended && played && process.exitCode() == 0 ? QString() : output;
+}
+
+QString SessionRecordingTest::recordedAndPlayed(const QString& done, int ms)
+{
+    QString outcome;
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        session().restart({{}, {}, false, ls::StateId::Idle});
+        if (!awaitStatus(Status::Ready) || !take(done).isEmpty()) {
+            return QStringLiteral("It cannot be done.");
+        }
+        QTest::qWait(ms);
+        outcome = playedVirtually(recording());
+        if (outcome.isEmpty()) {
+            break;
+        }
+    }
+    return outcome;
+}
+
+QString SessionRecordingTest::replayed(const QString& text)
+{
+    forgetEntries();
+    const QVector<ScriptFault> faults = session().replay(text);
+    if (!faults.isEmpty()) {
+        return faults.first().text;
+    }
+    if (!QTest::qWaitFor([&] { return members("replay", "status").contains("finished"); }, 60'000)) {
+        return QStringLiteral("The replay does not end.");
+    }
+    return entries("replay").last().value("differences").toVariant().toStringList().join('\n');
+}
+
+void SessionRecordingTest::aRecordingComesTrueAgain_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<QString>("done");
+    QTest::addColumn<int>("time");
+    QTest::addColumn<QString>("mark");
+    QTest::newRow("nothing at all") << "Pellit"
+                                    << "wait 0" << 300 << "recorded\n";
+    QTest::newRow("a lone key that still waits") << "Pellit"
+                                                 << "tap Up" << 300 << "release Up\n";
+    QTest::newRow("everything") << "Orvane" << busyHour << busyHourMs << "announce PaperStatus PrintManager";
+    QTest::newRow("keys while starting up")
+        << "Pellit"
+        << "state Startup; wait 300; tap Up; wait 200; state Idle; wait 300; tap Menu" << 1500
+        << "EmbosserError 69";
+}
+
+void SessionRecordingTest::aRecordingComesTrueAgain()
+{
+    QFETCH(QString, model);
+    QFETCH(QString, done);
+    QFETCH(int, time);
+    QFETCH(QString, mark);
+    options.model = model;
+    QCOMPARE(recordedAndPlayed(done, time), QString());
+    const QString text = recording();
+    QVERIFY2(text.startsWith("recorded\nmodel " + model + "\nstate Idle\n"), qPrintable(text));
+    QVERIFY2(text.contains(mark), qPrintable(text));
+    QCOMPARE(replayed(text), QString());
+}
+
+void SessionRecordingTest::aFalsifiedRecordingDoesNotComeTrue()
+{
+    QVERIFY(launch());
+    QCOMPARE(take("tap Menu"), QString());
+    QVERIFY(awaitEntry("announcement", "action", "SingleKey"));
+    QTest::qWait(300);
+    const QString text = recording().replace(QStringLiteral("UserMenu"), QStringLiteral("WwwApi"));
+    QVERIFY(playedVirtually(text).contains(QStringLiteral("announce SingleKey WwwApi - Menu")));
+    QVERIFY(replayed(text).contains(QStringLiteral("announce SingleKey WwwApi - Menu")));
+}
+
+void SessionRecordingTest::otherKeyListsBecomeRows()
+{
+    options.keyLists.insert(longFile, oneLongRow);
+    QCOMPARE(recordedAndPlayed("hold Up 1400", 1700), QString());
+    const QString text = recording();
+    QVERIFY2(text.contains("\nrow long Rise WwwApi Idle|Error 1 Up\n"), qPrintable(text));
+    QVERIFY(text.contains("\nrow shortcut VolumeUp UserMenu Idle Function Up\n"));
+    QCOMPARE(replayed(text), QString());
+}
+
+void SessionRecordingTest::whatRowsCannotTellIsAFault()
+{
+    options.keyLists.insert(longFile, QByteArray(oneLongRow).replace("\"timeout\": 1", "\"timeout\": 1.5"));
+    QVERIFY(launch());
+    QStringList faults;
+    QCOMPARE(session().recording(&faults), QString());
+    QCOMPARE(faults.size(), 1);
+    QVERIFY(faults.first().startsWith("Row 1 of longKeyList.json cannot be written in a script: "));
+}
+
+void SessionRecordingTest::aRecordingBeginsWithModelAndState()
+{
+    QVERIFY(launch());
+    QCOMPARE(take("state Update"), QString());
+    QVERIFY(session().restart({QStringLiteral("Orvane"), {}, false, {}}).isEmpty());
+    QVERIFY(awaitStatus(Status::Ready));
+    QVERIFY(recording().startsWith("recorded\nmodel Orvane\nstate Update\ndevice 0\n"));
+    QCOMPARE(members("recording", "status"), QStringList({"recording", "recording"}));
+}
+
+void SessionRecordingTest::anUntouchedDeviceStaysForANewRecording()
+{
+    QVERIFY(launch());
+    const qint64 daemon = session().daemonProcess();
+    QTest::qWait(300);
+    session().restartRecording();
+    QCOMPARE(session().daemonProcess(), daemon);
+    QCOMPARE(members("recording", "status"), QStringList({"recording", "recording"}));
+    QVERIFY(parseKeyScript(recording()).script.end.count() < 250);
+}
+
+void SessionRecordingTest::aNewRecordingBeginsWithANewDaemon()
+{
+    QVERIFY(launch());
+    QCOMPARE(take("state Error; command StartTestMode; wait 100; tap Up"), QString());
+    QVERIFY(awaitEntry("speech", "text", "Up"));
+    session().restartRecording();
+    QVERIFY(awaitStatus(Status::Ready));
+    QVERIFY(recording().startsWith("recorded\nmodel Pellit\nstate Error\ndevice 0\n"));
+    QCOMPARE(take("tap Up"), QString());
+    QVERIFY(awaitEntry("announcement", "observation", "announce SingleKey ErrorHandler - Up"));
+    QTest::qWait(150);
+    QCOMPARE(playedVirtually(recording()), QString());
+}
+
+void SessionRecordingTest::keysHeldAtTheEndStayDown()
+{
+    QCOMPARE(recordedAndPlayed("press Help; wait 100; device 1; press Up", 700), QString());
+    const QString text = recording();
+    QVERIFY(text.contains("press Help\n") && !text.contains("release"));
+    QCOMPARE(replayed(text), QString());
+    QVERIFY(keys().contains("0 Help 0") && keys().contains("1 Up 0"));
+}
+
+void SessionRecordingTest::keysHeldAtTheBeginningAreForgotten()
+{
+    QVERIFY(launch());
+    QCOMPARE(take("press Help", 1), QString());
+    QTRY_VERIFY(keys().contains("0 Help 2"));
+    session().restartRecording();
+    QVERIFY(awaitStatus(Status::Ready));
+    QCOMPARE(take("release Help; tap Menu", 1), QString());
+    QVERIFY(awaitEntry("announcement", "observation", "announce SingleKey UserMenu - Menu"));
+    QTest::qWait(150);
+    const QString text = recording();
+    QVERIFY(!text.contains("press Help"));
+    QCOMPARE(playedVirtually(text), QString());
+}
+
+void SessionRecordingTest::whatSeveralClientsDoIsRecorded()
+{
+    QVERIFY(launch());
+    QCOMPARE(take("hold Function 300", 1), QString());
+    QTest::qWait(50);
+    QCOMPARE(take("press Up", 2), QString());
+    QTest::qWait(100);
+    session().releaseKeysOf(2);
+    QTest::qWait(500);
+    const QVector<ScriptStep> steps = parseKeyScript(recording()).script.steps;
+    QStringList texts;
+    for (const ScriptStep& step : steps) {
+        texts << (step.kind == ScriptStep::Kind::Press ? '+' : '-') + step.text;
+    }
+    QCOMPARE(texts, QStringList({"+Function", "+Up", "-Up", "-Function"}));
+    QVERIFY(recording().contains("announce VolumeUp UserMenu - Function Up"));
+    QCOMPARE(playedVirtually(recording()), QString());
+}
+
+void SessionRecordingTest::aReplayIsRecorded()
+{
+    const QString script = QStringLiteral("model Orvane\nrow modifier Both WwwApi Idle Up Down\n"
+                                          "tap Up Down\n");
+    QVERIFY(session().replay(script).isEmpty());
+    QVERIFY(awaitEntry("replay", "status", "finished"));
+    const QString text = recording();
+    QVERIFY(text.startsWith("recorded\nmodel Orvane\nstate Idle\nrow modifier Both WwwApi Idle Up Down\n"));
+    QVERIFY(text.contains("announce Both WwwApi - Up Down"));
+    QCOMPARE(playedVirtually(text), QString());
+}
+
+void SessionRecordingTest::aCrashEndsARecording()
+{
+    QVERIFY(launch());
+    QCOMPARE(take("tap Menu"), QString());
+    QVERIFY(awaitEntry("announcement", "action", "SingleKey"));
+    QVERIFY(crash());
+    const QString text = recording();
+    QTest::qWait(300);
+    QCOMPARE(recording(), text);
+    QCOMPARE(playedVirtually(text), QString());
+}
+
+void SessionRecordingTest::withoutADeviceThereIsNoRecording()
+{
+    QStringList faults;
+    QCOMPARE(session().recording(&faults), QString());
+    QCOMPARE(faults, QStringList("Nothing was recorded yet."));
+}
+
+void SessionRecordingTest::aFullRecordingStopsAndCanBeRead()
+{
+    options.state = ls::StateId::Print;
+    QVERIFY(launch());
+    const QString burst = QString("console " + QString(20'000, 'x') + ';').repeated(3);
+    while (session().description().value("recording").toBool()) {
+        QCOMPARE(take(burst), QString());
+        QTest::qWait(1);
+    }
+    QCOMPARE(members("recording", "status"), QStringList({"recording", "full"}));
+    const QString text = recording();
+    QVERIFY(text.size() > 500'000);
+    QCOMPARE(take("tap Up"), QString());
+    QVERIFY(awaitEntry("announcement", "action", "SingleKey"));
+    QCOMPARE(recording(), text);
+    session().restartRecording();
+    QVERIFY(awaitStatus(Status::Ready));
+    QVERIFY(recording().size() < 1000);
+}
+
+QTEST_GUILESS_MAIN(SessionRecordingTest)
+#include "SessionRecordingTest.moc"

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "tests/session/SessionTest.h"
+
+#include <QJsonDocument>
+
+#include <algorithm>
+
+#include <signal.h>
+
+namespace {
+
+constexpr int patienceMs = 25'000;
+
+QString text(const QJsonValue& value)
+{
+    return value.toVariant().toString();
+}
+
+} // namespace
+
+DeviceSession& SessionTest::session()
+{
+    if (!m_session) {
+        m_session = std::make_unique<DeviceSession>(options);
+        connect(m_session.get(), &DeviceSession::added, this,
+                [this](const QJsonObject& entry) { m_entries.append(entry); });
+    }
+    return *m_session;
+}
+
+bool SessionTest::launch()
+{
+    session().start();
+    return awaitStatus(DeviceSession::Status::Ready);
+}
+
+bool SessionTest::awaitStatus(DeviceSession::Status status)
+{
+    return QTest::qWaitFor([&] { return session().status() == status; }, patienceMs);
+}
+
+QString SessionTest::take(const QString& statements, int client)
+{
+    const QVector<ScriptFault> faults = session().take(QString(statements).replace(';', '\n'), client);
+    return faults.isEmpty() ? QString() : faults.first().text;
+}
+
+QVector<QJsonObject> SessionTest::entries(const QString& type) const
+{
+    QVector<QJsonObject> found;
+    std::copy_if(m_entries.begin(), m_entries.end(), std::back_inserter(found),
+                 [&](const QJsonObject& entry) { return text(entry.value("type")) == type; });
+    return found;
+}
+
+QStringList SessionTest::members(const QString& type, const QString& name) const
+{
+    QStringList texts;
+    const QVector<QJsonObject> found = entries(type);
+    for (const QJsonObject& entry : found) {
+        texts << text(entry.value(name));
+    }
+    return texts;
+}
+
+QStringList SessionTest::keys() const
+{
+    QStringList texts;
+    const QVector<QJsonObject> found = entries(QStringLiteral("key"));
+    for (const QJsonObject& entry : found) {
+        texts << QStringLiteral("%1 %2 %3")
+                     .arg(text(entry.value("device")), text(entry.value("key")), text(entry.value("value")));
+    }
+    return texts;
+}
+
+bool SessionTest::awaitEntry(const QString& type, const QString& name, const QString& text)
+{
+    return QTest::qWaitFor([&] { return members(type, name).contains(text); }, patienceMs);
+}
+
+bool SessionTest::crash()
+{
+    const auto daemon = pid_t(session().daemonProcess());
+    return daemon != 0 && kill(daemon, SIGKILL) == 0 && awaitStatus(DeviceSession::Status::Ended);
+}
+
+void SessionTest::cleanup()
+{
+    if (QTest::currentTestFailed()) {
+        const int first = std::max(0, m_entries.size() - 50);
+        for (const QJsonObject& entry : m_entries.mid(first)) {
+            qInfo("%s", QJsonDocument(entry).toJson(QJsonDocument::Compact).constData());
+        }
+    }
+    m_session.reset();
+    m_entries.clear();
+    options = DeviceOptions();
+}

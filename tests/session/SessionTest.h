@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulator/session/DeviceSession.h"
+
+#include <QtTest>
+
+#include <memory>
+
+/// The base of tests that work with a session: a fresh one for each test function, and what it reported.
+class SessionTest : public QObject
+{
+    Q_OBJECT
+
+protected:
+    /// Makes the session with `options`, once; it is not started.
+    DeviceSession& session();
+    /// Starts the session and waits until it is ready.
+    bool launch();
+    bool awaitStatus(DeviceSession::Status status);
+
+    /// Takes the statements, separated by ";", and returns the first fault.
+    QString take(const QString& statements, int client = 0);
+
+    /// All entries so far, and those of one type.
+    const QVector<QJsonObject>& entries() const { return m_entries; }
+    QVector<QJsonObject> entries(const QString& type) const;
+    /// One member of each entry of a type, as text.
+    QStringList members(const QString& type, const QString& name) const;
+    /// The keys that were written, as "device KEY value".
+    QStringList keys() const;
+    void forgetEntries() { m_entries.clear(); }
+
+    /// Waits for an entry of this type whose member has this text.
+    bool awaitEntry(const QString& type, const QString& name, const QString& text);
+
+    /// Kills the daemon and waits until the session has seen it.
+    bool crash();
+
+    /// Set before the session is used.
+    DeviceOptions options;
+
+private Q_SLOTS:
+    void cleanup();
+
+private:
+    std::unique_ptr<DeviceSession> m_session;
+    QVector<QJsonObject> m_entries;
+};

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#include "tests/web/HttpClient.h"
+
+#include <QHostAddress>
+#include <QJsonDocument>
+#include <QtTest>
+
+#include <sys/socket.h>
+
+namespace {
+
+constexpr int patienceMs = 30'000;
+constexpr int smallBuffer = 1024;
+
+} // namespace
+
+HttpReply HttpReply::parse(const QByteArray& bytes)
+{
+    HttpReply reply;
+    const int end = bytes.indexOf("\r\n\r\n");
+    if (end == -1) {
+        return reply;
+    }
+    const QByteArrayList lines = bytes.left(end).replace('\r', QByteArray()).split('\n');
+    reply.status = lines.constFirst().split(' ').value(1).toInt();
+    for (const QByteArray& line : lines.mid(1)) {
+        const int colon = line.indexOf(": ");
+        reply.headers.insert(line.left(colon).toLower(), line.mid(colon + 2));
+    }
+    reply.body = bytes.mid(end + 4);
+    return reply;
+}
+
+QJsonObject HttpReply::json() const
+{
+    return QJsonDocument::fromJson(body).object();
+}
+
+QString HttpReply::error() const
+{
+    return json().value(QStringLiteral("error")).toString();
+}
+
+HttpClient::HttpClient(quint16 port)
+{
+    m_socket.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+    if (!QTest::qWaitFor([this] { return isConnected(); }, patienceMs)) {
+        qWarning("There is no connection to the server.");
+    }
+}
+
+void HttpClient::send(const QByteArray& bytes)
+{
+    m_socket.write(bytes);
+}
+
+void HttpClient::flush()
+{
+    while (m_socket.bytesToWrite() > 0 && m_socket.waitForBytesWritten(patienceMs)) {
+        received();
+    }
+}
+
+void HttpClient::endSending()
+{
+    flush();
+    shutdown(int(m_socket.socketDescriptor()), SHUT_WR);
+}
+
+void HttpClient::stopReading()
+{
+    m_reading = false;
+    m_socket.setReadBufferSize(smallBuffer);
+}
+
+void HttpClient::goOnReading()
+{
+    m_reading = true;
+    m_socket.setReadBufferSize(0);
+}
+
+const QByteArray& HttpClient::received()
+{
+    if (m_reading && m_socket.bytesAvailable() > 0) {
+        m_received += m_socket.readAll();
+    }
+    return m_received;
+}
+
+bool HttpClient::awaitEnd()
+{
+    return QTest::qWaitFor([this] { return received(), !isConnected(); }, patienceMs);
+}
+
+HttpReply HttpClient::reply()
+{
+    return awaitEnd() ? HttpReply::parse(received()) : HttpReply();
+}
