@@ -1,0 +1,356 @@
+// SPDX-License-Identifier: MIT
+// What the page is to those who do not see it, use the keyboard alone, or need it large or in colours of their own.
+import assert from 'node:assert/strict';
+import { readFile } from 'node:fs/promises';
+import { test } from 'node:test';
+
+import { eventually } from './eventually.mjs';
+import { panelFixture } from './panelFixture.mjs';
+import { installed } from './panelSession.mjs';
+
+const fixture = panelFixture();
+const views = ['Panel', 'Timeline', 'Key card', 'Key lists', 'Recording', 'Commands'];
+const axe = await readFile(installed.resolve('axe-core/axe.min.js'), 'utf8');
+
+/// A page with something to show in each of its views.
+async function openFull(options) {
+    const panel = await fixture.open(options);
+    await fixture.simulator.take(
+        'tap Menu',
+        'press Feed',
+        'wait 50',
+        'tap Ok',
+        'release Feed',
+        'command GetShortcutKeyList',
+        'console HELP',
+    );
+    await panel.isTold('Refused:');
+    await panel.page.locator('#answers .answer').first().waitFor({ state: 'attached' });
+    await panel.page.locator('#card-tables table').first().waitFor({ state: 'attached' });
+    return panel;
+}
+
+async function goTo(panel, view) {
+    await panel.goTo(view);
+    if (view === 'Timeline') {
+        await panel.page.getByText('Timeline as a table').click();
+        await panel.page.getByRole('row').nth(1).waitFor();
+        await panel.button('Pause').click();
+    }
+}
+
+async function violations(panel) {
+    await panel.page.evaluate(axe);
+    const found = await panel.page.evaluate(() => window.axe.run());
+    return found.violations.map(
+        ({ id, nodes }) =>
+            `${id}: ${nodes.map(node => `${node.target} (${node.failureSummary})`).join('; ')}`,
+    );
+}
+
+for (const [name, options] of [
+    ['in light colours', { colorScheme: 'light' }],
+    ['in dark colours', { colorScheme: 'dark' }],
+    ['in forced colours', { forcedColors: 'active' }],
+    ['on a narrow page', { viewport: { width: 320, height: 640 } }],
+]) {
+    test(`no view has a fault that axe knows, ${name}`, async () => {
+        const panel = await openFull(options);
+        for (const view of views) {
+            await goTo(panel, view);
+            assert.deepEqual(await violations(panel), [], view);
+        }
+    });
+}
+
+test('a page whose daemon has ended has no fault that axe knows', async () => {
+    const panel = await fixture.open();
+    await fixture.simulator.crashDaemon();
+    await panel.showsText('#device-status', 'ended');
+    assert.deepEqual(await violations(panel), []);
+});
+
+/// The element with the focus as assistive technology has it, such as `button "Up"`.
+async function focused(panel) {
+    const focus = panel.page.locator(':focus');
+    const [, role, name] = /^- '?(\w+)(?: "((?:[^"\\]|\\.)*)")?/.exec(await focus.ariaSnapshot());
+    return role === 'text' ? focus.innerText() : `${role} "${name}"`;
+}
+
+/// All stops of the Tab key from the one that has the focus to the end of the page, whatever answers stand in it.
+async function tabStops(panel) {
+    const stops = [];
+    while ((await panel.page.locator(':focus').count()) > 0) {
+        stops.push(await focused(panel));
+        assert(stops.length < 200, 'Tab does not leave the page');
+        await panel.page.keyboard.press('Tab');
+    }
+    return stops.filter(stop => stop !== 'The whole answer');
+}
+
+const buttons = (...names) => names.map(name => `button "${name}"`);
+const frameStops = ['link "Skip to the view"', ...views.map(view => `link "${view}"`)];
+const endStops = ['checkbox "Speak aloud"'];
+
+test('Tab goes through the panel in the order in which it is read', async () => {
+    const panel = await fixture.open();
+    const device = await fixture.simulator.json('/api/device');
+    await panel.page.keyboard.press('Tab');
+    assert.deepEqual(await tabStops(panel), [
+        ...frameStops,
+        ...buttons(
+            'On',
+            'Off',
+            'Feed',
+            'Menu',
+            'Up',
+            'Help',
+            'Back',
+            'Ok',
+            'Right',
+            'Function',
+            'Down',
+            'Chs',
+            'One',
+            'Ten',
+            'Factory reset',
+        ),
+        'switch "Latch keys"',
+        ...buttons('Release all'),
+        'radio "Device 0"',
+        ...buttons(...device.states, ...device.models),
+        ...endStops,
+    ]);
+});
+
+for (const [view, hash, stops] of [
+    [
+        'Timeline', '#timeline',
+        [
+            ...buttons('Pause', 'Zoom in', 'Zoom out', 'Fit', 'Earlier', 'Later', 'Save as SVG'),
+            'slider "Time shown"',
+            'group "Timeline: arrow keys move, plus and minus zoom, 0 fits"',
+            'Timeline as a table',
+        ],
+    ],
+    ['Key card', '#card', buttons('Print', 'Download for the embosser (BRF)')],
+    [
+        'Key lists', '#lists',
+        [
+            'textbox "Long presses: longKeyList.json"',
+            'button "Load longKeyList.json from a file"',
+            'textbox "Combinations: modifierKeyList.json"',
+            'button "Load modifierKeyList.json from a file"',
+            'textbox "Shortcuts: shortcutKeyList.json"',
+            'button "Load shortcutKeyList.json from a file"',
+            ...buttons('Check and restart', 'Back to the installed lists'),
+        ],
+    ],
+    [
+        'Recording', '#record',
+        [
+            ...buttons('Start the recording anew', 'Download the recording'),
+            'button "Key script"',
+            ...buttons('Replay the script', 'Stop the replay'),
+        ],
+    ],
+    [
+        'Commands', '#commands',
+        [
+            'combobox "Sent by the service"',
+            ...buttons(
+                'Send GetLastKey',
+                'Send GetLongKeysTimeout',
+                'Send GetModifierKeyList',
+                'Send GetShortcutKeyList',
+                'Send StartTestMode',
+                'Send GetTestResult',
+            ),
+            'combobox "Key action"',
+            'combobox "Key"',
+            ...buttons('Send SimulateKey'),
+            'textbox "Keys of the combination, in their order"',
+            ...buttons('Send SimulateModifier'),
+            'textbox "Keys of the shortcut, in their order"',
+            ...buttons('Send SimulateShortcut'),
+            'textbox "Line for the daemon\'s console"',
+            ...buttons('Send the line'),
+            'group "Console"',
+        ],
+    ],
+]) {
+    test(`Tab goes through the view ${view} in the order in which it is read`, async () => {
+        const panel = await fixture.open({ view: hash });
+        await panel.page.locator('#skip-link').focus();
+        assert.deepEqual(await tabStops(panel), [...frameStops, ...stops, ...endStops]);
+    });
+}
+
+/// Presses Tab until the element with that role and name has the focus.
+async function tabTo(panel, wanted) {
+    for (let times = 0; times < 100; ++times) {
+        await panel.page.keyboard.press('Tab');
+        if ((await panel.page.locator(':focus').count()) > 0 && (await focused(panel)) === wanted) {
+            return;
+        }
+    }
+    assert.fail(`Tab does not come to ${wanted}`);
+}
+
+async function activate(panel, wanted) {
+    await tabTo(panel, wanted);
+    await panel.page.keyboard.press('Enter');
+}
+
+test('a session by keyboard alone', async () => {
+    const panel = await fixture.open();
+    await activate(panel, 'button "Print"');
+    await panel.showsText('#device-state', 'Print');
+    await panel.page.keyboard.press('Shift+Tab');
+    await activate(panel, 'link "Skip to the view"');
+    assert.equal(await focused(panel), 'heading "Panel"');
+    await activate(panel, 'button "Up"');
+    await panel.isTold('SingleKey Up to PrintManager');
+    await activate(panel, 'link "Commands"');
+    await eventually(async () => assert.equal(await focused(panel), 'heading "Commands"'));
+    await activate(panel, 'button "Send GetLastKey"');
+    await panel.page.locator('#answers').getByText('key=103').waitFor();
+    await activate(panel, 'link "Key card"');
+    await eventually(async () => assert.equal(await focused(panel), 'heading "Key card"'));
+    const download = panel.page.waitForEvent('download');
+    await activate(panel, 'button "Download for the embosser (BRF)"');
+    await download;
+});
+
+/// Everything that can be used or read: the controls as assistive technology has them, and the words on the page.
+/// The picture of the timeline names what it has room for; its table has all.
+async function content(panel) {
+    const tree = await panel.page.locator('body').ariaSnapshot();
+    const controls = tree.match(/(button|link|textbox|combobox|checkbox|switch|radio|slider|heading) ".*?"/g);
+    const words = await panel.page.evaluate(() => {
+        const picture = document.querySelector('.timeline-svg');
+        picture.style.visibility = 'hidden';
+        const text = document.body.innerText;
+        picture.style.visibility = '';
+        return text.split(/\s+/);
+    });
+    return [...controls, ...words].sort();
+}
+
+test('at 400 % nothing is lost and nothing scrolls sideways, the timeline apart', async () => {
+    const panel = await openFull();
+    for (const view of views) {
+        await panel.page.setViewportSize({ width: 1280, height: 1024 });
+        await goTo(panel, view);
+        const whole = await content(panel);
+        await panel.page.setViewportSize({ width: 320, height: 256 });
+        assert.deepEqual(await content(panel), whole, view);
+        assert.deepEqual(await panel.page.evaluate(outOfSight), [], view);
+    }
+});
+
+/// What sticks out of the page sideways, or is cut off by a box that does not scroll (runs in the page).
+function outOfSight() {
+    const width = document.documentElement.clientWidth;
+    const isMeant = element =>
+        element.closest('.timeline-frame, .timeline-table-frame, .skip-link, [hidden]');
+    const isCut = element =>
+        getComputedStyle(element).overflowX === 'hidden' && element.scrollWidth > element.clientWidth + 1;
+    const wrong = [...document.querySelectorAll('body *')].filter(element => {
+        const box = element.getBoundingClientRect();
+        return (
+            box.width > 1 && !isMeant(element) && (box.right > width + 1 || box.left < -1 || isCut(element))
+        );
+    });
+    const page = document.documentElement.scrollWidth > width ? ['the page'] : [];
+    return [
+        ...page,
+        ...wrong.map(
+            element =>
+                `${element.tagName} ${element.id} ${element.className} ${element.textContent.slice(0, 40)}`,
+        ),
+    ];
+}
+
+test('all that is pressed is large enough for a finger', async () => {
+    const panel = await openFull({ viewport: { width: 320, height: 640 } });
+    for (const view of views) {
+        await panel.goTo(view);
+        const small = await panel.page
+            .locator('button, select, input:not([type=checkbox], [type=radio]), label.choice, nav a, summary')
+            .evaluateAll(all =>
+                all
+                    .map(one => ({ name: one.textContent || one.id, box: one.getBoundingClientRect() }))
+                    .filter(({ box }) => box.width > 0 && (box.width < 43.5 || box.height < 43.5))
+                    .map(({ name, box }) => `${name} ${box.width} x ${box.height}`),
+            );
+        assert.deepEqual(small, [], view);
+    }
+});
+
+test('nothing moves where motion is not wanted', async () => {
+    const panel = await openFull({ reducedMotion: 'reduce' });
+    await panel.key('Up').hover();
+    await panel.page.mouse.down();
+    await eventually(async () => assert.match(await panel.key('Up').getAttribute('class'), /\bdown\b/));
+    const moving = await panel.page.evaluate(
+        () =>
+            document.getAnimations().filter(one => one.effect.getComputedTiming().activeDuration > 1).length,
+    );
+    assert.equal(moving, 0);
+    await panel.page.mouse.up();
+});
+
+/// The texts that assistive technology finds in the live region of this name.
+async function liveTexts(panel, name) {
+    const session = await panel.context.newCDPSession(panel.page);
+    const { nodes } = await session.send('Accessibility.getFullAXTree');
+    const byId = new Map(nodes.map(node => [node.nodeId, node]));
+    const textsBelow = node =>
+        node.role?.value === 'StaticText'
+            ? [node.name.value]
+            : (node.childIds ?? []).flatMap(id => textsBelow(byId.get(id)));
+    const region = nodes.find(node => node.role?.value === 'log' && node.name?.value === name);
+    assert(region, `no live region ${name}`);
+    return textsBelow(region)
+        .map(text => text.trim())
+        .filter(Boolean);
+}
+
+test('a key press is in the live regions once, in words', async () => {
+    const panel = await fixture.open();
+    assert.deepEqual(await liveTexts(panel, 'Spoken'), []);
+    await panel.key('Up').click();
+    await panel.isTold('SingleKey Up to UserMenu');
+    assert.deepEqual(await liveTexts(panel, 'Spoken'), ['Up']);
+    assert.equal(
+        (await liveTexts(panel, 'Announced')).join(' '),
+        'SingleKey Up to UserMenu from KeyboardHandler',
+    );
+});
+
+test('the page has one main heading, its landmarks and a language', async () => {
+    const panel = await fixture.open();
+    assert.equal(await panel.page.getByRole('heading', { level: 1 }).count(), 1);
+    for (const role of ['banner', 'navigation', 'main', 'complementary', 'contentinfo']) {
+        assert.equal(await panel.page.getByRole(role).count(), 1, role);
+    }
+    assert.equal(await panel.page.locator('html').getAttribute('lang'), 'en');
+});
+
+test('the title and the current link name the view', async () => {
+    const panel = await fixture.open();
+    for (const view of views) {
+        await panel.goTo(view);
+        assert.equal(await panel.page.title(), `${view} – Embosser front panel`);
+        assert.deepEqual(await panel.page.locator('nav [aria-current=page]').allInnerTexts(), [view]);
+    }
+});
+
+test('without JavaScript the page says what it needs', async () => {
+    const context = await fixture.browser.newContext({ javaScriptEnabled: false });
+    const page = await context.newPage();
+    await page.goto(fixture.simulator.url);
+    assert.match(await page.locator('noscript p').innerText(), /^This page needs JavaScript/);
+    await context.close();
+});

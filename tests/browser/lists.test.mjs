@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+// The view "Key lists": other lists for the device, and what its daemon says of them.
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+
+import { panelFixture } from './panelFixture.mjs';
+
+const fixture = panelFixture();
+
+const combination = (action, ...keys) =>
+    JSON.stringify({
+        ModifierKeys: [{ keys, eAction: action, receiverService: 'UserMenu', validOnState: 'Idle' }],
+    });
+const combinations = panel => panel.page.getByLabel('Combinations: modifierKeyList.json');
+
+async function openLists() {
+    await fixture.simulator.restart({ keyLists: null });
+    const panel = await fixture.open();
+    await panel.goTo('Key lists');
+    return panel;
+}
+
+async function checkAndRestart(panel) {
+    const observer = await fixture.simulator.observe();
+    await panel.button('Check and restart').click();
+    await observer.sees({ type: 'device', status: 'ready' });
+    observer.close();
+    await panel.showsText('#device-status', 'ready');
+}
+
+/// Files are set like this where a person would choose them.
+const asFile = (name, text) => ({ name, mimeType: 'application/json', buffer: Buffer.from(text) });
+
+test('the fields hold the lists that the daemon has', async () => {
+    const panel = await openLists();
+    const lists = await fixture.simulator.json('/api/key-lists');
+    for (const [file, text] of Object.entries(lists)) {
+        assert.equal(await panel.page.locator(`[data-file="${file}"]`).inputValue(), text);
+    }
+    assert.equal(Object.keys(lists).length, 3);
+});
+
+test('an edited list counts after the restart, in the card as well', async () => {
+    const panel = await openLists();
+    await combinations(panel).fill(combination('Swap', 'Up', 'Down'));
+    await checkAndRestart(panel);
+    await panel.showsText('#list-log', 'Nothing: it has read all three.');
+    await fixture.simulator.take('tap Up Down');
+    await panel.isTold('Swap Up Down to UserMenu');
+    await panel.goTo('Key card');
+    await panel.page.getByRole('table').getByText('Swap').first().waitFor();
+    assert.equal(await panel.page.getByText('PaperStatus').count(), 0);
+});
+
+test('a list is loaded from a file', async () => {
+    const panel = await openLists();
+    const file = asFile('modifierKeyList.json', combination('FromFile', 'Ok', 'Chs'));
+    await panel.page.getByLabel('Load modifierKeyList.json').setInputFiles(file);
+    await panel.showsText('#status', /^modifierKeyList\.json stands in the field/);
+    await checkAndRestart(panel);
+    await fixture.simulator.take('tap Ok Chs');
+    await panel.isTold('FromFile Ok Chs to UserMenu');
+});
+
+test('the name of a file decides which list it is', async () => {
+    const panel = await openLists();
+    const file = asFile('modifierKeyList.json', combination('ByName', 'Ok', 'Chs'));
+    await panel.page.getByLabel('Load longKeyList.json').setInputFiles(file);
+    await panel.showsText('#status', /^modifierKeyList\.json stands in the field of modifierKeyList\.json/);
+    assert.match(await combinations(panel).inputValue(), /ByName/);
+});
+
+test('a list that is no JSON is marked, and the daemon says what it made of it', async () => {
+    const panel = await openLists();
+    await combinations(panel).fill('{ "ModifierKeys": [');
+    assert.equal(await combinations(panel).getAttribute('aria-invalid'), 'true');
+    await panel.showsText('#list-modifier-note', /^This is no JSON: ./);
+    await checkAndRestart(panel);
+    await panel.page
+        .locator('#list-log')
+        .getByText(/ModifierKey::load ERROR: reading ".*modifierKeyList\.json" failed\./)
+        .waitFor();
+    await panel.page
+        .locator('#list-log')
+        .getByText('ModifierKey::load ERROR: value list ModifierKeys not found!.')
+        .waitFor();
+});
+
+test('the installed lists come back', async () => {
+    const panel = await openLists();
+    const installed = await combinations(panel).inputValue();
+    await combinations(panel).fill(combination('Swap', 'Up', 'Down'));
+    await checkAndRestart(panel);
+    const observer = await fixture.simulator.observe();
+    await panel.button('Back to the installed lists').click();
+    await observer.sees({ type: 'device', status: 'ready' });
+    observer.close();
+    await panel.page.waitForFunction(
+        text => document.getElementById('list-modifier').value === text,
+        installed,
+    );
+    await fixture.simulator.take('tap Help Feed');
+    await panel.isTold('PaperStatus Help Feed to PrintManager');
+});
+
+test('what somebody is typing stays when another restarts the device', async () => {
+    const panel = await openLists();
+    await combinations(panel).fill('half a sente');
+    await fixture.simulator.restart({ model: 'Orvane' });
+    await panel.showsText('#device-model', 'Orvane');
+    await panel.showsText('#device-status', 'ready');
+    assert.equal(await combinations(panel).inputValue(), 'half a sente');
+    await fixture.simulator.restart({ model: 'Pellit' });
+});
+
+test('markup in a list is nothing but text', async () => {
+    const panel = await openLists();
+    await combinations(panel).fill(combination('<img src=x onerror=alert(1)>', 'Up', 'Down'));
+    await checkAndRestart(panel);
+    await fixture.simulator.take('tap Up Down');
+    await panel.isTold('<img src=x onerror=alert(1)> Up Down to UserMenu');
+    assert.equal(await panel.page.locator('img').count(), 0);
+});

@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: MIT
+// Pressing the keys of the panel: by mouse, finger, keyboard and assistive technology.
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+
+import { eventually } from './eventually.mjs';
+import { panelFixture } from './panelFixture.mjs';
+
+const fixture = panelFixture();
+
+/// A panel, and what the device gets from then on.
+async function openObserved(options) {
+    const panel = await fixture.open(options);
+    return { panel, observer: await fixture.simulator.observe() };
+}
+
+/// The keys came down and went up exactly so, repetitions apart.
+async function deviceGot(observer, ...records) {
+    const moves = () => observer.keyRecords().filter(record => !record.endsWith(' 2'));
+    await eventually(() => assert.deepEqual(moves(), records));
+    observer.close();
+}
+
+test('a click of the mouse is a press and a release, spoken and announced', async () => {
+    const { panel, observer } = await openObserved();
+    await panel.key('Up').click();
+    await panel.isTold(/^Up$/);
+    await panel.isTold('SingleKey Up to UserMenu from KeyboardHandler');
+    await deviceGot(observer, 'Up 1', 'Up 0');
+});
+
+test('every key of the panel arrives as itself', async () => {
+    const { panel, observer } = await openObserved();
+    const names = await panel.page
+        .locator('[data-key]')
+        .evaluateAll(keys => keys.map(key => key.dataset.key));
+    assert.deepEqual([...names].sort(), [...(await fixture.simulator.json('/api/device')).keys].sort());
+    for (const name of names) {
+        await panel.key(name).click();
+    }
+    await deviceGot(observer, ...names.flatMap(name => [`${name} 1`, `${name} 0`]));
+});
+
+test('a held key is shown as down and repeated by the device, without requests of the page', async () => {
+    const { panel, observer } = await openObserved();
+    let requests = 0;
+    await panel.key('Up').hover();
+    await panel.page.mouse.down();
+    await observer.sees({ type: 'key', key: 'Up', value: 1 });
+    panel.page.on('request', () => ++requests);
+    await observer.sees({ type: 'key', key: 'Up', value: 2 });
+    assert.match(await panel.key('Up').getAttribute('class'), /\bdown\b/);
+    assert.equal(requests, 0);
+    await panel.page.mouse.up();
+    await deviceGot(observer, 'Up 1', 'Up 0');
+    await eventually(async () =>
+        assert.doesNotMatch(await panel.key('Up').getAttribute('class'), /\bdown\b/),
+    );
+});
+
+test('a long press is recognised while the key is held', async () => {
+    const { panel, observer } = await openObserved();
+    await panel.key('Help').hover();
+    await panel.page.mouse.down();
+    await panel.isTold('KeyDescription Help to UserMenu');
+    await panel.page.mouse.up();
+    await deviceGot(observer, 'Help 1', 'Help 0');
+});
+
+test('the mouse may leave the key that it holds', async () => {
+    const { panel, observer } = await openObserved();
+    await panel.key('Up').hover();
+    await panel.page.mouse.down();
+    await panel.page.mouse.move(5, 5);
+    await observer.sees({ type: 'key', key: 'Up', value: 2 });
+    await panel.page.mouse.up();
+    await deviceGot(observer, 'Up 1', 'Up 0');
+});
+
+test('another button of the mouse presses nothing', async () => {
+    const { panel, observer } = await openObserved();
+    await panel.key('Up').click({ button: 'right' });
+    await panel.key('Down').click();
+    await deviceGot(observer, 'Down 1', 'Down 0');
+});
+
+test('two fingers press a chord', async () => {
+    const { panel, observer } = await openObserved({ hasTouch: true });
+    await panel.touch('Function', 'Up');
+    await panel.isTold('VolumeUp Function Up to UserMenu');
+    await panel.liftFingers();
+    await eventually(() =>
+        assert.equal(observer.keyRecords().filter(record => record.endsWith(' 0')).length, 2),
+    );
+    assert.deepEqual(observer.keyRecords().slice(0, 2), ['Function 1', 'Up 1']);
+    observer.close();
+});
+
+test('a tap with a finger is one press', async () => {
+    const { panel, observer } = await openObserved({ hasTouch: true });
+    await panel.key('Menu').tap();
+    await panel.isTold('SingleKey Menu to UserMenu');
+    await deviceGot(observer, 'Menu 1', 'Menu 0');
+});
+
+for (const name of ['Space', 'Enter']) {
+    test(`${name} holds the key that has the focus`, async () => {
+        const { panel, observer } = await openObserved();
+        await panel.key('Help').focus();
+        await panel.page.keyboard.down(name);
+        await panel.page.keyboard.down(name); // a repetition of the keyboard
+        await panel.isTold('KeyDescription Help to UserMenu');
+        await panel.page.keyboard.up(name);
+        await deviceGot(observer, 'Help 1', 'Help 0');
+    });
+}
+
+test('a key held by the keyboard is released when the focus goes', async () => {
+    const { panel, observer } = await openObserved();
+    await panel.key('Up').focus();
+    await panel.page.keyboard.down('Space');
+    await observer.sees({ type: 'key', key: 'Up', value: 1 });
+    await panel.key('Down').focus();
+    await deviceGot(observer, 'Up 1', 'Up 0');
+});
+
+test('a click of assistive technology is a press and a release', async () => {
+    const { panel, observer } = await openObserved();
+    await panel.key('Menu').evaluate(key => key.click());
+    await panel.isTold('SingleKey Menu to UserMenu');
+    await deviceGot(observer, 'Menu 1', 'Menu 0');
+});
+
+test('latched keys stay down until they are pressed again', async () => {
+    const { panel, observer } = await openObserved();
+    await panel.page.getByRole('switch', { name: 'Latch keys' }).click();
+    await panel.key('Function').click();
+    await observer.sees({ type: 'key', key: 'Function', value: 1 });
+    assert.equal(await panel.key('Function').getAttribute('aria-pressed'), 'true');
+    assert.equal(await panel.key('Up').getAttribute('aria-pressed'), 'false');
+    await panel.key('Up').focus();
+    await panel.page.keyboard.press('Enter');
+    await panel.isTold('VolumeUp Function Up to UserMenu');
+    await panel.page.keyboard.press('Enter');
+    await panel.key('Function').click();
+    await deviceGot(observer, 'Function 1', 'Up 1', 'Up 0', 'Function 0');
+    assert.equal(await panel.key('Function').getAttribute('aria-pressed'), 'false');
+});
+
+test('all latched keys can be released at once, and by leaving the latch mode', async () => {
+    const { panel, observer } = await openObserved();
+    const latch = panel.page.getByRole('switch', { name: 'Latch keys' });
+    await latch.click();
+    await panel.key('Help').click();
+    await panel.key('Up').click();
+    await panel.button('Release all').click();
+    await panel.key('Ok').click();
+    await latch.click();
+    await deviceGot(observer, 'Help 1', 'Up 1', 'Help 0', 'Up 0', 'Ok 1', 'Ok 0');
+    assert.equal(await panel.key('Ok').getAttribute('aria-pressed'), null);
+});
+
+test('the keys come from the input device that is chosen', async () => {
+    const { panel, observer } = await openObserved();
+    await panel.page.getByRole('radio', { name: 'Device 1' }).check();
+    await panel.key('Menu').click();
+    await observer.sees({ type: 'key', device: 1, key: 'Menu', value: 0 });
+    await panel.isTold('SingleKey Menu to UserMenu');
+    assert.deepEqual(
+        observer.entries.filter(entry => entry.device === 0),
+        [],
+    );
+    observer.close();
+});
+
+test('keys that the page holds are released when it is closed', async () => {
+    const { panel, observer } = await openObserved();
+    await panel.key('Up').hover();
+    await panel.page.mouse.down();
+    await observer.sees({ type: 'key', key: 'Up', value: 1 });
+    await panel.page.close();
+    await deviceGot(observer, 'Up 1', 'Up 0');
+});
+
+test('keys that the page holds are released when it shows another view', async () => {
+    const { panel, observer } = await openObserved();
+    await panel.key('Up').hover();
+    await panel.page.mouse.down();
+    await observer.sees({ type: 'key', key: 'Up', value: 1 });
+    await panel.page.evaluate(() => {
+        location.hash = '#timeline';
+    });
+    await deviceGot(observer, 'Up 1', 'Up 0');
+});
+
+test('many quick keys arrive in their order', async () => {
+    const { panel, observer } = await openObserved();
+    const names = ['Up', 'Down', 'Right', 'Ok', 'Up', 'Chs', 'One', 'Ten'];
+    await panel.page.evaluate(keys => {
+        for (const key of keys) {
+            const button = document.querySelector(`[data-key="${key}"]`);
+            button.dispatchEvent(new KeyboardEvent('keydown', { key: ' ' }));
+            button.dispatchEvent(new KeyboardEvent('keyup', { key: ' ' }));
+        }
+    }, names);
+    await deviceGot(observer, ...names.flatMap(name => [`${name} 1`, `${name} 0`]));
+});

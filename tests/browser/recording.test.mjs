@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+// The view "Recording": what was done at the device as a key script, and its replay.
+import assert from 'node:assert/strict';
+import { readFile } from 'node:fs/promises';
+import { test } from 'node:test';
+
+import { panelFixture } from './panelFixture.mjs';
+
+const fixture = panelFixture();
+
+async function openRecording() {
+    const panel = await fixture.open();
+    await panel.goTo('Recording');
+    return panel;
+}
+
+const asFile = text => ({ name: 'script.keys', mimeType: 'text/plain', buffer: Buffer.from(text) });
+
+async function replay(panel, text) {
+    await panel.page.getByLabel('Key script').setInputFiles(asFile(text));
+    await panel.button('Replay the script').click();
+}
+
+test('what is done is recorded, downloaded and replayed as it came', async () => {
+    const panel = await openRecording();
+    const observer = await fixture.simulator.observe();
+    await panel.button('Start the recording anew').click();
+    await observer.sees({ type: 'device', status: 'ready' });
+    await panel.showsText('#device-status', 'ready');
+    await panel.goTo('Panel');
+    await panel.key('Up').click();
+    await panel.isTold('SingleKey Up to UserMenu');
+    await panel.key('Menu').click();
+    await panel.isTold('SingleKey Menu to UserMenu');
+    await panel.goTo('Recording');
+    const download = panel.page.waitForEvent('download');
+    await panel.button('Download the recording').click();
+    assert.equal((await download).suggestedFilename(), 'recording.keys');
+    const script = await readFile(await (await download).path(), 'utf8');
+    assert.match(
+        script,
+        /^press Up$[^]*^expect .* speak EmbosserCore 24$[^]*^expect .* announce SingleKey UserMenu .*Up$/m,
+    );
+    observer.close();
+    await replay(panel, script);
+    await panel.showsText('#replay-result', /^Everything came as written: [1-9]\d* expectations\.$/);
+});
+
+test('a replay shows what came otherwise', async () => {
+    const panel = await openRecording();
+    await replay(panel, 'state Idle\ntap Menu\nexpect +0 announce SingleKey PrintManager - Menu\n');
+    await panel.showsText('#replay-result', /differences?, with 1 expectation/);
+    assert.match(await panel.page.locator('#replay-result').innerText(), /PrintManager/);
+});
+
+test('a script that is none is refused with the line and the reason', async () => {
+    const panel = await openRecording();
+    await replay(panel, 'state Idle\npress Nothing\n');
+    await panel.showsText('#replay-result', /Line 2: .*Nothing/);
+});
+
+test('a replay is stopped, and keeps others away until then', async () => {
+    const panel = await openRecording();
+    const observer = await fixture.simulator.observe();
+    await replay(panel, 'state Idle\npress Up\nwait 600000\nrelease Up\n');
+    await observer.sees({ type: 'key', key: 'Up', value: 1 });
+    await panel.showsText('#replay-result', 'The script is being replayed.');
+    await panel.goTo('Panel');
+    await panel.key('Menu').click();
+    await panel.showsText('#alert', /replay/);
+    await panel.goTo('Recording');
+    await panel.button('Stop the replay').click();
+    await panel.showsText('#replay-result', 'The replay was stopped.');
+    await observer.sees({ type: 'key', key: 'Up', value: 0 });
+    observer.close();
+});
+
+test('a recording that no script can tell is not downloaded but explained', async () => {
+    const panel = await openRecording();
+    const list = {
+        LongKeys: [
+            { keys: ['Up'], eAction: 'Odd', receiverService: 'UserMenu', timeout: 1.5, validOnState: 'Idle' },
+        ],
+    };
+    await fixture.simulator.restart({ keyLists: { 'longKeyList.json': JSON.stringify(list) } });
+    await panel.button('Download the recording').click();
+    await panel.showsText('#alert', /./);
+    await fixture.simulator.restart({ keyLists: null });
+});

@@ -1,0 +1,541 @@
+// SPDX-License-Identifier: MIT
+// What the timeline makes of the entries of a session.
+import assert from 'node:assert/strict';
+import { describe, test } from 'node:test';
+
+import { pageModule } from './pageModule.mjs';
+
+const { factoryResetTime, longTimesOf, singleKeyWindow, timelineModel, timelineRows } =
+    await pageModule('timeline.js');
+
+const longTimes = { Help: 2000, Menu: 2000, Feed: 0 };
+let lastId = 0;
+
+const entry = (type, at, members) => ({ id: ++lastId, type, at, ...members });
+const key = (at, name, value, device = 0) => entry('key', at, { device, key: name, value });
+const press = (at, name, device) => key(at, name, 1, device);
+const release = (at, name, device) => key(at, name, 0, device);
+const repeat = (at, name, device) => key(at, name, 2, device);
+const tap = (at, name, device) => [press(at, name, device), release(at + 50, name, device)];
+const state = (at, name) => entry('state', at, { state: name });
+const announced = (at, action, ...keys) =>
+    entry('announcement', at, { action, receiver: 'UserMenu', sender: '', keys });
+const refused = (at, members = {}) =>
+    entry('refusal', at, { reason: 'WARN', expected: 'Print', current: 'Idle', ...members });
+const device = (at, status, members = {}) =>
+    entry('device', at, { status, model: 'Pellit', state: 'Idle', ...members });
+const ready = (at = 0, name = 'Idle') => [
+    device(at, 'starting', { state: name }),
+    device(at, 'ready', { state: name }),
+];
+const simulate = (at, action, name, resultId = 'Success') => [
+    entry('command', at, { text: `SimulateKey as WwwApi ${action} ${name}` }),
+    entry('answer', at + 1, { text: 'answer', response: { resultId } }),
+];
+
+function modelOf(entries, end) {
+    return timelineModel(entries.flat(), longTimes, end);
+}
+
+/** The chosen members of each item, so that a comparison says what a test is about. */
+function pick(items, ...members) {
+    return items.map(item => Object.fromEntries(members.map(member => [member, item[member]])));
+}
+
+const times = items => items.map(({ from, to }) => [from, to]);
+const laneOf = (model, label) => model.lanes.find(lane => lane.label === label);
+const holdsOf = (model, label) => laneOf(model, label).holds;
+
+describe('bars of the keys', () => {
+    test('a press lasts until the release of the same key', () => {
+        const model = modelOf([
+            ready(),
+            press(100, 'Up'),
+            press(150, 'Help'),
+            release(200, 'Up'),
+            release(400, 'Help'),
+        ]);
+        assert.deepEqual(times(laneOf(model, 'Up').bars), [[100, 200]]);
+        assert.deepEqual(times(laneOf(model, 'Help').bars), [[150, 400]]);
+    });
+    test('each input device has its own lane', () => {
+        const model = modelOf([
+            ready(),
+            press(100, 'Up'),
+            press(150, 'Up', 1),
+            release(200, 'Up', 1),
+            release(300, 'Up'),
+        ]);
+        assert.deepEqual(
+            model.lanes.map(lane => lane.label),
+            ['Up', 'Up (device 1)'],
+        );
+        assert.deepEqual(times(laneOf(model, 'Up').bars), [[100, 300]]);
+        assert.deepEqual(times(laneOf(model, 'Up (device 1)').bars), [[150, 200]]);
+    });
+    test('lanes stand in the order of the panel', () => {
+        const model = modelOf([
+            ready(),
+            tap(100, 'Ten'),
+            tap(200, 'FactoryReset'),
+            tap(300, 'On'),
+            tap(400, 'Menu'),
+        ]);
+        assert.deepEqual(
+            model.lanes.map(lane => lane.label),
+            ['On', 'Menu', 'Ten', 'FactoryReset'],
+        );
+    });
+    test('repetitions belong to their bar', () => {
+        const model = modelOf([
+            ready(),
+            press(0, 'Up'),
+            repeat(250, 'Up'),
+            repeat(283, 'Up'),
+            release(300, 'Up'),
+            tap(400, 'Up'),
+        ]);
+        assert.deepEqual(
+            laneOf(model, 'Up').bars.map(bar => bar.repeats),
+            [[250, 283], []],
+        );
+    });
+    test('a key that is held at the end is open there', () => {
+        const model = modelOf([ready(), press(100, 'Up')], 700);
+        assert.deepEqual(pick(laneOf(model, 'Up').bars, 'from', 'to', 'open'), [
+            { from: 100, to: 700, open: true },
+        ]);
+    });
+    test('a key whose press is not known any more is held from the beginning', () => {
+        const model = modelOf([state(1000, 'Idle'), repeat(1200, 'Up'), release(1300, 'Up')]);
+        assert.deepEqual(pick(laneOf(model, 'Up').bars, 'from', 'to', 'repeats'), [
+            { from: 1000, to: 1300, repeats: [1200] },
+        ]);
+    });
+    test('a key pressed twice without a release between is two bars', () => {
+        const model = modelOf([ready(), press(100, 'Up'), press(200, 'Up'), release(300, 'Up')]);
+        assert.deepEqual(times(laneOf(model, 'Up').bars), [
+            [100, 200],
+            [200, 300],
+        ]);
+    });
+    test('a key in Startup is marked as not heard', () => {
+        const model = modelOf([ready(0, 'Startup'), tap(100, 'Up'), state(200, 'Idle'), tap(300, 'Up')]);
+        assert.deepEqual(
+            laneOf(model, 'Up').bars.map(bar => bar.heard),
+            [false, true],
+        );
+    });
+});
+
+describe('the window for more keys', () => {
+    test('begins with a release and ends 1500 ms later', () => {
+        assert.deepEqual(times(modelOf([ready(), tap(50, 'Up')], 5000).windows), [
+            [100, 100 + singleKeyWindow],
+        ]);
+    });
+    test('begins anew with each release until then, of any key on any device', () => {
+        const model = modelOf([ready(), tap(50, 'Up'), tap(1000, 'Down', 1), tap(2499, 'Ok')], 9000);
+        assert.deepEqual(pick(model.windows, 'from', 'to', 'restarts'), [
+            { from: 100, to: 4049, restarts: [1050, 2549] },
+        ]);
+    });
+    for (const [after, count] of [
+        [1499, 1],
+        [1500, 2],
+        [1501, 2],
+    ]) {
+        test(`a release ${after} ms after the last one makes ${count} in all`, () => {
+            const entries = [
+                ready(),
+                press(0, 'Up'),
+                release(100, 'Up'),
+                press(200, 'Down'),
+                release(100 + after, 'Down'),
+            ];
+            assert.equal(modelOf(entries, 9000).windows.length, count);
+        });
+    }
+    test('a press does not move its end', () => {
+        assert.deepEqual(times(modelOf([ready(), tap(50, 'Up'), press(1000, 'Down')], 9000).windows), [
+            [100, 1600],
+        ]);
+    });
+    test('opens in states other than Idle as well', () => {
+        assert.deepEqual(times(modelOf([ready(0, 'Print'), tap(50, 'Up')], 9000).windows), [[100, 1600]]);
+    });
+    test('no release in Startup counts, and one that is open runs out', () => {
+        const model = modelOf(
+            [ready(), tap(50, 'Up'), state(200, 'Startup'), tap(300, 'Up'), tap(3000, 'Up')],
+            9000,
+        );
+        assert.deepEqual(pick(model.windows, 'from', 'to', 'restarts'), [
+            { from: 100, to: 1600, restarts: [] },
+        ]);
+    });
+    test('that is not over yet is open', () => {
+        const model = modelOf([ready(), tap(50, 'Up')], 600);
+        assert.deepEqual(pick(model.windows, 'from', 'to', 'open'), [{ from: 100, to: 600, open: true }]);
+    });
+    test('begins with a simulated release, once its command was answered with success', () => {
+        const entries = [
+            ready(),
+            simulate(10, 'Pressed', 'Up'),
+            simulate(20, 'Released', 'Up'),
+            simulate(900, 'Released', 'Up', 'Failure'),
+        ];
+        const model = modelOf(entries, 9000);
+        assert.deepEqual(times(model.windows), [[21, 1521]]);
+        assert.deepEqual(times(laneOf(model, 'Up (command)').bars), [[11, 21]]);
+    });
+    test('no answer to another command is taken for that of a simulated key', () => {
+        const entries = [
+            ready(),
+            entry('command', 10, { text: 'GetLastKey' }),
+            entry('command', 11, { text: 'SimulateKey Released Up' }),
+            entry('answer', 12, { text: 'answer', response: { resultId: 'Success' } }),
+        ];
+        assert.deepEqual(modelOf(entries, 9000).windows, []);
+    });
+});
+
+describe('the time of a long press', () => {
+    const held = (name, ...repeats) => [ready(), press(0, name), ...repeats.map(at => repeat(at, name))];
+
+    test('runs from the first repetition on', () => {
+        const model = modelOf(held('Help', 250, 283, 316), 1000);
+        assert.deepEqual(pick(holdsOf(model, 'Help'), 'from', 'to', 'due', 'outcome'), [
+            { from: 250, to: 1000, due: 2250, outcome: 'running' },
+        ]);
+    });
+    test('does not run for a key without a row', () => {
+        assert.deepEqual(holdsOf(modelOf(held('Up', 250, 283), 1000), 'Up'), []);
+    });
+    test('does not run for keys that only objects know', () => {
+        assert.deepEqual(holdsOf(modelOf(held('constructor', 250), 1000), 'constructor'), []);
+    });
+    test('is fired by its announcement', () => {
+        const model = modelOf([...held('Help', 250), announced(2252, 'KeyDescription', 'Help')], 4000);
+        assert.deepEqual(pick(holdsOf(model, 'Help'), 'from', 'to', 'outcome'), [
+            { from: 250, to: 2252, outcome: 'fired' },
+        ]);
+    });
+    test('is refused by the log line of its action', () => {
+        assert.deepEqual(
+            pick(holdsOf(modelOf([...held('Help', 250), refused(2251)], 4000), 'Help'), 'to', 'outcome'),
+            [{ to: 2251, outcome: 'refused' }],
+        );
+    });
+    test('is fired when one of several states was the right one', () => {
+        const model = modelOf(
+            [...held('Menu', 250), refused(2251), announced(2252, 'MainMenu', 'Menu')],
+            4000,
+        );
+        assert.equal(holdsOf(model, 'Menu')[0].outcome, 'fired');
+    });
+    test('runs anew with the next repetition after it fired', () => {
+        const model = modelOf(
+            [...held('Help', 250, 2231), announced(2252, 'KeyDescription', 'Help'), repeat(2264, 'Help')],
+            3000,
+        );
+        assert.deepEqual(pick(holdsOf(model, 'Help'), 'from', 'outcome'), [
+            { from: 250, outcome: 'fired' },
+            { from: 2264, outcome: 'running' },
+        ]);
+    });
+    test('of 0 s fires at each repetition', () => {
+        const model = modelOf([
+            ...held('Feed', 250),
+            announced(251, 'EjectPaper', 'Feed'),
+            repeat(283, 'Feed'),
+            announced(284, 'EjectPaper', 'Feed'),
+        ]);
+        assert.deepEqual(pick(holdsOf(model, 'Feed'), 'from', 'outcome'), [
+            { from: 250, outcome: 'fired' },
+            { from: 283, outcome: 'fired' },
+        ]);
+    });
+    for (const [what, stop] of [
+        ['its own release', release(900, 'Help')],
+        ['the press of another key', press(900, 'Up')],
+        ['a release on the other device', release(900, 'Ok', 1)],
+    ]) {
+        test(`is stopped by ${what}`, () => {
+            const model = modelOf([...held('Help', 250), stop], 4000);
+            assert.deepEqual(pick(holdsOf(model, 'Help'), 'to', 'outcome'), [
+                { to: 900, outcome: 'stopped' },
+            ]);
+        });
+    }
+    test('is stopped by the end of a window and begins anew', () => {
+        const model = modelOf(
+            [ready(), tap(0, 'Up'), press(100, 'Help'), repeat(350, 'Help'), repeat(1560, 'Help')],
+            2000,
+        );
+        assert.deepEqual(pick(holdsOf(model, 'Help'), 'from', 'to', 'outcome'), [
+            { from: 350, to: 1550, outcome: 'stopped' },
+            { from: 1560, to: 2000, outcome: 'running' },
+        ]);
+    });
+    test('is not stopped by presses and releases in Startup', () => {
+        const model = modelOf(
+            [...held('Help', 250), state(500, 'Startup'), release(600, 'Help'), tap(700, 'Up')],
+            1000,
+        );
+        assert.deepEqual(pick(holdsOf(model, 'Help'), 'to', 'outcome'), [{ to: 1000, outcome: 'running' }]);
+    });
+    test('does not begin in Startup', () => {
+        const model = modelOf([ready(0, 'Startup'), press(0, 'Help'), repeat(250, 'Help')], 1000);
+        assert.deepEqual(holdsOf(model, 'Help'), []);
+    });
+    test('counts as fired when word of it comes after the release', () => {
+        const model = modelOf(
+            [...held('Help', 250), release(2251, 'Help'), announced(2253, 'KeyDescription', 'Help')],
+            4000,
+        );
+        assert.deepEqual(pick(holdsOf(model, 'Help'), 'to', 'outcome'), [{ to: 2250, outcome: 'fired' }]);
+    });
+    test('that was stopped early is not fired by a later announcement', () => {
+        const model = modelOf(
+            [...held('Help', 250), release(900, 'Help'), announced(2253, 'KeyDescription', 'Help')],
+            4000,
+        );
+        assert.equal(holdsOf(model, 'Help')[0].outcome, 'stopped');
+    });
+    test('is not fired by a single key or a combination', () => {
+        const model = modelOf(
+            [
+                ...held('Help', 250),
+                announced(2251, 'SingleKey', 'Help'),
+                announced(2252, 'PaperStatus', 'Help', 'Feed'),
+            ],
+            4000,
+        );
+        assert.equal(holdsOf(model, 'Help')[0].outcome, 'running');
+    });
+    test('is not fired by an action of its key before it is due', () => {
+        const model = modelOf([...held('Help', 250), announced(1000, 'Other', 'Help')], 1500);
+        assert.equal(holdsOf(model, 'Help')[0].outcome, 'running');
+    });
+    test('ends when it is due, although word of it is still missing', () => {
+        const model = modelOf(held('Help', 250), 2300);
+        assert.deepEqual(pick(holdsOf(model, 'Help'), 'to', 'outcome'), [{ to: 2250, outcome: 'running' }]);
+    });
+    test('runs anew in the end when no word of it comes', () => {
+        const model = modelOf(held('Help', 250, 2340, 2360), 2400);
+        assert.deepEqual(pick(holdsOf(model, 'Help'), 'from', 'to', 'outcome'), [
+            { from: 250, to: 2250, outcome: 'stopped' },
+            { from: 2360, to: 2400, outcome: 'running' },
+        ]);
+    });
+    test('is not refused by the refusal of a key in Startup', () => {
+        const startup = refused(2251, { expected: undefined, current: 'Startup' });
+        const model = modelOf([...held('Help', 250), state(2245, 'Startup'), startup], 3000);
+        assert.equal(holdsOf(model, 'Help')[0].outcome, 'running');
+    });
+    test('is that which the device was started with', () => {
+        const entries = [
+            device(0, 'starting', { longTimes: { Up: 700 } }),
+            device(0, 'ready'),
+            press(0, 'Up'),
+            repeat(250, 'Up'),
+        ];
+        assert.equal(holdsOf(modelOf(entries, 500), 'Up')[0].due, 950);
+    });
+});
+
+describe('the hold of the factory reset', () => {
+    test('runs from the press and is fired by its announcement', () => {
+        const model = modelOf(
+            [ready(), press(100, 'FactoryReset'), announced(5101, 'FactoryReset', 'FactoryReset')],
+            6000,
+        );
+        assert.deepEqual(pick(holdsOf(model, 'FactoryReset'), 'from', 'to', 'due', 'outcome'), [
+            { from: 100, to: 5101, due: 100 + factoryResetTime, outcome: 'fired' },
+        ]);
+    });
+    test('is stopped by its own release, on either device', () => {
+        const model = modelOf([ready(), press(100, 'FactoryReset'), release(4000, 'FactoryReset', 1)], 6000);
+        assert.deepEqual(pick(holdsOf(model, 'FactoryReset'), 'to', 'outcome'), [
+            { to: 4000, outcome: 'stopped' },
+        ]);
+    });
+    test('is not stopped by other keys, ends of windows or releases in Startup', () => {
+        const entries = [
+            ready(),
+            press(100, 'FactoryReset'),
+            tap(500, 'Up'),
+            state(3000, 'Startup'),
+            release(3500, 'FactoryReset'),
+        ];
+        assert.equal(holdsOf(modelOf(entries, 4000), 'FactoryReset')[0].outcome, 'running');
+    });
+    test('does not begin in Startup', () => {
+        const model = modelOf([ready(0, 'Startup'), press(100, 'FactoryReset')], 6000);
+        assert.deepEqual(holdsOf(model, 'FactoryReset'), []);
+    });
+    test('begins anew with another press', () => {
+        const model = modelOf([ready(), press(100, 'FactoryReset'), press(900, 'FactoryReset', 1)], 2000);
+        assert.deepEqual(
+            holdsOf(model, 'FactoryReset').map(hold => hold.outcome),
+            ['stopped'],
+        );
+        assert.deepEqual(
+            holdsOf(model, 'FactoryReset (device 1)').map(hold => hold.outcome),
+            ['running'],
+        );
+    });
+});
+
+describe('moments, states and runs', () => {
+    test('actions, refusals, speech and commands stand at their moment', () => {
+        const entries = [
+            ready(),
+            announced(1, 'SingleKey', 'Up'),
+            refused(2, { action: 'EjectPaper' }),
+            entry('speech', 3, { text: 'Menu' }),
+            entry('cancel', 4, {}),
+            entry('console', 5, { text: 'help' }),
+        ];
+        assert.deepEqual(
+            modelOf(entries).moments.map(({ at, kind, text }) => `${at} ${kind} ${text}`),
+            [
+                '1 announcement SingleKey (Up) to UserMenu',
+                '2 refusal EjectPaper refused: for Print, not for Idle',
+                '3 speech Menu',
+                '4 speech (speech cut off)',
+                '5 command console help',
+            ],
+        );
+    });
+    test('the log is left out', () => {
+        assert.deepEqual(modelOf([ready(), entry('log', 1, { text: 'a line' })]).moments, []);
+    });
+    test('states follow each other without a gap', () => {
+        const model = modelOf(
+            [device(0, 'starting'), device(10, 'ready'), state(500, 'Print'), state(900, 'Idle')],
+            1000,
+        );
+        assert.deepEqual(
+            model.states.map(({ state: name, from, to }) => [name, from, to]),
+            [
+                ['starting', 0, 10],
+                ['Idle', 10, 500],
+                ['Print', 500, 900],
+                ['Idle', 900, 1000],
+            ],
+        );
+    });
+    test('a state that is announced again goes on', () => {
+        const model = modelOf([ready(), state(500, 'Idle')], 1000);
+        assert.deepEqual(
+            model.states.map(({ state: name, from, to }) => [name, from, to]),
+            [
+                ['starting', 0, 0],
+                ['Idle', 0, 1000],
+            ],
+        );
+    });
+    test('a device that is started again follows behind a break, and its clock begins anew', () => {
+        const model = modelOf([ready(), tap(950, 'Up'), ready(), tap(100, 'Down')], 3000);
+        assert.deepEqual(pick(model.breaks, 'at'), [{ at: 1500 }]);
+        assert.deepEqual(times(laneOf(model, 'Down').bars), [[1600, 1650]]);
+        assert.deepEqual(pick(model.runs, 'from', 'to', 'offset'), [
+            { from: 0, to: 1000, offset: 0 },
+            { from: 1500, to: 4500, offset: 1500 },
+        ]);
+        assert.equal(timelineRows(model).find(row => row.what === 'Down').time, 100);
+    });
+    test('a restart cuts what was going on', () => {
+        const model = modelOf(
+            [ready(), tap(0, 'Up'), press(100, 'Help'), repeat(350, 'Help'), ready(), tap(100, 'Up')],
+            5000,
+        );
+        assert.deepEqual(pick(laneOf(model, 'Help').bars, 'from', 'to', 'cut'), [
+            { from: 100, to: 350, cut: true },
+        ]);
+        assert.deepEqual(pick(holdsOf(model, 'Help'), 'to', 'outcome'), [{ to: 350, outcome: 'stopped' }]);
+        assert.deepEqual(times(model.windows), [
+            [50, 350],
+            [1000, 2500],
+        ]);
+    });
+    test('the end of the daemon is a break with its reason', () => {
+        const model = modelOf(
+            [ready(), press(100, 'Up'), device(300, 'ended', { reason: 'It crashed.' })],
+            1000,
+        );
+        assert.deepEqual(pick(model.breaks, 'at', 'text'), [
+            { at: 300, text: 'The daemon ended. It crashed.' },
+        ]);
+        assert.deepEqual(pick(laneOf(model, 'Up').bars, 'to', 'cut'), [{ to: 300, cut: true }]);
+    });
+    test('no entries at all are an empty model', () => {
+        assert.deepEqual(pick([timelineModel([], {})], 'from', 'to', 'lanes', 'runs'), [
+            { from: 0, to: 0, lanes: [], runs: [] },
+        ]);
+    });
+});
+
+describe('the key card', () => {
+    test('tells the times of long presses, also of those that are never recognised', () => {
+        const row = (kind, holdMs, ...keys) => ({ kind, holdMs, keys });
+        const card = {
+            states: [
+                {
+                    state: 'Idle',
+                    entries: [
+                        row('long', 2250, 'Help'),
+                        row('hold', 5000, 'FactoryReset'),
+                        row('single', undefined, 'Up'),
+                    ],
+                },
+                { state: 'Error', entries: [row('long', 1250, 'Ok')] },
+            ],
+            never: [row('long', 3250, 'Off')],
+        };
+        assert.deepEqual(longTimesOf(card), { Help: 2000, Ok: 1000, Off: 3000 });
+    });
+});
+
+describe('the rows of the table', () => {
+    test('say the same as the picture, in the order of time', () => {
+        const model = modelOf(
+            [
+                ready(),
+                press(100, 'Help'),
+                repeat(350, 'Help'),
+                announced(2351, 'KeyDescription', 'Help'),
+                release(2400, 'Help'),
+                entry('speech', 2410, { text: 'Help' }),
+            ],
+            9000,
+        );
+        assert.deepEqual(
+            timelineRows(model).map(({ time, kind, what, duration }) => [time, kind, what, duration]),
+            [
+                [0, 'State', 'Device is starting', 0],
+                [0, 'State', 'Idle', 9000],
+                [100, 'Key', 'Help, 1 repetition', 2300],
+                [350, 'Long press', 'Help: recognised, due after 2000 ms', 2001],
+                [2351, 'Announced', 'KeyDescription (Help) to UserMenu', undefined],
+                [2400, 'Window', 'Waits for more keys', 1500],
+                [2410, 'Spoken', 'Help', undefined],
+            ],
+        );
+    });
+    test('tell what is still going on and what was not heard', () => {
+        const held = modelOf([ready(), tap(0, 'Up'), state(100, 'Startup'), press(200, 'Ok')], 300);
+        assert.deepEqual(
+            timelineRows(held)
+                .filter(row => ['Key', 'Window'].includes(row.kind))
+                .map(row => row.what),
+            ['Up', 'Waits for more keys, still open', 'Ok, still held, not heard'],
+        );
+    });
+    test('have names of their own', () => {
+        const model = modelOf([ready(), tap(100, 'FactoryReset'), announced(200, 'SingleKey', 'Up')], 9000);
+        const names = timelineRows(model).map(row => row.name);
+        assert.equal(new Set(names).size, names.length);
+    });
+});

@@ -1,0 +1,232 @@
+// SPDX-License-Identifier: MIT
+// The view "Timeline": the picture and the table of what happens.
+import assert from 'node:assert/strict';
+import { readFile } from 'node:fs/promises';
+import { test } from 'node:test';
+
+import { eventually } from './eventually.mjs';
+import { panelFixture } from './panelFixture.mjs';
+
+const fixture = panelFixture();
+
+/// The view on a device that was started just now, so that nothing older is in it.
+async function openTimeline(options) {
+    await fixture.simulator.restart();
+    const panel = await fixture.open(options);
+    await panel.goTo('Timeline');
+    return panel;
+}
+
+const picture = panel => panel.page.getByRole('img', { name: 'Timeline of keys and actions' });
+const isDrawn = (panel, shape) => picture(panel).locator(shape).first().waitFor({ state: 'attached' });
+const words = async panel => (await picture(panel).locator('text').allTextContents()).join('\n');
+const showsWords = (panel, pattern) => eventually(async () => assert.match(await words(panel), pattern));
+/// How long a time is in sight, and how long before the end it ends, in seconds.
+async function sight(panel) {
+    const text = await panel.page.getByRole('slider', { name: 'Time shown' }).getAttribute('aria-valuetext');
+    const [, span, before = 0] = /^([\d.]+) s up to (?:the end|([\d.]+) s before the end)$/.exec(text);
+    return { span: Number(span), before: Number(before) };
+}
+
+async function openTable(panel) {
+    await panel.page.getByText('Timeline as a table').click();
+    return panel.page.getByRole('table', { name: /^What happened/ });
+}
+
+test('a long press is drawn: key, repetitions, its time, the action, the window, speech and state', async () => {
+    const panel = await openTimeline();
+    await fixture.simulator.take('hold Help 2400', 'wait 1700', 'tap Up');
+    await panel.isTold('SingleKey Up to UserMenu');
+    for (const shape of [
+        'path.key',
+        'path.repeat',
+        'path.hold',
+        'path.hold-end.fired',
+        'path.window',
+        'path.announcement',
+        'path.speech',
+    ]) {
+        await isDrawn(panel, shape);
+    }
+    await showsWords(panel, /^Help$[^]*^KeyDescription \(Help\) to UserMenu$/m);
+    await showsWords(panel, /^Idle$/m);
+});
+
+test('a refused action and a command are drawn', async () => {
+    const panel = await openTimeline();
+    await fixture.simulator.take('press Feed', 'wait 50', 'tap Ok', 'release Feed', 'command GetLastKey');
+    await isDrawn(panel, 'path.refusal');
+    await isDrawn(panel, 'path.command');
+    await showsWords(panel, /^LoadPaper refused: for PrintOff, not for Idle$/m);
+});
+
+test('a restart is drawn as a break', async () => {
+    const panel = await openTimeline();
+    await fixture.simulator.restart();
+    await isDrawn(panel, 'path.break:not(:last-of-type)');
+    const table = await openTable(panel);
+    await table.getByRole('cell', { name: 'The device was started again' }).first().waitFor();
+});
+
+test('the table says the same, and follows', async () => {
+    const panel = await openTimeline();
+    const table = await openTable(panel);
+    assert.deepEqual(await table.locator('thead th[scope=col]').allInnerTexts(), [
+        'Time',
+        'Kind',
+        'What',
+        'Lasts',
+    ]);
+    await fixture.simulator.take('hold Help 2400');
+    await panel.isTold('KeyDescription Help to UserMenu');
+    for (const line of [
+        /^[\d.]+ s Key Help, \d+ repetitions \d+ ms$/m,
+        /^[\d.]+ s Long press Help: recognised, due after 2000 ms \d+ ms$/m,
+        /^[\d.]+ s Announced KeyDescription \(Help\) to UserMenu$/m,
+        /^[\d.]+ s Window Waits for more keys 1500 ms$/m,
+    ]) {
+        await eventually(async () =>
+            assert.match(
+                await table.innerText().then(text => text.replaceAll(/[\t ]+/g, ' ').replaceAll(/ $/gm, '')),
+                line,
+            ),
+        );
+    }
+    assert.equal(await table.locator('tbody th[scope=row]').count(), await table.locator('tbody tr').count());
+});
+
+test('zooming in shows a shorter time, zooming out a longer one, and Fit everything', async () => {
+    const panel = await openTimeline();
+    await fixture.simulator.take('tap Up');
+    await panel.isTold('SingleKey Up to UserMenu');
+    assert.deepEqual(await sight(panel), { span: 15, before: 0 });
+    await panel.button('Zoom in').click();
+    assert.deepEqual(await sight(panel), { span: 7.5, before: 0 });
+    await panel.button('Zoom out').click();
+    assert.deepEqual(await sight(panel), { span: 15, before: 0 });
+    for (let times = 0; times < 5; ++times) {
+        await panel.button('Zoom in').click();
+    }
+    await panel.button('Fit').click();
+    assert((await sight(panel)).span > 1);
+    await showsWords(panel, /^Idle$/m);
+    await isDrawn(panel, 'path.key');
+});
+
+test('a paused timeline stands still until it is resumed', async () => {
+    const panel = await openTimeline();
+    await panel.button('Pause').click();
+    const before = await picture(panel).innerHTML();
+    await fixture.simulator.take('tap Menu');
+    await panel.isTold('SingleKey Menu to UserMenu');
+    assert.equal(await picture(panel).innerHTML(), before);
+    await panel.button('Resume').click();
+    await showsWords(panel, /SingleKey \(Menu\) to UserMenu/);
+});
+
+test('a paused timeline stands still when the connection is lost and mended', async () => {
+    const relay = await fixture.relay();
+    const panel = await openTimeline({ url: relay.url });
+    await panel.button('Pause').click();
+    const before = await picture(panel).innerHTML();
+    await relay.cut();
+    await panel.showsText('#device-status', 'not connected');
+    await relay.mend();
+    await panel.showsText('#status', 'Connected again.');
+    assert.equal(await picture(panel).innerHTML(), before);
+    await panel.button('Resume').waitFor();
+});
+
+test('the keyboard moves through the past', async () => {
+    const panel = await openTimeline();
+    await fixture.simulator.take('tap Menu', 'wait 6000');
+    const frame = panel.page.getByRole('group', { name: /^Timeline: arrow keys move/ });
+    await frame.focus();
+    for (let times = 0; times < 4; ++times) {
+        await panel.page.keyboard.press('+');
+    }
+    await panel.page.keyboard.press('End');
+    await panel.button('Resume').waitFor();
+    const end = await sight(panel);
+    assert(end.before < end.span);
+    await panel.page.keyboard.press('ArrowLeft');
+    const earlier = await sight(panel);
+    assert(earlier.before > end.before);
+    await panel.page.keyboard.press('Home');
+    const first = await sight(panel);
+    assert(first.before > earlier.before);
+    await panel.page.keyboard.press('PageDown');
+    assert((await sight(panel)).before < first.before);
+});
+
+test('the slider moves through the past as well', async () => {
+    const panel = await openTimeline();
+    for (let times = 0; times < 4; ++times) {
+        await panel.button('Zoom in').click();
+    }
+    const slider = panel.page.getByRole('slider', { name: 'Time shown' });
+    await slider.focus();
+    await panel.page.keyboard.press('Home');
+    await panel.button('Resume').waitFor();
+    await eventually(async () => assert((await sight(panel)).before > 0));
+});
+
+test('the saved picture stands alone', async () => {
+    const panel = await openTimeline();
+    await fixture.simulator.take('tap Menu');
+    await showsWords(panel, /SingleKey \(Menu\)/);
+    const download = panel.page.waitForEvent('download');
+    await panel.button('Save as SVG').click();
+    assert.equal((await download).suggestedFilename(), 'timeline.svg');
+    const svg = await readFile(await (await download).path(), 'utf8');
+    const alone = await panel.context.newPage();
+    await alone.goto(`data:image/svg+xml;base64,${Buffer.from(svg).toString('base64')}`);
+    const fill = await alone
+        .locator('path.announcement')
+        .first()
+        .evaluate(shape => getComputedStyle(shape).fill);
+    assert.equal(fill, 'rgb(13, 99, 56)');
+    assert.match(await alone.locator('svg').textContent(), /SingleKey \(Menu\) to UserMenu/);
+});
+
+test('the picture has a name and a summary for who does not see it', async () => {
+    const panel = await openTimeline();
+    await fixture.simulator.take('tap Menu');
+    await eventually(async () => {
+        const summary = await panel.page.locator('#timeline-description').textContent();
+        assert.match(
+            summary,
+            /^\d+ pressed keys, \d+ announced actions?, \d+ refusals?, \d+ spoken sentences?\./,
+        );
+    });
+    await picture(panel).waitFor();
+});
+
+test('time goes on by itself, in steps where motion is not wanted', async () => {
+    const moving = await openTimeline();
+    const before = await picture(moving).innerHTML();
+    await eventually(async () => assert.notEqual(await picture(moving).innerHTML(), before));
+    const calm = await openTimeline({ reducedMotion: 'reduce' });
+    const grid = () =>
+        picture(calm)
+            .locator('path.grid')
+            .evaluateAll(lines => lines.map(line => line.getAttribute('d')));
+    await isDrawn(calm, 'path.grid');
+    const stands = await grid();
+    const begun = Date.now();
+    await eventually(() => assert(Date.now() > begun + 1000));
+    assert.deepEqual(await grid(), stands);
+});
+
+test('thousands of entries are a picture of few parts', async () => {
+    const panel = await openTimeline();
+    const repetitions = new Array(900).fill('record 1 103 2');
+    for (let times = 0; times < 12; ++times) {
+        await fixture.simulator.take('record 1 103 1', ...repetitions, 'record 1 103 0');
+    }
+    await fixture.simulator.settle();
+    await panel.button('Fit').click();
+    await showsWords(panel, /SingleKey \(Menu\) to UserMenu/);
+    const parts = await picture(panel).locator('*').count();
+    assert(parts < 500, `${parts} parts`);
+});
