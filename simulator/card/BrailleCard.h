@@ -10,5 +10,5 @@ struct KeyCard;
 /// the rows that never work. Single keys of which the same comes stand together.
 ///
 /// Nothing without the tables of liblouis; `error` (may be null) is then a sentence. For one thread of the
-/// program only, as liblouis is.
+/// program at a time, as liblouis is.
 QByteArray brailleCard(const KeyCard& card, QString* error);

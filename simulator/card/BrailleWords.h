@@ -7,7 +7,7 @@
 #include <QString>
 
 /// Puts text into uncontracted Unified English Braille by liblouis, a cell for each character of North
-/// American ASCII braille. liblouis is not thread-safe: for one thread of the program only.
+/// American ASCII braille. liblouis is not thread-safe: for one thread of the program at a time.
 ///
 /// Uncontracted, because the words of a key card are mostly identifiers, which must be read exactly as they
 /// are written; and this code shows capitals, digits and punctuation so that each of them can be told again.

@@ -62,7 +62,7 @@ struct KeyCard
     QStringList notes;
 
     /// `keyLists` are the contents of the key-list files by their names; any model but "Orvane" counts as
-    /// Pellit.
+    /// Pellit. For the main thread only, for it keeps the log of the process quiet meanwhile.
     static KeyCard from(const QMap<QString, QByteArray>& keyLists, const QString& model);
     /// docs/key-card.md describes the object.
     QJsonObject toJson() const;

@@ -7,6 +7,8 @@
 #include <QCoreApplication>
 #include <QTextStream>
 
+#include <algorithm>
+
 namespace {
 
 const QString daemonOption = QStringLiteral("daemon");
@@ -38,6 +40,16 @@ void addOptions(QCommandLineParser& parser)
                                  QStringLiteral("[script]"));
 }
 
+/// Qt would take blanks and a sign, too.
+std::optional<quint16> portOf(const QString& word)
+{
+    const bool isDigits =
+        std::all_of(word.begin(), word.end(), [](QChar character) { return character.isDigit(); });
+    bool isPort = false;
+    const quint16 port = word.toUShort(&isPort);
+    return isDigits && isPort ? std::optional(port) : std::nullopt;
+}
+
 std::nullopt_t refuse(const QString& sentence)
 {
     QTextStream(stderr) << sentence << '\n';
@@ -59,11 +71,11 @@ std::optional<CommandLine> CommandLine::read(const QCoreApplication& application
     line.device.keyListFolder = parser.value(dataOption);
     line.recording = parser.value(recordOption);
     line.serve = parser.isSet(serveOption) || Prompt::isAtTerminal();
-    bool isPort = false;
-    line.port = parser.value(portOption).toUShort(&isPort);
-    if (!isPort) {
+    const std::optional<quint16> port = portOf(parser.value(portOption));
+    if (!port) {
         return refuse(QStringLiteral("\"%1\" is no port number.").arg(parser.value(portOption)));
     }
+    line.port = *port;
     if (line.script.isEmpty() && !line.serve) {
         return refuse(QStringLiteral("There is nothing to do: name a key script, or add --serve."));
     }

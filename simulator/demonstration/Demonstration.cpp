@@ -47,10 +47,18 @@ void Demonstration::onDevice(const QString& status)
     if (m_isAttending) {
         return;
     }
-    if (status == QLatin1String("ended")) {
-        Q_EMIT finished(NotStarted);
-    } else if (status == QLatin1String("ready") && !m_isPlaying) {
-        attend();
+    if (status == QLatin1String("ready")) {
+        m_wasReady = true;
+        if (!m_isPlaying) {
+            attend();
+        }
+    } else if (status == QLatin1String("ended")) {
+        if (m_wasReady && m_line.serve) {
+            // People can look at what has happened and restart the device.
+            onPlayed(NotAsExpected);
+        } else {
+            Q_EMIT finished(NotStarted);
+        }
     }
 }
 
@@ -62,7 +70,7 @@ void Demonstration::onReplay(const QJsonObject& entry)
     } else if (status == QLatin1String("stopped")) {
         // Later: where it is the end of the device that stopped it, that is told next.
         QTimer::singleShot(0, this, [this] {
-            if (m_session.status() != DeviceSession::Status::Ended) {
+            if (m_isPlaying && m_session.status() != DeviceSession::Status::Ended) {
                 onPlayed(NotAsExpected);
             }
         });

@@ -46,5 +46,6 @@ private:
     std::unique_ptr<Prompt> m_prompt;
     Status m_status = AsExpected;
     bool m_isPlaying = false;
+    bool m_wasReady = false;
     bool m_isAttending = false;
 };

@@ -1,8 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/demonstration/Prompt.h"
 
+#include <QTimer>
+
 #include <cstdio>
 #include <unistd.h>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto backgroundPause = 1s;
+
+/// Whether somebody else has the terminal: the kernel stops a process that reads from it all the same.
+bool isInBackground()
+{
+    const pid_t foreground = tcgetpgrp(STDIN_FILENO);
+    return foreground != -1 && foreground != getpgrp();
+}
+
+} // namespace
 
 Prompt::Prompt(QObject* parent) : QObject(parent), m_notifier(STDIN_FILENO, QSocketNotifier::Read)
 {
@@ -22,6 +39,11 @@ void Prompt::show()
 
 void Prompt::read()
 {
+    if (isInBackground()) {
+        m_notifier.setEnabled(false);
+        QTimer::singleShot(backgroundPause, this, [this] { m_notifier.setEnabled(true); });
+        return;
+    }
     char buffer[4096];
     const ssize_t count = ::read(STDIN_FILENO, buffer, sizeof buffer);
     if (count <= 0) {

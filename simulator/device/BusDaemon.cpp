@@ -69,8 +69,8 @@ QString writeConfiguration(const DeviceFolder& folder, const QString& address,
     QFile file(folder.busConfiguration());
     const QString text =
         configuration.arg(address, QStringLiteral(KEYBOARD_HANDLER_BUS_POLICY), policies(namePolicy));
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) == -1) {
-        return file.errorString();
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) == -1 || !file.flush()) {
+        return QStringLiteral("%1 cannot be written: %2").arg(file.fileName(), file.errorString());
     }
     return {};
 }
@@ -93,6 +93,8 @@ QString BusDaemon::start(const DeviceFolder& folder, DeviceOptions::NamePolicy n
         return QStringLiteral("dbus-daemon does not start: %1 %2")
             .arg(m_process.errorString(), QString::fromLocal8Bit(m_process.readAllStandardError()));
     }
+    connect(&m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this, &BusDaemon::ended,
+            Qt::UniqueConnection);
     return {};
 }
 

@@ -4,20 +4,32 @@
 #include "simulator/device/ChildProcess.h"
 #include "simulator/device/DeviceOptions.h"
 
+#include <QObject>
+
 class DeviceFolder;
 
 /// The system bus of one simulated device: a message bus with the rules of a system bus and with the
 /// policy that is installed together with the daemon.
-class BusDaemon
+class BusDaemon : public QObject
 {
+    Q_OBJECT
+
 public:
+    using QObject::QObject;
+
     /// Starts the bus and waits until it listens; returns a sentence about what went wrong, or an empty
     /// text.
     QString start(const DeviceFolder& folder, DeviceOptions::NamePolicy namePolicy);
     void stop();
 
+    /// 0 while the bus does not run.
+    qint64 processId() const { return m_process.processId(); }
     /// For `QDBusConnection::connectToBus`.
     QString address() const { return m_address; }
+
+Q_SIGNALS:
+    /// The bus has ended after it had been started.
+    void ended();
 
 private:
     ChildProcess m_process;

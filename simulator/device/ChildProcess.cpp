@@ -8,7 +8,8 @@
 
 namespace {
 
-constexpr int endTimeoutMs = 5000;
+constexpr int politeTimeoutMs = 2000;
+constexpr int killTimeoutMs = 5000;
 
 } // namespace
 
@@ -25,9 +26,9 @@ void ChildProcess::end()
         return;
     }
     terminate();
-    if (!waitForFinished(endTimeoutMs)) {
+    if (!waitForFinished(politeTimeoutMs)) {
         kill();
-        waitForFinished(endTimeoutMs);
+        waitForFinished(killTimeoutMs);
     }
 }
 

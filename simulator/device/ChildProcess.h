@@ -15,7 +15,7 @@ public:
     /// Hands the file descriptor `descriptor` down to the process under the same number.
     void inherit(int descriptor) { m_inherited = descriptor; }
 
-    /// Ends the process and waits for it.
+    /// Ends the process, by force after two seconds, and waits for it.
     void end();
 
 protected:

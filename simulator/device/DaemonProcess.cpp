@@ -15,6 +15,7 @@
 namespace {
 
 constexpr int startTimeoutMs = 5000;
+constexpr int endTimeoutMs = 2000;
 
 QStringList viewOfDevice(const DeviceFolder& folder)
 {
@@ -131,7 +132,10 @@ void DaemonProcess::stop()
         return;
     }
     kill(pid_t(m_processId), SIGTERM);
-    m_process->waitForFinished(startTimeoutMs);
+    if (!m_process->waitForFinished(endTimeoutMs)) {
+        kill(pid_t(m_processId), SIGKILL);
+        m_process->waitForFinished(endTimeoutMs);
+    }
     m_process->end();
 }
 

@@ -21,7 +21,8 @@ public:
     /// Starts the daemon; returns a sentence about what went wrong, or an empty text. What the daemon
     /// then does, `exited` included, is reported from the event loop.
     QString start(const DeviceFolder& folder, const DeviceOptions& options);
-    /// Ends the daemon, if it runs, as the service manager would, and waits for its end.
+    /// Ends the daemon, if it runs, as the service manager would, by force after two seconds, and
+    /// waits for its end.
     void stop();
 
     bool isRunning() const;

@@ -103,8 +103,8 @@ void DeviceFolder::makeConfiguration(const QString& model)
 void DeviceFolder::write(const QString& file, const QByteArray& content)
 {
     QFile output(path(file));
-    if (!output.open(QIODevice::WriteOnly) || output.write(content) != content.size()) {
-        fail(QStringLiteral("%1: %2").arg(output.fileName(), output.errorString()));
+    if (!output.open(QIODevice::WriteOnly) || output.write(content) != content.size() || !output.flush()) {
+        fail(QStringLiteral("%1 cannot be written: %2").arg(output.fileName(), output.errorString()));
     }
 }
 

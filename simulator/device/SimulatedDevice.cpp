@@ -22,6 +22,7 @@ SimulatedDevice::SimulatedDevice(const DeviceOptions& options, QObject* parent)
     connect(&m_daemon, &DaemonProcess::logLine, this, &SimulatedDevice::logLine);
     connect(&m_daemon, &DaemonProcess::outputLine, this, &SimulatedDevice::outputLine);
     connect(&m_daemon, &DaemonProcess::exited, this, &SimulatedDevice::daemonExited);
+    connect(&m_bus, &BusDaemon::ended, this, &SimulatedDevice::busEnded);
     m_stateHandler.setInitialState(options.state);
 }
 
@@ -29,6 +30,7 @@ SimulatedDevice::~SimulatedDevice()
 {
     // Who watches the device may be half gone already.
     m_daemon.disconnect(this);
+    m_bus.disconnect(this);
     m_daemon.stop();
 }
 
@@ -54,7 +56,7 @@ bool SimulatedDevice::startServices()
     for (const QString& dependency : dependencies) {
         m_folder.setReady(dependency, m_options.dependenciesReady);
     }
-    return true;
+    return m_folder.errorString().isEmpty() || fail(m_folder.errorString());
 }
 
 bool SimulatedDevice::startDaemon()

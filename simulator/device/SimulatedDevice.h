@@ -82,6 +82,7 @@ Q_SIGNALS:
     void logLine(const QString& line);
     void outputLine(const QString& line);
     void daemonExited(int status);
+    void busEnded();
 
 private:
     bool startBus();

@@ -18,7 +18,6 @@ constexpr milliseconds tapTime = 50ms;
 constexpr milliseconds tapPause = 50ms;
 constexpr int mostFaults = 50;
 constexpr int mostSteps = 100'000;
-constexpr int longestFault = 400;
 
 std::optional<milliseconds> timeOf(const QString& word)
 {
@@ -30,15 +29,6 @@ QString noTime(const QString& word)
 {
     return QStringLiteral("\"%1\" is no time from 0 to %2 ms.")
         .arg(word, QString::number(longestScript.count()));
-}
-
-/// A sentence may quote a word of any length, as a file has that is no script.
-QString shortened(const QString& sentence)
-{
-    const int half = longestFault / 2;
-    return sentence.size() <= longestFault
-               ? sentence
-               : sentence.left(half) + QStringLiteral(" ... ") + sentence.right(half);
 }
 
 } // namespace
@@ -99,7 +89,7 @@ void KeyScriptParser::readLine(const QString& line)
         fault = QStringLiteral("The script has more than %1 steps.").arg(mostSteps);
     }
     if (!fault.isEmpty()) {
-        m_result.faults.append({0, shortened(fault)});
+        m_result.faults.append({0, ScriptWords::shortened(fault)});
     }
 }
 

@@ -67,6 +67,14 @@ std::optional<qint64> number(const QString& word, qint64 least, qint64 most)
     return value;
 }
 
+QString shortened(const QString& sentence)
+{
+    constexpr int longest = 400;
+    return sentence.size() <= longest
+               ? sentence
+               : sentence.left(longest / 2) + QStringLiteral(" ... ") + sentence.right(longest / 2);
+}
+
 QString withoutWords(const QString& line, int count)
 {
     QString rest = line.trimmed();

@@ -22,6 +22,9 @@ QString checkService(const QString& service);
 /// The decimal number of a word; nothing when it is none or outside of the limits.
 std::optional<qint64> number(const QString& word, qint64 least, qint64 most);
 
+/// The sentence, without its middle if it quotes words of great length.
+QString shortened(const QString& sentence);
+
 /// `line` without its first `count` words, its blanks inside as written and those at both ends removed.
 QString withoutWords(const QString& line, int count);
 

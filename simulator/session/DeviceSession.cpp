@@ -243,6 +243,7 @@ void DeviceSession::build()
     connect(m_events.get(), &DeviceEvents::happened, this, &DeviceSession::add);
     connect(m_events.get(), &DeviceEvents::observed, this, &DeviceSession::onObserved);
     connect(m_device.get(), &SimulatedDevice::daemonExited, this, &DeviceSession::onDaemonExited);
+    connect(m_device.get(), &SimulatedDevice::busEnded, this, &DeviceSession::onBusEnded);
     m_startClock.start();
     if (m_device->start()) {
         m_readinessTimer.start(readinessInterval);
@@ -278,6 +279,11 @@ void DeviceSession::becomeReady()
 void DeviceSession::onDaemonExited(int status)
 {
     end(QStringLiteral("The daemon has ended with status %1.").arg(status));
+}
+
+void DeviceSession::onBusEnded()
+{
+    end(QStringLiteral("The bus has ended."));
 }
 
 void DeviceSession::end(const QString& reason)

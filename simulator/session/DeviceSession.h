@@ -107,6 +107,7 @@ private:
     void awaitReadiness();
     void becomeReady();
     void onDaemonExited(int status);
+    void onBusEnded();
     void end(const QString& reason);
     /// Nothing of the device is heard any more.
     void leaveDevice();

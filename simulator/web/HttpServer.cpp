@@ -223,9 +223,10 @@ void HttpServer::answerBody(const Request& request, Response& response, const ht
 
 void HttpServer::answerRoute(const PanelApi::Route& route, const HttpRequest& request, Response& response)
 {
-    const std::optional<HttpAnswer> answer =
-        m_mainThread.call<HttpAnswer>([this, &route, &request] { return m_api.answer(route, request); });
-    send(answer.value_or(serverEnds()), response);
+    using Rest = PanelApi::Rest;
+    const std::optional<Rest> rest =
+        m_mainThread.call<Rest>([this, &route, &request] { return m_api.begin(route, request); });
+    send(rest ? (*rest)() : serverEnds(), response);
 }
 
 void HttpServer::openEvents(Response& response)

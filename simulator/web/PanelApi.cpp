@@ -3,11 +3,15 @@
 
 #include "simulator/card/BrailleCard.h"
 #include "simulator/card/KeyCard.h"
+#include "simulator/script/ScriptWords.h"
 #include "simulator/session/DeviceSession.h"
 #include "simulator/web/EventStreams.h"
 #include "simulator/web/RequestBody.h"
 
 #include <QJsonArray>
+
+#include <chrono>
+#include <mutex>
 
 namespace {
 
@@ -15,12 +19,28 @@ constexpr int accepted = 202;
 constexpr int badRequest = 400;
 constexpr int conflict = 409;
 constexpr int internalError = 500;
+constexpr int unavailable = 503;
+
+constexpr std::chrono::seconds longestTurn(10); // the server's end waits as long
 
 const QString notText = QStringLiteral("The body is not UTF-8 text.");
 
-KeyCard cardOf(const DeviceSession& session)
+HttpAnswer cardAsJson(const KeyCard& card)
 {
-    return KeyCard::from(session.keyLists(), session.description().value(QStringLiteral("model")).toString());
+    return HttpAnswer::json(card.toJson());
+}
+
+HttpAnswer cardInBraille(const KeyCard& card)
+{
+    static std::timed_mutex turn;
+    const std::unique_lock lock(turn, longestTurn);
+    if (!lock) {
+        return HttpAnswer::error(unavailable, QStringLiteral("The card is made in braille for others now."));
+    }
+    QString error;
+    const QByteArray pages = brailleCard(card, &error);
+    return error.isEmpty() ? HttpAnswer::file("key-card.brf", "text/plain; charset=us-ascii", pages)
+                           : HttpAnswer::error(internalError, error);
 }
 
 HttpAnswer refuse(const QVector<ScriptFault>& faults)
@@ -42,8 +62,8 @@ const std::vector<PanelApi::Route>& PanelApi::routes()
 {
     static const std::vector<Route> table{{"GET", "/api/device", &PanelApi::device},
                                           {"GET", "/api/key-lists", &PanelApi::keyLists},
-                                          {"GET", "/api/card", &PanelApi::card},
-                                          {"GET", "/api/card.brf", &PanelApi::brailleCard},
+                                          {"GET", "/api/card", nullptr, cardAsJson},
+                                          {"GET", "/api/card.brf", nullptr, cardInBraille},
                                           {"GET", "/api/recording.keys", &PanelApi::recording},
                                           {"POST", "/api/steps", &PanelApi::takeSteps},
                                           {"POST", "/api/restart", &PanelApi::restart},
@@ -51,6 +71,17 @@ const std::vector<PanelApi::Route>& PanelApi::routes()
                                           {"POST", "/api/replay", &PanelApi::replay},
                                           {"POST", "/api/replay/stop", &PanelApi::stopReplay}};
     return table;
+}
+
+PanelApi::Rest PanelApi::begin(const Route& route, const HttpRequest& request) const
+{
+    if (route.answerOfCard) {
+        const QString model = m_session.description().value(QStringLiteral("model")).toString();
+        return [card = KeyCard::from(m_session.keyLists(), model), answerOf = route.answerOfCard] {
+            return answerOf(card);
+        };
+    }
+    return [answer = (this->*route.answer)(request)] { return answer; };
 }
 
 HttpAnswer PanelApi::device(const HttpRequest& /*request*/) const
@@ -66,19 +97,6 @@ HttpAnswer PanelApi::keyLists(const HttpRequest& /*request*/) const
         lists.insert(file.key(), QString::fromUtf8(file.value()));
     }
     return HttpAnswer::json(lists);
-}
-
-HttpAnswer PanelApi::card(const HttpRequest& /*request*/) const
-{
-    return HttpAnswer::json(cardOf(m_session).toJson());
-}
-
-HttpAnswer PanelApi::brailleCard(const HttpRequest& /*request*/) const
-{
-    QString error;
-    const QByteArray pages = ::brailleCard(cardOf(m_session), &error);
-    return error.isEmpty() ? HttpAnswer::file("key-card.brf", "text/plain; charset=us-ascii", pages)
-                           : HttpAnswer::error(internalError, error);
 }
 
 HttpAnswer PanelApi::recording(const HttpRequest& /*request*/) const
@@ -112,7 +130,8 @@ HttpAnswer PanelApi::restart(const HttpRequest& request) const
     if (changes) {
         fault = m_session.restart(*changes);
     }
-    return fault.isEmpty() ? HttpAnswer::json({}, accepted) : HttpAnswer::error(badRequest, fault);
+    return fault.isEmpty() ? HttpAnswer::json({}, accepted)
+                           : HttpAnswer::error(badRequest, ScriptWords::shortened(fault));
 }
 
 HttpAnswer PanelApi::restartRecording(const HttpRequest& /*request*/) const

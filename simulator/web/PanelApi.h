@@ -4,13 +4,15 @@
 #include "simulator/web/HttpAnswer.h"
 #include "simulator/web/HttpRequest.h"
 
+#include <functional>
 #include <vector>
 
 class DeviceSession;
 class EventStreams;
+struct KeyCard;
 
-/// The routes below /api that work on the session; docs/panel-page.md describes them. The functions are
-/// called on the session's thread.
+/// The routes below /api that work on the session; docs/panel-page.md describes them. Unless they
+/// say otherwise, the functions are called on the session's thread.
 class PanelApi
 {
 public:
@@ -18,8 +20,13 @@ public:
     {
         const char* method;
         const char* path;
+        /// Null where the answer is made of the key card.
         HttpAnswer (PanelApi::*answer)(const HttpRequest& request) const;
+        HttpAnswer (*answerOfCard)(const KeyCard& card) = nullptr;
     };
+    /// The rest of the work on a request, which comes back with the answer. It may take seconds, and is for
+    /// any thread but the session's.
+    using Rest = std::function<HttpAnswer()>;
 
     /// Both must live as long as this object.
     PanelApi(DeviceSession& session, const EventStreams& streams);
@@ -27,16 +34,12 @@ public:
     /// All routes; may be called on any thread.
     static const std::vector<Route>& routes();
 
-    HttpAnswer answer(const Route& route, const HttpRequest& request) const
-    {
-        return (this->*route.answer)(request);
-    }
+    /// Does what concerns the session.
+    Rest begin(const Route& route, const HttpRequest& request) const;
 
 private:
     HttpAnswer device(const HttpRequest& request) const;
     HttpAnswer keyLists(const HttpRequest& request) const;
-    HttpAnswer card(const HttpRequest& request) const;
-    HttpAnswer brailleCard(const HttpRequest& request) const;
     HttpAnswer recording(const HttpRequest& request) const;
     HttpAnswer takeSteps(const HttpRequest& request) const;
     HttpAnswer restart(const HttpRequest& request) const;

@@ -146,3 +146,42 @@ test('a page without a simulator says that a key was not sent', async () => {
     await panel.key('Menu').click();
     await panel.showsText('#alert', 'The simulator does not answer.');
 });
+
+test('a sixth page of one browser waits until one of the five closes', async () => {
+    const panels = [await fixture.open()];
+    while (panels.length < 5) {
+        panels.push(await panels[0].another());
+    }
+    const sixth = await panels[0].another({ status: 'not connected' });
+    await sixth.showsText(
+        '#alert',
+        'This browser has the panel open in as many pages as it can serve. The page goes on trying.',
+    );
+    await panels[0].key('Menu').click();
+    await panels[0].isTold('SingleKey Menu to UserMenu');
+    assert.equal(await sixth.page.locator('#device-status').innerText(), 'not connected');
+    await panels[4].page.close();
+    await sixth.showsText('#device-status', 'ready');
+    await sixth.showsText('#status', 'Connected again.');
+    await sixth.key('Up').click();
+    await panels[0].isTold('SingleKey Up to UserMenu');
+});
+
+test('a press whose answer is lost is released all the same', async () => {
+    const panel = await fixture.open();
+    const observer = await fixture.simulator.observe();
+    await panel.page.route(
+        '**/api/steps',
+        async route => {
+            await route.fetch();
+            await route.abort();
+        },
+        { times: 1 },
+    );
+    await panel.key('Up').hover();
+    await panel.page.mouse.down();
+    await observer.sees({ type: 'key', key: 'Up', value: 1 });
+    await observer.sees({ type: 'key', key: 'Up', value: 0 });
+    await panel.page.mouse.up();
+    observer.close();
+});

@@ -113,6 +113,19 @@ test('what somebody is typing stays when another restarts the device', async () 
     await fixture.simulator.restart({ model: 'Pellit' });
 });
 
+test('typed lists that are too long for the simulator stay', async () => {
+    const panel = await openLists();
+    const typed = `half a sente${' '.repeat(1024 * 1024)}`;
+    await combinations(panel).fill(typed);
+    await panel.button('Check and restart').click();
+    await panel.showsText('#alert', 'The body is greater than 1 MiB.');
+    await fixture.simulator.restart({ model: 'Orvane' });
+    await panel.showsText('#device-model', 'Orvane');
+    await panel.showsText('#device-status', 'ready');
+    assert.equal(await combinations(panel).inputValue(), typed);
+    await fixture.simulator.restart({ model: 'Pellit' });
+});
+
 test('markup in a list is nothing but text', async () => {
     const panel = await openLists();
     await combinations(panel).fill(combination('<img src=x onerror=alert(1)>', 'Up', 'Down'));

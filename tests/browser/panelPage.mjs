@@ -18,6 +18,15 @@ export class PanelPage {
         });
     }
 
+    /// One more page of the same browser, once the place of its device's status has this text.
+    async another({ status = 'ready' } = {}) {
+        const panel = new PanelPage(await this.context.newPage());
+        panel.faults = this.faults;
+        await panel.page.goto(this.page.url());
+        await panel.showsText('#device-status', status);
+        return panel;
+    }
+
     key(name) {
         return this.page.locator(`[data-key="${name}"]`);
     }

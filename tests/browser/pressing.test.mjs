@@ -43,19 +43,18 @@ test('every key of the panel arrives as itself', async () => {
 
 test('a held key is shown as down and repeated by the device, without requests of the page', async () => {
     const { panel, observer } = await openObserved();
-    let requests = 0;
+    const posted = [];
+    panel.page.on('request', request => request.method() === 'POST' && posted.push(request.postData()));
     await panel.key('Up').hover();
     await panel.page.mouse.down();
-    await observer.sees({ type: 'key', key: 'Up', value: 1 });
-    panel.page.on('request', () => ++requests);
     await observer.sees({ type: 'key', key: 'Up', value: 2 });
     assert.match(await panel.key('Up').getAttribute('class'), /\bdown\b/);
-    assert.equal(requests, 0);
     await panel.page.mouse.up();
     await deviceGot(observer, 'Up 1', 'Up 0');
     await eventually(async () =>
         assert.doesNotMatch(await panel.key('Up').getAttribute('class'), /\bdown\b/),
     );
+    assert.deepEqual(posted, ['device 0\npress Up', 'device 0\nrelease Up']);
 });
 
 test('a long press is recognised while the key is held', async () => {
@@ -92,7 +91,8 @@ test('two fingers press a chord', async () => {
     await eventually(() =>
         assert.equal(observer.keyRecords().filter(record => record.endsWith(' 0')).length, 2),
     );
-    assert.deepEqual(observer.keyRecords().slice(0, 2), ['Function 1', 'Up 1']);
+    const presses = observer.keyRecords().filter(record => record.endsWith(' 1'));
+    assert.deepEqual(presses, ['Function 1', 'Up 1']);
     observer.close();
 });
 

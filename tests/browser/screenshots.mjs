@@ -44,7 +44,7 @@ async function pictureCard(panel, simulator) {
 
 const session = new PanelSession();
 await session.begin();
-const panel = await session.open({ viewport: size, colorScheme: 'light' });
+const panel = await session.open({ viewport: size, colorScheme: 'light', reducedMotion: 'reduce' });
 for (const take of [picturePanel, pictureTimeline, pictureCard]) {
     await take(panel, session.simulator);
 }

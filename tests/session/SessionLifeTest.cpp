@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/session/SessionTest.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <signal.h>
+#include <unistd.h>
 
 using Status = DeviceSession::Status;
 
@@ -38,6 +40,27 @@ private:
     QByteArray m_before = qgetenv("PATH");
 };
 
+bool mentions(const QString& file, const QByteArray& text)
+{
+    QFile source(file);
+    return source.open(QIODevice::ReadOnly) && source.readAll().contains(text);
+}
+
+/// The process id of the bus that this process has started; 0 for none.
+pid_t busProcess()
+{
+    const QByteArray parent = "\nPPid:\t" + QByteArray::number(getpid()) + '\n';
+    const QStringList processes =
+        QDir(QStringLiteral("/proc")).entryList({QStringLiteral("[0-9]*")}, QDir::Dirs);
+    for (const QString& process : processes) {
+        const QString path = QStringLiteral("/proc/%1/").arg(process);
+        if (mentions(path + "status", parent) && mentions(path + "cmdline", "dbus-daemon")) {
+            return process.toInt();
+        }
+    }
+    return 0;
+}
+
 } // namespace
 
 /// The device of a session: started, restarted with changes, crashed and brought back.
@@ -60,6 +83,7 @@ private Q_SLOTS:
     void aRestartMayBeAskedForByWhoIsTold();
     void aCrashEndsTheDevice();
     void aRestartAfterACrashBringsEverythingBack();
+    void theEndOfTheBusEndsTheDevice();
     void aDaemonThatEndsWhileStartingIsTold();
     void aDaemonThatDoesNotBecomeReadyIsGivenUp();
     void aHelperThatFailsIsTold_data();
@@ -284,6 +308,22 @@ void SessionLifeTest::aRestartAfterACrashBringsEverythingBack()
         QVERIFY(entries().at(i).value("id").toDouble() > entries().at(i - 1).value("id").toDouble());
     }
     QVERIFY(entries().last().value("id").toDouble() > double(lastId));
+}
+
+void SessionLifeTest::theEndOfTheBusEndsTheDevice()
+{
+    QVERIFY(launch());
+    const pid_t bus = busProcess();
+    QVERIFY(bus != 0);
+    QCOMPARE(kill(bus, SIGKILL), 0);
+    QVERIFY(awaitEntry("device", "status", "ended"));
+    QCOMPARE(session().reason(), QStringLiteral("The bus has ended."));
+    QTRY_COMPARE(session().daemonProcess(), 0);
+    QCOMPARE(session().restart({}), QString());
+    QVERIFY(awaitStatus(Status::Ready));
+    QCOMPARE(take("tap Menu"), QString());
+    QVERIFY(awaitEntry("announcement", "action", "SingleKey"));
+    QCOMPARE(members("device", "status"), QStringList({"starting", "ready", "ended", "starting", "ready"}));
 }
 
 void SessionLifeTest::aDaemonThatEndsWhileStartingIsTold()

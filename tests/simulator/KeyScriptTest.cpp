@@ -65,6 +65,7 @@ private Q_SLOTS:
     void aFileThatCannotBeReadIsRefused();
     void aFileThatIsTooLongIsRefused();
     void bytesThatAreNoTextAreRefused();
+    void aFaultyWordOfAnyLengthIsQuotedInPart();
 };
 
 void KeyScriptTest::anEmptyScriptIsAPellitInIdleWithTheInstalledLists()
@@ -250,6 +251,8 @@ void KeyScriptTest::faultsAreExplained_data()
                                    << "1: \"long\" is no time from 0 to 86400000 ms.";
     QTest::newRow("time beyond numbers") << "wait 99999999999999999999"
                                          << "1: \"99999999999999999999\" is no time";
+    QTest::newRow("time with a place marker") << "wait %1"
+                                              << "1: \"%1\" is no time from 0 to 86400000 ms.";
     QTest::newRow("a day and more") << "wait 86400000\nwait 1"
                                     << "2: The script would last longer than 24 hours.";
     QTest::newRow("a tap beyond the day") << "wait 86400000\ntap Up"
@@ -388,6 +391,19 @@ void KeyScriptTest::bytesThatAreNoTextAreRefused()
     const ParsedScript parsed = loadKeyScript(file.fileName());
     QCOMPARE(parsed.faults.value(0).line, 1);
     QVERIFY(parsed.faults.value(0).text.endsWith(QStringLiteral("is no keyword of a key script.")));
+}
+
+void KeyScriptTest::aFaultyWordOfAnyLengthIsQuotedInPart()
+{
+    const QString word(1024 * 1024, 'x');
+    for (const char* const line : {"%1", "wait %1", "press %1", "state %1", "expect %1 cancel"}) {
+        const ParsedScript parsed = parseKeyScript(QString::fromLatin1(line).arg(word));
+        QCOMPARE(parsed.faults.size(), 1);
+        const QString text = parsed.faults.first().text;
+        QVERIFY2(text.size() < 500, line);
+        QVERIFY2(text.contains(QStringLiteral("xxx ... ")), qPrintable(text));
+        QVERIFY2(text.endsWith('.'), qPrintable(text));
+    }
 }
 
 QTEST_APPLESS_MAIN(KeyScriptTest)

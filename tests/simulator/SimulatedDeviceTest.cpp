@@ -4,8 +4,12 @@
 
 #include <ls/MessageKeys.h>
 
+#include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QtTest>
+
+#include <memory>
 
 #include <signal.h>
 
@@ -13,9 +17,17 @@ namespace {
 
 const QVariantMap getLastKey{{ls::commandIdKey, "GetLastKey"}, {ls::senderIdKey, "ServiceTool"}};
 
+const QString noSpace = QStringLiteral(" cannot be written: No space left on device");
+
 bool isAlive(qint64 processId)
 {
     return kill(pid_t(processId), 0) == 0;
+}
+
+bool isStopped(qint64 processId)
+{
+    QFile status(QStringLiteral("/proc/%1/status").arg(processId));
+    return status.open(QIODevice::ReadOnly) && status.readAll().contains("\nState:\tT");
 }
 
 } // namespace
@@ -33,6 +45,11 @@ private Q_SLOTS:
     void aCommandWithoutBusFails();
     void theDaemonsEndIsTold();
     void theDaemonsFilesAreTheDevices();
+    void whatDoesNotReactIsKilled_data();
+    void whatDoesNotReactIsKilled();
+    void aKeyListOnAFullDiskIsTold();
+    void aBusOnAFullDiskIsTold();
+    void aServiceThatCannotBeDeclaredIsTold();
 };
 
 void SimulatedDeviceTest::aDeviceBecomesReady()
@@ -134,6 +151,57 @@ void SimulatedDeviceTest::theDaemonsFilesAreTheDevices()
     QCOMPARE(lines.join(' '),
              QStringLiteral("/dev/input: event1  /run/service-watcher: speechd state-handler  "
                             "/var/lib/keyboard-handler: longKeyList.json"));
+}
+
+void SimulatedDeviceTest::whatDoesNotReactIsKilled_data()
+{
+    QTest::addColumn<bool>("isBus");
+    QTest::newRow("the daemon") << false;
+    QTest::newRow("the bus") << true;
+}
+
+void SimulatedDeviceTest::whatDoesNotReactIsKilled()
+{
+    QFETCH(bool, isBus);
+    auto device = std::make_unique<SimulatedDevice>();
+    QVERIFY(device->start());
+    QTRY_VERIFY(device->isReady());
+    const qint64 process = isBus ? device->bus().processId() : device->daemon().processId();
+    QCOMPARE(kill(pid_t(process), SIGSTOP), 0);
+    QTRY_VERIFY(isStopped(process));
+    QElapsedTimer clock;
+    clock.start();
+    device.reset();
+    QVERIFY2(clock.elapsed() < 4500, qPrintable(QString::number(clock.elapsed())));
+    QVERIFY(!isAlive(process));
+}
+
+void SimulatedDeviceTest::aKeyListOnAFullDiskIsTold()
+{
+    // Whatever the depth of the folder: nothing is above the root.
+    const QString file = QStringLiteral("../").repeated(50) + "dev/full";
+    DeviceOptions options;
+    options.keyLists.insert(file, "{}");
+    SimulatedDevice device(options);
+    QVERIFY(!device.start());
+    QVERIFY2(device.errorString().endsWith(file + noSpace), qPrintable(device.errorString()));
+}
+
+void SimulatedDeviceTest::aBusOnAFullDiskIsTold()
+{
+    SimulatedDevice device;
+    const QString file = device.folder().busConfiguration();
+    QVERIFY(QFile::link("/dev/full", file));
+    QVERIFY(!device.start());
+    QCOMPARE(device.errorString(), file + noSpace);
+}
+
+void SimulatedDeviceTest::aServiceThatCannotBeDeclaredIsTold()
+{
+    SimulatedDevice device;
+    QVERIFY(QDir(device.folder().runFolder()).mkpath("service-watcher/speechd"));
+    QVERIFY(!device.start());
+    QVERIFY2(device.errorString().contains("/speechd cannot be written: "), qPrintable(device.errorString()));
 }
 
 QTEST_GUILESS_MAIN(SimulatedDeviceTest)

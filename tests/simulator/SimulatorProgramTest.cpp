@@ -14,6 +14,7 @@
 namespace {
 
 constexpr int patienceMs = 30'000;
+constexpr int answerPatienceMs = 5000;
 const QString panelLine = QStringLiteral("\nThe front panel: http://127.0.0.1:");
 
 bool mentions(const QString& file, const QString& text)
@@ -65,10 +66,12 @@ private Q_SLOTS:
     void clientsOfThePanelHoldNothingUp();
     void aPortInUseIsTold();
     void aCrashDoesNotEndAServedDevice();
+    void aCrashDuringTheScriptIsTold();
     void aDaemonThatEndsBeforeItIsServedIsTold();
     void atATerminalTheDeviceStays_data();
     void atATerminalTheDeviceStays();
     void whatIsTypedAtTheTerminalIsDone();
+    void whatIsTypedIsForTheForeground();
 
 private:
     QString write(const QByteArray& script);
@@ -78,6 +81,8 @@ private:
     bool expectStatus(int status);
     void type(const QByteArray& line);
     QByteArray openTerminal();
+    void startInBackground(const QStringList& arguments);
+    bool answers();
     qint64 daemon() const;
 
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -152,6 +157,28 @@ QByteArray SimulatorProgramTest::openTerminal()
     m_terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     const bool isOpen = m_terminal != -1 && grantpt(m_terminal) == 0 && unlockpt(m_terminal) == 0;
     return isOpen ? QByteArray(ptsname(m_terminal)) : QByteArray();
+}
+
+/// From a shell that has the terminal and fetches the program into the foreground when it gets SIGUSR1.
+void SimulatorProgramTest::startInBackground(const QStringList& arguments)
+{
+    m_program = std::make_unique<QProcess>();
+    m_program->setProcessChannelMode(QProcess::MergedChannels);
+    m_program->setStandardInputFile(QString::fromLocal8Bit(m_input));
+    m_program->start("setsid",
+                     QStringList{"--ctty", "sh", "-c", "set -m; trap : USR1; \"$0\" \"$@\" & wait; fg",
+                                 QStringLiteral(SIMULATOR)} +
+                         arguments);
+}
+
+/// Whether the page is served.
+bool SimulatorProgramTest::answers()
+{
+    QTcpSocket client;
+    client.connectToHost(QStringLiteral("127.0.0.1"),
+                         m_output.section(panelLine, 1).section('/', 0, 0).toUShort());
+    client.write("GET / HTTP/1.0\r\nHost: 127.0.0.1\r\n\r\n");
+    return client.waitForConnected(patienceMs) && client.waitForReadyRead(answerPatienceMs);
 }
 
 void SimulatorProgramTest::type(const QByteArray& line)
@@ -273,6 +300,11 @@ void SimulatorProgramTest::wrongArgumentsAreExplained_data()
                                     << "\"moo\" is no port number.\n";
     QTest::newRow("a port too high") << QStringList({"--serve", "--port", "65536"})
                                      << "\"65536\" is no port number.\n";
+    QTest::newRow("a port and a blank")
+        << QStringList({"--serve", "--port", "80 "}) << "\"80 \" is no port number.\n";
+    QTest::newRow("a port with a sign")
+        << QStringList({"--serve", "--port", "+80"}) << "\"+80\" is no port number.\n";
+    QTest::newRow("an empty port") << QStringList({"--serve", "--port", ""}) << "\"\" is no port number.\n";
 }
 
 void SimulatorProgramTest::wrongArgumentsAreExplained()
@@ -344,6 +376,21 @@ void SimulatorProgramTest::aCrashDoesNotEndAServedDevice()
     QVERIFY(expectStatus(128 + SIGINT));
 }
 
+void SimulatorProgramTest::aCrashDuringTheScriptIsTold()
+{
+    m_input = openTerminal();
+    start({"--port", "0", write("## Begun\nwait 20000\n")});
+    QVERIFY(awaitOutput(QStringLiteral("Begun")));
+    QVERIFY(daemon() != 0);
+    QCOMPARE(kill(pid_t(daemon()), SIGKILL), 0);
+    QVERIFY(awaitOutput(QStringLiteral("\nThe daemon has ended with status 137.\n")));
+    QVERIFY(awaitOutput(panelLine));
+    QVERIFY(awaitOutput(QStringLiteral("\n> ")));
+    QVERIFY(answers());
+    type("quit\n");
+    QVERIFY(expectStatus(1));
+}
+
 void SimulatorProgramTest::aDaemonThatEndsBeforeItIsServedIsTold()
 {
     QCOMPARE(run({"--serve", "--no-demo", "--port", "0", "--daemon", "/bin/false"}), 2);
@@ -387,6 +434,19 @@ void SimulatorProgramTest::whatIsTypedAtTheTerminalIsDone()
     type("jump\n");
     QVERIFY(awaitOutput(QStringLiteral("\"jump\" is no keyword of a key script.\n> ")));
     type("quit\n");
+    QVERIFY(expectStatus(0));
+}
+
+void SimulatorProgramTest::whatIsTypedIsForTheForeground()
+{
+    m_input = openTerminal();
+    startInBackground({"--no-demo", "--port", "0"});
+    QVERIFY(awaitOutput(QStringLiteral("\n> ")));
+    type("quit\n");
+    // Long enough for a second look at the terminal.
+    QVERIFY(!m_program->waitForFinished(1500));
+    QVERIFY(answers());
+    QCOMPARE(kill(pid_t(m_program->processId()), SIGUSR1), 0);
     QVERIFY(expectStatus(0));
 }
 

@@ -118,6 +118,9 @@ private Q_SLOTS:
     void aReplayIsStopped();
     void theCardIsGiven();
     void theCardIsGivenInBraille();
+    void theSessionGoesOnWhileACardIsMade();
+    void restartsThatCannotBeAreExplained_data();
+    void restartsThatCannotBeAreExplained();
     void aDaemonThatEndsIsTold();
     void noEntryIsLostAndNoneComesTwice();
 
@@ -380,6 +383,57 @@ void PanelApiTest::theCardIsGivenInBraille()
     for (const QByteArray& line : reply.body.split('\n')) {
         QVERIFY2(line.trimmed().size() <= 40, line.constData());
     }
+}
+
+void PanelApiTest::theSessionGoesOnWhileACardIsMade()
+{
+    QByteArray states;
+    for (int number = 0; number < 30'000; ++number) {
+        states += "S" + QByteArray::number(number) + "|";
+    }
+    const QByteArray rows = R"({"LongKeys": [{"keys": ["Up"], "eAction": "X", "receiverService": "UserMenu",
+                                "timeout": 1000, "validOnState": ")" +
+                            states + R"("}]})";
+    QCOMPARE(post("/api/restart", restartBody(QStringLiteral("longKeyList.json"), rows, {})).status, 202);
+    QVERIFY(awaitReady());
+    HttpClient first(port());
+    HttpClient second(port());
+    qint64 longest = 0;
+    QElapsedTimer sinceTurn;
+    QTimer turns;
+    connect(&turns, &QTimer::timeout, this, [&] { longest = std::max(longest, sinceTurn.restart()); });
+    sinceTurn.start();
+    turns.start(0);
+    QElapsedTimer all;
+    all.start();
+    for (HttpClient* client : {&first, &second}) {
+        client->send("GET /api/card.brf HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(port()) +
+                     "\r\n\r\n");
+    }
+    const HttpReply reply = first.reply();
+    QCOMPARE(reply.status, 200);
+    QCOMPARE(second.reply().body, reply.body);
+    QVERIFY2(longest * 4 < all.elapsed(),
+             qPrintable(QStringLiteral("%1 of %2 ms").arg(longest).arg(all.elapsed())));
+}
+
+void PanelApiTest::restartsThatCannotBeAreExplained_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    const QByteArray name(500'000, 'x');
+    QTest::newRow("model") << R"({"model":")" + name + R"("})";
+    QTest::newRow("state") << R"({"state":")" + name + R"("})";
+    QTest::newRow("key list") << R"({"keyLists":{")" + name + R"(":"[]"}})";
+    QTest::newRow("key list that is no text") << R"({"keyLists":{")" + name + R"(":1}})";
+}
+
+void PanelApiTest::restartsThatCannotBeAreExplained()
+{
+    QFETCH(QByteArray, body);
+    const HttpReply reply = post("/api/restart", body);
+    QCOMPARE(reply.status, 400);
+    QVERIFY2(reply.error().contains(QStringLiteral("xxx ... ")), reply.body.left(shownOnFailure).constData());
+    QVERIFY(reply.error().size() < 500);
 }
 
 void PanelApiTest::aDaemonThatEndsIsTold()
