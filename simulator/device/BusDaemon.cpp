@@ -18,15 +18,14 @@ const QString denyOwnership = QStringLiteral(R"(
     <deny own="%1"/>
   </policy>)");
 
-// The simulating user stands in for root and for the users of the other services, whose policies are
-// installed with those services.
+// The simulating user stands in for the users of the other services, whose policies are installed with
+// those services.
 const QString standInPolicy = QStringLiteral(R"(
   <policy user="%1">
     <allow own="%2"/>
     <allow own="%3"/>
-    <allow own="%4"/>
+    <allow send_destination="%2"/>
     <allow send_destination="%3"/>
-    <allow send_destination="%4"/>
   </policy>)");
 
 const QString configuration = QStringLiteral(R"(<!DOCTYPE busconfig PUBLIC
@@ -56,23 +55,44 @@ const QString configuration = QStringLiteral(R"(<!DOCTYPE busconfig PUBLIC
 QString policies(DeviceOptions::NamePolicy namePolicy)
 {
     const QString keyboardHandler = ls::busName(ls::ServiceId::KeyboardHandler);
-    const QString standIns = standInPolicy.arg(QString::number(getuid()), keyboardHandler,
-                                               ls::busName(ls::ServiceId::StateHandler),
-                                               ls::busName(QStringLiteral("SpeechDaemon")));
+    const QString standIns =
+        standInPolicy.arg(QString::number(getuid()), ls::busName(ls::ServiceId::StateHandler),
+                          ls::busName(QStringLiteral("SpeechDaemon")));
     const bool deny = namePolicy == DeviceOptions::NamePolicy::DenyOwnership;
     return standIns + (deny ? denyOwnership.arg(keyboardHandler) : QString());
+}
+
+QString write(const QString& path, const QString& text)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) != -1 && file.flush()
+               ? QString()
+               : QStringLiteral("%1 cannot be written: %2").arg(path, file.errorString());
+}
+
+/// The rules as they are installed. This machine has neither the daemon's user nor the group of the services:
+/// the simulating user is in their place.
+QString writePolicy(const DeviceFolder& folder)
+{
+    QFile installed(QStringLiteral(KEYBOARD_HANDLER_BUS_POLICY));
+    if (!installed.open(QIODevice::ReadOnly)) {
+        return installed.fileName() + QStringLiteral(": ") + installed.errorString();
+    }
+    QString rules = QString::fromUtf8(installed.readAll());
+    rules.replace(QStringLiteral("user=\"" KEYBOARD_HANDLER_USER "\""),
+                  QStringLiteral("user=\"%1\"").arg(getuid()));
+    rules.replace(QStringLiteral("group=\"" KEYBOARD_HANDLER_SERVICE_GROUP "\""),
+                  QStringLiteral("group=\"%1\"").arg(getgid()));
+    return write(folder.busPolicy(), rules);
 }
 
 QString writeConfiguration(const DeviceFolder& folder, const QString& address,
                            DeviceOptions::NamePolicy namePolicy)
 {
-    QFile file(folder.busConfiguration());
-    const QString text =
-        configuration.arg(address, QStringLiteral(KEYBOARD_HANDLER_BUS_POLICY), policies(namePolicy));
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) == -1 || !file.flush()) {
-        return QStringLiteral("%1 cannot be written: %2").arg(file.fileName(), file.errorString());
-    }
-    return {};
+    const QString fault = writePolicy(folder);
+    return fault.isEmpty() ? write(folder.busConfiguration(),
+                                   configuration.arg(address, folder.busPolicy(), policies(namePolicy)))
+                           : fault;
 }
 
 } // namespace
