@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QStringList>
+
+/// Other programs, run to their end.
+namespace Command {
+
+struct Result
+{
+    /// -1 when the program could not be run or did not end.
+    int status = -1;
+    /// Standard output and standard error.
+    QString output;
+};
+
+Result run(const QString& program, const QStringList& arguments = {});
+/// Runs a line of the shell.
+Result shell(const QString& line);
+
+} // namespace Command

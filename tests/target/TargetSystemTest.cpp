@@ -1,0 +1,358 @@
+// SPDX-License-Identifier: MIT
+#include "tests/target/Command.h"
+#include "tests/target/TargetTest.h"
+
+#include "simulator/script/ObservationText.h"
+
+namespace {
+
+constexpr int patienceMs = 30'000;
+
+const QString registered = QStringLiteral("Successfully registered on DBus: \"com.vantre.KeyboardHandler\"");
+const QString deviceGone =
+    QStringLiteral("Keyboard::readEvents ERROR: Error reading from device /dev/input/event0: No such device");
+const QString cpuTime = QStringLiteral("CPUUsageNSec");
+
+QString statusLine(int process, const QString& name)
+{
+    return Command::shell(QStringLiteral("sed -n 's/^%1:\\s*//p' /proc/%2/status").arg(name).arg(process))
+        .output.simplified();
+}
+
+} // namespace
+
+/// The installed daemon under systemd, with the kernel's own keyboards: what scripts of keys alone do not
+/// show.
+class TargetSystemTest : public TargetTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theBootEndsWithAReadyDaemon();
+    void theDaemonHasNoPrivileges();
+    void actionsComeInTime_data();
+    void actionsComeInTime();
+    void aKeyHeldWhileTheDaemonStartsIsALongPress();
+    void aKeyHeldWhileTheDaemonStartsCountsWhenItIsReleased();
+    void aDeviceUnpluggedInAChordTakesNoKeyWithIt();
+    void aDaemonThatIsKilledComesBack();
+    void anAbsentSpeechDaemonIsDoneWithout();
+    void aFaultyKeyListIsLoggedAndTheOthersCount_data();
+    void aFaultyKeyListIsLoggedAndTheOthersCount();
+    void theDaemonWaitsForTheStateHandlerWithoutBurningTheProcessor();
+    void aSecondDaemonLeavesTheFirstItsName();
+    void aMissingGroupCostsTheReadinessOnly();
+    void aMissingUserIsMadeAgain();
+    void thePanelMayComeAfterTheDaemon();
+    void theDaemonStartsTheBusAndComesBackWithIt();
+    void thePackageIsPurgedAndInstalledAgain();
+
+private:
+    void verifyServing();
+};
+
+void TargetSystemTest::verifyServing()
+{
+    // What udev has the service manager do is asked for once it has settled, and done once there are no jobs.
+    QCOMPARE(Command::shell(QStringLiteral("udevadm settle")).status, 0);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        Command::shell(QStringLiteral("systemctl list-jobs --no-legend keyboard-handler.service"))
+                .output.isEmpty() &&
+            TargetDevice::isReady() && Unit::isActive(Unit::daemon),
+        patienceMs);
+    QVERIFY(nextKeyWorks(0));
+    QVERIFY(nextKeyWorks(1));
+}
+
+void TargetSystemTest::theBootEndsWithAReadyDaemon()
+{
+    QTRY_VERIFY_WITH_TIMEOUT(Unit::isActive(Unit::daemon), patienceMs);
+    QCOMPARE(Command::shell(QStringLiteral("systemctl --failed --no-legend")).output, QString());
+    QCOMPARE(Command::shell(QStringLiteral("journalctl -q -b -o cat _SYSTEMD_UNIT=keyboard-handler.service"))
+                 .output.trimmed(),
+             registered);
+    verifyServing();
+}
+
+void TargetSystemTest::theDaemonHasNoPrivileges()
+{
+    const int process = Unit::mainProcess(Unit::daemon);
+    const QString user = Command::shell(QStringLiteral("id -u keyboard-handler")).output.trimmed();
+    QCOMPARE(statusLine(process, QStringLiteral("Uid")), QStringList({user, user, user, user}).join(' '));
+    for (const char* set : {"CapInh", "CapPrm", "CapEff", "CapBnd", "CapAmb"}) {
+        QCOMPARE(statusLine(process, QLatin1String(set)), QStringLiteral("0000000000000000"));
+    }
+    QCOMPARE(statusLine(process, QStringLiteral("NoNewPrivs")), QStringLiteral("1"));
+    QCOMPARE(statusLine(process, QStringLiteral("Seccomp")), QStringLiteral("2"));
+}
+
+void TargetSystemTest::actionsComeInTime_data()
+{
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<QString>("announcement");
+    QTest::addColumn<int>("earliest");
+    QTest::newRow("at once") << "press Menu\nwait 50\nrelease Menu"
+                             << "SingleKey UserMenu - Menu" << 50;
+    QTest::newRow("a lone key") << "press Up\nwait 50\nrelease Up\nwait 2000"
+                                << "SingleKey UserMenu - Up" << 1550;
+    QTest::newRow("a long press") << "hold Help 3000\nwait 2000"
+                                  << "KeyDescription UserMenu - Help" << 2250;
+    QTest::newRow("a shortcut")
+        << "press Function\nwait 100\npress Up\nwait 100\nrelease Up\nrelease Function"
+        << "VolumeUp UserMenu - Function Up" << 100;
+    QTest::newRow("factory reset") << "hold FactoryReset 5500"
+                                   << "FactoryReset WwwApi - FactoryReset" << 5000;
+}
+
+void TargetSystemTest::actionsComeInTime()
+{
+    constexpr int lateness = 100; // the timer tick of the kernel's repetition, and the way over the bus
+    QFETCH(QString, steps);
+    QFETCH(QString, announcement);
+    QFETCH(int, earliest);
+    QVERIFY(restartDaemon());
+    play(parseKeyScriptSteps(steps).script);
+    const Observations observed = device().observations();
+    const auto found = std::find_if(observed.begin(), observed.end(), [&](const Observation& observation) {
+        return observation.text == "announce " + announcement;
+    });
+    QVERIFY(found != observed.end());
+    const int at = int(found->at.count());
+    QVERIFY2(at >= earliest && at <= earliest + lateness, qPrintable(QString::number(at)));
+}
+
+void TargetSystemTest::aKeyHeldWhileTheDaemonStartsIsALongPress()
+{
+    device().press(0, ls::KeyId::Help);
+    QVERIFY(restartDaemon());
+    // The time begins with the first repetition that the daemon sees.
+    QCOMPARE(playSteps(QStringLiteral("wait 2500\n"
+                                      "expect 1800 announce KeyDescription UserMenu - Help\n")),
+             QStringList());
+    device().release(0, ls::KeyId::Help);
+    QTest::qWait(2000);
+    QCOMPARE(playSteps(QStringLiteral("tap Up\n"
+                                      "expect +0 speak EmbosserCore 24\n"
+                                      "wait 1500\n"
+                                      "expect +0 announce SingleKey UserMenu KeyboardHandler Up\n")),
+             QStringList());
+}
+
+void TargetSystemTest::aKeyHeldWhileTheDaemonStartsCountsWhenItIsReleased()
+{
+    device().press(1, ls::KeyId::Up);
+    QVERIFY(restartDaemon());
+    QCOMPARE(playSteps(QStringLiteral("device 1\n"
+                                      "release Up\n"
+                                      "expect +0 speak EmbosserCore 24\n"
+                                      "wait 1500\n"
+                                      "expect +0 announce SingleKey UserMenu - Up\n")),
+             QStringList());
+}
+
+void TargetSystemTest::aDeviceUnpluggedInAChordTakesNoKeyWithIt()
+{
+    QVERIFY(restartDaemon());
+    device().press(0, ls::KeyId::Function);
+    QTest::qWait(100);
+    const int process = Unit::mainProcess(Unit::daemon);
+    QElapsedTimer clock;
+    clock.start();
+    device().unplug(0);
+    QTRY_VERIFY(!TargetDevice::isPlugged(0));
+    const auto isAnew = [process] {
+        const int now = Unit::mainProcess(Unit::daemon);
+        return now != 0 && now != process && Unit::isActive(Unit::daemon);
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(isAnew(), patienceMs + 15'000);
+    qInfo("the other device works again after %lld ms", static_cast<long long>(clock.elapsed()));
+    // The daemon was started anew without the device, and goes on with the other one.
+    QCOMPARE(logWith(deviceGone).first(), deviceGone);
+    device().restartObserving();
+    QCOMPARE(playSteps(QStringLiteral("device 1\n"
+                                      "tap Up\n"
+                                      "expect +0 speak EmbosserCore 24\n"
+                                      "wait 1500\n"
+                                      "expect +0 announce SingleKey UserMenu - Up\n")),
+             QStringList());
+    device().plug(0);
+    QTRY_VERIFY(TargetDevice::isPlugged(0));
+    verifyServing();
+}
+
+void TargetSystemTest::aDaemonThatIsKilledComesBack()
+{
+    QVERIFY(restartDaemon());
+    const int process = Unit::mainProcess(Unit::daemon);
+    Command::shell(QStringLiteral("kill -KILL %1").arg(process));
+    QTRY_VERIFY_WITH_TIMEOUT(!TargetDevice::isReady() || Unit::mainProcess(Unit::daemon) != process,
+                             patienceMs);
+    verifyServing();
+    QVERIFY(Unit::mainProcess(Unit::daemon) != process);
+}
+
+void TargetSystemTest::anAbsentSpeechDaemonIsDoneWithout()
+{
+    QVERIFY(restartDaemon());
+    QVERIFY(Unit::stop(Unit::speechDaemon));
+    QCOMPARE(playSteps(QStringLiteral("tap Up\n"
+                                      "expect +0 speak EmbosserCore 24\n" // sent, but to nobody
+                                      "wait 1500\n"
+                                      "expect +0 announce SingleKey UserMenu - Up\n")),
+             QStringList());
+    QVERIFY(Unit::start(Unit::speechDaemon));
+    QCOMPARE(playSteps(QStringLiteral("tap Up\n"
+                                      "expect +0 speak EmbosserCore 24\n"
+                                      "wait 1500\n"
+                                      "expect +0 announce SingleKey UserMenu KeyboardHandler Up\n")),
+             QStringList());
+}
+
+void TargetSystemTest::aFaultyKeyListIsLoggedAndTheOthersCount_data()
+{
+    const QString unreadable =
+        QStringLiteral("LongKey::load ERROR: reading \"/var/lib/keyboard-handler/longKeyList.json\" failed.");
+    const QString absent = QStringLiteral("LongKey::load ERROR: value list LongKeys not found!.");
+    const QString noList =
+        QStringLiteral("LongKey::load ERROR: value list LongKeys conversion to list failed!");
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QStringList>("log");
+    QTest::newRow("empty") << QByteArray() << QStringList{unreadable, absent};
+    QTest::newRow("a comma too much")
+        << QByteArray(R"({"LongKeys": [{"keys": ["Help"],}]})") << QStringList{unreadable, absent};
+    QTest::newRow("a misspelt section") << QByteArray(R"({"LongKey": []})") << QStringList{absent};
+    QTest::newRow("an object as list")
+        << QByteArray(R"({"LongKeys": {"keys": ["Help"]}})") << QStringList{noList};
+    QTest::newRow("fields of other types")
+        << QByteArray(R"({"LongKeys": [{"keys": "Help", "timeout": [], "validOnState": 7}, 3]})")
+        << QStringList();
+    QTest::newRow("20 MB") << QByteArray(20'000'000, ' ') << QStringList{unreadable, absent};
+}
+
+void TargetSystemTest::aFaultyKeyListIsLoggedAndTheOthersCount()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QStringList, log);
+    const QString file = QStringLiteral("longKeyList.json");
+    QVERIFY(restartDaemon());
+    QVERIFY(device().setKeyLists({{file, content}}));
+    device().restartObserving();
+    QVERIFY(Unit::restart(Unit::daemon));
+    log.prepend(registered);
+    QCOMPARE(logWith(log.last()), log);
+    QCOMPARE(playSteps(QStringLiteral("tap Help\n"
+                                      "expect +0 speak EmbosserCore 20\n"
+                                      "wait 100\n"
+                                      "tap Feed\n"
+                                      "expect +0 announce PaperStatus PrintManager - Help Feed\n"
+                                      "expect +0 speak EmbosserCore 19\n"
+                                      "wait 1600\n")),
+             QStringList());
+}
+
+void TargetSystemTest::theDaemonWaitsForTheStateHandlerWithoutBurningTheProcessor()
+{
+    constexpr qint64 mostWaitingCost =
+        500'000'000; // of the 10 s below, in ns; most of it goes into the start itself
+    const QString readiness = QStringLiteral("/run/service-watcher/state-handler");
+    QVERIFY(restartDaemon());
+    QVERIFY(QFile::remove(readiness));
+    QVERIFY(Unit::control({QStringLiteral("--no-block"), QStringLiteral("restart"), Unit::daemon}));
+    QTest::qWait(10'000);
+    QVERIFY(!TargetDevice::isReady());
+    QCOMPARE(Unit::property(Unit::daemon, QStringLiteral("ActiveState")), QStringLiteral("activating"));
+    const qint64 used = Unit::property(Unit::daemon, cpuTime).toLongLong();
+    QVERIFY2(used < mostWaitingCost, qPrintable(QString::number(used)));
+    QVERIFY(Unit::restart(Unit::stateHandler));
+    verifyServing();
+}
+
+void TargetSystemTest::aSecondDaemonLeavesTheFirstItsName()
+{
+    QVERIFY(restartDaemon());
+    const QString owner =
+        Command::shell(QStringLiteral("busctl status com.vantre.KeyboardHandler | sed -n s/^PID=//p"))
+            .output.trimmed();
+    QCOMPARE(owner.toInt(), Unit::mainProcess(Unit::daemon));
+    const QString output =
+        Command::shell(QStringLiteral("runuser -u keyboard-handler -G embosser-services -- "
+                                      "timeout 5 /usr/sbin/keyboard-handler </dev/null 2>&1 | head -1"))
+            .output.trimmed();
+    QCOMPARE(output, QStringLiteral("Unable to register Service: Service-name already in use."));
+    QCOMPARE(Command::shell(QStringLiteral("busctl status com.vantre.KeyboardHandler | sed -n s/^PID=//p"))
+                 .output.trimmed(),
+             owner);
+    verifyServing();
+}
+
+void TargetSystemTest::aMissingGroupCostsTheReadinessOnly()
+{
+    QCOMPARE(Command::shell(QStringLiteral("groupdel embosser-services")).status, 0);
+    QVERIFY(restartDaemon() || Unit::isActive(Unit::daemon));
+    QVERIFY(!TargetDevice::isReady());
+    QVERIFY(nextKeyWorks());
+    QCOMPARE(
+        Command::shell(QStringLiteral("systemd-sysusers && systemd-tmpfiles --create && "
+                                      "busctl call org.freedesktop.DBus / org.freedesktop.DBus ReloadConfig"))
+            .status,
+        0);
+    QVERIFY(restartDaemon());
+    verifyServing();
+}
+
+void TargetSystemTest::aMissingUserIsMadeAgain()
+{
+    QVERIFY(Unit::stop(Unit::daemon));
+    QCOMPARE(Command::shell(QStringLiteral("userdel keyboard-handler")).status, 0);
+    QVERIFY(!restartDaemon());
+    QVERIFY(!Unit::isActive(Unit::daemon));
+    // What the next boot does by itself.
+    QCOMPARE(Command::shell(
+                 QStringLiteral("systemd-sysusers && "
+                                "busctl call org.freedesktop.DBus / org.freedesktop.DBus ReloadConfig && "
+                                "udevadm trigger --action=change --subsystem-match=input --settle"))
+                 .status,
+             0);
+    QVERIFY(restartDaemon());
+    verifyServing();
+}
+
+void TargetSystemTest::thePanelMayComeAfterTheDaemon()
+{
+    QVERIFY(Unit::stop(Unit::panel));
+    QTRY_VERIFY(!TargetDevice::isPlugged(0) && !TargetDevice::isPlugged(1));
+    // Without a panel the daemon starts all the same, after 30 s.
+    QElapsedTimer clock;
+    clock.start();
+    QVERIFY(restartDaemon());
+    QVERIFY2(clock.elapsed() < 40'000, qPrintable(QString::number(clock.elapsed())));
+    QVERIFY(Unit::start(Unit::panel));
+    QVERIFY(reconnect());
+    verifyServing();
+}
+
+void TargetSystemTest::theDaemonStartsTheBusAndComesBackWithIt()
+{
+    QVERIFY(Unit::control(
+        {QStringLiteral("stop"), QStringLiteral("dbus.socket"), QStringLiteral("dbus.service")}));
+    QVERIFY(!Unit::isActive(Unit::daemon));
+    QVERIFY(!TargetDevice::isReady());
+    QVERIFY(Unit::start(Unit::daemon));
+    QVERIFY(reconnect());
+    verifyServing();
+}
+
+void TargetSystemTest::thePackageIsPurgedAndInstalledAgain()
+{
+    QCOMPARE(Command::shell(QStringLiteral("dpkg --purge keyboard-handler")).status, 0);
+    QVERIFY(!QFile::exists(QStringLiteral("/usr/sbin/keyboard-handler")));
+    QVERIFY(!QFile::exists(QStringLiteral("/run/service-watcher/keyboard-handler")));
+    QCOMPARE(Unit::mainProcess(Unit::daemon), 0);
+    const auto installed = Command::shell(
+        QStringLiteral("dpkg --install /usr/lib/keyboard-handler-tests/packages/keyboard-handler.deb"));
+    QVERIFY2(installed.status == 0, qPrintable(installed.output));
+    verifyServing();
+}
+
+QTEST_GUILESS_MAIN(TargetSystemTest)
+#include "TargetSystemTest.moc"

@@ -1,0 +1,7 @@
+# SPDX-License-Identifier: MIT
+# shellcheck shell=sh
+# Sourced: as_root COMMAND... runs a command as root.
+
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
