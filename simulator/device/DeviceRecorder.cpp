@@ -4,13 +4,6 @@
 #include "simulator/device/SimulatedDevice.h"
 #include "simulator/script/ObservationText.h"
 
-namespace {
-
-/// More than any script can expect; so many need some ten megabytes.
-constexpr int mostObservations = 200'000;
-
-} // namespace
-
 DeviceRecorder::DeviceRecorder(SimulatedDevice& device, QObject* parent) : QObject(parent)
 {
     restart();
@@ -43,7 +36,7 @@ std::chrono::milliseconds DeviceRecorder::elapsed() const
 void DeviceRecorder::add(const QString& text)
 {
     const Observation observation{elapsed(), text};
-    if (m_observations.size() < mostObservations) {
+    if (m_observations.size() < m_limit) {
         m_observations.append(observation);
     }
     Q_EMIT observed(observation);

@@ -6,6 +6,8 @@
 #include <QElapsedTimer>
 #include <QObject>
 
+#include <limits>
+
 class SimulatedDevice;
 
 /// Keeps what a simulated device's daemon does, as the observations that a key script can expect.
@@ -20,7 +22,9 @@ public:
     /// Forgets what was seen and counts the time from now.
     void restart();
 
-    /// The first 200,000 of them.
+    /// Keeps no more than the first `observations`; without a limit at first.
+    void setLimit(int observations) { m_limit = observations; }
+
     const Observations& observations() const { return m_observations; }
     std::chrono::milliseconds elapsed() const;
 
@@ -30,6 +34,7 @@ Q_SIGNALS:
 private:
     void add(const QString& text);
 
+    int m_limit = std::numeric_limits<int>::max();
     Observations m_observations;
     QElapsedTimer m_clock;
 };

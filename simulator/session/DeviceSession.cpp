@@ -21,6 +21,8 @@ constexpr int mostPendingSteps = 1000;
 constexpr int longestStatements = 64 * 1024;
 constexpr qint64 mostPendingInput = 256 * 1024;
 constexpr int longestReplay = 20'000;
+/// More than any script can expect; so many need some ten megabytes.
+constexpr int mostObservations = 200'000;
 constexpr int mostDifferences = 1000;
 constexpr int longestDifference = 500;
 constexpr int nobody = 0;
@@ -387,6 +389,7 @@ void DeviceSession::watchRecording()
 void DeviceSession::beginReplay()
 {
     m_replay->observer = std::make_unique<DeviceRecorder>(*m_device);
+    m_replay->observer->setLimit(mostObservations);
     m_steps.play(m_replay->script, replayClient);
     add({{typeKey, QStringLiteral("replay")},
          {statusKey, QStringLiteral("playing")},
