@@ -332,7 +332,6 @@ void DeviceSession::report(const QString& status)
         entry.insert(QStringLiteral("reason"), m_reason);
     }
     add(entry);
-    Q_EMIT statusChanged();
 }
 
 QString DeviceSession::whyNotNow() const

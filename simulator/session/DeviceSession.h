@@ -44,7 +44,7 @@ public:
     explicit DeviceSession(const DeviceOptions& options, QObject* parent = nullptr);
     ~DeviceSession() override;
 
-    /// Starts the device; `statusChanged` tells what comes of it.
+    /// Starts the device; the entries of the type "device" tell what comes of it.
     void start();
     /// Makes the device, its bus and its daemon anew; keys, pending statements and a replay are given up.
     /// Returns a sentence when the changes name something that there is not, and does nothing then.
@@ -89,7 +89,6 @@ Q_SIGNALS:
     /// Something happened. `entry` has an "id", which counts up over the whole session, and the milliseconds
     /// since the device was started as "at".
     void added(const QJsonObject& entry);
-    void statusChanged();
 
 private:
     struct Replay
@@ -103,7 +102,6 @@ private:
     void apply(const Changes& changes);
     void beginStart();
     void build();
-    void connectDevice();
     void awaitReadiness();
     void becomeReady();
     void onDaemonExited(int status);
