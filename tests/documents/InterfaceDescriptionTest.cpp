@@ -89,7 +89,7 @@ void InterfaceDescriptionTest::eachMemberAndArgumentIsExplained()
 
 QString InterfaceDescriptionTest::description()
 {
-    QFile file(QStringLiteral(PROJECT_FOLDER "/data/com.vantre.KeyboardHandler.xml"));
+    QFile file(QStringLiteral(INTERFACE_DESCRIPTION));
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
