@@ -1,9 +1,10 @@
 # shellcheck shell=sh
 # SPDX-License-Identifier: MIT
 # What the package tests share. Each test works in a Debian root of its own, a copy of one that is made once and kept in
-# the folder KEYBOARD_HANDLER_CACHE. Usage: set source to the source folder, then include this file.
+# the cache folder. Usage: set source to the source folder, then include this file.
 : "${source:?}"
-cache=${KEYBOARD_HANDLER_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/keyboard-handler}
+# shellcheck source-path=SCRIPTDIR source=../../tools/cache.sh
+. "$source/tools/cache.sh"
 packages=$source/build/packages
 native=$(dpkg --print-architecture)
 
@@ -26,34 +27,15 @@ dependencies() {
     done | sed 's/|.*//; s/([^)]*)//; s/ //g' | grep -vx keyboard-handler | sort -u
 }
 
-# The archive that this machine installs its own packages from.
-archive() {
-    # shellcheck disable=SC2016
-    apt-get indextargets --format '$(REPO_URI) $(RELEASE)' 'Created-By: Packages' |
-        sed -n 's/ bookworm$//p' | head -n 1
-}
-
-# make_root ARCHIVE_FILE PACKAGE,...
-make_root() {
-    rm -f "$cache"/package-root-*.tar
-    mmdebstrap --quiet --mode=root --variant=essential --include="$2" --aptopt='APT::Install-Recommends "false"' \
-        bookworm "$cache/new-root.tar" \
-        "deb [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $(archive) bookworm main" 2>"$1.log" ||
-        fail "$(cat "$1.log")"
-    rm "$1.log"
-    mv "$cache/new-root.tar" "$1"
-}
-
-# A root for this test, as $root; it goes with the test.
+# A folder for the root of this test, as $root; it goes with the test.
 new_root() {
     [ "$(id -u)" -eq 0 ] || fail "roots with users of their own are made by root"
-    wanted=$(printf 'udev,dbus,' && dependencies | paste -sd, -)
-    image=$cache/package-root-$(printf '%s' "$wanted bookworm $native" | sha256sum | cut -c 1-16).tar
     mkdir -p "$cache"
-    (
-        flock 9
-        [ -f "$image" ] || make_root "$image" "$wanted"
-    ) 9>"$cache/package-root.lock"
+    # Until it is copied.
+    exec 9>"$cache/package-root.lock"
+    flock 9
+    # shellcheck disable=SC2046
+    "$source/tests/package/image" $(dependencies)
     folder=$(mktemp -d)
     trap 'remove_root' EXIT
     root=$folder/root
@@ -62,7 +44,8 @@ new_root() {
 
 # fill_root: puts the Debian root into $root, which may be a file system of its own by now.
 fill_root() {
-    tar -xf "$image" -C "$root" --numeric-owner --exclude './dev/*'
+    cp -a "$cache/package-root/." "$root"
+    exec 9>&-
 }
 
 remove_root() {
