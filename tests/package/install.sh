@@ -31,3 +31,11 @@ expect "" in_root systemd-analyze verify --man=no /lib/systemd/system/keyboard-h
 in_root systemd-analyze security --offline=yes --threshold=7 keyboard-handler.service >"$folder/security" ||
     fail "the unit is too open: $(tail -n 1 "$folder/security")"
 expect "" in_root systemd-tmpfiles --create keyboard-handler.conf
+
+# An image builder without /proc: what cannot be made there is made by the next boot.
+in_root dpkg --purge keyboard-handler >/dev/null
+in_root sh -c 'mount -t tmpfs none /proc && dpkg --install /mnt/package.deb' >"$folder/dpkg.log" 2>&1 ||
+    fail "$(cat "$folder/dpkg.log")"
+expect "ii 1.0.3-1" installed_version
+expect "" in_root systemd-tmpfiles --create keyboard-handler.conf
+in_root test -f /var/lib/keyboard-handler/longKeyList.json || fail "the boot did not make up for it"

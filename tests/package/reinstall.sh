@@ -35,3 +35,12 @@ in_root test -d /run/service-watcher || fail "the folder of the service watcher 
 in_root systemctl --quiet disable keyboard-handler.service 2>/dev/null
 install "$package"
 expect "disabled" in_root sh -c 'systemctl is-enabled keyboard-handler.service || true'
+
+# A folder that cannot be made is no silent fault: the daemon would find no key lists.
+in_root sh -c 'rm -rf /var/lib/keyboard-handler && touch /var/lib/keyboard-handler'
+! install "$package" 2>"$folder/refusal" || fail "the missing folder was passed over"
+grep -q "/var/lib/keyboard-handler.* is not a directory" "$folder/refusal" || fail "$(cat "$folder/refusal")"
+in_root rm /var/lib/keyboard-handler
+in_root dpkg --configure keyboard-handler >/dev/null
+expect "ii 1.0.3-1" installed_version
+expect "$edited" in_root cat /var/lib/keyboard-handler/longKeyList.json
