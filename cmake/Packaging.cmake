@@ -60,7 +60,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "qtbase5-dev, libsystemd-dev")
 
 if(KEYBOARD_HANDLER_SIMULATOR)
   debian_package(simulator keyboard-handler-simulator devel "simulated braille embosser with front-panel keys"
-    "Plays key scripts on a simulated device around the unchanged key daemon, and\nshows what the daemon announces and has spoken.")
-  set(CPACK_DEBIAN_SIMULATOR_PACKAGE_DEPENDS "${program_libraries}keyboard-handler ${same_version}, bubblewrap, dbus-daemon")
+    "Plays key scripts on a simulated device around the unchanged key daemon, and\nshows what the daemon announces and has spoken. Its front panel is a page for a\nbrowser.")
+  set(CPACK_DEBIAN_SIMULATOR_PACKAGE_DEPENDS "${program_libraries}keyboard-handler ${same_version}, bubblewrap, dbus-daemon, liblouis-data")
 endif()
 include(CPack)
