@@ -13,12 +13,6 @@ const QString deviceGone =
     QStringLiteral("Keyboard::readEvents ERROR: Error reading from device /dev/input/event0: No such device");
 const QString cpuTime = QStringLiteral("CPUUsageNSec");
 
-QString statusLine(int process, const QString& name)
-{
-    return Command::shell(QStringLiteral("sed -n 's/^%1:\\s*//p' /proc/%2/status").arg(name).arg(process))
-        .output.simplified();
-}
-
 } // namespace
 
 /// The installed daemon under systemd, with the kernel's own keyboards: what scripts of keys alone do not
@@ -29,7 +23,6 @@ class TargetSystemTest : public TargetTest
 
 private Q_SLOTS:
     void theBootEndsWithAReadyDaemon();
-    void theDaemonHasNoPrivileges();
     void actionsComeInTime_data();
     void actionsComeInTime();
     void aKeyHeldWhileTheDaemonStartsIsALongPress();
@@ -72,18 +65,6 @@ void TargetSystemTest::theBootEndsWithAReadyDaemon()
                  .output.trimmed(),
              registered);
     verifyServing();
-}
-
-void TargetSystemTest::theDaemonHasNoPrivileges()
-{
-    const int process = Unit::mainProcess(Unit::daemon);
-    const QString user = Command::shell(QStringLiteral("id -u keyboard-handler")).output.trimmed();
-    QCOMPARE(statusLine(process, QStringLiteral("Uid")), QStringList({user, user, user, user}).join(' '));
-    for (const char* set : {"CapInh", "CapPrm", "CapEff", "CapBnd", "CapAmb"}) {
-        QCOMPARE(statusLine(process, QLatin1String(set)), QStringLiteral("0000000000000000"));
-    }
-    QCOMPARE(statusLine(process, QStringLiteral("NoNewPrivs")), QStringLiteral("1"));
-    QCOMPARE(statusLine(process, QStringLiteral("Seccomp")), QStringLiteral("2"));
 }
 
 void TargetSystemTest::actionsComeInTime_data()
