@@ -13,6 +13,13 @@ const QString deviceGone =
     QStringLiteral("Keyboard::readEvents ERROR: Error reading from device /dev/input/event0: No such device");
 const QString cpuTime = QStringLiteral("CPUUsageNSec");
 
+/// Whether another process than `process` serves as the daemon.
+bool isAnew(int process)
+{
+    const int now = Unit::mainProcess(Unit::daemon);
+    return now != 0 && now != process && Unit::isActive(Unit::daemon);
+}
+
 } // namespace
 
 /// The installed daemon under systemd, with the kernel's own keyboards: what scripts of keys alone do not
@@ -28,7 +35,9 @@ private Q_SLOTS:
     void aKeyHeldWhileTheDaemonStartsIsALongPress();
     void aKeyHeldWhileTheDaemonStartsCountsWhenItIsReleased();
     void aDeviceUnpluggedInAChordTakesNoKeyWithIt();
+    void aLooseContactDoesNotEndTheService();
     void aDaemonThatIsKilledComesBack();
+    void aDaemonThatEndsAllTheTimeIsGivenUp();
     void anAbsentSpeechDaemonIsDoneWithout();
     void aFaultyKeyListIsLoggedAndTheOthersCount_data();
     void aFaultyKeyListIsLoggedAndTheOthersCount();
@@ -141,11 +150,7 @@ void TargetSystemTest::aDeviceUnpluggedInAChordTakesNoKeyWithIt()
     clock.start();
     device().unplug(0);
     QTRY_VERIFY(!TargetDevice::isPlugged(0));
-    const auto isAnew = [process] {
-        const int now = Unit::mainProcess(Unit::daemon);
-        return now != 0 && now != process && Unit::isActive(Unit::daemon);
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(isAnew(), patienceMs + 15'000);
+    QTRY_VERIFY_WITH_TIMEOUT(isAnew(process), patienceMs + 15'000);
     qInfo("the other device works again after %lld ms", static_cast<long long>(clock.elapsed()));
     // The daemon was started anew without the device, and goes on with the other one.
     QCOMPARE(logWith(deviceGone).first(), deviceGone);
@@ -161,6 +166,20 @@ void TargetSystemTest::aDeviceUnpluggedInAChordTakesNoKeyWithIt()
     verifyServing();
 }
 
+void TargetSystemTest::aLooseContactDoesNotEndTheService()
+{
+    constexpr int contacts = 12; // more than the starts that the unit is granted in a minute
+    QVERIFY(restartDaemon());
+    for (int contact = 0; contact < contacts; ++contact) {
+        const int process = Unit::mainProcess(Unit::daemon);
+        QCOMPARE(
+            Command::shell(QStringLiteral("udevadm trigger --action=add --name-match=input/event0")).status,
+            0);
+        QTRY_VERIFY_WITH_TIMEOUT(isAnew(process), patienceMs);
+    }
+    verifyServing();
+}
+
 void TargetSystemTest::aDaemonThatIsKilledComesBack()
 {
     QVERIFY(restartDaemon());
@@ -170,6 +189,20 @@ void TargetSystemTest::aDaemonThatIsKilledComesBack()
                              patienceMs);
     verifyServing();
     QVERIFY(Unit::mainProcess(Unit::daemon) != process);
+}
+
+void TargetSystemTest::aDaemonThatEndsAllTheTimeIsGivenUp()
+{
+    QVERIFY(restartDaemon());
+    const auto isGivenUp = [] {
+        Unit::control({QStringLiteral("kill"), QStringLiteral("--signal=KILL"),
+                       QStringLiteral("--kill-whom=main"), Unit::daemon});
+        return Unit::property(Unit::daemon, QStringLiteral("ActiveState")) == QLatin1String("failed");
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(isGivenUp(), 2 * patienceMs);
+    QVERIFY(!TargetDevice::isReady());
+    QVERIFY(Unit::restart(Unit::daemon));
+    verifyServing();
 }
 
 void TargetSystemTest::anAbsentSpeechDaemonIsDoneWithout()
