@@ -54,6 +54,7 @@ private Q_SLOTS:
     void linkedFilesExist_data();
     void linkedFilesExist();
     void scriptsThatShowTheBehaviourExist();
+    void testsOfTheFaultsExist();
     void linesOfTheReadmeAreStatements_data();
     void linesOfTheReadmeAreStatements();
 };
@@ -86,6 +87,23 @@ void ReferencesTest::scriptsThatShowTheBehaviourExist()
     QVERIFY(groups.size() > 1);
     for (const QString& name : matches(groups.join(' '), "`([a-z0-9-]+)`")) {
         QVERIFY2(scripts.exists(name + QStringLiteral(".keys")), qPrintable(name));
+    }
+}
+
+void ReferencesTest::testsOfTheFaultsExist()
+{
+    const QDir scripts(projectPath(QStringLiteral("tests/package")));
+    const QDir programs(projectPath(QStringLiteral("tests/target")));
+    QString sources;
+    for (const QString& name : programs.entryList({QStringLiteral("*.cpp")})) {
+        sources += textOf(programs.filePath(name));
+    }
+    const QStringList rows = matches(textOf(projectPath(QStringLiteral("docs/faults.md"))), "\n\\| (.+) \\|");
+    QVERIFY(rows.size() > 1);
+    for (const QString& row : rows) {
+        for (const QString& name : matches(row.section('|', -1), "`([^`]+)`")) {
+            QVERIFY2(scripts.exists(name) || sources.contains("::" + name + "()"), qPrintable(name));
+        }
     }
 }
 
