@@ -194,13 +194,23 @@ void TargetSystemTest::aDaemonThatIsKilledComesBack()
 void TargetSystemTest::aDaemonThatEndsAllTheTimeIsGivenUp()
 {
     QVERIFY(restartDaemon());
-    const auto isGivenUp = [] {
+    const auto hasFailed = [] {
+        return Unit::property(Unit::daemon, QStringLiteral("ActiveState")) == QLatin1String("failed");
+    };
+    const auto isGivenUp = [&] {
         Unit::control({QStringLiteral("kill"), QStringLiteral("--signal=KILL"),
                        QStringLiteral("--kill-whom=main"), Unit::daemon});
-        return Unit::property(Unit::daemon, QStringLiteral("ActiveState")) == QLatin1String("failed");
+        return hasFailed();
     };
     QTRY_VERIFY_WITH_TIMEOUT(isGivenUp(), 2 * patienceMs);
     QVERIFY(!TargetDevice::isReady());
+    // It stays so, for all to see, whatever is done to the panel.
+    device().unplug(0);
+    QTRY_VERIFY(!TargetDevice::isPlugged(0));
+    device().plug(0);
+    QTRY_VERIFY(TargetDevice::isPlugged(0));
+    QCOMPARE(Command::shell(QStringLiteral("udevadm settle")).status, 0);
+    QVERIFY(hasFailed());
     QVERIFY(Unit::restart(Unit::daemon));
     verifyServing();
 }
