@@ -13,6 +13,13 @@ case $all in
 *) fail "the check finds nothing where there is something" ;;
 esac
 
-for file in "$packages"/*.deb; do
-    lintian --allow-root --fail-on error,warning "$file"
+for arch in "$native" armhf; do
+    set -- "$packages"/*_"$arch".deb
+    [ -f "$1" ] || fail "no packages for $arch: run tools/package --arch $arch"
+    lintian --allow-root --fail-on error,warning "$@"
+    # Libraries lie in the folder of their architecture.
+    place=./usr/lib/$(dpkg-architecture -a "$arch" -q DEB_HOST_MULTIARCH)/
+    libraries=$(dpkg-deb -c "$packages/keyboard-handler-dev"_*_"$arch".deb | awk '/\.a$/ { print $NF }')
+    [ -n "$libraries" ] || fail "no libraries for $arch"
+    ! echo "$libraries" | grep -vF "$place" || fail "not in $place"
 done
