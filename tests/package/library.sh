@@ -6,6 +6,8 @@
 # shellcheck source-path=SCRIPTDIR source=../../tools/cache.sh
 . "$source/tools/cache.sh"
 packages=$source/build/packages
+# Roots with users of their own are made by root.
+[ "$(id -u)" -eq 0 ] || exec sudo KEYBOARD_HANDLER_CACHE="$cache" "$0" "$@"
 native=$(dpkg --print-architecture)
 
 fail() {
@@ -29,7 +31,6 @@ dependencies() {
 
 # A folder for the root of this test, as $root; it goes with the test.
 new_root() {
-    [ "$(id -u)" -eq 0 ] || fail "roots with users of their own are made by root"
     mkdir -p "$cache"
     # Until it is copied.
     exec 9>"$cache/package-root.lock"
