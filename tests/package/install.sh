@@ -9,8 +9,8 @@ source=$1
 new_root
 fill_root
 install "$(package keyboard-handler)"
-expect "ii 1.0.3-1" installed_version
-expect "keyboard-handler 1.0.3" program_version
+expect "ii $version" installed_version
+expect "keyboard-handler ${version%-*}" program_version
 expect "" in_root dpkg --verify keyboard-handler
 
 # The daemon's user is in the services' group and in no other, and has no way to log in.
@@ -37,6 +37,6 @@ expect "" in_root systemd-tmpfiles --create keyboard-handler.conf
 in_root dpkg --purge keyboard-handler >/dev/null
 in_root sh -c 'mount -t tmpfs none /proc && dpkg --install /mnt/package.deb' >"$folder/dpkg.log" 2>&1 ||
     fail "$(cat "$folder/dpkg.log")"
-expect "ii 1.0.3-1" installed_version
+expect "ii $version" installed_version
 expect "" in_root systemd-tmpfiles --create keyboard-handler.conf
 in_root test -f /var/lib/keyboard-handler/longKeyList.json || fail "the boot did not make up for it"

@@ -22,6 +22,10 @@ package() {
     echo "$1"
 }
 
+# That of the package, and one that comes after it.
+# shellcheck disable=SC2034
+version=$(dpkg-deb -f "$(package keyboard-handler)" Version) newer_version=$version+1
+
 # The packages that ours depend on, of alternatives the first one.
 dependencies() {
     for name in keyboard-handler keyboard-handler-simulator; do

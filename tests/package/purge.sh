@@ -30,7 +30,7 @@ in_root sh -c 'echo {} >/etc/keyboard-handler/longKeyList.json
     echo {} >/var/lib/keyboard-handler/modifierKeyList.json
     touch /run/service-watcher/keyboard-handler'
 # shellcheck disable=SC2016
-install "$(newer_package 1.0.4-1 'echo >>etc/keyboard-handler/longKeyList.json')"
+install "$(newer_package "$newer_version" 'echo >>etc/keyboard-handler/longKeyList.json')"
 in_root dpkg --remove keyboard-handler >/dev/null
 in_root test -f /etc/keyboard-handler/longKeyList.json || fail "the removal took the configuration files"
 in_root dpkg --purge keyboard-handler >/dev/null

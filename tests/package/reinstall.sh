@@ -42,5 +42,5 @@ in_root sh -c 'rm -rf /var/lib/keyboard-handler && touch /var/lib/keyboard-handl
 grep -q "/var/lib/keyboard-handler.* is not a directory" "$folder/refusal" || fail "$(cat "$folder/refusal")"
 in_root rm /var/lib/keyboard-handler
 in_root dpkg --configure keyboard-handler >/dev/null
-expect "ii 1.0.3-1" installed_version
+expect "ii $version" installed_version
 expect "$edited" in_root cat /var/lib/keyboard-handler/longKeyList.json

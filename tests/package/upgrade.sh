@@ -16,8 +16,8 @@ in_root sh -c "echo '$edited' >/etc/keyboard-handler/longKeyList.json"
 in_root sh -c "rm /var/lib/keyboard-handler/shortcutKeyList.json; echo '$own' >/var/lib/keyboard-handler/shortcutKeyList.json"
 
 # shellcheck disable=SC2016
-install "$(newer_package 1.0.4-1 'for list in etc/keyboard-handler/*; do echo >>$list; done')"
-expect "ii 1.0.4-1" installed_version
+install "$(newer_package "$newer_version" 'for list in etc/keyboard-handler/*; do echo >>$list; done')"
+expect "ii $newer_version" installed_version
 
 # A list that was edited is kept, and the new one lies beside it.
 expect "$edited" in_root cat /var/lib/keyboard-handler/longKeyList.json
@@ -30,5 +30,5 @@ in_root cmp /var/lib/keyboard-handler/modifierKeyList.json /etc/keyboard-handler
 
 # And back to the older version.
 install "$(package keyboard-handler)"
-expect "ii 1.0.3-1" installed_version
+expect "ii $version" installed_version
 expect "$edited" in_root cat /var/lib/keyboard-handler/longKeyList.json
