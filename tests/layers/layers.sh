@@ -3,7 +3,6 @@
 # Checks that includes run downwards only. Usage: layers.sh SOURCE_FOLDER
 set -u
 cd "$1" || exit 2
-daemon="app service input keys device console"
 broken=0
 
 # forbid REASON PATTERN FOLDER...: no include in these folders may match the pattern.
@@ -24,7 +23,8 @@ if ! grep -rqE '^ *# *include *[<"](QDBus)' --include='*.cpp' platform; then
 fi
 
 forbid "the platform knows nothing of the daemon" "(app|service|input|keys|device|console|simulator|tests)/" platform
-forbid "the daemon knows nothing of the simulator and the tests" "(simulator|tests)/" $daemon
+forbid "the daemon knows nothing of the simulator and the tests" "(simulator|tests)/" \
+    app service input keys device console
 forbid "the bus is for service/ and platform/" "QDBus|QtDBus" app input keys device console
 forbid "input records are for input/ and platform/ls/" "linux/input" app service keys device console \
     platform/vantre platform/servicewatcher platform/speech platform/translation platform/configurationmanager
