@@ -1,6 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The manual pages are well formed, and tell of all keys and states. Usage: manual.sh PAGES_FOLDER IDENTIFIERS_HEADER
+# The manual pages are well formed, tell of all keys and states, and are pages for the web that need nothing else.
+# Usage: manual.sh PAGES_FOLDER IDENTIFIERS_HEADER
 set -eu
 pages=$1 identifiers=$2
 faults=0
@@ -9,6 +10,13 @@ faults=0
 found=$(mandoc -T lint "$pages"/*.[1-8] 2>/dev/null | grep -v "referenced manual not found" || true)
 if [ -n "$found" ]; then
     echo "$found"
+    faults=1
+fi
+
+for page in "$pages"/*.[1-8]; do
+    [ -s "$page.html" ] || { echo "there is no $page.html" && faults=1; }
+done
+if grep -HoE '(href|src)="[^"#:]+"' "$pages"/*.html; then
     faults=1
 fi
 
