@@ -119,6 +119,19 @@ bool TargetTest::nextKeyWorks(int inputDevice)
         patienceMs);
 }
 
+void TargetTest::verifyServing()
+{
+    // What udev has the service manager do is asked for once it has settled, and done once there are no jobs.
+    QCOMPARE(Command::shell(QStringLiteral("udevadm settle")).status, 0);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        Command::shell(QStringLiteral("systemctl list-jobs --no-legend keyboard-handler.service"))
+                .output.isEmpty() &&
+            TargetDevice::isReady() && Unit::isActive(Unit::daemon),
+        patienceMs);
+    QVERIFY(nextKeyWorks(0));
+    QVERIFY(nextKeyWorks(1));
+}
+
 void TargetTest::cleanup()
 {
     if (!QTest::currentTestFailed()) {

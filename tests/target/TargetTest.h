@@ -37,6 +37,9 @@ protected:
     QStringList logWith(const QString& part);
     /// Whether the daemon serves: the next press of Menu is announced to the user menu. In Idle only.
     bool nextKeyWorks(int inputDevice = 0);
+    /// Waits until nothing is about to happen to the daemon, then verifies that both devices work. In Idle
+    /// only.
+    void verifyServing();
 
 private Q_SLOTS:
     void initTestCase();
