@@ -104,6 +104,6 @@ program_version() {
 expect() {
     expected=$1
     shift
-    actual=$("$@") || fail "$* ended with status $?"
+    actual=$("$@") || fail "$* ended with status $?: $actual"
     [ "$actual" = "$expected" ] || fail "$*: expected '$expected', got '$actual'"
 }
