@@ -4,11 +4,16 @@
 
 #include "simulator/script/ObservationText.h"
 
+#include <ls/BusNames.h>
+
+#include <QProcess>
+
 namespace {
 
 constexpr int patienceMs = 30'000;
 
-const QString registered = QStringLiteral("Successfully registered on DBus: \"com.vantre.KeyboardHandler\"");
+const QString busName = ls::busName(ls::ServiceId::KeyboardHandler);
+const QString registered = QStringLiteral("Successfully registered on DBus: \"%1\"").arg(busName);
 const QString deviceGone =
     QStringLiteral("Keyboard::readEvents ERROR: Error reading from device /dev/input/event0: No such device");
 const QString cpuTime = QStringLiteral("CPUUsageNSec");
@@ -18,6 +23,14 @@ bool isAnew(int process)
 {
     const int now = Unit::mainProcess(Unit::daemon);
     return now != 0 && now != process && Unit::isActive(Unit::daemon);
+}
+
+/// The process that has the daemon's name on the bus.
+int nameOwner()
+{
+    return Command::shell(QStringLiteral("busctl status %1 | sed -n s/^PID=//p").arg(busName))
+        .output.trimmed()
+        .toInt();
 }
 
 } // namespace
@@ -278,19 +291,28 @@ void TargetSystemTest::theDaemonWaitsForTheStateHandlerWithoutBurningTheProcesso
 void TargetSystemTest::aSecondDaemonLeavesTheFirstItsName()
 {
     QVERIFY(restartDaemon());
-    const QString owner =
-        Command::shell(QStringLiteral("busctl status com.vantre.KeyboardHandler | sed -n s/^PID=//p"))
-            .output.trimmed();
-    QCOMPARE(owner.toInt(), Unit::mainProcess(Unit::daemon));
-    const QString output =
-        Command::shell(QStringLiteral("runuser -u keyboard-handler -G embosser-services -- "
-                                      "timeout 5 /usr/sbin/keyboard-handler </dev/null 2>&1 | head -1"))
-            .output.trimmed();
-    QCOMPARE(output, QStringLiteral("Unable to register Service: Service-name already in use."));
-    QCOMPARE(Command::shell(QStringLiteral("busctl status com.vantre.KeyboardHandler | sed -n s/^PID=//p"))
-                 .output.trimmed(),
-             owner);
+    const int process = Unit::mainProcess(Unit::daemon);
+    QCOMPARE(nameOwner(), process);
+    QProcess second;
+    second.setProcessChannelMode(QProcess::MergedChannels);
+    second.setStandardInputFile(QProcess::nullDevice());
+    second.start(QStringLiteral("runuser"),
+                 {QStringLiteral("-u"), QStringLiteral("keyboard-handler"), QStringLiteral("--"),
+                  QStringLiteral("/usr/sbin/keyboard-handler")});
+    QTRY_VERIFY_WITH_TIMEOUT(second.canReadLine(), patienceMs);
+    QCOMPARE(second.readLine().trimmed(),
+             QByteArray("Unable to register Service: Service-name already in use."));
+    QCOMPARE(nameOwner(), process);
+
+    // Both read the panel, and both announce.
+    QTRY_VERIFY(TargetDevice::isReady());
+    device().restartObserving();
+    QVERIFY(nextKeyWorks());
+    QTRY_COMPARE(device().observations().size(), 2);
+    second.terminate();
+    QVERIFY(second.waitForFinished(patienceMs));
     verifyServing();
+    QCOMPARE(nameOwner(), process);
 }
 
 void TargetSystemTest::aMissingGroupCostsTheReadinessOnly()
