@@ -321,11 +321,10 @@ void TargetSystemTest::aMissingGroupCostsTheReadinessOnly()
     QVERIFY(restartDaemon() || Unit::isActive(Unit::daemon));
     QVERIFY(!TargetDevice::isReady());
     QVERIFY(nextKeyWorks());
-    QCOMPARE(
-        Command::shell(QStringLiteral("systemd-sysusers && systemd-tmpfiles --create && "
-                                      "busctl call org.freedesktop.DBus / org.freedesktop.DBus ReloadConfig"))
-            .status,
-        0);
+    QCOMPARE(Command::shell(QStringLiteral("systemd-sysusers && systemd-tmpfiles --create && "
+                                           "systemctl reload dbus"))
+                 .status,
+             0);
     QVERIFY(restartDaemon());
     verifyServing();
 }
@@ -337,12 +336,12 @@ void TargetSystemTest::aMissingUserIsMadeAgain()
     QVERIFY(!restartDaemon());
     QVERIFY(!Unit::isActive(Unit::daemon));
     // What the next boot does by itself.
-    QCOMPARE(Command::shell(
-                 QStringLiteral("systemd-sysusers && "
-                                "busctl call org.freedesktop.DBus / org.freedesktop.DBus ReloadConfig && "
-                                "udevadm trigger --action=change --subsystem-match=input --settle"))
-                 .status,
-             0);
+    QCOMPARE(
+        Command::shell(QStringLiteral("systemd-sysusers && "
+                                      "systemctl reload dbus && "
+                                      "udevadm trigger --action=change --subsystem-match=input --settle"))
+            .status,
+        0);
     QVERIFY(restartDaemon());
     verifyServing();
 }
