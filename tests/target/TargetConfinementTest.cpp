@@ -151,6 +151,12 @@ void TargetConfinementTest::theExampleOfAConsoleServesASerialLine()
     };
     QTRY_VERIFY2_WITH_TIMEOUT(isAnswered(), output.constData(), 30'000);
     QVERIFY(nextKeyWorks());
+    // Ctrl-C ends the daemon, and a fresh one takes its place.
+    const int process = Unit::mainProcess(Unit::daemon);
+    QVERIFY(write(line, "\x03", 1) == 1);
+    QTRY_VERIFY_WITH_TIMEOUT(Unit::mainProcess(Unit::daemon) != process && Unit::isActive(Unit::daemon),
+                             30'000);
+    verifyServing();
     // Before the line goes.
     QVERIFY(restartDaemonWith(QStringLiteral(":")));
     close(line);
