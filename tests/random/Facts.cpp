@@ -36,6 +36,7 @@ Facts::Facts(const Play& play)
     : m_play(play), m_states(KeyInputs::statesOf(play.script)), m_inputs(KeyInputs::of(play.script))
 {
     collectAnnouncements();
+    sortIntoSteps();
     collectReleases();
     endWindows();
     m_fedCombinations = feed(KeyRow::Kind::Modifier, ls::KeyboardHandlerCmdId::SimulateModifier, 0);
@@ -73,19 +74,12 @@ const Release* Facts::releaseOf(int step) const
 
 QVector<Announcement> Facts::announcedIn(int step) const
 {
-    QVector<Announcement> some;
-    std::copy_if(
-        m_announcements.cbegin(), m_announcements.cend(), std::back_inserter(some),
-        [step](const Announcement& announcement) { return announcement.place == Place::ofStep(step); });
-    return some;
+    return m_announcedInSteps.value(step);
 }
 
 QVector<Happening> Facts::happenedIn(int step) const
 {
-    QVector<Happening> some;
-    std::copy_if(m_play.happenings.cbegin(), m_play.happenings.cend(), std::back_inserter(some),
-                 [step](const Happening& happening) { return happening.place == Place::ofStep(step); });
-    return some;
+    return m_happenedInSteps.value(step);
 }
 
 Answer Facts::gestureSeenBefore(const Place& place) const
@@ -143,6 +137,20 @@ void Facts::collectAnnouncements()
     }
 }
 
+void Facts::sortIntoSteps()
+{
+    for (const Happening& happening : qAsConst(m_play.happenings)) {
+        if (happening.place.isInStep()) {
+            m_happenedInSteps[happening.place.steps - 1].append(happening);
+        }
+    }
+    for (const Announcement& announcement : qAsConst(m_announcements)) {
+        if (announcement.place.isInStep()) {
+            m_announcedInSteps[announcement.place.steps - 1].append(announcement);
+        }
+    }
+}
+
 void Facts::collectReleases()
 {
     bool inTest = false;
@@ -182,6 +190,7 @@ void Facts::endWindows()
             m_resets.append(release.input.place);
         }
     }
+    std::sort(m_resets.begin(), m_resets.end());
 }
 
 QString Facts::pendingKeyBefore(const KeyInput& release) const
@@ -208,9 +217,9 @@ QVector<Fed> Facts::feed(KeyRow::Kind kind, const QString& command, int value) c
     Place last{0, -2ms};
     for (int i = 0; i < script().steps.size(); ++i) {
         const Place place = Place::ofStep(i);
-        const auto isBetween = [&](const Place& reset) { return last <= reset && reset < place; };
         const KeyInput* input = inputOf(i);
-        if (std::any_of(m_resets.cbegin(), m_resets.cend(), isBetween)) {
+        const auto reset = std::lower_bound(m_resets.cbegin(), m_resets.cend(), last);
+        if (reset != m_resets.cend() && *reset < place) {
             opening.clear();
             since.clear();
         }

@@ -3,6 +3,8 @@
 
 #include "tests/random/KeyInputs.h"
 
+#include <QHash>
+
 #include <optional>
 
 /// A notification that was observed, taken apart.
@@ -79,6 +81,7 @@ public:
 
 private:
     void collectAnnouncements();
+    void sortIntoSteps();
     void collectReleases();
     void endWindows();
     QString pendingKeyBefore(const KeyInput& release) const;
@@ -88,6 +91,8 @@ private:
     QStringList m_states;
     QVector<KeyInput> m_inputs;
     QVector<Announcement> m_announcements;
+    QHash<int, QVector<Announcement>> m_announcedInSteps;
+    QHash<int, QVector<Happening>> m_happenedInSteps;
     QVector<Release> m_releases;
     QVector<Place> m_resets;
     QVector<Fed> m_fedCombinations;

@@ -79,17 +79,24 @@ bool isAttempt(const Happening& happening)
              !happening.text.startsWith(QLatin1String("announce FactoryReset "))));
 }
 
-/// The latest place before `place` at which the time of a long press was stopped or had run out.
-Place lastEnd(const Facts& facts, const QVector<Place>& disturbances, const Place& place)
+/// Where the time of a long press was stopped or had run out.
+QVector<Place> endsOf(const Facts& facts, const QVector<Place>& disturbances)
 {
-    Place last = beginning;
-    for (const Place& disturbance : disturbances) {
-        last = disturbance < place ? std::max(last, disturbance) : last;
-    }
+    QVector<Place> ends = disturbances;
     for (const Happening& happening : facts.play().happenings) {
-        last = isAttempt(happening) && happening.place < place ? std::max(last, happening.place) : last;
+        if (isAttempt(happening)) {
+            ends.append(happening.place);
+        }
     }
-    return last;
+    std::sort(ends.begin(), ends.end());
+    return ends;
+}
+
+/// The last of the sorted `ends` before `place`.
+Place lastEnd(const QVector<Place>& ends, const Place& place)
+{
+    const auto behind = std::lower_bound(ends.cbegin(), ends.cend(), place);
+    return behind == ends.cbegin() ? beginning : *(behind - 1);
 }
 
 /// Whether `announcement` comes its row's time after the first repetition behind the place `end`. What comes
@@ -117,12 +124,12 @@ bool isTimed(const QVector<KeyInput>& starts, const Place& end, const Announceme
 
 /// The same behind the last end before `announcement`. An end at its very moment may also have been ahead of
 /// it: the end of a window, followed by a repetition whose time is none.
-bool isTimed(const QVector<KeyInput>& starts, const Facts& facts, const QVector<Place>& disturbances,
+bool isTimed(const QVector<KeyInput>& starts, const QVector<Place>& ends, const QVector<Place>& disturbances,
              const Announcement& announcement, milliseconds time)
 {
     const Place& place = announcement.place;
     const bool isTied = !place.isInStep() && disturbances.contains(place);
-    return isTimed(starts, lastEnd(facts, disturbances, place), announcement, time) ||
+    return isTimed(starts, lastEnd(ends, place), announcement, time) ||
            (isTied && isTimed(starts, place, announcement, time));
 }
 
@@ -139,8 +146,8 @@ int countOf(const Facts& facts, const KeyRow& row, milliseconds at)
 /// The repetition that starts a time behind `end`, when there is no doubt about it.
 const KeyInput* firstStart(const QVector<KeyInput>& starts, const Place& end)
 {
-    const auto isBehind = [&end](const KeyInput& start) { return end <= start.place; };
-    const auto first = std::find_if(starts.cbegin(), starts.cend(), isBehind);
+    const auto isBefore = [](const KeyInput& start, const Place& place) { return start.place < place; };
+    const auto first = std::lower_bound(starts.cbegin(), starts.cend(), end, isBefore);
     if (first == starts.cend() || (first->place == end && !end.isInStep())) {
         return nullptr;
     }
@@ -155,8 +162,8 @@ QString checkStart(const Facts& facts, const QVector<Place>& disturbances, const
     const milliseconds at = start.at + timeOf(row);
     const Place end =
         timeOf(row) > 0ms ? KeyInputs::timerPlace(facts.script(), at) : Place{start.place.steps, at};
-    const auto isBetween = [&](const Place& place) { return start.place < place && place <= end; };
-    const bool isDisturbed = std::any_of(disturbances.cbegin(), disturbances.cend(), isBetween);
+    const auto next = std::upper_bound(disturbances.cbegin(), disturbances.cend(), start.place);
+    const bool isDisturbed = next != disturbances.cend() && *next <= end;
     if (at > facts.script().end || isDisturbed || row.receiver == QLatin1String("Undefined")) {
         return {};
     }
@@ -192,6 +199,7 @@ namespace invariants {
 QString longPressesLastTheirTime(const Facts& facts)
 {
     const QVector<Place> disturbances = disturbancesOf(facts);
+    const QVector<Place> ends = endsOf(facts, disturbances);
     const QVector<KeyInput> starts = startsOf(facts);
     for (const Announcement& announcement : facts.announcements()) {
         if (!isLongPress(announcement)) {
@@ -202,7 +210,7 @@ QString longPressesLastTheirTime(const Facts& facts)
         const auto times = row ? std::count_if(starts.cbegin(), starts.cend(), same) : 0;
         const bool isRight =
             row && row->action == announcement.action && row->receiver == announcement.receiver &&
-            isTimed(starts, facts, disturbances, announcement, timeOf(*row)) &&
+            isTimed(starts, ends, disturbances, announcement, timeOf(*row)) &&
             countOf(facts, *row, announcement.at) <= times * countIn(*row, facts.stateAt(announcement.place));
         if (!isRight) {
             return QStringLiteral("%1 at %2 ms").arg(announcement.action).arg(announcement.at.count());
