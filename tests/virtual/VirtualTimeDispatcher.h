@@ -22,6 +22,8 @@ public:
 
     /// The time since this dispatcher was made.
     std::chrono::milliseconds now() const { return m_now; }
+    /// How many timers run.
+    int timerCount() const { return m_timers.size(); }
     /// Moves the clock on by `duration` and fires all timers that fall due, also those set meanwhile.
     void advance(std::chrono::milliseconds duration);
     /// Handles everything that is due now, without moving the clock.
