@@ -2,13 +2,13 @@
 #include "tests/random/Player.h"
 #include "tests/random/RandomScript.h"
 #include "tests/random/Trial.h"
+#include "tests/support/Seeds.h"
 #include "tests/virtual/DeviceTest.h"
 
 #include <QCryptographicHash>
 #include <QRegularExpression>
 
 #include <cstdio>
-#include <optional>
 
 namespace {
 
@@ -17,26 +17,6 @@ constexpr int seedCount = 1000;
 /// Few enough for the time that a test may take on a slow machine.
 constexpr int seedsInRow = 1000;
 constexpr const char* seedsVariable = "KEY_SCRIPT_SEEDS";
-
-struct Seeds
-{
-    quint64 first = firstSeed;
-    int count = seedCount;
-};
-
-/// "FIRST:COUNT" of the environment; nothing when it is anything else.
-std::optional<Seeds> chosenSeeds()
-{
-    if (!qEnvironmentVariableIsSet(seedsVariable)) {
-        return Seeds{};
-    }
-    const QStringList words = qEnvironmentVariable(seedsVariable).split(QLatin1Char(':'));
-    bool isFirst = false;
-    bool isCount = false;
-    const Seeds seeds{words.value(0).toULongLong(&isFirst), words.value(1).toInt(&isCount)};
-    const bool isGood = words.size() == 2 && isFirst && isCount && seeds.count > 0;
-    return isGood ? std::optional(seeds) : std::nullopt;
-}
 
 } // namespace
 
@@ -111,7 +91,7 @@ void RandomScriptsTest::invariantsHoldInEveryScript_data()
 {
     QTest::addColumn<quint64>("first");
     QTest::addColumn<int>("count");
-    const Seeds seeds = chosenSeeds().value_or(Seeds{0, 0});
+    const Seeds seeds = chosenSeeds(seedsVariable, {firstSeed, seedCount}).value_or(Seeds{0, 0});
     if (seeds.count == 0) {
         QTest::newRow("no seeds") << seeds.first << seeds.count;
     }
