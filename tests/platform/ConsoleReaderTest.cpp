@@ -54,6 +54,7 @@ private Q_SLOTS:
     void lineEndMaySplitBehind64KiB();
     void eachOverlongLineHasItsLogLine();
     void manyLinesComeInOrder();
+    void floodLeavesOthersTheirTurn();
     void staleWakeUpDoesNotBlock();
     void receiverMayDeleteTheReader();
     void receiverMayRunAnEventLoop();
@@ -303,6 +304,20 @@ void ConsoleReaderTest::manyLinesComeInOrder()
     type(typed);
 
     QTRY_COMPARE(m_lines, expected);
+}
+
+void ConsoleReaderTest::floodLeavesOthersTheirTurn()
+{
+    int turns = 0;
+    QTimer other;
+    connect(&other, &QTimer::timeout, this, [&turns] { ++turns; });
+    other.start(0);
+    constexpr int lines = 4096;
+
+    type(QByteArray(lines, '\n'));
+
+    QTRY_COMPARE(m_lines.size(), lines);
+    QVERIFY2(turns >= lines / 256 - 1, qPrintable(QString::number(turns)));
 }
 
 void ConsoleReaderTest::staleWakeUpDoesNotBlock()

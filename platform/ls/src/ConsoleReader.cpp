@@ -16,7 +16,8 @@ namespace ls {
 namespace {
 
 constexpr int longestLine = 64 * 1024;
-constexpr int chunkSize = 4 * 1024;
+// A moment's work of lines, so that keys need not wait for the end of a flood.
+constexpr int chunkSize = 256;
 constexpr char lineEnd = '\n';
 constexpr char carriageReturn = '\r';
 
