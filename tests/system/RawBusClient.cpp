@@ -4,6 +4,7 @@
 #include <ls/BusNames.h>
 #include <ls/Identifiers.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include <poll.h>
@@ -77,15 +78,15 @@ QByteArray bodyOf(const QMap<QByteArray, QByteArray>& map)
 }
 
 QByteArray messageOf(quint32 serial, const QByteArray& service, const QByteArray& path,
-                     const QByteArray& member, const QByteArray& body)
+                     const QByteArray& member, const QByteArray& signature, const QByteArray& body)
 {
     Marshalled fields;
     fields.addField(Path, "o", path);
     fields.addField(Interface, "s", service);
     fields.addField(Member, "s", member);
     fields.addField(Destination, "s", service);
-    if (!body.isEmpty()) {
-        fields.addField(Signature, "g", "a{sv}");
+    if (!signature.isEmpty()) {
+        fields.addField(Signature, "g", signature);
     }
     const char order = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? 'l' : 'B';
     const char start[wordSize] = {order, 1, 0, 1}; // a method call, without flags, of the first protocol
@@ -115,15 +116,37 @@ RawBusClient::RawBusClient(const QString& socketPath)
 bool RawBusClient::enter()
 {
     const QByteArray user = QByteArray::number(::getuid()).toHex();
-    const QByteArray bus = QByteArrayLiteral("org.freedesktop.DBus");
-    return converse(QByteArray(1, '\0') + "AUTH EXTERNAL " + user + "\r\n", "OK ") &&
-           converse("BEGIN\r\n" + messageOf(++m_serial, bus, "/org/freedesktop/DBus", "Hello", {}), ":1.");
+    return converse(QByteArray(1, '\0') + "AUTH EXTERNAL " + user + "\r\n", "OK ") && send("BEGIN\r\n") &&
+           ask("Hello", {}, {});
 }
 
 bool RawBusClient::call(const QMap<QByteArray, QByteArray>& command)
 {
     const QByteArray service = ls::busName(ls::ServiceId::KeyboardHandler).toUtf8();
-    return send(messageOf(++m_serial, service, ls::busPath.toUtf8(), "process", bodyOf(command)));
+    return send(messageOf(++m_serial, service, ls::busPath.toUtf8(), "process", "a{sv}", bodyOf(command)));
+}
+
+bool RawBusClient::listen(const QByteArray& rule)
+{
+    Marshalled body;
+    body.addText(rule);
+    return ask("AddMatch", "s", body.bytes());
+}
+
+bool RawBusClient::own(const QByteArray& name)
+{
+    Marshalled body;
+    body.addText(name);
+    body.addNumber(0);
+    return ask("RequestName", "su", body.bytes());
+}
+
+QByteArray RawBusClient::read(int count)
+{
+    QByteArray bytes(count, '\0');
+    const ssize_t size = ::recv(m_socket, bytes.data(), size_t(count), MSG_DONTWAIT);
+    bytes.truncate(int(std::max<ssize_t>(size, 0)));
+    return bytes;
 }
 
 void RawBusClient::leave()
@@ -134,15 +157,28 @@ void RawBusClient::leave()
     }
 }
 
+bool RawBusClient::ask(const QByteArray& member, const QByteArray& signature, const QByteArray& body)
+{
+    const quint32 serial = ++m_serial;
+    Marshalled replySerial; // as the header of the answer holds it
+    replySerial.addNumber(serial);
+    return converse(
+        messageOf(serial, "org.freedesktop.DBus", "/org/freedesktop/DBus", member, signature, body),
+        QByteArrayLiteral("\5\1u\0") + replySerial.bytes());
+}
+
 bool RawBusClient::converse(const QByteArray& words, const QByteArray& answer)
 {
+    constexpr int enough = 4096;
     pollfd poller{m_socket, POLLIN, 0};
-    char buffer[4096];
-    if (!send(words) || ::poll(&poller, 1, answerTimeoutMs) != 1) {
-        return false;
+    QByteArray heard;
+    bool isThere = send(words);
+    while (isThere && !heard.contains(answer)) {
+        const QByteArray bytes = ::poll(&poller, 1, answerTimeoutMs) == 1 ? read(enough) : QByteArray();
+        isThere = !bytes.isEmpty();
+        heard += bytes;
     }
-    const ssize_t count = ::read(m_socket, buffer, sizeof buffer);
-    return count > 0 && QByteArray(buffer, int(count)).contains(answer);
+    return isThere;
 }
 
 bool RawBusClient::send(const QByteArray& bytes)

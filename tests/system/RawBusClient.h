@@ -20,10 +20,16 @@ public:
     bool enter();
     /// Sends a call of `process` with this command; false when the bus takes no more for a second.
     bool call(const QMap<QByteArray, QByteArray>& command);
+    /// Asks the bus for the signals that match `rule`, or for a name; false when the bus does not answer.
+    bool listen(const QByteArray& rule);
+    bool own(const QByteArray& name);
+    /// Takes at most `count` bytes of what the bus has for this client, without waiting; returns them.
+    QByteArray read(int count);
     /// Closes the connection, whatever is still unread.
     void leave();
 
 private:
+    bool ask(const QByteArray& member, const QByteArray& signature, const QByteArray& body);
     bool converse(const QByteArray& words, const QByteArray& answer);
     bool send(const QByteArray& bytes);
 

@@ -24,11 +24,12 @@ protected:
     qint64 memoryKiB();
     /// Empty while that has grown by no more than allowed.
     QString growthFault(qint64 memoryBeforeKiB, qint64 allowedKiB);
+    /// How many file descriptors the daemon has open.
+    int descriptors();
     /// Whether the daemon, left alone, leaves the processor alone.
     bool idles();
 
 private:
     QString faultsAfter(const std::function<void()>& attack, int times);
     long processorTicks();
-    int descriptors();
 };
