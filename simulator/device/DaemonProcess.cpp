@@ -112,7 +112,7 @@ QString DaemonProcess::start(const DeviceFolder& folder, const DeviceOptions& op
     m_process->inherit(report[1]);
     m_process->start(
         QStringLiteral("bwrap"),
-        viewOfDevice(folder) + viewOfExecutable(executable) +
+        viewOfDevice(folder) + viewOfExecutable(executable) + options.viewArguments +
             QStringList{QStringLiteral("--info-fd"), QString::number(report[1]), QStringLiteral("--")} +
             commandOf(executable, options));
     m_process->waitForStarted(startTimeoutMs);

@@ -19,6 +19,8 @@ struct DeviceOptions
     /// The daemon's executable and its arguments.
     QString daemon = QStringLiteral(KEYBOARD_HANDLER_DAEMON);
     QStringList daemonArguments;
+    /// Further arguments of bubblewrap, which makes the daemon's view of the file system.
+    QStringList viewArguments;
     /// The rules for the daemon's logging categories, as Qt reads them.
     QString loggingRules;
     StandardInput standardInput = StandardInput::Pipe;

@@ -75,6 +75,16 @@ qint64 SimulatedDevice::pendingInput() const
     return m_panel.pending(0) + m_panel.pending(1) + m_daemon.pendingInput();
 }
 
+bool SimulatedDevice::restartBus()
+{
+    m_client.reset();
+    m_speech.reset();
+    m_connection.reset();
+    m_stateHandler.disappear();
+    m_bus.stop();
+    return startBus();
+}
+
 void SimulatedDevice::dropSpeech()
 {
     m_speech->disappear();

@@ -56,6 +56,10 @@ public:
     void declareReady(const QString& service) { m_folder.setReady(service, true); }
     void withdrawReady(const QString& service) { m_folder.setReady(service, false); }
 
+    /// Ends the bus, if it still runs, and starts another one, with the stand-ins on it. False when that
+    /// cannot be done. The daemon must be started anew to come to it.
+    bool restartBus();
+
     /// The speech daemon leaves the bus, and comes back.
     void dropSpeech();
     void restoreSpeech();
