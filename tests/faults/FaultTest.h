@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tests/faults/Fault.h"
+#include "tests/system/SystemAbuseTest.h"
+
+#include <optional>
+
+/// The base of tests of what the daemon promises whatever goes wrong around it: it lives, the next key works
+/// as fast as before, memory and descriptors are flat, and the log says what it should.
+///
+/// Each test function runs once for each seed. Other seeds than the usual one are chosen by the environment:
+/// FAULT_SEEDS=FIRST:COUNT.
+class FaultTest : public SystemAbuseTest
+{
+    Q_OBJECT
+
+public:
+    using SystemAbuseTest::memoryKiB;
+    using SystemTest::actions;
+    using SystemTest::awaitAction;
+    using SystemTest::awaitLog;
+    using SystemTest::command;
+    using SystemTest::device;
+    using SystemTest::log;
+    using SystemTest::tap;
+
+    /// Presses Menu; returns who it is announced to, empty when it is not announced within some seconds.
+    QString receiverOfMenu(int inputDevice = 0);
+    /// Presses Menu until it is announced to `receiver`; false when that does not happen.
+    bool awaitReceiver(const QString& receiver);
+    /// Presses Up in Idle and waits for its announcement: with it, the router forgets all keys.
+    bool awaitLoneKey();
+    /// Whether `condition` comes true within some seconds.
+    static bool await(const std::function<bool()>& condition);
+
+protected:
+    /// The seed of this run.
+    static quint64 seed();
+    /// Lets `fault` come about and go away several times; returns which promise was broken, or an empty text.
+    /// Prints the figures.
+    QString damageBy(Fault& fault);
+    /// The time from press to announcement in milliseconds, the median of some; nothing when a key is not
+    /// announced.
+    std::optional<double> latency();
+    /// What is wrong with such latencies, while all is well and while it is not; empty when `disturbed` is of
+    /// the same order.
+    static QString slowness(double usual, double disturbed);
+    /// What is wrong when so much was held at first and is now.
+    QString growth(qint64 memoryBeforeKiB, int descriptorsBefore, qint64 slackKiB = 2 * 1024);
+    /// What is wrong with the daemon's log if it should consist of lines like these.
+    QString oddLines(const QStringList& patterns) const;
+
+private Q_SLOTS:
+    void initTestCase_data();
+    void initTestCase();
+
+private:
+    struct Round;
+
+    QString round(Fault& fault, Round& figures);
+    QString rounds(Fault& fault);
+};

@@ -1,0 +1,335 @@
+// SPDX-License-Identifier: MIT
+#include "tests/faults/FaultTest.h"
+#include "tests/system/BusClient.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdint>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+
+const QString invalidCommand = QStringLiteral("KeyboardHandler::process ERROR: Invalid command!");
+
+void startThroughShell(DeviceOptions& options, const QString& script)
+{
+    options.daemon = QStringLiteral("/bin/sh");
+    options.daemonArguments =
+        QStringList{QStringLiteral("-c"), script, QStringLiteral(KEYBOARD_HANDLER_DAEMON)};
+}
+
+pid_t daemonOf(FaultTest& test)
+{
+    return pid_t(test.device().daemon().processId());
+}
+
+class FloodedInput : public Fault
+{
+public:
+    using Fault::Fault;
+
+    QString begin(FaultTest& test) override
+    {
+        QByteArray lines;
+        for (int i = 10'000 + dice.below(10'000); i > 0; --i) {
+            lines += dice.pick({"C 4\n", "C 4 \r\n", "c 4\n"});
+        }
+        test.device().daemon().type(lines);
+        return test.device().daemon().pendingInput() > 0 ? QString()
+                                                         : QStringLiteral("nothing is left to read");
+    }
+    QString end(FaultTest& test) override
+    {
+        // The log may still be so far behind that there is no room for a line; then it is another's turn.
+        const QByteArray line = QByteArray(longestLine + 1 + dice.below(longestLine), 'C') + '\n';
+        const int before = test.log().count(overlongLine);
+        return FaultTest::await([&] {
+            QSignalSpy announced(&test.device(), &SimulatedDevice::announced);
+            test.device().daemon().type(line + "C 7 0 139\n");
+            return FaultTest::await([&] { return !announced.isEmpty(); }) &&
+                   test.log().count(overlongLine) > before;
+        })
+                   ? QString()
+                   : QStringLiteral("an overlong line is not reported");
+    }
+    QStringList log() const override
+    {
+        return {QStringLiteral("QMap\\(.*\\)"), QStringLiteral("Process command response"),
+                QStringLiteral("(|\\d+ log lines dropped: nobody read them\\.)"), overlongLine};
+    }
+
+private:
+    static constexpr int longestLine = 65536;
+    const QString overlongLine =
+        QStringLiteral("ls::ConsoleReader::readInput ERROR: line over 65536 bytes dropped.");
+};
+
+/// The key lists and the log lie on a small disk; standard output goes to a device that is always full.
+class FullDisk : public Fault
+{
+public:
+    using Fault::Fault;
+
+    void furnish(DeviceOptions& options) override
+    {
+        options.viewArguments = QStringList{QStringLiteral("--size"), QStringLiteral("131072"),
+                                            QStringLiteral("--tmpfs"), folder};
+        const QString fill = QStringLiteral("cat /dev/zero 2>&- >%1/filler;").arg(folder);
+        startThroughShell(options, QStringLiteral("cp %1/*.json %2; %3 exec \"$0\" >/dev/full 2>>%2/log")
+                                       .arg(QStringLiteral(KEYBOARD_HANDLER_DATA_FOLDER), folder,
+                                            m_isFullAtStart ? fill : QString()));
+    }
+    QString begin(FaultTest& test) override
+    {
+        m_files = QStringLiteral("/proc/%1/root%2/").arg(daemonOf(test)).arg(folder);
+        if (!fill()) {
+            return QStringLiteral("the disk is not full");
+        }
+        // The last block of the log has room for some lines.
+        const int lines = linesInABlock + dice.below(100);
+        const int before = linesInLog();
+        for (int i = 0; i < lines; ++i) {
+            test.command(QStringLiteral("Dance"));
+        }
+        m_lines = linesInLog();
+        return m_lines < before + lines ? QString() : QStringLiteral("the log has room");
+    }
+    QString end(FaultTest& test) override
+    {
+        QFile::remove(m_files + QStringLiteral("filler"));
+        test.command(QStringLiteral("Dance"));
+        if (linesInLog() != m_lines + 1) {
+            return QStringLiteral("the log does not go on");
+        }
+        const int before = test.actions().filter(QStringLiteral("announce VolumeUp")).size();
+        test.device().press(0, ls::KeyId::Function);
+        test.tap(ls::KeyId::Up);
+        test.device().release(0, ls::KeyId::Function);
+        return FaultTest::await([&] {
+            return test.actions().filter(QStringLiteral("announce VolumeUp")).size() == before + 1;
+        })
+                   ? QString()
+                   : QStringLiteral("the key lists are not known");
+    }
+
+private:
+    /// Writes until there is no room.
+    bool fill() const
+    {
+        const int file = ::open(qPrintable(m_files + QStringLiteral("filler")),
+                                O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+        while (::write(file, "x", 1) == 1) {
+        }
+        const bool isFull = errno == ENOSPC;
+        ::close(file);
+        return isFull;
+    }
+    int linesInLog() const
+    {
+        QFile log(m_files + QStringLiteral("log"));
+        return log.open(QIODevice::ReadOnly) ? log.readAll().count(invalidCommand.toUtf8() + '\n') : -1;
+    }
+
+    static constexpr int linesInABlock = 100;
+    const QString folder = QStringLiteral("/var/lib/keyboard-handler");
+    const bool m_isFullAtStart = dice.oneIn(2);
+    QString m_files;
+    int m_lines = 0;
+};
+
+/// Nothing that opens a file or socket could succeed.
+class DescriptorLimit : public Fault
+{
+public:
+    using Fault::Fault;
+
+    QString begin(FaultTest& test) override
+    {
+        const QString folder = QStringLiteral("/proc/%1/fd/").arg(daemonOf(test));
+        rlim_t limit = 0;
+        for (int spare = sanitizerDescriptors; spare >= 0; ++limit) {
+            spare -= ::access(qPrintable(folder + QString::number(limit)), F_OK) == 0 ? 0 : 1;
+        }
+        ::prlimit(daemonOf(test), RLIMIT_NOFILE, nullptr, &m_usual);
+        const rlimit none{limit - 1, m_usual.rlim_max};
+        if (::prlimit(daemonOf(test), RLIMIT_NOFILE, &none, nullptr) == -1) {
+            return QStringLiteral("the limit cannot be set");
+        }
+        BusClient client(test.device().bus().address());
+        for (int i = 0; i < commandCount; ++i) {
+            const QString outcome = client.outcome(command());
+            if (outcome != QLatin1String("OK")) {
+                return QStringLiteral("a command fails: ") + outcome;
+            }
+        }
+        return {};
+    }
+    QString end(FaultTest& test) override
+    {
+        return ::prlimit(daemonOf(test), RLIMIT_NOFILE, &m_usual, nullptr) == 0
+                   ? QString()
+                   : QStringLiteral("the limit cannot be lifted");
+    }
+
+private:
+    static constexpr int commandCount = 3400; // 10,000 in the three rounds
+#ifdef __SANITIZE_ADDRESS__
+    static constexpr int sanitizerDescriptors = 2; // it looks at memory through a pipe
+#else
+    static constexpr int sanitizerDescriptors = 0;
+#endif
+
+    QVariantMap command()
+    {
+        return {{ls::commandIdKey,
+                 dice.pick({ls::KeyboardHandlerCmdId::GetModifierKeyList,
+                            ls::KeyboardHandlerCmdId::GetShortcutKeyList,
+                            ls::KeyboardHandlerCmdId::GetLongKeysTimeout,
+                            ls::KeyboardHandlerCmdId::GetLastKey, ls::KeyboardHandlerCmdId::GetTestResult})},
+                {ls::senderIdKey, ls::ServiceId::WwwApi}};
+    }
+
+    rlimit m_usual{};
+};
+
+class StoppedInAChord : public Fault
+{
+public:
+    using Fault::Fault;
+
+    QString begin(FaultTest& test) override
+    {
+        if (!test.awaitLoneKey()) {
+            return QStringLiteral("the router does not come to rest");
+        }
+        const auto volume = [&] { return test.actions().filter(QStringLiteral("announce Volume")).size(); };
+        const int before = volume();
+        const QString key = dice.pick({ls::KeyId::Up, ls::KeyId::Down});
+        const int stoppedAt = dice.below(4);
+        const std::array<std::function<void()>, 4> chord{
+            [&] { test.device().press(m_device, ls::KeyId::Function); },
+            [&] { test.device().press(m_device, key); }, [&] { test.device().release(m_device, key); },
+            [&] { test.device().release(m_device, ls::KeyId::Function); }};
+        for (int step = 0; step < int(chord.size()); ++step) {
+            if (step == stoppedAt) {
+                ::kill(daemonOf(test), SIGSTOP);
+            }
+            chord.at(size_t(step))();
+        }
+        QTest::qWait(dice.below(500));
+        ::kill(daemonOf(test), SIGCONT);
+        return FaultTest::await([&] { return volume() == before + 1; })
+                   ? QString()
+                   : QStringLiteral("the shortcut is lost");
+    }
+
+private:
+    const int m_device = dice.below(Panel::deviceCount);
+};
+
+class SetClock : public Fault
+{
+public:
+    using Fault::Fault;
+
+    void furnish(DeviceOptions& options) override
+    {
+        startThroughShell(options, QStringLiteral("export LD_PRELOAD=%1 STEP_CLOCK_FILE=/run/step-clock "
+                                                  "QT_MESSAGE_PATTERN='%{time yyyy} %{message}' "
+                                                  "ASAN_OPTIONS=\"verify_asan_link_order=0:$ASAN_OPTIONS\"; "
+                                                  "exec \"$0\"")
+                                       .replace(QStringLiteral("%1"), QStringLiteral(STEP_CLOCK)));
+    }
+    QString precede(FaultTest& test) override { return set(test, 0); }
+    QString begin(FaultTest& test) override
+    {
+        const QString late =
+            test.awaitLoneKey() ? QString() : QStringLiteral("the router does not come to rest");
+        return late.isEmpty() ? stepWhileAKeyWaits(test) : late;
+    }
+    QStringList log() const override
+    {
+        return {QStringLiteral("\\d{4} ") + QRegularExpression::escape(invalidCommand),
+                QStringLiteral("\\d{4} Successfully registered on DBus: .*")};
+    }
+
+private:
+    static QString set(FaultTest& test, std::int64_t seconds)
+    {
+        QFile file(test.device().folder().runFolder() + QStringLiteral("/step-clock"));
+        const bool isSet =
+            file.open(QIODevice::ReadWrite) &&
+            file.write(reinterpret_cast<const char*>(&seconds), sizeof seconds) == sizeof seconds;
+        return isSet ? QString() : QStringLiteral("the clock cannot be set");
+    }
+
+    /// The key must neither be announced because of the step nor wait for longer.
+    QString stepWhileAKeyWaits(FaultTest& test)
+    {
+        const QString down = QStringLiteral("announce SingleKey UserMenu KeyboardHandler Down");
+        const int before = test.actions().count(down);
+        test.tap(ls::KeyId::Up);
+        const int years = (1 + dice.below(10)) * (dice.oneIn(2) ? 1 : -1);
+        const QString fault = set(test, std::int64_t(years) * 366 * 24 * 3600);
+        test.command(QStringLiteral("Dance"));
+        test.tap(ls::KeyId::Down);
+        if (!FaultTest::await([&] { return test.actions().count(down) == before + 1; })) {
+            return QStringLiteral("the lone key does not come");
+        }
+        const int year = QDate::currentDate().year() + years;
+        const bool isSeen =
+            !test.log().filter(QRegularExpression(QStringLiteral("^%1 ").arg(year))).isEmpty();
+        return isSeen ? fault : QStringLiteral("the daemon does not see the step");
+    }
+};
+
+} // namespace
+
+class ProcessFaultsTest : public FaultTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void standardInputIsFlooded();
+    void theDiskIsFull();
+    void theDescriptorLimitIsReached();
+    void theDaemonIsStoppedInAChord();
+    void theClockIsSet();
+};
+
+void ProcessFaultsTest::standardInputIsFlooded()
+{
+    FloodedInput fault(seed());
+    QCOMPARE(damageBy(fault), QString());
+}
+
+void ProcessFaultsTest::theDiskIsFull()
+{
+    FullDisk fault(seed());
+    QCOMPARE(damageBy(fault), QString());
+}
+
+void ProcessFaultsTest::theDescriptorLimitIsReached()
+{
+    DescriptorLimit fault(seed());
+    QCOMPARE(damageBy(fault), QString());
+}
+
+void ProcessFaultsTest::theDaemonIsStoppedInAChord()
+{
+    StoppedInAChord fault(seed());
+    QCOMPARE(damageBy(fault), QString());
+}
+
+void ProcessFaultsTest::theClockIsSet()
+{
+    SetClock fault(seed());
+    QCOMPARE(damageBy(fault), QString());
+}
+
+QTEST_GUILESS_MAIN(ProcessFaultsTest)
+#include "ProcessFaultsTest.moc"
