@@ -3,6 +3,7 @@
 
 #include "service/BusValue.h"
 #include "service/KeyboardHandler.h"
+#include "service/SystemBus.h"
 
 #include <ls/BusNames.h>
 #include <ls/Identifiers.h>
@@ -11,21 +12,6 @@
 #include <QDBusConnection>
 #include <QDBusError>
 #include <QDebug>
-
-#include <thread>
-
-namespace {
-
-/// Of a connection that the main thread opens, Qt holds the messages back until the event loop runs, and
-/// may then deliver newer ones first: a change of the state could be lost while the daemon starts. A
-/// connection that another thread opens delivers in order from the beginning.
-QDBusConnection openSystemBus()
-{
-    std::thread([] { QDBusConnection::systemBus(); }).join();
-    return QDBusConnection::systemBus();
-}
-
-} // namespace
 
 KeyboardHandlerAdaptor::KeyboardHandlerAdaptor(KeyboardHandler* handler)
     : QDBusAbstractAdaptor(handler), m_handler(handler)

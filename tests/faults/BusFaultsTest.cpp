@@ -5,8 +5,13 @@
 #include <ls/BusNames.h>
 
 #include <QDBusConnectionInterface>
+#include <QDBusUnixFileDescriptor>
+
+#include <algorithm>
 
 #include <signal.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -48,6 +53,110 @@ private:
     int m_keys = 0;
 };
 
+/// The limit of the installed unit, or what this machine allows.
+rlim_t descriptorLimit()
+{
+    QFile unit(QStringLiteral(KEYBOARD_HANDLER_UNIT));
+    const QString text = unit.open(QIODevice::ReadOnly) ? QString::fromUtf8(unit.readAll()) : QString();
+    rlimit own{};
+    ::getrlimit(RLIMIT_NOFILE, &own);
+    return std::min<rlim_t>(text.section(QStringLiteral("\nLimitNOFILE="), 1).section('\n', 0, 0).toUInt(),
+                            own.rlim_max);
+}
+
+QVariantMap commandOf(const QString& name)
+{
+    return {{ls::commandIdKey, name}, {ls::senderIdKey, ls::ServiceId::WwwApi}};
+}
+
+/// More calls of several clients than the bus library would keep, while the daemon is at work on a long
+/// command.
+class Flood : public Fault
+{
+public:
+    explicit Flood(quint64 seed) : Fault(seed)
+    {
+        QStringList keys;
+        for (int i = 200'000 + dice.below(200'000); i > 0; --i) {
+            keys << ls::KeyId::Ten;
+        }
+        m_longCommand.insert(ls::keysListKey, keys);
+    }
+
+    void furnish(DeviceOptions& options) override
+    {
+        options.daemon = QStringLiteral("/bin/sh");
+        options.daemonArguments = QStringList{
+            QStringLiteral("-c"), QStringLiteral("ulimit -n %1; exec \"$0\"").arg(descriptorLimit()),
+            QStringLiteral(KEYBOARD_HANDLER_DAEMON)};
+    }
+    QString begin(FaultTest& test) override
+    {
+        const QString address = test.device().bus().address();
+        BusClient busy(address);
+        QList<QDBusPendingCall> calls = busy.open(m_longCommand, 1);
+        std::vector<std::unique_ptr<BusClient>> clients;
+        for (int i = 0; i < m_clients; ++i) {
+            clients.push_back(std::make_unique<BusClient>(address));
+            calls << clients.back()->open(command(), callsOfAClient());
+        }
+        const auto lost = std::count_if(calls.begin(), calls.end(), [](QDBusPendingCall& call) {
+            call.waitForFinished();
+            // The bus refuses what it cannot deliver in time.
+            return call.isError() && call.error().type() != QDBusError::LimitsExceeded;
+        });
+        return lost == 0 ? QString() : QStringLiteral("%1 of %2 calls are lost").arg(lost).arg(calls.size());
+    }
+
+protected:
+    virtual QVariantMap command() = 0;
+    virtual int callsOfAClient() const = 0;
+
+private:
+    const int m_clients = 3 + dice.below(2);
+    QVariantMap m_longCommand = commandOf(ls::KeyboardHandlerCmdId::SimulateShortcut);
+};
+
+class FloodOfDescriptors : public Flood
+{
+public:
+    using Flood::Flood;
+
+protected:
+    QVariantMap command() override
+    {
+        constexpr int most = 16; // the bus takes no more
+        QVariantMap command = commandOf(ls::KeyboardHandlerCmdId::GetLongKeysTimeout);
+        for (int i = 0; i < most; ++i) {
+            command.insert(QString::number(i),
+                           QVariant::fromValue(QDBusUnixFileDescriptor(dice.below(STDERR_FILENO + 1))));
+        }
+        return command;
+    }
+    qint64 slackKiB() const override { return 16 * 1024; }
+    int callsOfAClient() const override
+    {
+        return 120;
+    } // the bus refuses a client that leaves more than 128 open
+};
+
+class FloodOfMegabytes : public Flood
+{
+public:
+    using Flood::Flood;
+
+protected:
+    QVariantMap command() override
+    {
+        constexpr int megabyte = 1024 * 1024;
+        QVariantMap command = commandOf(ls::KeyboardHandlerCmdId::GetLongKeysTimeout);
+        command.insert(QStringLiteral("odd"), QByteArray((24 + dice.below(7)) * megabyte, 'x'));
+        return command;
+    }
+    qint64 slackKiB() const override { return 64 * 1024; }
+    int callsOfAClient() const override { return 1; }
+};
+
 } // namespace
 
 class BusFaultsTest : public FaultTest
@@ -57,6 +166,8 @@ class BusFaultsTest : public FaultTest
 private Q_SLOTS:
     void theBusIsKilledAndRestarted();
     void theBusIsStopped();
+    void servicesSendDescriptors();
+    void servicesSendMegabytes();
 
 private:
     /// Presses `count` keys without a bus; false when one is not recognised.
@@ -109,6 +220,19 @@ void BusFaultsTest::theBusIsKilledAndRestarted()
 void BusFaultsTest::theBusIsStopped()
 {
     StoppedBus fault(seed());
+    QCOMPARE(damageBy(fault), QString());
+}
+
+void BusFaultsTest::servicesSendDescriptors()
+{
+    FloodOfDescriptors fault(seed());
+    QVERIFY(descriptorLimit() > 0);
+    QCOMPARE(damageBy(fault), QString());
+}
+
+void BusFaultsTest::servicesSendMegabytes()
+{
+    FloodOfMegabytes fault(seed());
     QCOMPARE(damageBy(fault), QString());
 }
 
