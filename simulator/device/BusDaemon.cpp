@@ -95,6 +95,12 @@ QString writeConfiguration(const DeviceFolder& folder, const QString& address,
                            : fault;
 }
 
+QString contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromLocal8Bit(file.readAll()) : QString();
+}
+
 } // namespace
 
 QString BusDaemon::start(const DeviceFolder& folder, DeviceOptions::NamePolicy namePolicy)
@@ -104,6 +110,8 @@ QString BusDaemon::start(const DeviceFolder& folder, DeviceOptions::NamePolicy n
     if (!fault.isEmpty()) {
         return fault;
     }
+    // It would stop at a pipe that nobody reads, such as one of a test that waits for an answer.
+    m_process.setStandardErrorFile(folder.busLog());
     m_process.start(QStringLiteral("dbus-daemon"),
                     {QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
                      QStringLiteral("--print-address=1"),
@@ -111,7 +119,7 @@ QString BusDaemon::start(const DeviceFolder& folder, DeviceOptions::NamePolicy n
     // The address is printed when the socket listens.
     if (!m_process.waitForReadyRead(startTimeoutMs)) {
         return QStringLiteral("dbus-daemon does not start: %1 %2")
-            .arg(m_process.errorString(), QString::fromLocal8Bit(m_process.readAllStandardError()));
+            .arg(m_process.errorString(), contentOf(folder.busLog()));
     }
     connect(&m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this, &BusDaemon::ended,
             Qt::UniqueConnection);

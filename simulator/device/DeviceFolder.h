@@ -26,6 +26,7 @@ public:
     QString keyList(const QString& fileName) const;
     QString busSocket() const { return path(QStringLiteral("run/dbus/system_bus_socket")); }
     QString busConfiguration() const { return path(QStringLiteral("bus.conf")); }
+    QString busLog() const { return path(QStringLiteral("bus.log")); }
     QString busPolicy() const { return path(QStringLiteral("bus-policy.conf")); }
 
     /// Whether the service `name` has declared itself ready.
