@@ -27,7 +27,9 @@ public:
     }
     QString begin(FaultTest&) override
     {
-        m_service.stop();
+        if (!m_service.stop()) {
+            return QStringLiteral("the state handler is gone");
+        }
         for (int i = dice.below(500); i >= 0; --i) {
             m_service.changeState(dice.pick({ls::StateId::Print, ls::StateId::Error, ls::StateId::Update}));
         }
@@ -59,10 +61,10 @@ public:
     QString precede(FaultTest& test) override
     {
         test.device().stateHandler().setBehaviour(StateHandlerStandIn::Behaviour::KeepsSilent);
-        if (m_isStopped && !m_service.start(QStringLiteral("state-handler"), test.device().bus().address())) {
+        const QString address = test.device().bus().address();
+        if (m_isStopped && !(m_service.start(QStringLiteral("state-handler"), address) && m_service.stop())) {
             return QStringLiteral("there is no state handler");
         }
-        m_service.stop();
         for (int i = 0; i < m_earlyKeys; ++i) {
             test.tap(ls::KeyId::Back, dice.below(Panel::deviceCount));
         }
@@ -97,7 +99,9 @@ public:
     }
     QString begin(FaultTest& test) override
     {
-        m_service.stop();
+        if (!m_service.stop()) {
+            return QStringLiteral("the speech daemon is gone");
+        }
         m_keys = 1 + dice.below(1000);
         for (int i = 0; i < m_keys; ++i) {
             test.tap(ls::KeyId::Down, dice.below(Panel::deviceCount));

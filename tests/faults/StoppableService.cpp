@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/faults/StoppableService.h"
 
-#include <signal.h>
+#include "tests/faults/Signals.h"
 
 namespace {
 
@@ -30,14 +30,12 @@ QList<QByteArray> StoppableService::takeSpoken()
     return lines;
 }
 
-void StoppableService::stop()
+bool StoppableService::stop()
 {
-    ::kill(pid_t(m_process.processId()), SIGSTOP);
+    return signalTo(m_process.processId(), SIGSTOP);
 }
 
 void StoppableService::resume()
 {
-    if (m_process.processId() > 0) {
-        ::kill(pid_t(m_process.processId()), SIGCONT);
-    }
+    signalTo(m_process.processId(), SIGCONT);
 }

@@ -17,7 +17,8 @@ public:
     /// The lines in which the speech daemon has told what it spoke, since the last call.
     QList<QByteArray> takeSpoken();
 
-    void stop();
+    /// False when it does not run.
+    bool stop();
     void resume();
 
 private:
