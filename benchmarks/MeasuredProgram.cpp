@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: MIT
+#include "benchmarks/MeasuredProgram.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <linux/input.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+using std::chrono::nanoseconds;
+using std::chrono::system_clock;
+
+namespace {
+
+constexpr int startPatienceMs = 60'000; // a program that is counted starts slowly
+// The device gives a program this folder to write in.
+constexpr char writableFolder[] = "/run";
+constexpr char readinessSocket[] = "/run/readiness";
+constexpr char launchFile[] = "/run/launched";
+
+constexpr input_event key(qint32 value)
+{
+    input_event record{};
+    record.type = EV_KEY;
+    record.code = KEY_UP;
+    record.value = value;
+    return record;
+}
+
+/// A key event as the kernel reports it: the record and the mark behind it.
+struct Report
+{
+    input_event record;
+    input_event mark;
+};
+constexpr Report pressed{key(1), {}};
+constexpr Report released{key(0), {}};
+
+struct Tap
+{
+    Report down = pressed;
+    Report up = released;
+};
+// A pipe takes this much as a whole or not at all; half a record would be lost.
+constexpr int tapsPerWrite = PIPE_BUF / sizeof(Tap);
+
+void require(bool condition, const QString& fault)
+{
+    if (!condition) {
+        throw std::runtime_error(qPrintable(fault));
+    }
+}
+
+void requireNone(const QString& fault)
+{
+    require(fault.isEmpty(), fault);
+}
+
+DeviceOptions printingDevice()
+{
+    DeviceOptions options;
+    options.standardInput = DeviceOptions::StandardInput::Null;
+    return options;
+}
+
+void write(int device, const Report& report)
+{
+    require(::write(device, &report, sizeof report) == sizeof report,
+            QStringLiteral("The input device takes no keys."));
+}
+
+} // namespace
+
+MeasuredProgram::MeasuredProgram(const QString& name, const QString& executable)
+    : m_name(name), m_executable(executable), m_options(printingDevice()), m_folder(m_options)
+{
+    for (const char* dependency : {"state-handler", "speechd"}) {
+        m_folder.setReady(QLatin1String(dependency), true);
+    }
+    requireNone(m_folder.errorString());
+    m_input = ::open(QFile::encodeName(m_folder.inputDevice(0)).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    require(m_input != -1, QStringLiteral("There is no input device."));
+    m_readiness = std::make_unique<ReadinessSocket>(ofDevice(readinessSocket));
+    requireNone(m_bus.start(m_folder, m_options.namePolicy));
+    m_services = std::make_unique<OtherServices>(m_bus.address());
+    QObject::connect(&m_process, &DaemonProcess::logLine, [this](const QString& line) {
+        static const QRegularExpression collected(QStringLiteral("Collected : (\\d+)"));
+        const QRegularExpressionMatch match = collected.match(line);
+        m_instructions = match.hasMatch() ? match.captured(1).toLongLong() : m_instructions;
+    });
+}
+
+MeasuredProgram::~MeasuredProgram()
+{
+    m_process.stop();
+    ::close(m_input);
+}
+
+nanoseconds MeasuredProgram::start()
+{
+    const ReadinessSocket::Time ready = run({m_executable});
+    return ready - launchTime();
+}
+
+void MeasuredProgram::startCounting()
+{
+    m_instructions = -1;
+    run({QStringLiteral("/usr/bin/valgrind"), QStringLiteral("--tool=callgrind"),
+         QStringLiteral("--callgrind-out-file=/dev/null"), m_executable});
+}
+
+void MeasuredProgram::stop()
+{
+    m_process.stop();
+}
+
+qint64 MeasuredProgram::stopCounting()
+{
+    m_process.stop();
+    require(m_instructions != -1, QStringLiteral("callgrind tells no number of instructions."));
+    return m_instructions;
+}
+
+void MeasuredProgram::press()
+{
+    write(m_input, pressed);
+}
+
+void MeasuredProgram::release()
+{
+    write(m_input, released);
+}
+
+int MeasuredProgram::tap(int mostKeys)
+{
+    static const std::array<Tap, tapsPerWrite> taps;
+    int keys = 0;
+    while (keys < mostKeys) {
+        const int count = std::min(mostKeys - keys, tapsPerWrite);
+        if (::write(m_input, taps.data(), size_t(count) * sizeof(Tap)) == -1) {
+            break;
+        }
+        keys += count;
+    }
+    return keys;
+}
+
+bool MeasuredProgram::hasReadAll() const
+{
+    int pending = -1;
+    return ::ioctl(m_input, FIONREAD, &pending) == 0 && pending == 0;
+}
+
+ReadinessSocket::Time MeasuredProgram::run(const QStringList& command)
+{
+    m_options.daemon = QCoreApplication::applicationFilePath();
+    m_options.daemonArguments = QStringList(QLatin1String(launchOption)) + command;
+    requireNone(m_process.start(m_folder, m_options));
+
+    pollfd pollers[] = {{m_readiness->descriptor(), POLLIN, 0}, {m_services->descriptor(), POLLIN, 0}};
+    std::optional<ReadinessSocket::Time> ready;
+    while (!ready) {
+        require(::poll(pollers, 2, startPatienceMs) > 0,
+                m_executable + QStringLiteral(" does not get ready."));
+        m_services->work(); // the program may ask for the state
+        ready = m_readiness->takeDeclaration();
+    }
+    return *ready;
+}
+
+ReadinessSocket::Time MeasuredProgram::launchTime() const
+{
+    QFile file(ofDevice(launchFile));
+    require(file.open(QIODevice::ReadOnly), file.errorString());
+    return ReadinessSocket::Time(file.readAll().toLongLong());
+}
+
+QString MeasuredProgram::ofDevice(const char* path) const
+{
+    return m_folder.runFolder() + QLatin1String(path + std::strlen(writableFolder));
+}
+
+int launch(char* command[])
+{
+    qputenv("NOTIFY_SOCKET", readinessSocket);
+    qputenv("TMPDIR", writableFolder);
+    QFile file{QLatin1String(launchFile)};
+    if (file.open(QIODevice::WriteOnly)) {
+        const nanoseconds now = system_clock::now().time_since_epoch();
+        file.write(QByteArray::number(qint64(now.count())));
+        file.close();
+        ::execv(command[0], command);
+    }
+    return EXIT_FAILURE;
+}

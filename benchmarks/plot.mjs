@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+// plot.mjs RESULT: draws what an event costs in the router against the length of the key lists, as SVG; both axes are
+// logarithmic. RESULT is what tools/bench --json writes.
+import { readFileSync } from 'node:fs';
+
+const width = 640, height = 400;
+const left = 70, right = 150, top = 20, bottom = 55;
+const colours = ['#0072b2', '#d55e00', '#009e73', '#cc79a7'];
+const dashes = ['none', '6 3', '2 3', '8 3 2 3'];
+
+const { router } = JSON.parse(readFileSync(process.argv[2]));
+const events = Object.entries(router);
+const lengths = Object.keys(router[events[0][0]]).map(Number);
+const costs = events.flatMap(([, cost]) => Object.values(cost));
+const decade = (value, round) => 10 ** round(Math.log10(value));
+
+/// Puts the values of `from` to `to` on the pixels `start` to `end`.
+function axis(from, to, start, end) {
+    const scale = (end - start) / Math.log10(to / from);
+    const ticks = [];
+    for (let tick = from; tick <= to; tick *= 10) {
+        ticks.push(tick);
+    }
+    return { ticks, at: value => (start + Math.log10(value / from) * scale).toFixed(1) };
+}
+
+const x = axis(lengths[0], lengths.at(-1), left, width - right);
+const y = axis(decade(Math.min(...costs), Math.floor), decade(Math.max(...costs), Math.ceil), height - bottom, top);
+
+const time = ns => (ns < 1000 ? `${ns} ns` : `${ns / 1000} µs`);
+const text = (px, py, content, rest = '') => `<text x="${px}" y="${py}" ${rest}>${content}</text>`;
+const rule = (x1, y1, x2, y2) => `<line x1="${x1}" y1="${y1}" x2="${x2}" y2="${y2}" stroke="#d0d0d0"/>`;
+
+const grid = [
+    ...x.ticks.flatMap(tick => [rule(x.at(tick), top, x.at(tick), height - bottom),
+        text(x.at(tick), height - bottom + 18, tick.toLocaleString('en-US'), 'text-anchor="middle"')]),
+    ...y.ticks.flatMap(tick => [rule(left, y.at(tick), width - right, y.at(tick)),
+        text(left - 8, Number(y.at(tick)) + 4, time(tick), 'text-anchor="end"')]),
+];
+
+// Names stand beside the ends of their curves, but not upon each other.
+const labels = events.map(([event, cost], i) => ({ event, i, py: Number(y.at(cost[lengths.at(-1)])) + 4 }))
+    .sort((one, other) => one.py - other.py);
+labels.forEach((label, i) => { label.py = Math.max(label.py, (labels[i - 1]?.py ?? 0) + 15); });
+
+const curves = events.map(([, cost], i) => {
+    const points = lengths.map(length => `${x.at(length)},${y.at(cost[length])}`).join(' ');
+    return `<polyline points="${points}" fill="none" stroke="${colours[i]}" stroke-width="2" stroke-dasharray="${dashes[i]}"/>`;
+});
+
+console.log(`<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 ${width} ${height}" font-family="sans-serif" font-size="13">
+<title>Time of a key event in the router against the number of rows in each key list</title>
+<rect width="${width}" height="${height}" fill="white"/>
+${[...grid, ...curves].join('\n')}
+${labels.map(({ event, i, py }) => text(width - right + 8, py, event, `fill="${colours[i]}"`)).join('\n')}
+${text((left + width - right) / 2, height - 12, 'rows in each key list', 'text-anchor="middle"')}
+</svg>`);

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+// report.mjs DEVICE ROUTER RESULT: prints the figures of device-benchmark and router-benchmark as tables, with the goals
+// that the daemon has beside the references, and writes all of it to the file RESULT as JSON.
+import { readFileSync, writeFileSync } from 'node:fs';
+import os from 'node:os';
+
+const programs = ['daemon', 'relayingQt', 'leastQt', 'leastSdBus'];
+
+const count = value => Math.round(value).toLocaleString('en-US');
+const us = value => `${value.toFixed(0)} µs`;
+const ms = value => `${(value / 1000).toFixed(2)} ms`;
+const kib = value => `${value} KiB`;
+
+// What is measured, where it is found, and how many times that of a reference it may be for the daemon.
+const rows = [
+    ['release to announcement, p50', own => own.keyUs.p50, us, { leastQt: 1.1, leastSdBus: 2 }],
+    ['release to announcement, p99', own => own.keyUs.p99, us],
+    ['release to announcement, longest', own => own.keyUs.max, us],
+    ['start to ready, p50', own => own.startUs.p50, ms, { leastQt: 1.3 }],
+    ['start to ready, p99', own => own.startUs.p99, ms],
+    ['instructions of a key', own => own.instructionsPerKey, count, { leastQt: 1.3 }],
+    ['anonymous memory', own => own.anonymousKib, kib, { leastQt: 1.25 }],
+    ['memory (PSS)', own => own.pssKib, kib],
+    ['wake-ups when idle', own => own.idleWakeUps, count, { most: 0 }],
+    ['burst: records drained a second', own => own.recordsPerSecond, count],
+    ['burst: announcements delivered a second', own => own.announcementsPerSecond, count],
+];
+
+function goalsOf(values, limits) {
+    return Object.entries(limits ?? {}).map(([reference, limit]) => {
+        const reached = reference === 'most' ? values.daemon : values.daemon / values[reference];
+        return { reference, limit, reached, met: reached <= limit };
+    });
+}
+
+function measure(figures, [name, valueOf, format, limits]) {
+    const values = Object.fromEntries(programs.map(program => [program, valueOf(figures[program])]));
+    return { name, values, format, goals: goalsOf(values, limits) };
+}
+
+const line = cells => `| ${cells.join(' | ')} |`;
+
+function table(heads, body) {
+    return [line(heads), line(heads.map(() => '---')), ...body.map(line)].join('\n');
+}
+
+function goalText({ reference, limit, reached, met }) {
+    const times = reference === 'most' ? `${limit}` : `${limit} × ${reference === 'leastQt' ? 'Qt' : 'C'}`;
+    return `${times}: ${met ? 'met' : 'not met'}${reference === 'most' ? '' : ` (${reached.toFixed(2)})`}`;
+}
+
+function deviceTable(measured) {
+    return table(['', 'daemon', 'relaying Qt', 'least Qt', 'least C', 'goal'],
+        measured.map(({ name, values, format, goals }) =>
+            [name, ...programs.map(program => format(values[program])), goals.map(goalText).join(', ')]));
+}
+
+/// Nanoseconds of each event by the number of rows, the median of the repetitions.
+function routerCosts(benchmarks) {
+    const costs = {};
+    for (const { run_type: type, aggregate_name: aggregate, repetitions, run_name: name, cpu_time: time } of benchmarks) {
+        if (aggregate === 'median' || (type === 'iteration' && repetitions === 1)) {
+            const [event, length] = name.split('/');
+            (costs[event] ??= {})[length] = time;
+        }
+    }
+    return costs;
+}
+
+function routerTable(costs) {
+    const lengths = Object.keys(Object.values(costs)[0]);
+    return table(['rows of each key list', ...Object.keys(costs)],
+        lengths.map(length => [count(Number(length)),
+            ...Object.values(costs).map(cost => `${(cost[length] / 1000).toFixed(2)} µs`)]));
+}
+
+function machine() {
+    const system = /^PRETTY_NAME="(.*)"$/m.exec(readFileSync('/etc/os-release', 'utf8'))[1];
+    return `${os.cpus().length} × ${os.cpus()[0].model}, ${system}, Linux ${os.release()}, load ${os.loadavg()[0].toFixed(1)}`;
+}
+
+const [devicePath, routerPath, resultPath] = process.argv.slice(2);
+const figures = JSON.parse(readFileSync(devicePath));
+const measured = rows.map(row => measure(figures, row));
+const router = routerCosts(JSON.parse(readFileSync(routerPath)).benchmarks);
+const goals = measured.flatMap(({ name, goals }) => goals.map(goal => ({ figure: name, ...goal })));
+
+console.log(`${machine()}\n\n${deviceTable(measured)}\n\n${routerTable(router)}`);
+writeFileSync(resultPath, JSON.stringify({ machine: machine(), figures, goals, router }, null, 2));
