@@ -5,12 +5,23 @@
 #include <QPointer>
 #include <QSocketNotifier>
 #include <QTimerEvent>
+#include <QVarLengthArray>
 
 #include <algorithm>
 
 #include <poll.h>
 
 using std::chrono::milliseconds;
+
+namespace {
+
+pollfd descriptorOf(const QSocketNotifier& notifier)
+{
+    const bool reads = notifier.type() == QSocketNotifier::Read;
+    return {static_cast<int>(notifier.socket()), static_cast<short>(reads ? POLLIN : POLLOUT), 0};
+}
+
+} // namespace
 
 VirtualTimeDispatcher::VirtualTimeDispatcher(QObject* parent) : QAbstractEventDispatcher(parent) {}
 
@@ -103,15 +114,16 @@ int VirtualTimeDispatcher::remainingTime(int timerId)
 
 bool VirtualTimeDispatcher::handleDescriptors()
 {
+    if (!isAnyReady()) {
+        return false;
+    }
     bool handled = false;
     const QList<QPointer<QSocketNotifier>> notifiers(m_notifiers.cbegin(), m_notifiers.cend());
     for (const QPointer<QSocketNotifier>& notifier : notifiers) {
         if (!notifier || !m_notifiers.contains(notifier)) {
             continue;
         }
-        const bool reads = notifier->type() == QSocketNotifier::Read;
-        pollfd descriptor{static_cast<int>(notifier->socket()), static_cast<short>(reads ? POLLIN : POLLOUT),
-                          0};
+        pollfd descriptor = descriptorOf(*notifier);
         if (::poll(&descriptor, 1, 0) == 1) {
             QEvent event(QEvent::SockAct);
             QCoreApplication::sendEvent(notifier, &event);
@@ -119,6 +131,16 @@ bool VirtualTimeDispatcher::handleDescriptors()
         }
     }
     return handled;
+}
+
+// Nearly always nothing is, which one call tells.
+bool VirtualTimeDispatcher::isAnyReady() const
+{
+    QVarLengthArray<pollfd, 8> descriptors;
+    for (const QSocketNotifier* notifier : m_notifiers) {
+        descriptors.append(descriptorOf(*notifier));
+    }
+    return ::poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), 0) > 0;
 }
 
 bool VirtualTimeDispatcher::fireNextTimer(milliseconds limit)

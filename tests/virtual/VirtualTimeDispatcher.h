@@ -53,6 +53,7 @@ private:
     };
 
     bool handleDescriptors();
+    bool isAnyReady() const;
     bool fireNextTimer(std::chrono::milliseconds limit);
     void insert(const Timer& timer);
     QList<Timer>::iterator find(int timerId);
