@@ -9,6 +9,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QMutexLocker>
 #include <QTextCodec>
 
@@ -54,6 +55,8 @@ int main(int argc, char* argv[])
 
     SystemCheck systemCheck;
     systemCheck.start(QThread::InheritPriority);
+    // While this thread would only wait, Qt looks for the rules of the log, which the first line needs.
+    QLoggingCategory::defaultCategory();
     waitForServices();
     systemCheck.wait();
 
