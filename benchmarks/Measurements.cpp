@@ -79,8 +79,7 @@ void announceSame(const Measurements::Programs& programs)
     const QMap<QString, QString> expected = programs.front()->services().lastAnnouncement();
     for (const auto& program : programs) {
         if (program->services().lastAnnouncement() != expected) {
-            throw std::runtime_error(
-                qPrintable(program->name() + QStringLiteral(" announces something else.")));
+            throw std::runtime_error("The programs do not announce the same.");
         }
     }
 }

@@ -5,6 +5,7 @@ import { readFileSync, writeFileSync } from 'node:fs';
 import os from 'node:os';
 
 const programs = ['daemon', 'relayingQt', 'leastQt', 'leastSdBus'];
+const events = ['press', 'release', 'repeat', 'shortcut'];
 
 const count = value => Math.round(value).toLocaleString('en-US');
 const us = value => `${value.toFixed(0)} µs`;
@@ -57,21 +58,20 @@ function deviceTable(measured) {
 
 /// Nanoseconds of each event by the number of rows, the median of the repetitions.
 function routerCosts(benchmarks) {
-    const costs = {};
+    const costs = Object.fromEntries(events.map(event => [event, {}]));
     for (const { run_type: type, aggregate_name: aggregate, repetitions, run_name: name, cpu_time: time } of benchmarks) {
         if (aggregate === 'median' || (type === 'iteration' && repetitions === 1)) {
             const [event, length] = name.split('/');
-            (costs[event] ??= {})[length] = time;
+            costs[event][length] = time;
         }
     }
     return costs;
 }
 
 function routerTable(costs) {
-    const lengths = Object.keys(Object.values(costs)[0]);
-    return table(['rows of each key list', ...Object.keys(costs)],
-        lengths.map(length => [count(Number(length)),
-            ...Object.values(costs).map(cost => `${(cost[length] / 1000).toFixed(2)} µs`)]));
+    return table(['rows of each key list', ...events],
+        Object.keys(costs[events[0]]).map(length => [count(Number(length)),
+            ...events.map(event => `${(costs[event][length] / 1000).toFixed(2)} µs`)]));
 }
 
 function machine() {
