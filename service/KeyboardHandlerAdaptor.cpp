@@ -12,6 +12,14 @@
 #include <QDBusConnection>
 #include <QDBusError>
 #include <QDebug>
+#include <QEvent>
+
+namespace {
+
+/// The calls that the interface has are a handful.
+constexpr int mostKindsOfCalls = 64;
+
+} // namespace
 
 KeyboardHandlerAdaptor::KeyboardHandlerAdaptor(KeyboardHandler* handler)
     : QDBusAbstractAdaptor(handler), m_handler(handler)
@@ -20,10 +28,30 @@ KeyboardHandlerAdaptor::KeyboardHandlerAdaptor(KeyboardHandler* handler)
     registerOnBus();
 }
 
+// Qt notes how it takes each kind of call (a name and the types of its arguments) in a dynamic property of
+// the adaptor, which has no others. It does so for calls that there are not as well, and forgets none: a
+// caller who thinks of ever new ones would fill the memory.
+bool KeyboardHandlerAdaptor::event(QEvent* event)
+{
+    if (event->type() == QEvent::DynamicPropertyChange && ++m_kindsOfCalls > mostKindsOfCalls) {
+        forgetKindsOfCalls();
+    }
+    return QDBusAbstractAdaptor::event(event);
+}
+
 QVariantMap KeyboardHandlerAdaptor::process(const QVariantMap& command)
 {
     const QVariantMap unpacked = libvantre::dbusArgumentUnpack(command).toMap();
     return toBusMap(m_handler->process(unpacked));
+}
+
+void KeyboardHandlerAdaptor::forgetKindsOfCalls()
+{
+    m_kindsOfCalls = 0;
+    const QList<QByteArray> names = dynamicPropertyNames();
+    for (const QByteArray& name : names) {
+        setProperty(name.constData(), QVariant());
+    }
 }
 
 void KeyboardHandlerAdaptor::registerOnBus()

@@ -21,6 +21,8 @@ public:
     /// and leaves the daemon without (or with a part of) its presence on the bus.
     explicit KeyboardHandlerAdaptor(KeyboardHandler* handler);
 
+    bool event(QEvent* event) override;
+
 public Q_SLOTS:
     QVariantMap process(const QVariantMap& command) override;
 
@@ -29,6 +31,8 @@ Q_SIGNALS:
 
 private:
     void registerOnBus();
+    void forgetKindsOfCalls();
 
     KeyboardHandler* m_handler;
+    int m_kindsOfCalls = 0;
 };

@@ -11,6 +11,8 @@
 #include <QDBusMessage>
 #include <QtTest>
 
+#include <malloc.h>
+
 namespace {
 
 const QString name = QStringLiteral("com.vantre.KeyboardHandler");
@@ -28,6 +30,7 @@ private Q_SLOTS:
     void takenNameIsReported();
     void takenPathIsReported();
     void callsReachTheServiceObjectUnpacked();
+    void callsThatThereAreNotAreForgotten();
     void notificationsAreRelayed();
     void metaCastKnowsTheSharedInterface();
 
@@ -96,6 +99,26 @@ void AdaptorTest::callsReachTheServiceObjectUnpacked()
     QTRY_VERIFY(pending.isFinished());
     const auto response = qdbus_cast<QVariantMap>(pending.reply().arguments().value(0));
     QCOMPARE(response, (QVariantMap{{"resultId", "Failure"}, {"errorId", "CmdNotFound"}}));
+}
+
+// Each of them is of a kind of its own: by its name, as here, or by the types of its arguments. The memory
+// can be looked at only where no sanitizer manages it.
+void AdaptorTest::callsThatThereAreNotAreForgotten()
+{
+    adapt();
+    QDBusConnection client = bus.connect("client");
+    const auto callUnknown = [&](int first, int count) {
+        for (int i = first; i < first + count; ++i) {
+            client.send(QDBusMessage::createMethodCall(name, "/", name, QStringLiteral("unknown%1").arg(i)));
+        }
+        const QDBusPendingCall last =
+            client.asyncCall(QDBusMessage::createMethodCall(name, "/", name, "last"));
+        QTRY_VERIFY(last.isFinished());
+    };
+    callUnknown(0, 1000);
+    const size_t before = ::mallinfo2().uordblks;
+    callUnknown(1000, 20000);
+    QVERIFY(::mallinfo2().uordblks < before + 1024 * 1024);
 }
 
 void AdaptorTest::notificationsAreRelayed()
