@@ -6,27 +6,34 @@
 class Resources
 {
 public:
-    /// What this process has allocated; 0 in a build without the address sanitizer.
-    static long long allocatedBytes();
-
-    /// What is allocated while it lives is no leak.
-    class LeaksAreExpected
+    /// What is allocated while it lives, and never freed, is not taken for a leak.
+    class Trial
     {
     public:
-        LeaksAreExpected();
-        ~LeaksAreExpected();
-        LeaksAreExpected(const LeaksAreExpected&) = delete;
-        LeaksAreExpected& operator=(const LeaksAreExpected&) = delete;
+        Trial();
+        ~Trial();
+        Trial(const Trial&) = delete;
+        Trial& operator=(const Trial&) = delete;
+
+        /// Whether this thread has allocated more than it has freed.
+        bool hasGrown() const;
+
+    private:
+        long long m_before;
     };
 
-    /// To be called before a run and after it; ends the process when too much has come together. What happens
-    /// between the runs is libFuzzer's and does not count.
+    Resources();
+
+    /// What the daemon and what is around it hold, by all threads, but not what libFuzzer does between the
+    /// runs. 0 in a build without the address sanitizer.
+    static long long heldBytes();
+
+    /// To be called before a run and after it; ends the process when too much has come together.
     void beginRun();
     void endRun();
 
 private:
     long long m_runs = 0;
     long long m_bytesBefore = 0;
-    long long m_bytesGrown = 0;
     int m_descriptorBefore = 0;
 };

@@ -46,15 +46,14 @@ InputRecords::InputRecords()
 
 void InputRecords::run(Bytes& bytes)
 {
-    const long long before = Resources::allocatedBytes();
+    const long long before = Resources::heldBytes();
     while (!bytes.isEmpty()) {
         step(bytes);
         Log::require(m_daemon.clock().timerCount() <= mostTimers, "there are three timers");
     }
     m_daemon.takeAnnouncements();
     Log::clear();
-    Log::require(Resources::allocatedBytes() - before < mostRemembered,
-                 "what is remembered of keys is little");
+    Log::require(Resources::heldBytes() - before < mostRemembered, "what is remembered of keys is little");
     m_daemon.requireThatItWorks();
 }
 

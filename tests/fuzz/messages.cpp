@@ -26,6 +26,7 @@ public:
 
 private:
     void send(Bytes& bytes);
+    QString anyMethod(Bytes& bytes) const;
     QVariantMap command(Bytes& bytes) const;
     QStringList keysList(Bytes& bytes) const;
 
@@ -59,10 +60,11 @@ void Messages::run(Bytes& bytes)
 
 void Messages::send(Bytes& bytes)
 {
-    constexpr int oneIn = 16;
+    constexpr int oneIn = 8;
     const bool isOdd = bytes.below(oneIn) == 0;
+    const QString method = isOdd ? anyMethod(bytes) : QStringLiteral("process");
     const QVariantList arguments{isOdd ? BusValues::value(bytes) : QVariant(command(bytes))};
-    const QDBusMessage reply = LocalBus::call(m_interface, QStringLiteral("process"), arguments);
+    const QDBusMessage reply = LocalBus::call(m_interface, method, arguments);
     m_daemon.settle();
     if (reply.type() != QDBusMessage::ReplyMessage) {
         Log::require(isOdd, "each command is answered");
@@ -71,6 +73,12 @@ void Messages::send(Bytes& bytes)
     const QVariantMap response = libvantre::dbusArgumentUnpack(reply.arguments().value(0)).toMap();
     Log::require(response.contains(ls::resultIdKey) && response.contains(ls::errorIdKey),
                  "each answer has a result and an error");
+}
+
+QString Messages::anyMethod(Bytes& bytes) const
+{
+    return bytes.below(2) == 0 ? QStringLiteral("process")
+                               : QStringLiteral("m%1").arg(bytes.number<quint16>());
 }
 
 /// Every second command is complete, but its fields may be replaced by anything.
