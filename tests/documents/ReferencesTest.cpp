@@ -34,6 +34,7 @@ QStringList documents()
     QStringList names;
     QStringList folders{QString()};
     folders += QDir(projectPath(QString())).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    folders.append(QStringLiteral("tests/fuzz"));
     for (const QString& folder : qAsConst(folders)) {
         const QDir dir(projectPath(folder));
         for (const QString& name : dir.entryList({QStringLiteral("*.md")}, QDir::Files)) {

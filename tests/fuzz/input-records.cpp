@@ -12,6 +12,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
+constexpr int kindsOfSteps = 16;
+constexpr int mostKeysOfCommand = 6;
+constexpr int keyValues = 3;
 constexpr int mostTimers = 3;                   // lone key, long press, factory reset
 constexpr long long mostRemembered = 16 * 1024; // bytes, however many keys there were
 // Around the router's limits and those of the key lists.
@@ -59,7 +62,7 @@ void InputRecords::run(Bytes& bytes)
 
 void InputRecords::step(Bytes& bytes)
 {
-    const int kind = bytes.below(16);
+    const int kind = bytes.below(kindsOfSteps);
     switch (kind) {
     case 0:
         anyRecord(bytes);
@@ -107,7 +110,7 @@ void InputRecords::anyBytes(Bytes& bytes)
 void InputRecords::key(int device, Bytes& bytes)
 {
     const auto code = static_cast<quint16>(bytes.pick(m_codes));
-    m_daemon.record(device, EV_KEY, code, bytes.below(3));
+    m_daemon.record(device, EV_KEY, code, bytes.below(keyValues));
 }
 
 /// As many records at once as the bytes say: one read takes 32.
@@ -115,14 +118,14 @@ void InputRecords::burst(Bytes& bytes)
 {
     const int device = bytes.below(2);
     const auto code = static_cast<quint16>(bytes.pick(m_codes));
-    const int value = bytes.below(3);
+    const int value = bytes.below(keyValues);
     m_daemon.write(device, FuzzedDaemon::recordOf(EV_KEY, code, value).repeated(bytes.next()));
 }
 
 void InputRecords::command(Bytes& bytes)
 {
     QStringList keys;
-    for (int i = bytes.below(6); i > 0; --i) {
+    for (int i = bytes.below(mostKeysOfCommand); i > 0; --i) {
         keys.append(bytes.pick(m_keys));
     }
     m_daemon.process({{ls::commandIdKey, bytes.pick(ls::KeyboardHandlerCmdId::meta.keys())},

@@ -18,6 +18,7 @@ private Q_SLOTS:
     void singleShotFiresOnce();
     void stoppedTimerDoesNotFire();
     void restartMovesTheDeadline();
+    void runningTimersAreCounted();
     void remainingTimeIsVirtual();
     void postedEventsComeBeforeTheClockMoves();
     void descriptorsAreReadBeforeTheClockMoves();
@@ -115,6 +116,21 @@ void VirtualTimeDispatcherTest::restartMovesTheDeadline()
     QCOMPARE(spy.size(), 0);
     clock.advance(1ms);
     QCOMPARE(spy.size(), 1);
+}
+
+void VirtualTimeDispatcherTest::runningTimersAreCounted()
+{
+    QTimer timer;
+    QTimer single;
+    single.setSingleShot(true);
+    QCOMPARE(clock.timerCount(), 0);
+    timer.start(10);
+    single.start(10);
+    QCOMPARE(clock.timerCount(), 2);
+    clock.advance(10ms);
+    QCOMPARE(clock.timerCount(), 1);
+    timer.stop();
+    QCOMPARE(clock.timerCount(), 0);
 }
 
 void VirtualTimeDispatcherTest::remainingTimeIsVirtual()
