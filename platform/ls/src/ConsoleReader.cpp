@@ -72,15 +72,24 @@ void ConsoleReader::readInput()
 void ConsoleReader::deliverLines()
 {
     const QPointer<ConsoleReader> self(this);
-    for (int end = m_buffer.indexOf(lineEnd); end != -1; end = m_buffer.indexOf(lineEnd)) {
+    for (int end = nextLineEnd(); end != -1; end = nextLineEnd()) {
         const QByteArray line = m_buffer.left(end);
         m_buffer.remove(0, end + 1);
+        m_searched = 0;
         finishLine(line);
         if (!self) {
             return;
         }
     }
     dropOverlongLine();
+}
+
+// A long line comes in many chunks: what has been searched is not searched again.
+int ConsoleReader::nextLineEnd()
+{
+    const int end = m_buffer.indexOf(lineEnd, m_searched);
+    m_searched = m_buffer.size();
+    return end;
 }
 
 void ConsoleReader::finishLine(const QByteArray& line)
@@ -104,6 +113,7 @@ void ConsoleReader::dropOverlongLine()
     }
     m_overlong = true;
     m_buffer.clear();
+    m_searched = 0;
 }
 
 void ConsoleReader::reportOverlongLine()

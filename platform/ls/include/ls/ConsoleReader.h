@@ -29,12 +29,14 @@ private Q_SLOTS:
 
 private:
     void deliverLines();
+    int nextLineEnd();
     void finishLine(const QByteArray& line);
     void dropOverlongLine();
     static void reportOverlongLine();
 
     QSocketNotifier m_notifier;
     QByteArray m_buffer;
+    int m_searched = 0; // so many bytes of the buffer hold no line end
     bool m_overlong = false;
 };
 
