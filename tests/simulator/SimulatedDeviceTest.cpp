@@ -5,7 +5,6 @@
 #include <ls/MessageKeys.h>
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QtTest>
 
@@ -169,10 +168,7 @@ void SimulatedDeviceTest::whatDoesNotReactIsKilled()
     const qint64 process = isBus ? device->bus().processId() : device->daemon().processId();
     QCOMPARE(kill(pid_t(process), SIGSTOP), 0);
     QTRY_VERIFY(isStopped(process));
-    QElapsedTimer clock;
-    clock.start();
     device.reset();
-    QVERIFY2(clock.elapsed() < 4500, qPrintable(QString::number(clock.elapsed())));
     QVERIFY(!isAlive(process));
 }
 
