@@ -35,5 +35,5 @@ public:
 private:
     long long m_runs = 0;
     long long m_bytesBefore = 0;
-    int m_descriptorBefore = 0;
+    int m_descriptorsBefore = 0;
 };
