@@ -8,6 +8,7 @@
 #include <QtTest>
 
 #include <fcntl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -26,6 +27,7 @@ private Q_SLOTS:
     void trailingPartOfARecordIsDropped();
     void lessThanARecordIsDroppedAndReadingGoesOn();
     void burstWithPartialRecordsLosesNoWholeRecord();
+    void oneNotificationDrainsTheDevice();
     void filterDropsRecords();
     void readErrorIsReportedAndTheDeviceStaysWatched();
     void endOfFileIsWarnedOf();
@@ -161,6 +163,21 @@ void KeyboardTest::burstWithPartialRecordsLosesNoWholeRecord()
               QByteArray(i % static_cast<int>(sizeof(input_event)), 'x'));
     }
     QCOMPARE(events.size(), 10000);
+}
+
+/// Each read of such a socket takes one packet.
+void KeyboardTest::oneNotificationDrainsTheDevice()
+{
+    int ends[2];
+    QCOMPARE(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, ends), 0);
+    const QByteArray whole = bytes(record(EV_KEY, KEY_UP, 1));
+    for (const QByteArray& packet : {whole, whole.left(whole.size() - 1), whole + whole}) {
+        QCOMPARE(::send(ends[1], packet.constData(), static_cast<size_t>(packet.size()), 0), packet.size());
+    }
+    QMetaObject::invokeMethod(keyboard.get(), "readEvents", Q_ARG(int, ends[0]));
+    QCOMPARE(events.size(), 3);
+    ::close(ends[0]);
+    ::close(ends[1]);
 }
 
 void KeyboardTest::filterDropsRecords()
