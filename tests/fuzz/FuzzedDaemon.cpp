@@ -27,6 +27,7 @@ namespace {
 constexpr char firstNode[] = "/dev/input/event0";
 constexpr char secondNode[] = "/dev/input/event1";
 constexpr int chunk = 4096; // a pipe that is empty takes this much at once
+constexpr auto loneKeyTime = 1500ms;
 
 VirtualTimeDispatcher& makeClock()
 {
@@ -228,7 +229,10 @@ void FuzzedDaemon::requireLoneKey()
 {
     press(ls::KeyId::Up);
     release(ls::KeyId::Up);
+    wait(loneKeyTime - 1ms);
     Log::require(m_announcements.isEmpty(), "a lone key is not announced before its time");
+    wait(1ms);
+    Log::require(m_announcements.size() == 1, "a lone key is announced at its time");
     waitForQuiet();
     const QVector<QVariantMap> announcements = takeAnnouncements();
     Log::require(announcements.size() == 1, "a lone key is announced once");
