@@ -4,6 +4,7 @@
 #include "tests/random/Dice.h"
 
 #include <QStringList>
+#include <QVector>
 
 struct DeviceOptions;
 class FaultTest;
@@ -27,8 +28,8 @@ public:
     virtual QString begin(FaultTest& test) = 0;
     virtual QString end(FaultTest& /*test*/) { return {}; }
 
-    /// Whether announcements arrive while the fault lasts.
-    virtual bool leavesAnnouncements() const { return true; }
+    /// The input devices whose keys are announced at once while the fault lasts.
+    virtual QVector<int> freeDevices() const { return {0, 1}; }
     /// How much more memory the heap of the daemon may keep back for itself afterwards; what one round would
     /// leak should be more.
     virtual qint64 slackKiB() const { return 2 * 1024; }

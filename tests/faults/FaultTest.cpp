@@ -98,13 +98,13 @@ bool FaultTest::awaitLoneKey()
     return announced.wait(patienceMs);
 }
 
-std::optional<double> FaultTest::latency()
+std::optional<double> FaultTest::latency(const QVector<int>& inputDevices)
 {
     QVector<double> times;
     for (int i = 0; i < pressCount; ++i) {
         QElapsedTimer timer;
         timer.start();
-        if (receiverOfMenu(i % Panel::deviceCount).isEmpty()) {
+        if (receiverOfMenu(inputDevices.at(i % inputDevices.size())).isEmpty()) {
             return std::nullopt;
         }
         times << double(timer.nsecsElapsed()) / 1e6;
@@ -134,7 +134,7 @@ QString FaultTest::growth(qint64 memoryBeforeKiB, int descriptorsBefore, qint64 
 QString FaultTest::oddLines(const QStringList& patterns) const
 {
     QStringList rest = log();
-    rest.removeOne(registered);
+    rest.removeAll(registered);
     for (const QString& pattern : patterns) {
         const QRegularExpression expression(QRegularExpression::anchoredPattern(pattern));
         const int before = rest.size();
@@ -151,8 +151,8 @@ QString FaultTest::oddLines(const QStringList& patterns) const
 QString FaultTest::round(Fault& fault, Round& figures)
 {
     QString broken = fault.begin(*this);
-    if (broken.isEmpty() && fault.leavesAnnouncements()) {
-        figures.duringMs = latency().value_or(-1);
+    if (broken.isEmpty() && !fault.freeDevices().isEmpty()) {
+        figures.duringMs = latency(fault.freeDevices()).value_or(-1);
         broken = figures.duringMs < 0 ? QStringLiteral("keys do not work meanwhile") : QString();
     }
     if (broken.isEmpty()) {
@@ -171,19 +171,23 @@ QString FaultTest::rounds(Fault& fault)
 {
     const double usual = latency().value_or(-1);
     Round first;
-    QString broken = usual < 0 ? QStringLiteral("keys do not work before") : round(fault, first);
-    Round last = first;
-    for (int i = 1; i < roundCount && broken.isEmpty(); ++i) {
+    Round last;
+    QString broken = usual < 0 ? QStringLiteral("keys do not work before") : QString();
+    for (int i = 0; i < roundCount && broken.isEmpty(); ++i) {
         broken = round(fault, last);
+        first = i == 0 ? last : first;
         if (broken.isEmpty()) {
             broken = slowness(usual, std::max(last.duringMs, last.afterMs));
+        }
+        if (broken.isEmpty()) {
+            broken = growth(first.memoryKiB, first.descriptors, fault.slackKiB());
         }
     }
     qInfo("seed %llu: a key takes %.2f ms before, %.2f ms meanwhile, %.2f ms afterwards; "
           "%lld KiB and %d descriptors more",
           seed(), usual, last.duringMs, last.afterMs, last.memoryKiB - first.memoryKiB,
           last.descriptors - first.descriptors);
-    return broken.isEmpty() ? growth(first.memoryKiB, first.descriptors, fault.slackKiB()) : broken;
+    return broken;
 }
 
 QString FaultTest::damageBy(Fault& fault)

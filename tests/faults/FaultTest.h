@@ -40,9 +40,9 @@ protected:
     /// Lets `fault` come about and go away several times; returns which promise was broken, or an empty text.
     /// Prints the figures.
     QString damageBy(Fault& fault);
-    /// The time from press to announcement in milliseconds, the median of some; nothing when a key is not
-    /// announced.
-    std::optional<double> latency();
+    /// The time from press to announcement in milliseconds, the median of some presses on these devices;
+    /// nothing when a key is not announced.
+    std::optional<double> latency(const QVector<int>& inputDevices = {0, 1});
     /// What is wrong with such latencies, while all is well and while it is not; empty when `disturbed` is of
     /// the same order.
     static QString slowness(double usual, double disturbed);

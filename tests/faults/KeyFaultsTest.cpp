@@ -94,8 +94,13 @@ public:
             test.device().panel().writeRaw(m_device, report.repeated(count));
             left -= count;
         }
-        return {};
+        const bool isAnnounced = !test.receiverOfMenu(m_freeDevice).isEmpty();
+        if (test.device().pendingInput() == 0) {
+            return QStringLiteral("the repetitions are over");
+        }
+        return isAnnounced ? QString() : QStringLiteral("the other device is not heard");
     }
+    QVector<int> freeDevices() const override { return {m_freeDevice}; }
     QString end(FaultTest& test) override
     {
         return FaultTest::await([&] { return test.device().pendingInput() == 0; })
@@ -114,6 +119,7 @@ private:
     }
 
     const int m_device = dice.below(Panel::deviceCount);
+    const int m_freeDevice = 1 - m_device;
     const QString m_key = dice.pick({ls::KeyId::Help, ls::KeyId::Feed, ls::KeyId::Off, ls::KeyId::Up});
 };
 

@@ -3,11 +3,13 @@
 #include "tests/faults/Signals.h"
 #include "tests/system/BusClient.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -34,13 +36,13 @@ public:
 
     QString begin(FaultTest& test) override
     {
-        QByteArray lines;
-        for (int i = 10'000 + dice.below(10'000); i > 0; --i) {
-            lines += dice.pick({"C 4\n", "C 4 \r\n", "c 4\n"});
-        }
-        test.device().daemon().type(lines);
-        return test.device().daemon().pendingInput() > 0 ? QString()
-                                                         : QStringLiteral("nothing is left to read");
+        // A machine that is busy elsewhere may let the daemon be done before the key comes.
+        return FaultTest::await([&] {
+            typeLines(test);
+            return !test.receiverOfMenu().isEmpty() && unreadBytes(test) > 0;
+        })
+                   ? QString()
+                   : QStringLiteral("no key comes between the lines");
     }
     QString end(FaultTest& test) override
     {
@@ -63,6 +65,24 @@ public:
     }
 
 private:
+    void typeLines(FaultTest& test)
+    {
+        QByteArray lines;
+        for (int i = 10'000 + dice.below(10'000); i > 0; --i) {
+            lines += dice.pick({"C 4\n", "C 4 \r\n", "c 4\n"});
+        }
+        test.device().daemon().type(lines);
+    }
+    static int unreadBytes(FaultTest& test)
+    {
+        const QString path = QStringLiteral("/proc/%1/fd/0").arg(daemonOf(test));
+        const int input = ::open(qPrintable(path), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        int count = 0;
+        ::ioctl(input, FIONREAD, &count);
+        ::close(input);
+        return count;
+    }
+
     static constexpr int longestLine = 65536;
     const QString overlongLine =
         QStringLiteral("ls::ConsoleReader::readInput ERROR: line over 65536 bytes dropped.");
@@ -105,6 +125,9 @@ public:
         if (linesInLog() != m_lines + 1) {
             return QStringLiteral("the log does not go on");
         }
+        if (!oddLine().isEmpty()) {
+            return QStringLiteral("in the log: ") + oddLine();
+        }
         const int before = test.actions().filter(QStringLiteral("announce VolumeUp")).size();
         test.device().press(0, ls::KeyId::Function);
         test.tap(ls::KeyId::Up);
@@ -128,11 +151,28 @@ private:
         ::close(file);
         return isFull;
     }
-    int linesInLog() const
+    QStringList logLines() const
     {
         QFile log(m_files + QStringLiteral("log"));
-        return log.open(QIODevice::ReadOnly) ? log.readAll().count(invalidCommand.toUtf8() + '\n') : -1;
+        log.open(QIODevice::ReadOnly);
+        return QString::fromUtf8(log.readAll()).split('\n');
     }
+    int linesInLog() const
+    {
+        const QStringList lines = logLines();
+        return int(std::count_if(lines.begin(), lines.end(), isOfCommand));
+    }
+    /// The first line that is neither of the command nor of the start.
+    QString oddLine() const
+    {
+        const QStringList lines = logLines();
+        const auto odd = std::find_if_not(lines.begin(), lines.end(), [](const QString& line) {
+            return line.isEmpty() || isOfCommand(line) || line.startsWith(QStringLiteral("Successfully "));
+        });
+        return odd == lines.end() ? QString() : *odd;
+    }
+    /// It may be joined to one that was cut.
+    static bool isOfCommand(const QString& line) { return line.endsWith(invalidCommand); }
 
     static constexpr int linesInABlock = 100;
     const QString folder = QStringLiteral("/var/lib/keyboard-handler");

@@ -10,6 +10,8 @@
 
 namespace {
 
+constexpr int replyPatienceMs = 60'000; // there may be much in front of it
+
 QString mapText(const QVariantMap& map)
 {
     QStringList entries;
@@ -58,7 +60,7 @@ QList<QDBusPendingCall> BusClient::open(const QVariantMap& command, int count)
 {
     QList<QDBusPendingCall> calls;
     for (int i = 0; i < count; ++i) {
-        calls << connection().asyncCall(processCall({command}));
+        calls << connection().asyncCall(processCall({command}), replyPatienceMs);
     }
     return calls;
 }
