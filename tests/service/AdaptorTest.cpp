@@ -72,10 +72,14 @@ void AdaptorTest::registersAndSaysSo()
 
 void AdaptorTest::takenNameIsReported()
 {
-    const BusPeer squatter(bus, name);
-    adapt();
+    {
+        const BusPeer squatter(bus, name);
+        adapt();
+    }
     QCOMPARE(log->texts(QtCriticalMsg),
              QStringList{"Unable to register Service: Service-name already in use."});
+    // It is not taken later.
+    QTRY_VERIFY(!QDBusConnection::systemBus().interface()->isServiceRegistered(name));
 }
 
 void AdaptorTest::takenPathIsReported()
