@@ -27,7 +27,10 @@ SoakTraffic::SoakTraffic(SimulatedDevice& device, quint64 seed) : m_device(devic
 {
     connect(&device, &SimulatedDevice::announced, this, &SoakTraffic::note);
     connect(&device, &SimulatedDevice::answered, this, [this] { --m_unanswered; });
-    connect(&device, &SimulatedDevice::commandFailed, this, [this] { --m_unanswered; });
+    connect(&device, &SimulatedDevice::commandFailed, this, [this] {
+        --m_unanswered;
+        ++m_refused;
+    });
 }
 
 QString SoakTraffic::playRound()
@@ -38,6 +41,11 @@ QString SoakTraffic::playRound()
         if (!fault.isEmpty()) {
             return QStringLiteral("round %1: %2").arg(m_counts.rounds).arg(fault);
         }
+    }
+    if (m_refused > 0) {
+        return QStringLiteral("round %1: %2 commands got an error of the bus")
+            .arg(m_counts.rounds)
+            .arg(m_refused);
     }
     ++m_counts.rounds;
     return {};

@@ -53,6 +53,7 @@ private:
     Dice m_dice;
     Counts m_counts;
     int m_unanswered = 0;
+    int m_refused = 0;
     /// The keys that were announced as single keys since this was last emptied.
     QStringList m_singleKeys;
     QVector<double> m_latencies;
