@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: MIT
-// Takes the place of libFuzzer in the ordinary builds: runs a target once on each file of the folders that
-// the arguments name.
+// Takes the place of libFuzzer in the ordinary builds: runs a target on each file of the folders that the
+// arguments name, again and again, until growth from run to run would show.
 #include <QDirIterator>
 #include <QFile>
+#include <QStringList>
 
+#include <algorithm>
 #include <cstdio>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
 namespace {
+
+constexpr int fewestRuns = 300; // of which the first hundred are not compared
 
 bool replay(const QString& path)
 {
@@ -30,16 +34,20 @@ bool replay(const QString& path)
 
 int main(int argc, char* argv[])
 {
-    int runs = 0;
+    QStringList inputs;
     for (int i = 1; i < argc; ++i) {
         QDirIterator files(QString::fromLocal8Bit(argv[i]), QDir::Files, QDirIterator::Subdirectories);
         while (files.hasNext()) {
-            if (!replay(files.next())) {
-                return 1;
-            }
-            ++runs;
+            inputs << files.next();
         }
     }
-    std::printf("%d inputs\n", runs);
+    int runs = 0;
+    while (runs < fewestRuns && !inputs.isEmpty()) {
+        if (!std::all_of(inputs.cbegin(), inputs.cend(), replay)) {
+            return 1;
+        }
+        runs += inputs.size();
+    }
+    std::printf("%d runs of %d inputs\n", runs, static_cast<int>(inputs.size()));
     return runs > 0 ? 0 : 1;
 }
