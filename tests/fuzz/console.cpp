@@ -42,8 +42,8 @@ void ConsoleTarget::run(Bytes& bytes)
     }
     m_daemon.type("\n");
     Log::clear();
-    m_daemon.type("C 4\n");
-    Log::require(Log::count(answerLine) == 1, "the next line is answered once");
+    m_daemon.type("C 4\nC 4\n");
+    Log::require(Log::count(answerLine) == 2, "the next lines are answered once each");
     m_daemon.requireThatItWorks();
 }
 
