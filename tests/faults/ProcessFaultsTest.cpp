@@ -92,7 +92,9 @@ private:
 class FullDisk : public Fault
 {
 public:
-    using Fault::Fault;
+    enum class From { Start, Later };
+
+    FullDisk(quint64 seed, From from) : Fault(seed), m_from(from) {}
 
     void furnish(DeviceOptions& options) override
     {
@@ -101,11 +103,14 @@ public:
         const QString fill = QStringLiteral("cat /dev/zero 2>&- >%1/filler;").arg(folder);
         startThroughShell(options, QStringLiteral("cp %1/*.json %2; %3 exec \"$0\" >/dev/full 2>>%2/log")
                                        .arg(QStringLiteral(KEYBOARD_HANDLER_DATA_FOLDER), folder,
-                                            m_isFullAtStart ? fill : QString()));
+                                            m_from == From::Start ? fill : QString()));
     }
     QString begin(FaultTest& test) override
     {
         m_files = QStringLiteral("/proc/%1/root%2/").arg(daemonOf(test)).arg(folder);
+        if (logLines().join('\n').contains(lineOfStart) != (m_from == From::Later)) {
+            return QStringLiteral("the disk got full too late or too early");
+        }
         if (!fill()) {
             return QStringLiteral("the disk is not full");
         }
@@ -166,8 +171,8 @@ private:
     QString oddLine() const
     {
         const QStringList lines = logLines();
-        const auto odd = std::find_if_not(lines.begin(), lines.end(), [](const QString& line) {
-            return line.isEmpty() || isOfCommand(line) || line.startsWith(QStringLiteral("Successfully "));
+        const auto odd = std::find_if_not(lines.begin(), lines.end(), [this](const QString& line) {
+            return line.isEmpty() || isOfCommand(line) || line.startsWith(lineOfStart);
         });
         return odd == lines.end() ? QString() : *odd;
     }
@@ -176,7 +181,8 @@ private:
 
     static constexpr int linesInABlock = 100;
     const QString folder = QStringLiteral("/var/lib/keyboard-handler");
-    const bool m_isFullAtStart = dice.oneIn(2);
+    const QString lineOfStart = QStringLiteral("Successfully ");
+    const From m_from;
     QString m_files;
     int m_lines = 0;
 };
@@ -358,7 +364,8 @@ class ProcessFaultsTest : public FaultTest
 
 private Q_SLOTS:
     void standardInputIsFlooded();
-    void theDiskIsFull();
+    void theDiskIsFullAtTheStart();
+    void theDiskGetsFull();
     void theDescriptorLimitIsReached();
     void theDaemonIsStoppedInAChord();
     void theClockIsSet();
@@ -370,9 +377,15 @@ void ProcessFaultsTest::standardInputIsFlooded()
     QCOMPARE(damageBy(fault), QString());
 }
 
-void ProcessFaultsTest::theDiskIsFull()
+void ProcessFaultsTest::theDiskIsFullAtTheStart()
 {
-    FullDisk fault(seed());
+    FullDisk fault(seed(), FullDisk::From::Start);
+    QCOMPARE(damageBy(fault), QString());
+}
+
+void ProcessFaultsTest::theDiskGetsFull()
+{
+    FullDisk fault(seed(), FullDisk::From::Later);
     QCOMPARE(damageBy(fault), QString());
 }
 

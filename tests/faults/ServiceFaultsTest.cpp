@@ -51,20 +51,15 @@ private:
     StoppableService m_service;
 };
 
-/// At the start, when it is asked. The keys of the time before it is given up are not lost.
+/// When it is asked at the start. The keys of the time before it is given up are not lost.
 class SilentStateHandler : public Fault
 {
 public:
     using Fault::Fault;
 
-    void furnish(DeviceOptions& options) override { options.stateHandler = !m_isStopped; }
     QString precede(FaultTest& test) override
     {
         test.device().stateHandler().setBehaviour(StateHandlerStandIn::Behaviour::KeepsSilent);
-        const QString address = test.device().bus().address();
-        if (m_isStopped && !(m_service.start(QStringLiteral("state-handler"), address) && m_service.stop())) {
-            return QStringLiteral("there is no state handler");
-        }
         for (int i = 0; i < m_earlyKeys; ++i) {
             test.tap(ls::KeyId::Back, dice.below(Panel::deviceCount));
         }
@@ -80,8 +75,26 @@ public:
     QStringList log() const override { return noAnswer; }
 
 private:
-    const bool m_isStopped = dice.oneIn(2);
     const int m_earlyKeys = 1 + dice.below(100);
+};
+
+/// The bus keeps the question for it, where one that runs takes the question and does nothing.
+class StateHandlerStoppedAtStart : public SilentStateHandler
+{
+public:
+    using SilentStateHandler::SilentStateHandler;
+
+    void furnish(DeviceOptions& options) override { options.stateHandler = false; }
+    QString precede(FaultTest& test) override
+    {
+        const QString address = test.device().bus().address();
+        if (!m_service.start(QStringLiteral("state-handler"), address) || !m_service.stop()) {
+            return QStringLiteral("there is no state handler");
+        }
+        return SilentStateHandler::precede(test);
+    }
+
+private:
     StoppableService m_service;
 };
 
@@ -263,6 +276,7 @@ class ServiceFaultsTest : public FaultTest
 
 private Q_SLOTS:
     void theStateHandlerIsStopped();
+    void theStateHandlerIsStoppedAtTheStart();
     void theStateHandlerNeverAnswers();
     void theSpeechDaemonIsStopped();
     void theSpeechDaemonReadsSlowly();
@@ -273,6 +287,12 @@ private Q_SLOTS:
 void ServiceFaultsTest::theStateHandlerIsStopped()
 {
     StoppedStateHandler fault(seed());
+    QCOMPARE(damageBy(fault), QString());
+}
+
+void ServiceFaultsTest::theStateHandlerIsStoppedAtTheStart()
+{
+    StateHandlerStoppedAtStart fault(seed());
     QCOMPARE(damageBy(fault), QString());
 }
 
