@@ -40,14 +40,14 @@ protected:
     /// Lets `fault` come about and go away several times; returns which promise was broken, or an empty text.
     /// Prints the figures.
     QString damageBy(Fault& fault);
-    /// The time from press to announcement in milliseconds, the median of some presses on these devices;
+    /// The time from press to announcement in milliseconds, the median of `presses` on these devices;
     /// nothing when a key is not announced.
-    std::optional<double> latency(const QVector<int>& inputDevices = {0, 1});
+    std::optional<double> latency(const QVector<int>& inputDevices = {0, 1}, int presses = 25);
     /// What is wrong with such latencies, while all is well and while it is not; empty when `disturbed` is of
     /// the same order.
     static QString slowness(double usual, double disturbed);
     /// What is wrong when so much was held at first and is now.
-    QString growth(qint64 memoryBeforeKiB, int descriptorsBefore, qint64 slackKiB = 2 * 1024);
+    QString growth(qint64 memoryBeforeKiB, int descriptorsBefore, qint64 slackKiB);
     /// What is wrong with the daemon's log if it should consist of lines like these.
     QString oddLines(const QStringList& patterns) const;
 

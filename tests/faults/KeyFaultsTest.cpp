@@ -75,6 +75,7 @@ public:
                    ? QString()
                    : QStringLiteral("%1 of %2 keys are spoken").arg(spoken() - before).arg(keys);
     }
+    qint64 slackKiB() const override { return queueSlackKiB; }
 };
 
 /// The repetitions of an hour, at once.

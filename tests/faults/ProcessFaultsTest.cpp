@@ -73,6 +73,7 @@ public:
         return {QStringLiteral("QMap\\(.*\\)"), QStringLiteral("Process command response"),
                 QStringLiteral("(|\\d+ log lines dropped: nobody read them\\.)"), overlongLine};
     }
+    qint64 slackKiB() const override { return queueSlackKiB; }
 
 private:
     void typeLines(FaultTest& test)

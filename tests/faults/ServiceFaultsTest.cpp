@@ -46,6 +46,7 @@ public:
         return test.awaitReceiver(ls::ServiceId::UserMenu) ? QString()
                                                            : QStringLiteral("the last change is lost");
     }
+    qint64 slackKiB() const override { return queueSlackKiB; }
 
 private:
     StoppableService m_service;
@@ -133,6 +134,7 @@ public:
                    ? QString()
                    : QStringLiteral("%1 of %2 keys are spoken").arg(spoken).arg(m_keys);
     }
+    qint64 slackKiB() const override { return queueSlackKiB; }
 
 private:
     StoppableService m_service;
@@ -167,6 +169,7 @@ public:
         return FaultTest::await([this] { return m_spoken > 0; }) ? QString()
                                                                  : QStringLiteral("nothing is spoken");
     }
+    qint64 slackKiB() const override { return queueSlackKiB; }
 
 private:
     static constexpr int bytesAtOnce = 200;
@@ -214,6 +217,7 @@ public:
         test.device().setState(ls::StateId::Idle);
         return test.awaitReceiver(ls::ServiceId::UserMenu) ? QString() : QStringLiteral("the state stays");
     }
+    qint64 slackKiB() const override { return queueSlackKiB; }
 
 private:
     std::vector<std::unique_ptr<RawBusClient>> m_receivers;
