@@ -23,13 +23,13 @@ const QStringList messageKeys{ls::notificationIdKey, ls::actionIdKey, ls::sender
                               ls::stateIdKey,        ls::resultIdKey, ls::errorIdKey};
 
 /// The state handler on the bus, which answers with what it was given.
-class StateHandlerStandIn : public QObject
+class AnsweringStateHandler : public QObject
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", KEYBOARD_HANDLER_BUS_PREFIX ".StateHandler")
 
 public:
-    StateHandlerStandIn();
+    AnsweringStateHandler();
 
     QVariantList answer;
 
@@ -37,14 +37,14 @@ public Q_SLOTS:
     void process(const QDBusMessage& question);
 };
 
-StateHandlerStandIn::StateHandlerStandIn()
+AnsweringStateHandler::AnsweringStateHandler()
 {
     QDBusConnection bus = QDBusConnection::systemBus();
     bus.registerObject(ls::busPath, this, QDBusConnection::ExportAllSlots);
     bus.registerService(ls::busName(ls::ServiceId::StateHandler));
 }
 
-void StateHandlerStandIn::process(const QDBusMessage& question)
+void AnsweringStateHandler::process(const QDBusMessage& question)
 {
     question.setDelayedReply(true);
     QDBusConnection::systemBus().send(question.createReply(answer));
@@ -64,7 +64,7 @@ private:
 
     FuzzedDaemon m_daemon;
     LocalBus m_bus;
-    StateHandlerStandIn m_peer;
+    AnsweringStateHandler m_peer;
     QStringList m_states; // that were announced in this step
     const QStringList m_words = ls::StateId::meta.keys() + ls::ServiceId::meta.keys() +
                                 QStringList{ls::StateHandlerNotifId::StateChange, ls::ResultId::Success,
