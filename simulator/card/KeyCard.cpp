@@ -6,6 +6,7 @@
 #include "simulator/card/CardSentences.h"
 #include "simulator/card/CardVocabulary.h"
 #include "simulator/card/RowFate.h"
+#include "simulator/script/Autorepeat.h"
 
 #include <ls/Identifiers.h>
 
@@ -15,7 +16,8 @@
 
 namespace {
 
-constexpr int repeatDelayMs = 250; // the time of a long press begins with the first repetition
+/// The time of a long press begins with the first repetition.
+constexpr int repeatDelayMs = int(Autorepeat::delay.count());
 constexpr int factoryResetHoldMs = 5000;
 
 /// A row of one of the lists, and what becomes of it.

@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/script/KeyDevice.h"
 
+#include "simulator/script/Autorepeat.h"
+
 #include <time.h>
 
-using namespace std::chrono_literals;
-
 namespace {
-
-constexpr auto repeatDelay = 250ms;
-constexpr auto repeatPeriod = 33ms;
 
 constexpr qint32 released = 0;
 constexpr qint32 pressed = 1;
@@ -43,7 +40,7 @@ void KeyDevice::press(quint16 code)
     }
     m_down.insert(code);
     m_repeating = code;
-    m_repeatTimer.start(repeatDelay);
+    m_repeatTimer.start(Autorepeat::delay);
     report(EV_KEY, code, pressed);
 }
 
@@ -64,7 +61,7 @@ void KeyDevice::report(quint16 type, quint16 code, qint32 value)
 
 void KeyDevice::repeat()
 {
-    m_repeatTimer.start(repeatPeriod);
+    m_repeatTimer.start(Autorepeat::period);
     write(EV_KEY, m_repeating, repeated);
     // The kernel marks the report of a repetition with 1.
     write(EV_SYN, SYN_REPORT, 1);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "input/Keyboard.h"
+#include "simulator/script/Autorepeat.h"
 #include "tests/random/Dice.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Seeds.h"
@@ -13,18 +14,15 @@
 
 namespace {
 
-constexpr auto repeatDelay = 250ms;
-constexpr auto repeatPeriod = 33ms;
-
 /// How often a key that is held for so long is announced: the first repetition after each announcement starts
 /// the time anew.
 int longPressesIn(std::chrono::milliseconds held, std::chrono::milliseconds time)
 {
     int count = 0;
-    for (auto repetition = repeatDelay; repetition + time < held; ++count) {
+    for (auto repetition = Autorepeat::delay; repetition + time < held; ++count) {
         const auto announced = repetition + time;
         while (repetition < announced) {
-            repetition += repeatPeriod;
+            repetition += Autorepeat::period;
         }
     }
     return count;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "simulator/script/Autorepeat.h"
 #include "tests/faults/FaultTest.h"
 
 namespace {
@@ -88,8 +89,8 @@ public:
     {
         const QByteArray report = bytesOf(keyRecord(m_key, repeated)) + bytesOf({EV_SYN, SYN_REPORT, 1});
         const int reportsOfAWrite = 4096 / report.size(); // which a FIFO takes whole
-        const int first = dice.below(33);
-        int left = (3600 * 1000 - 250 - first) / 33;
+        const std::chrono::milliseconds first(dice.below(int(Autorepeat::period.count())));
+        int left = int((std::chrono::hours(1) - Autorepeat::delay - first) / Autorepeat::period);
         while (left > 0) {
             const int count = std::min(left, reportsOfAWrite);
             test.device().panel().writeRaw(m_device, report.repeated(count));
