@@ -109,18 +109,35 @@ int SystemTest::menuAnnouncements() const
     return actions().filter(announcement).size();
 }
 
+QStringList SystemTest::sanitizerReports() const
+{
+    static const QRegularExpression report(QStringLiteral("ERROR: \\w+Sanitizer: |: runtime error: "));
+    return log().filter(report);
+}
+
+void SystemTest::showEnd() const
+{
+    // The end tells what went wrong; a flood before it would hide that.
+    const Observations last =
+        m_recorder->observations().mid(std::max(0, m_recorder->observations().size() - shownObservations));
+    for (const Observation& observation : last) {
+        qInfo("%6lld ms  %s", static_cast<long long>(observation.at.count()), qPrintable(observation.text));
+    }
+}
+
 void SystemTest::cleanup()
 {
-    if (QTest::currentTestFailed() && m_recorder) {
-        // The end tells what went wrong; a flood before it would hide that.
-        const Observations last = m_recorder->observations().mid(
-            std::max(0, m_recorder->observations().size() - shownObservations));
-        for (const Observation& observation : last) {
-            qInfo("%6lld ms  %s", static_cast<long long>(observation.at.count()),
-                  qPrintable(observation.text));
+    QStringList reports;
+    if (m_device) {
+        // While the recorder still listens: a sanitizer may have ended the daemon behind the last check.
+        m_device->stopDaemon();
+        reports = sanitizerReports();
+        if (QTest::currentTestFailed() || !reports.isEmpty()) {
+            showEnd();
         }
     }
     m_recorder.reset();
     m_device.reset();
     options = DeviceOptions();
+    QVERIFY2(reports.isEmpty(), qPrintable(reports.join('\n')));
 }

@@ -12,7 +12,7 @@
 #include <memory>
 
 /// The base of tests that drive the real daemon: a fresh simulated device for each test function, whose
-/// log is shown when the test fails.
+/// log is shown when the test fails. A report of a sanitizer in that log fails the test.
 class SystemTest : public QObject
 {
     Q_OBJECT
@@ -51,6 +51,8 @@ private Q_SLOTS:
 
 private:
     int menuAnnouncements() const;
+    QStringList sanitizerReports() const;
+    void showEnd() const;
 
     std::unique_ptr<SimulatedDevice> m_device;
     std::unique_ptr<DeviceRecorder> m_recorder;
