@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "benchmarks/Measurements.h"
 
-#include "tests/target/ProcessCost.h"
+#include "tests/support/ProcessFigures.h"
 
 #include <algorithm>
 #include <chrono>
@@ -168,11 +168,11 @@ void idleness(const Programs& programs, const Extent& extent, Figures& figures)
     std::this_thread::sleep_for(settlingTime);
     QMap<QString, int> before;
     for (const auto& program : programs) {
-        before[program->name()] = ProcessCost::voluntarySwitches(int(program->processId()));
+        before[program->name()] = ProcessFigures::voluntarySwitches(program->processId());
     }
     std::this_thread::sleep_for(std::chrono::seconds(extent.idleSeconds));
     for (const auto& program : programs) {
-        const int after = ProcessCost::voluntarySwitches(int(program->processId()));
+        const int after = ProcessFigures::voluntarySwitches(program->processId());
         figures[program->name()].insert(QStringLiteral("idleWakeUps"), after - before.value(program->name()));
     }
 }
@@ -180,11 +180,11 @@ void idleness(const Programs& programs, const Extent& extent, Figures& figures)
 void memory(const Programs& programs, Figures& figures)
 {
     for (const auto& program : programs) {
-        const int process = int(program->processId());
+        const qint64 process = program->processId();
         QJsonObject& own = figures[program->name()];
-        own.insert(QStringLiteral("pssKib"), ProcessCost::memoryKib(process, QStringLiteral("Pss")));
+        own.insert(QStringLiteral("pssKib"), ProcessFigures::memoryKib(process, QStringLiteral("Pss")));
         own.insert(QStringLiteral("anonymousKib"),
-                   ProcessCost::memoryKib(process, QStringLiteral("Anonymous")));
+                   ProcessFigures::memoryKib(process, QStringLiteral("Anonymous")));
     }
 }
 

@@ -3,6 +3,7 @@
 #include "simulator/script/Autorepeat.h"
 #include "tests/random/Dice.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/ProcessFigures.h"
 #include "tests/support/Seeds.h"
 #include "tests/virtual/DeviceTest.h"
 
@@ -26,11 +27,6 @@ int longPressesIn(std::chrono::milliseconds held, std::chrono::milliseconds time
         }
     }
     return count;
-}
-
-int openDescriptors()
-{
-    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
 }
 
 struct Obstacle
@@ -103,7 +99,7 @@ void DeviceFaultsTest::tenThousandOpensFail()
     const QTemporaryDir folder;
     const Obstacle obstacle = ::obstacle(dice, folder.path());
     Keyboard keyboard(obstacle.path);
-    const int files = openDescriptors();
+    const int files = ProcessFigures::ownDescriptors();
     QStringList lines;
     {
         const LogRecorder log;
@@ -116,7 +112,7 @@ void DeviceFaultsTest::tenThousandOpensFail()
         lines.count("Keyboard::open ERROR: Unable to open device " + obstacle.path + ": " + obstacle.reason),
         opens);
     QCOMPARE(lines.size(), opens);
-    QCOMPARE(openDescriptors(), files);
+    QCOMPARE(ProcessFigures::ownDescriptors(), files);
 
     const QString fifo = folder.filePath("event1");
     QCOMPARE(::mkfifo(qPrintable(fifo), 0600), 0);

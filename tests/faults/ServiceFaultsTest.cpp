@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/faults/FaultTest.h"
 #include "tests/faults/StoppableService.h"
+#include "tests/support/ProcessFigures.h"
 #include "tests/system/BusClient.h"
 #include "tests/system/RawBusClient.h"
 
@@ -247,9 +248,9 @@ public:
                 QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
                 QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId")));
         }
-        return residentKiB(test.device().bus().processId()) >= mostKept / 1024
-                   ? QString()
-                   : QStringLiteral("the bus is not full");
+        const int held =
+            ProcessFigures::memoryKib(test.device().bus().processId(), QStringLiteral("Anonymous"));
+        return held >= mostKept / 1024 ? QString() : QStringLiteral("the bus is not full");
     }
     QString end(FaultTest&) override
     {
@@ -260,14 +261,6 @@ public:
 private:
     static constexpr int largest = 31 * 1024 * 1024;
     static constexpr int mostKept = 127 * 1024 * 1024; // the bus keeps this much for a client
-
-    static qint64 residentKiB(qint64 process)
-    {
-        QFile status(QStringLiteral("/proc/%1/status").arg(process));
-        const bool isOpen = status.open(QIODevice::ReadOnly);
-        const QString text = isOpen ? QString::fromLatin1(status.readAll()) : QString();
-        return text.section(QStringLiteral("RssAnon:"), 1).simplified().section(' ', 0, 0).toLongLong();
-    }
 
     std::unique_ptr<RawBusClient> m_subscriber;
 };

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "input/Keyboard.h"
+#include "tests/support/ProcessFigures.h"
 
 #include <ls/Identifiers.h>
 
@@ -318,12 +319,11 @@ void KeyboardTest::lastEventIsWhatWasStored()
 
 void KeyboardTest::descriptorIsClosedInTheEnd()
 {
-    const auto openFiles = [] { return QDir("/proc/self/fd").entryList(QDir::Files | QDir::System).size(); };
-    const int before = openFiles();
+    const int before = ProcessFigures::ownDescriptors();
     keyboard->open();
-    QCOMPARE(openFiles(), before + 1);
+    QCOMPARE(ProcessFigures::ownDescriptors(), before + 1);
     keyboard.reset();
-    QCOMPARE(openFiles(), before);
+    QCOMPARE(ProcessFigures::ownDescriptors(), before);
 }
 
 void KeyboardTest::descriptorIsNotInherited()

@@ -2,9 +2,8 @@
 #include "tests/random/Epilogue.h"
 #include "tests/random/RandomScript.h"
 #include "tests/random/Trial.h"
+#include "tests/support/ProcessFigures.h"
 #include "tests/virtual/DeviceTest.h"
-
-#include <QDir>
 
 #include <malloc.h>
 
@@ -71,7 +70,7 @@ struct Holdings
         const size_t heap = mallinfo2().uordblks + mallinfo2().hblkhd;
 #endif
         return {static_cast<qint64>(heap), VirtualDevice::clock().timerCount(),
-                QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size()};
+                ProcessFigures::ownDescriptors()};
     }
 };
 

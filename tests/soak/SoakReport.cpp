@@ -21,13 +21,11 @@ struct Row
 };
 
 const Row rows[] = {
-    {"memory (PSS), KiB", [](const SoakSample& s) { return double(s.figures.pssKib); }, anything, 0},
-    {"of it anonymous, KiB", [](const SoakSample& s) { return double(s.figures.anonymousKib); },
-     mostGrowthKib, 0},
-    {"resident memory (RSS), KiB", [](const SoakSample& s) { return double(s.figures.residentKib); },
-     anything, 0},
-    {"open descriptors", [](const SoakSample& s) { return double(s.figures.descriptors); }, 0, 0},
-    {"threads", [](const SoakSample& s) { return double(s.figures.threads); }, 0, 0},
+    {"memory (PSS), KiB", [](const SoakSample& s) { return double(s.pssKib); }, anything, 0},
+    {"of it anonymous, KiB", [](const SoakSample& s) { return double(s.anonymousKib); }, mostGrowthKib, 0},
+    {"resident memory (RSS), KiB", [](const SoakSample& s) { return double(s.residentKib); }, anything, 0},
+    {"open descriptors", [](const SoakSample& s) { return double(s.descriptors); }, 0, 0},
+    {"threads", [](const SoakSample& s) { return double(s.threads); }, 0, 0},
     {"processor time of a second, ms", [](const SoakSample& s) { return s.processorMs; }, anything, 2},
     {"press of Menu to its announcement, median, ms", [](const SoakSample& s) { return s.medianMs; },
      anything, 2},

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/soak/ProcessFigures.h"
-
 #include <QStringList>
 #include <QVector>
 
@@ -10,7 +8,11 @@
 struct SoakSample
 {
     double seconds = 0;
-    ProcessFigures figures;
+    int pssKib = 0;
+    int anonymousKib = 0;
+    int residentKib = 0;
+    int descriptors = 0;
+    int threads = 0;
     /// Since the sample before: processor time for each second, and the way from a press to its announcement.
     double processorMs = 0;
     double medianMs = 0;

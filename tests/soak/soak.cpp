@@ -3,6 +3,7 @@
 // minutes, and the seed.
 #include "tests/soak/SoakReport.h"
 #include "tests/soak/SoakTraffic.h"
+#include "tests/support/ProcessFigures.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -44,18 +45,31 @@ public:
     const SoakTraffic::Counts& counts() const { return m_traffic.counts(); }
 
 private:
+    SoakSample held() const
+    {
+        using namespace ProcessFigures;
+        const qint64 daemon = m_device.daemon().processId();
+        SoakSample sample;
+        sample.pssKib = memoryKib(daemon, QStringLiteral("Pss"));
+        sample.anonymousKib = memoryKib(daemon, QStringLiteral("Pss_Anon"));
+        sample.residentKib = memoryKib(daemon, QStringLiteral("Rss"));
+        sample.descriptors = descriptors(daemon);
+        sample.threads = threads(daemon);
+        return sample;
+    }
+
     void take()
     {
-        SoakSample sample;
+        SoakSample sample = held();
         sample.seconds = double(m_clock.elapsed()) / 1000;
-        sample.figures = ProcessFigures::of(m_device.daemon().processId());
+        const int processorMs = ProcessFigures::processorMs(m_device.daemon().processId());
         QVector<double> latencies = m_traffic.takeLatencies();
         std::sort(latencies.begin(), latencies.end());
         sample.medianMs = latencies.at(latencies.size() / 2);
         sample.longestMs = latencies.last();
-        sample.processorMs =
-            (sample.figures.processorMs - m_before.figures.processorMs) / (sample.seconds - m_before.seconds);
-        m_before = sample;
+        sample.processorMs = (processorMs - m_processorMs) / (sample.seconds - m_seconds);
+        m_processorMs = processorMs;
+        m_seconds = sample.seconds;
         if (m_traffic.counts().rounds > warmUpRounds) {
             m_samples << sample;
             QTextStream(stdout) << SoakReport::line(sample) << '\n';
@@ -65,7 +79,8 @@ private:
     SimulatedDevice& m_device;
     SoakTraffic m_traffic;
     QElapsedTimer m_clock;
-    SoakSample m_before;
+    double m_seconds = 0; // at the sample before
+    int m_processorMs = 0;
     QVector<SoakSample> m_samples;
 };
 

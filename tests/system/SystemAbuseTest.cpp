@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/system/SystemAbuseTest.h"
 
-#include <QDir>
+#include "tests/support/ProcessFigures.h"
 
 namespace {
 
@@ -53,12 +53,7 @@ QString SystemAbuseTest::faults()
 
 qint64 SystemAbuseTest::memoryKiB()
 {
-    QFile status(QStringLiteral("/proc/%1/status").arg(device().daemon().processId()));
-    if (!status.open(QIODevice::ReadOnly)) {
-        return -1;
-    }
-    const QString text = QString::fromLatin1(status.readAll());
-    return text.section(QStringLiteral("RssAnon:"), 1).simplified().section(' ', 0, 0).toLongLong();
+    return ProcessFigures::memoryKib(device().daemon().processId(), QStringLiteral("Anonymous"));
 }
 
 QString SystemAbuseTest::growthFault(qint64 memoryBeforeKiB, qint64 allowedKiB)
@@ -70,10 +65,11 @@ QString SystemAbuseTest::growthFault(qint64 memoryBeforeKiB, qint64 allowedKiB)
 bool SystemAbuseTest::idles()
 {
     constexpr int measuredMs = 500;
-    constexpr long fewTicks = 5; // of the 50 that a loop would take
-    const long before = processorTicks();
+    constexpr int mostMs = 50; // a loop would take all
+    const int before = processorMs();
     QTest::qWait(measuredMs);
-    return before != -1 && processorTicks() - before <= fewTicks;
+    const int after = processorMs();
+    return before != -1 && after != -1 && after - before <= mostMs;
 }
 
 QString SystemAbuseTest::faultsAfter(const std::function<void()>& attack, int times)
@@ -87,20 +83,12 @@ QString SystemAbuseTest::faultsAfter(const std::function<void()>& attack, int ti
     return faults();
 }
 
-long SystemAbuseTest::processorTicks()
+int SystemAbuseTest::processorMs()
 {
-    QFile file(QStringLiteral("/proc/%1/stat").arg(device().daemon().processId()));
-    if (!file.open(QIODevice::ReadOnly)) {
-        return -1;
-    }
-    // The fields behind the name, which may hold blanks itself; the state comes first.
-    const QList<QByteArray> fields = file.readAll().split(')').last().simplified().split(' ');
-    return fields.value(11).toLong() + fields.value(12).toLong();
+    return ProcessFigures::processorMs(device().daemon().processId());
 }
 
 int SystemAbuseTest::descriptors()
 {
-    return QDir(QStringLiteral("/proc/%1/fd").arg(device().daemon().processId()))
-        .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
-        .size();
+    return ProcessFigures::descriptors(device().daemon().processId());
 }

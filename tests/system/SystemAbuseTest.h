@@ -31,5 +31,5 @@ protected:
 
 private:
     QString faultsAfter(const std::function<void()>& attack, int times);
-    long processorTicks();
+    int processorMs();
 };

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/ProcessFigures.h"
 #include "tests/system/SystemTest.h"
 
 #include <ls/BusNames.h>
@@ -16,22 +17,6 @@ const QString speechName = QStringLiteral("speechd");
 
 /// More than a daemon needs to look for both of its dependencies, whatever it finds.
 constexpr int looks = 100;
-
-/// How often the threads of a process have given the processor away.
-int waits(qint64 processId)
-{
-    int count = 0;
-    const QDir tasks(QStringLiteral("/proc/%1/task").arg(processId));
-    for (const QString& task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        QFile status(tasks.filePath(task + QStringLiteral("/status")));
-        if (!status.open(QIODevice::ReadOnly)) {
-            continue;
-        }
-        const QString text = QString::fromLatin1(status.readAll());
-        count += text.section(QStringLiteral("\nvoluntary_ctxt_switches:"), 1).section('\n', 0, 0).toInt();
-    }
-    return count;
-}
 
 } // namespace
 
@@ -63,8 +48,9 @@ private:
 bool SystemStartupTest::looksAround()
 {
     const qint64 process = device().daemon().processId();
-    const int before = waits(process);
-    return QTest::qWaitFor([&] { return waits(process) > before + looks; }, 10'000);
+    const int before = ProcessFigures::voluntarySwitches(process);
+    return QTest::qWaitFor([&] { return ProcessFigures::voluntarySwitches(process) > before + looks; },
+                           10'000);
 }
 
 bool SystemStartupTest::hasBusName()

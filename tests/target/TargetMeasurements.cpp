@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/ProcessFigures.h"
 #include "tests/target/Command.h"
-#include "tests/target/ProcessCost.h"
 #include "tests/target/TargetTest.h"
 
 #include <algorithm>
@@ -90,16 +90,16 @@ double medianStartTime()
 Figures measure(const QString& unit, const std::function<double()>& timeOfKey)
 {
     Figures figures;
-    const qint64 before = ProcessCost::cpuTimeUs(unit);
+    const qint64 before = Unit::processorTimeUs(unit);
     for (int i = 0; i < keyCount; ++i) {
         figures.times << timeOfKey();
         QTest::qWait(100);
     }
     std::sort(figures.times.begin(), figures.times.end());
-    figures.processorTime = ms(ProcessCost::cpuTimeUs(unit) - before) / keyCount;
+    figures.processorTime = ms(Unit::processorTimeUs(unit) - before) / keyCount;
     const int process = Unit::mainProcess(unit);
-    figures.pss = ProcessCost::memoryKib(process, QStringLiteral("Pss"));
-    figures.anonymous = ProcessCost::memoryKib(process, QStringLiteral("Pss_Anon"));
+    figures.pss = ProcessFigures::memoryKib(process, QStringLiteral("Pss"));
+    figures.anonymous = ProcessFigures::memoryKib(process, QStringLiteral("Pss_Anon"));
     return figures;
 }
 
@@ -159,7 +159,7 @@ void TargetMeasurements::start()
     const double own = startTime();
     row(QStringLiteral("start of the kernel to ready"), inMs(ms(timestamp(QStringLiteral("ActiveEnter")))));
     row(QStringLiteral("start of the daemon to ready"), inMs(own));
-    row(QStringLiteral("processor time of the start"), inMs(ms(ProcessCost::cpuTimeUs(Unit::daemon))));
+    row(QStringLiteral("processor time of the start"), inMs(ms(Unit::processorTimeUs(Unit::daemon))));
     QVERIFY(own > 0 && own < 2000);
 }
 
@@ -200,9 +200,9 @@ void TargetMeasurements::idleness()
 {
     const int process = Unit::mainProcess(Unit::daemon);
     QTest::qWait(5000);
-    const int before = ProcessCost::voluntarySwitches(process);
+    const int before = ProcessFigures::voluntarySwitches(process);
     QTest::qWait(idleMs);
-    const int wakeUps = ProcessCost::voluntarySwitches(process) - before;
+    const int wakeUps = ProcessFigures::voluntarySwitches(process) - before;
     row(QStringLiteral("wake-ups in an idle minute"), QString::number(wakeUps));
     QCOMPARE(wakeUps, 0);
 }

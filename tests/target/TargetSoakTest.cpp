@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/target/ProcessCost.h"
+#include "tests/support/ProcessFigures.h"
 #include "tests/target/TargetTest.h"
 
 namespace {
@@ -35,8 +35,8 @@ void TargetSoakTest::aDayOfUseLeavesNothingBehind()
                                  QStringLiteral("announce SingleKey UserMenu KeyboardHandler Up"));
     }
     const int process = Unit::mainProcess(Unit::daemon);
-    const int files = ProcessCost::openFiles(process);
-    const int memory = ProcessCost::memoryKib(process, QStringLiteral("Pss_Anon"));
+    const int files = ProcessFigures::descriptors(process);
+    const int memory = ProcessFigures::memoryKib(process, QStringLiteral("Pss_Anon"));
     for (int round = 1; round < rounds; ++round) {
         QThread::msleep(static_cast<unsigned long>(pause.count())); // nothing to look after meanwhile
         device().setState(ls::StateId::Startup);
@@ -44,11 +44,11 @@ void TargetSoakTest::aDayOfUseLeavesNothingBehind()
         QVERIFY2(difference.isEmpty(),
                  qPrintable(QStringLiteral("round %1:\n").arg(round) + difference.join('\n')));
     }
-    const int growth = ProcessCost::memoryKib(process, QStringLiteral("Pss_Anon")) - memory;
+    const int growth = ProcessFigures::memoryKib(process, QStringLiteral("Pss_Anon")) - memory;
     qInfo("anonymous memory: %d KiB, grown by %d KiB; processor time of the day: %lld ms", memory, growth,
-          static_cast<long long>(ProcessCost::cpuTimeUs(Unit::daemon) / 1000));
+          static_cast<long long>(Unit::processorTimeUs(Unit::daemon) / 1000));
     QVERIFY(growth <= mostGrowthKib);
-    QCOMPARE(ProcessCost::openFiles(process), files);
+    QCOMPARE(ProcessFigures::descriptors(process), files);
     QCOMPARE(Unit::mainProcess(Unit::daemon), process);
 }
 

@@ -52,4 +52,9 @@ int mainProcess(const QString& unit)
     return property(unit, QStringLiteral("MainPID")).toInt();
 }
 
+qint64 processorTimeUs(const QString& unit)
+{
+    return property(unit, QStringLiteral("CPUUsageNSec")).toLongLong() / 1000;
+}
+
 } // namespace Unit

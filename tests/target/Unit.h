@@ -23,5 +23,7 @@ QString property(const QString& unit, const QString& name);
 bool isActive(const QString& unit);
 /// The process id of the unit's main process; 0 without one.
 int mainProcess(const QString& unit);
+/// The processor time that all processes of the unit have taken since its start, in microseconds.
+qint64 processorTimeUs(const QString& unit);
 
 } // namespace Unit

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/ProcessFigures.h"
 #include "tests/web/WebTest.h"
 
 #include <QDir>
@@ -16,11 +17,6 @@ constexpr int manyClients = 150;
 constexpr int maximumConnections = 64;
 constexpr rlim_t fewFiles = 200;
 constexpr int waitMs = 400;
-
-int openFiles()
-{
-    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::System | QDir::AllEntries).size();
-}
 
 /// Takes all file descriptors that this process can have.
 class ScarceFiles
@@ -162,7 +158,7 @@ void ConnectionTest::clientsThatStopInTheMiddleAreCutOff()
 {
     options.keyLists.insert(QStringLiteral("longKeyList.json"), QByteArray(8'000'000, ' '));
     begin();
-    const int before = openFiles();
+    const int before = ProcessFigures::ownDescriptors();
     HttpClient ofRequest(port());
     ofRequest.send(postRequest("/api/steps", "tap Up").chopped(3));
     HttpClient ofAnswer(port());
@@ -170,7 +166,7 @@ void ConnectionTest::clientsThatStopInTheMiddleAreCutOff()
     ofAnswer.send(getRequest("/api/key-lists"));
     QCOMPARE(ofRequest.reply().status, 400);
     // This side of the connection is all that is left of it.
-    QTRY_COMPARE_WITH_TIMEOUT(openFiles(), before + 1, 30'000);
+    QTRY_COMPARE_WITH_TIMEOUT(ProcessFigures::ownDescriptors(), before + 1, 30'000);
     ofAnswer.goOnReading();
     QVERIFY(ofAnswer.awaitEnd());
     QVERIFY(ofAnswer.received().startsWith("HTTP/1.1 200 OK\r\n"));
@@ -218,14 +214,14 @@ void ConnectionTest::onlyTheFirstRequestIsAnswered()
 void ConnectionTest::aClientThatGoesAwayLeavesNothing()
 {
     QVERIFY(isServing());
-    const int before = openFiles();
+    const int before = ProcessFigures::ownDescriptors();
     for (const QByteArray& bytes :
          {QByteArray(), QByteArray("GET / HT"), getRequest("/api/device"),
           postRequest("/api/steps", "tap Up").chopped(3), getRequest("/api/events")}) {
         connectClients(someClients, bytes);
         QVERIFY(isServing());
     }
-    QTRY_VERIFY_WITH_TIMEOUT(openFiles() <= before, 30'000);
+    QTRY_VERIFY_WITH_TIMEOUT(ProcessFigures::ownDescriptors() <= before, 30'000);
     QCOMPARE(EventReader(port()).reply().status, 200);
 }
 
