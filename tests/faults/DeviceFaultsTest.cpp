@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "input/Keyboard.h"
 #include "simulator/script/Autorepeat.h"
+#include "tests/faults/FaultSeeds.h"
 #include "tests/random/Dice.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/ProcessFigures.h"
-#include "tests/support/Seeds.h"
 #include "tests/virtual/DeviceTest.h"
 
 #include <QTemporaryDir>
@@ -50,37 +50,20 @@ Obstacle obstacle(Dice& dice, const QString& folder)
 
 } // namespace
 
-/// The parts of the matrix that need no other process: each function runs once for each seed of FAULT_SEEDS.
+/// The parts of the matrix that need no other process: each function runs once for each of the FaultSeeds.
 class DeviceFaultsTest : public DeviceTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase_data();
+    void initTestCase_data() { FaultSeeds::addRows(); }
     void aKeyIsHeldForAnHour();
     void tenThousandOpensFail();
-
-private:
-    static quint64 seed()
-    {
-        QFETCH_GLOBAL(quint64, seed);
-        return seed;
-    }
 };
-
-void DeviceFaultsTest::initTestCase_data()
-{
-    QTest::addColumn<quint64>("seed");
-    const Seeds seeds = chosenSeeds("FAULT_SEEDS", {}).value_or(Seeds{0, 0});
-    QVERIFY2(seeds.count > 0, "write it as FAULT_SEEDS=FIRST:COUNT");
-    for (quint64 value = seeds.first; value < seeds.first + quint64(seeds.count); ++value) {
-        QTest::addRow("seed %llu", value) << value;
-    }
-}
 
 void DeviceFaultsTest::aKeyIsHeldForAnHour()
 {
-    Dice dice(seed());
+    Dice dice(FaultSeeds::current());
     const QString key = dice.pick({KeyId::Help, KeyId::Feed, KeyId::Off});
     const int seconds = dice.below(4) + 1;
     const auto held = 1h + std::chrono::milliseconds(dice.below(100'000));
@@ -95,7 +78,7 @@ void DeviceFaultsTest::aKeyIsHeldForAnHour()
 void DeviceFaultsTest::tenThousandOpensFail()
 {
     constexpr int opens = 10'000;
-    Dice dice(seed());
+    Dice dice(FaultSeeds::current());
     const QTemporaryDir folder;
     const Obstacle obstacle = ::obstacle(dice, folder.path());
     Keyboard keyboard(obstacle.path);

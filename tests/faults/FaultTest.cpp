@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tests/faults/FaultTest.h"
 
-#include "tests/support/Seeds.h"
-
 #include <algorithm>
 
 namespace {
 
-constexpr const char* seedsVariable = "FAULT_SEEDS";
 constexpr int roundCount = 3;
 constexpr int pressesForGrowth = 1000; // in each round
 constexpr int patienceMs = 30'000;
@@ -42,26 +39,10 @@ struct FaultTest::Round
     int descriptors = 0;
 };
 
-void FaultTest::initTestCase_data()
-{
-    QTest::addColumn<quint64>("seed");
-    const Seeds seeds = chosenSeeds(seedsVariable, {}).value_or(Seeds{0, 0});
-    QVERIFY2(seeds.count > 0, "write it as FAULT_SEEDS=FIRST:COUNT");
-    for (quint64 value = seeds.first; value < seeds.first + quint64(seeds.count); ++value) {
-        QTest::addRow("seed %llu", value) << value;
-    }
-}
-
 void FaultTest::initTestCase()
 {
     // What the sanitizer keeps of freed memory would hide a leak.
     qputenv("ASAN_OPTIONS", "quarantine_size_mb=1:" + qgetenv("ASAN_OPTIONS"));
-}
-
-quint64 FaultTest::seed()
-{
-    QFETCH_GLOBAL(quint64, seed);
-    return seed;
 }
 
 bool FaultTest::await(const std::function<bool()>& condition)

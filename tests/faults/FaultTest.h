@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tests/faults/Fault.h"
+#include "tests/faults/FaultSeeds.h"
 #include "tests/system/SystemAbuseTest.h"
 
 #include <optional>
@@ -9,8 +10,7 @@
 /// The base of tests of what the daemon promises whatever goes wrong around it: it lives, the next key works
 /// as fast as before, memory and descriptors are flat, and the log says what it should.
 ///
-/// Each test function runs once for each seed. Other seeds than the usual one are chosen by the environment:
-/// FAULT_SEEDS=FIRST:COUNT.
+/// Each test function runs once for each of the FaultSeeds.
 class FaultTest : public SystemAbuseTest
 {
     Q_OBJECT
@@ -36,7 +36,7 @@ public:
 
 protected:
     /// The seed of this run.
-    static quint64 seed();
+    static quint64 seed() { return FaultSeeds::current(); }
     /// Lets `fault` come about and go away several times; returns which promise was broken, or an empty text.
     /// Prints the figures.
     QString damageBy(Fault& fault);
@@ -52,7 +52,7 @@ protected:
     QString oddLines(const QStringList& patterns) const;
 
 private Q_SLOTS:
-    void initTestCase_data();
+    void initTestCase_data() { FaultSeeds::addRows(); }
     void initTestCase();
 
 private:
