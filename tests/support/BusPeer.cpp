@@ -72,9 +72,15 @@ BusPeer::BusPeer(PrivateBus& bus, const QString& name, const Behaviour& behaviou
                                             QDBusConnectionInterface::AllowReplacement);
 }
 
+// The connection stays until the bus ends: Qt takes one down on its thread for the bus, where now and then it
+// runs into what other threads destroy meanwhile.
 BusPeer::~BusPeer()
 {
-    vanish();
+    QDBusConnection connection(m_connection);
+    if (connection.isConnected()) {
+        connection.unregisterService(m_name);
+        connection.unregisterObject(QStringLiteral("/"));
+    }
     m_thread.quit();
     m_thread.wait();
 }
