@@ -10,6 +10,8 @@
 #include <ls/MessageKeys.h>
 #include <vantre/DBusArgumentUnpack.h>
 
+#include <QDBusPendingCallWatcher>
+#include <QEventLoop>
 #include <QtTest>
 
 #include <map>
@@ -310,7 +312,12 @@ void DoorwayTest::cleanupTestCase()
 
 QDBusMessage DoorwayTest::outcome(const QString& user, const QDBusMessage& message)
 {
-    return m_connections[user]->get().call(message, QDBus::BlockWithGui, patienceMs);
+    // A call that runs an event loop itself, QDBus::BlockWithGui, now and then misses its answer.
+    const QDBusPendingCallWatcher watcher(m_connections[user]->get().asyncCall(message, patienceMs));
+    QEventLoop loop;
+    connect(&watcher, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
+    loop.exec();
+    return watcher.reply();
 }
 
 void DoorwayTest::startAfresh(const QString& state)
