@@ -62,6 +62,8 @@ void SystemIdleCostTest::aWaitingDaemonLeavesTheProcessorAlone()
     options.dependenciesReady = false;
     QVERIFY(prepare());
     QVERIFY(device().startDaemon());
+    // The start is over when the thread that checks the services runs.
+    QTRY_COMPARE(ProcessFigures::threads(device().daemon().processId()), 2);
     const double share = load();
     QVERIFY2(share < mostLoad, qPrintable(QString::number(share)));
     QVERIFY(device().isRunning());
