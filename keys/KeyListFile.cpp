@@ -31,52 +31,44 @@ int toMilliseconds(const QVariant& seconds)
     return static_cast<int>(qBound<qint64>(-maximumSeconds, whole, maximumSeconds)) * millisecondsPerSecond;
 }
 
-} // namespace
-
-KeyListFile::KeyListFile(const QString& fileName, EnumDetail::RowKeyList section, Timeouts timeouts,
-                         const char* loader)
-    : m_path(QStringLiteral("%1/%2").arg(vocabulary::dataDirectory, fileName))
-    , m_section(sectionName(section))
-    , m_timeouts(timeouts)
-    , m_loader(loader)
-{}
-
-void KeyListFile::load(ls::IReader& reader)
+KeyEntry entryOf(const QVariantMap& row, KeyListFile::Timeouts timeouts)
 {
-    QVariantMap content;
-    if (!reader.read(m_path, content)) {
-        error() << "reading" << m_path << "failed.";
-    }
-    const auto section = content.constFind(m_section);
-    if (section == content.cend()) {
-        // Deliberate punctuation: technicians search their logs for this very text.
-        error().noquote() << "value list" << m_section << "not found!.";
-        return;
-    }
-    if (!section->canConvert(QMetaType::QVariantList)) {
-        error().noquote() << "value list" << m_section << "conversion to list failed!";
-        return;
-    }
-    m_content = content;
-    const QVariantList rows = section->toList();
-    for (const QVariant& row : rows) {
-        if (row.canConvert(QMetaType::QVariantMap)) {
-            m_rows.append(entry(row.toMap()));
-        }
-    }
-}
-
-QDebug KeyListFile::error() const
-{
-    return vocabulary::logLine("load", m_loader, "ERROR:");
-}
-
-KeyEntry KeyListFile::entry(const QVariantMap& row) const
-{
-    const int timeout =
-        m_timeouts == Timeouts::Read ? toMilliseconds(row.value(QStringLiteral("timeout"))) : 0;
+    const bool isTimed = timeouts == KeyListFile::Timeouts::Read;
     return KeyEntry(row.value(QStringLiteral("keys")).toStringList(),
-                    row.value(QStringLiteral("eAction")).toString(), timeout,
+                    row.value(QStringLiteral("eAction")).toString(),
+                    isTimed ? toMilliseconds(row.value(QStringLiteral("timeout"))) : 0,
                     row.value(QStringLiteral("receiverService")).toString(),
                     row.value(QStringLiteral("validOnState")).toString());
+}
+
+} // namespace
+
+KeyListFile KeyListFile::load(ls::IReader& reader, const QString& fileName, EnumDetail::RowKeyList section,
+                              Timeouts timeouts, const char* loader)
+{
+    const auto error = [loader] { return vocabulary::logLine("load", loader, "ERROR:"); };
+    const QString path = QStringLiteral("%1/%2").arg(vocabulary::dataDirectory, fileName);
+    const QString name = sectionName(section);
+    QVariantMap content;
+    if (!reader.read(path, content)) {
+        error() << "reading" << path << "failed.";
+    }
+    const auto value = content.constFind(name);
+    if (value == content.cend()) {
+        // Deliberate punctuation: technicians search their logs for this very text.
+        error().noquote() << "value list" << name << "not found!.";
+        return {};
+    }
+    if (!value->canConvert(QMetaType::QVariantList)) {
+        error().noquote() << "value list" << name << "conversion to list failed!";
+        return {};
+    }
+    QList<KeyEntry> rows;
+    const QVariantList elements = value->toList();
+    for (const QVariant& element : elements) {
+        if (element.canConvert(QMetaType::QVariantMap)) {
+            rows.append(entryOf(element.toMap(), timeouts));
+        }
+    }
+    return {rows, content};
 }

@@ -4,7 +4,6 @@
 #include "keys/EnumDetail.h"
 #include "keys/KeyEntry.h"
 
-#include <QDebug>
 #include <QList>
 #include <QVariantMap>
 
@@ -12,34 +11,20 @@ namespace ls {
 class IReader;
 }
 
-/// Loads a key-list file: the part that is the same for the three recognisers.
-class KeyListFile
+/// What a key-list file says, and how it is loaded: the part that is the same for the three recognisers.
+struct KeyListFile
 {
-public:
     /// Whether the rows' "timeout" counts; without it every row's timeout is 0.
     enum class Timeouts { Ignored, Read };
 
-    /// The function `loader` (as the compiler writes its signature) is named in the messages.
-    KeyListFile(const QString& fileName, EnumDetail::RowKeyList section, Timeouts timeouts,
-                const char* loader);
+    /// Reads `section` of the file `fileName` in the data directory. When the file has no list of rows, log
+    /// lines name the fault and both members are empty. The function `loader` (as the compiler writes its
+    /// signature) is named in these lines.
+    static KeyListFile load(ls::IReader& reader, const QString& fileName, EnumDetail::RowKeyList section,
+                            Timeouts timeouts, const char* loader);
 
-    /// Reads the rows, in file order and as they are written. When the file has no list of rows, log lines
-    /// name the fault and `rows` and `content` stay empty.
-    void load(ls::IReader& reader);
-
-    /// The rows of the section.
-    QList<KeyEntry> rows() const { return m_rows; }
+    /// The rows of the section, in file order and as they are written.
+    QList<KeyEntry> rows;
     /// The whole top-level map of the file.
-    QVariantMap content() const { return m_content; }
-
-private:
-    QDebug error() const;
-    KeyEntry entry(const QVariantMap& row) const;
-
-    QString m_path;
-    QString m_section;
-    Timeouts m_timeouts;
-    const char* m_loader;
-    QList<KeyEntry> m_rows;
-    QVariantMap m_content;
+    QVariantMap content;
 };

@@ -65,10 +65,9 @@ void LongKey::stop()
 
 void LongKey::load(ls::IReader& reader)
 {
-    KeyListFile file(vocabulary::longKeyListFile, EnumDetail::RowKeyList::LongKeys,
-                     KeyListFile::Timeouts::Read, Q_FUNC_INFO);
-    file.load(reader);
-    m_entries = file.rows();
+    const auto file = KeyListFile::load(reader, vocabulary::longKeyListFile, EnumDetail::RowKeyList::LongKeys,
+                                        KeyListFile::Timeouts::Read, Q_FUNC_INFO);
+    m_entries = file.rows;
 }
 
 void LongKey::onExpired()

@@ -55,11 +55,11 @@ void ModifierKey::reset()
 
 void ModifierKey::load(ls::IReader& reader)
 {
-    KeyListFile file(vocabulary::modifierKeyListFile, EnumDetail::RowKeyList::ModifierKeys,
-                     KeyListFile::Timeouts::Ignored, Q_FUNC_INFO);
-    file.load(reader);
-    m_entries = file.rows();
-    m_fileMap = file.content();
+    const auto file =
+        KeyListFile::load(reader, vocabulary::modifierKeyListFile, EnumDetail::RowKeyList::ModifierKeys,
+                          KeyListFile::Timeouts::Ignored, Q_FUNC_INFO);
+    m_entries = file.rows;
+    m_fileMap = file.content;
     for (const KeyEntry& entry : qAsConst(m_entries)) {
         m_longestRow = qMax(m_longestRow, entry.keyCount());
     }

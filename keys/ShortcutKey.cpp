@@ -40,9 +40,9 @@ void ShortcutKey::reset()
 
 void ShortcutKey::load(ls::IReader& reader)
 {
-    KeyListFile file(vocabulary::shortcutKeyListFile, EnumDetail::RowKeyList::ShortcutKeys,
-                     KeyListFile::Timeouts::Ignored, Q_FUNC_INFO);
-    file.load(reader);
-    m_entries = file.rows();
-    m_fileMap = file.content();
+    const auto file =
+        KeyListFile::load(reader, vocabulary::shortcutKeyListFile, EnumDetail::RowKeyList::ShortcutKeys,
+                          KeyListFile::Timeouts::Ignored, Q_FUNC_INFO);
+    m_entries = file.rows;
+    m_fileMap = file.content;
 }

@@ -51,14 +51,13 @@ QList<KeyEntry> rowsOf(const QByteArray& content, const QString& name, EnumDetai
 {
     const auto timeouts = section == EnumDetail::RowKeyList::LongKeys ? KeyListFile::Timeouts::Read
                                                                       : KeyListFile::Timeouts::Ignored;
-    KeyListFile file(name, section, timeouts, Q_FUNC_INFO);
     ContentReader reader(content);
     const QuietLog quiet;
-    file.load(reader);
-    if (file.content().isEmpty()) {
+    const auto file = KeyListFile::load(reader, name, section, timeouts, Q_FUNC_INFO);
+    if (file.content.isEmpty()) {
         notes.append(QStringLiteral("%1 has no list that can be read, so none of its rows count.").arg(name));
     }
-    return file.rows();
+    return file.rows;
 }
 
 } // namespace

@@ -38,11 +38,9 @@ private:
 
 KeyListFile KeyListFileTest::loaded(const QVariantMap& content, Timeouts timeouts)
 {
-    KeyListFile file(QStringLiteral("longKeyList.json"), Section::LongKeys, timeouts,
-                     "void LongKey::load(ls::IReader&)");
     MapReader reader(content);
-    file.load(reader);
-    return file;
+    return KeyListFile::load(reader, QStringLiteral("longKeyList.json"), Section::LongKeys, timeouts,
+                             "void LongKey::load(ls::IReader&)");
 }
 
 void KeyListFileTest::missingFileGivesTwoLines_data()
@@ -82,8 +80,8 @@ void KeyListFileTest::missingSectionGivesOneLine()
 {
     QTest::ignoreMessage(QtCriticalMsg, "LongKey::load ERROR: value list LongKeys not found!.");
     const KeyListFile file = loaded({{"longkeys", QVariantList{row(1)}}});
-    QVERIFY(file.rows().isEmpty());
-    QVERIFY(file.content().isEmpty());
+    QVERIFY(file.rows.isEmpty());
+    QVERIFY(file.content.isEmpty());
 }
 
 void KeyListFileTest::sectionThatIsNoListGivesTheConversionLine_data()
@@ -102,8 +100,8 @@ void KeyListFileTest::sectionThatIsNoListGivesTheConversionLine()
     QTest::ignoreMessage(QtCriticalMsg,
                          "LongKey::load ERROR: value list LongKeys conversion to list failed!");
     const KeyListFile file = loaded({{"LongKeys", section}});
-    QVERIFY(file.rows().isEmpty());
-    QVERIFY(file.content().isEmpty());
+    QVERIFY(file.rows.isEmpty());
+    QVERIFY(file.content.isEmpty());
 }
 
 void KeyListFileTest::elementsThatAreNoObjectsAreSkipped()
@@ -111,14 +109,14 @@ void KeyListFileTest::elementsThatAreNoObjectsAreSkipped()
     const QVariantMap first{{"keys", QStringList{"Up"}}};
     const QVariantMap third{{"keys", QStringList{"Down"}}};
     const KeyListFile file = loaded({{"LongKeys", QVariantList{first, 7, third, "x", QVariant()}}});
-    QCOMPARE(file.rows().size(), 2);
-    QCOMPARE(file.rows().at(0).firstKey(), QString("Up"));
-    QCOMPARE(file.rows().at(1).firstKey(), QString("Down"));
+    QCOMPARE(file.rows.size(), 2);
+    QCOMPARE(file.rows.at(0).firstKey(), QString("Up"));
+    QCOMPARE(file.rows.at(1).firstKey(), QString("Down"));
 }
 
 void KeyListFileTest::missingFieldsAreEmpty()
 {
-    const QList<KeyEntry> rows = loaded({{"LongKeys", QVariantList{QVariantMap{}}}}).rows();
+    const QList<KeyEntry> rows = loaded({{"LongKeys", QVariantList{QVariantMap{}}}}).rows;
     QCOMPARE(rows.size(), 1);
     const KeyEntry& entry = rows.first();
     QVERIFY(!entry.isValid());
@@ -134,7 +132,7 @@ void KeyListFileTest::rowsAreKeptAsWritten()
                           {"eAction", "A"},
                           {"receiverService", "Nobody"},
                           {"validOnState", " Idle | Print "}};
-    const QList<KeyEntry> rows = loaded({{"LongKeys", QVariantList{odd, odd}}}).rows();
+    const QList<KeyEntry> rows = loaded({{"LongKeys", QVariantList{odd, odd}}}).rows;
     QCOMPARE(rows.size(), 2);
     QCOMPARE(rows.at(1).firstKey(), QString("NoSuchKey"));
     QCOMPARE(rows.at(1).eAction(), QString("A"));
@@ -165,21 +163,21 @@ void KeyListFileTest::timeoutIsInSecondsAndStaysWithin32Bits()
 {
     QFETCH(QVariant, timeout);
     const KeyListFile file = loaded({{"LongKeys", QVariantList{row(timeout)}}});
-    QTEST(file.rows().value(0).timeout(), "milliseconds");
+    QTEST(file.rows.value(0).timeout(), "milliseconds");
 }
 
 void KeyListFileTest::timeoutIsIgnoredWhereItHasNoMeaning()
 {
     const QVariantMap content{{"LongKeys", QVariantList{row(3)}}};
     const KeyListFile file = loaded(content, Timeouts::Ignored);
-    QCOMPARE(file.rows().value(0).timeout(), 0);
-    QCOMPARE(file.content(), content);
+    QCOMPARE(file.rows.value(0).timeout(), 0);
+    QCOMPARE(file.content, content);
 }
 
 void KeyListFileTest::contentIsTheWholeFile()
 {
     const QVariantMap content{{"LongKeys", QVariantList{row(3)}}, {"comment", "kept"}, {"version", 2}};
-    QCOMPARE(loaded(content).content(), content);
+    QCOMPARE(loaded(content).content, content);
 }
 
 QTEST_GUILESS_MAIN(KeyListFileTest)
