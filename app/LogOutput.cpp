@@ -1,33 +1,140 @@
 // SPDX-License-Identifier: MIT
 #include "app/LogOutput.h"
 
+#include <QByteArray>
+#include <QDeadlineTimer>
 #include <QMutexLocker>
-#include <QSocketNotifier>
 #include <QString>
+#include <QWaitCondition>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
+#include <utility>
 
-#include <fcntl.h>
+#include <poll.h>
+#include <pthread.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
-constexpr int mostKept = 1024 * 1024;
+constexpr int maxWaiting = 1024 * 1024; // bytes
+constexpr int maxDelayAtEnd = 1000;     // milliseconds
 
-bool isSocket(int fd)
+class Output
 {
-    struct stat status = {};
-    return ::fstat(fd, &status) == 0 && S_ISSOCK(status.st_mode);
+public:
+    void add(QByteArray line);
+    void drain();
+
+private:
+    void enqueue(const QByteArray& line);
+    void startWriter();
+    [[noreturn]] void writeQueue();
+
+    QMutex m_mutex;
+    QWaitCondition m_changed;
+    QByteArray m_queue;
+    int m_waiting = 0; // bytes of the queue, and of what the writer has taken from it and not yet written
+    int m_dropped = 0;
+    bool m_hasWriter = false;
+};
+
+void write(const char* bytes, int size)
+{
+    while (size > 0) {
+        const auto written = static_cast<int>(::write(STDERR_FILENO, bytes, static_cast<size_t>(size)));
+        if (written > 0) {
+            bytes += written;
+            size -= written;
+        } else if (written == 0 || errno != EAGAIN) {
+            return; // the line is lost: the reader is gone, or the disk is full
+        } else {    // another process has made it non-blocking
+            pollfd room{STDERR_FILENO, POLLOUT, 0};
+            ::poll(&room, 1, -1);
+        }
+    }
 }
 
-/// A description of its own for what standard error is, because the flag of the inherited one would hold for
-/// all processes that share it. Sockets cannot be opened again and need none: they are told with each write.
-int openWithoutWaiting()
+void Output::add(QByteArray line)
 {
-    return ::open("/proc/self/fd/2", O_WRONLY | O_APPEND | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    const QMutexLocker locker(&m_mutex);
+    if (m_waiting == 0) {
+        // Fails at once where standard error is not a socket.
+        const ssize_t sent = ::send(STDERR_FILENO, line.constData(), static_cast<size_t>(line.size()),
+                                    MSG_DONTWAIT | MSG_NOSIGNAL);
+        line.remove(0, static_cast<int>(std::max<ssize_t>(sent, 0)));
+    }
+    enqueue(line);
+}
+
+void Output::drain()
+{
+    const QMutexLocker locker(&m_mutex);
+    const QDeadlineTimer deadline(maxDelayAtEnd);
+    while (m_waiting > 0 && m_changed.wait(&m_mutex, deadline)) {
+    }
+}
+
+void Output::enqueue(const QByteArray& line)
+{
+    const QByteArray report = m_dropped > 0
+                                  ? QByteArray::number(m_dropped) + " log lines dropped: nobody read them.\n"
+                                  : QByteArray();
+    const QByteArray text = report + line;
+    if (m_waiting > 0 && m_waiting + text.size() > maxWaiting) {
+        ++m_dropped;
+        return;
+    }
+    m_dropped = 0;
+    m_queue += text;
+    m_waiting += text.size();
+    if (m_waiting > 0) {
+        startWriter();
+        m_changed.wakeAll();
+    }
+}
+
+/// Where no thread can be made, lines wait: the next one tries again.
+void Output::startWriter()
+{
+    const auto run = [](void* output) -> void* {
+        static_cast<Output*>(output)->writeQueue();
+        return nullptr;
+    };
+    pthread_t writer;
+    m_hasWriter = m_hasWriter || ::pthread_create(&writer, nullptr, run, this) == 0;
+}
+
+void Output::writeQueue()
+{
+    // Those of a write among them: neither a terminal that stops its background writers nor the limit of a
+    // file's size may stop the keys.
+    sigset_t signals;
+    sigfillset(&signals);
+    ::pthread_sigmask(SIG_SETMASK, &signals, nullptr);
+    QMutexLocker locker(&m_mutex);
+    while (true) {
+        const QByteArray lines = std::exchange(m_queue, {});
+        // One at a time, which a pipe keeps whole among the lines of other writers.
+        for (int begin = 0; begin < lines.size();) {
+            const int size = lines.indexOf('\n', begin) + 1 - begin;
+            locker.unlock();
+            write(lines.constData() + begin, size);
+            locker.relock();
+            begin += size;
+            m_waiting -= size;
+        }
+        if (m_waiting == 0 && m_dropped > 0) {
+            enqueue({});
+        }
+        m_changed.wakeAll();
+        while (m_queue.isEmpty()) {
+            m_changed.wait(&m_mutex);
+        }
+    }
 }
 
 } // namespace
@@ -35,82 +142,16 @@ int openWithoutWaiting()
 void LogOutput::install()
 {
     std::signal(SIGPIPE, SIG_IGN); // a reader that went away is an error of the write, not the end
-    static LogOutput& output = *new LogOutput;
+    // Never destroyed: the writer uses it to the end.
+    static Output& output = *new Output;
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& text) {
-        output.writeLine(qFormatLogMessage(type, context, text).toLocal8Bit() + '\n');
-    });
-}
-
-LogOutput::LogOutput() : m_fd(STDERR_FILENO), m_isSocket(isSocket(STDERR_FILENO))
-{
-    const int fd = m_isSocket ? -1 : openWithoutWaiting();
-    if (fd != -1) {
-        m_fd = fd;
-    }
-}
-
-void LogOutput::writeLine(const QByteArray& line)
-{
-    const QMutexLocker locker(&m_mutex);
-    writeKept();
-    keep(line);
-    writeKept();
-    if (!m_kept.isEmpty() && !m_isWaiting) {
-        m_isWaiting = true;
-        QMetaObject::invokeMethod(this, &LogOutput::waitForRoom, Qt::QueuedConnection);
-    }
-}
-
-void LogOutput::keep(const QByteArray& line)
-{
-    if (!m_kept.isEmpty() && m_kept.size() + line.size() > mostKept) {
-        ++m_dropped;
-        return;
-    }
-    if (m_dropped > 0) {
-        m_kept += QByteArray::number(m_dropped) + " log lines dropped: nobody read them.\n";
-        m_dropped = 0;
-    }
-    m_kept += line;
-}
-
-void LogOutput::writeKept()
-{
-    int written = 0;
-    while (written < m_kept.size()) {
-        const qint64 count =
-            write(QByteArray::fromRawData(m_kept.constData() + written, m_kept.size() - written));
-        if (count > 0) {
-            written += static_cast<int>(count);
-        } else if (count == 0 || errno == EAGAIN) {
-            break;
-        } else if (errno != EINTR) {
-            written = m_kept.size(); // there is nobody to write to
+        const QString line = qFormatLogMessage(type, context, text);
+        if (!line.isNull()) { // null is what the pattern filters out
+            output.add(line.toLocal8Bit() + '\n');
         }
-    }
-    m_kept.remove(0, written);
-}
-
-qint64 LogOutput::write(const QByteArray& bytes) const
-{
-    const auto size = static_cast<size_t>(bytes.size());
-    return m_isSocket ? ::send(m_fd, bytes.constData(), size, MSG_DONTWAIT | MSG_NOSIGNAL)
-                      : ::write(m_fd, bytes.constData(), size);
-}
-
-void LogOutput::waitForRoom()
-{
-    if (!m_notifier) {
-        m_notifier = new QSocketNotifier(m_fd, QSocketNotifier::Write, this);
-        connect(m_notifier, &QSocketNotifier::activated, this, &LogOutput::onRoom);
-    }
-    m_notifier->setEnabled(true);
-}
-
-void LogOutput::onRoom()
-{
-    const QMutexLocker locker(&m_mutex);
-    writeKept();
-    m_isWaiting = !m_kept.isEmpty();
-    m_notifier->setEnabled(m_isWaiting);
+        if (type == QtFatalMsg) {
+            output.drain();
+        }
+    });
+    std::atexit([] { output.drain(); });
 }
