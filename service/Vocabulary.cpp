@@ -51,7 +51,8 @@ QString logPrefix(const QString& shortName, const QString& signature, const QStr
 
 QDebug logLine(const char* shortName, const char* signature, const char* tag)
 {
-    QDebug line = QMessageLogger().critical();
+    // Unlike a default-constructed logger, this one has the category "default".
+    QDebug line = QMessageLogger(nullptr, 0, nullptr).critical();
     line.noquote() << logPrefix(QString::fromLatin1(shortName), QString::fromLatin1(signature),
                                 QString::fromLatin1(tag));
     line.quote();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "service/Vocabulary.h"
 
+#include "tests/support/LogRecorder.h"
+
 #include <ls/Identifiers.h>
 #include <ls/MessageKeys.h>
 
@@ -132,17 +134,22 @@ void VocabularyTest::logPrefixIsCutFromTheSignature()
 
 void VocabularyTest::logLineQuotesIdentifiersButNotThePrefix()
 {
-    QTest::ignoreMessage(QtCriticalMsg,
-                         "VocabularyTest::logLineQuotesIdentifiersButNotThePrefix ERROR: \"Menu\" is gone");
+    const LogRecorder log;
     LOG_ERROR() << ls::KeyId::Menu << "is gone";
-    QTest::ignoreMessage(QtCriticalMsg, "VocabularyTest::logLineQuotesIdentifiersButNotThePrefix WARN: once");
     LOG_WARNING() << "once";
+    const QString prefix = "VocabularyTest::logLineQuotesIdentifiersButNotThePrefix ";
+    const QVector<LogLine> expected{{QtCriticalMsg, "default", prefix + "ERROR: \"Menu\" is gone"},
+                                    {QtCriticalMsg, "default", prefix + "WARN: once"}};
+    QCOMPARE(log.lines(), expected);
 }
 
 void VocabularyTest::failedLineEndsWithTheTag()
 {
-    QTest::ignoreMessage(QtCriticalMsg, "VocabularyTest::failedLineEndsWithTheTag FAILED!");
+    const LogRecorder log;
     LOG_FAILED();
+    const QVector<LogLine> expected{
+        {QtCriticalMsg, "default", "VocabularyTest::failedLineEndsWithTheTag FAILED!"}};
+    QCOMPARE(log.lines(), expected);
 }
 
 void VocabularyTest::keyListFilesHaveTheirNames()

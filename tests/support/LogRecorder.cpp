@@ -7,7 +7,8 @@
 
 bool operator==(const LogLine& left, const LogLine& right)
 {
-    return left.type == right.type && left.category == right.category && left.text == right.text;
+    return left.type == right.type && left.category == right.category && left.text == right.text &&
+           left.hasSource == right.hasSource;
 }
 
 LogRecorder::LogRecorder()
@@ -49,5 +50,6 @@ QStringList LogRecorder::texts(QtMsgType type) const
 void LogRecorder::record(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
     const QMutexLocker locker(&s_current->m_mutex);
-    s_current->m_lines.append({type, QString::fromLatin1(context.category), text});
+    const bool hasSource = context.file != nullptr || context.line != 0 || context.function != nullptr;
+    s_current->m_lines.append({type, QString::fromLatin1(context.category), text, hasSource});
 }

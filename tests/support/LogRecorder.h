@@ -12,6 +12,7 @@ struct LogLine
     QtMsgType type;
     QString category;
     QString text;
+    bool hasSource = false; ///< whether it names its file, line or function
 };
 
 bool operator==(const LogLine& left, const LogLine& right);
