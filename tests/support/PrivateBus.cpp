@@ -69,7 +69,11 @@ PrivateBus::~PrivateBus()
 QDBusConnection PrivateBus::connect(const QString& name)
 {
     m_connections.append(name);
-    return QDBusConnection::connectToBus(m_address, name);
+    const QDBusConnection connection = QDBusConnection::connectToBus(m_address, name);
+    // Qt notes the connection's own name without a lock. Calls to other services read it: they must come
+    // later.
+    connection.interface()->isServiceRegistered(connection.baseService());
+    return connection;
 }
 
 // Opened by the main thread, the connection would hold messages back until the event loop runs, and now and
