@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "service/SystemBus.h"
 
+#include <QDebug>
 #include <QLibrary>
 
 #include <limits>
+#include <system_error>
 #include <thread>
 
 namespace {
@@ -32,7 +34,11 @@ QDBusConnection openSystemBus()
     // Of a connection that the main thread opens, Qt holds the messages back until the event loop runs, and
     // may then deliver newer ones first: a change of the state could be lost while the daemon starts. A
     // connection that another thread opens delivers in order from the beginning.
-    std::thread([] { QDBusConnection::systemBus(); }).join();
+    try {
+        std::thread([] { QDBusConnection::systemBus(); }).join();
+    } catch (const std::system_error& error) {
+        qCritical() << "No thread to open the system-bus on:" << error.what();
+    }
     const QDBusConnection bus = QDBusConnection::systemBus();
     liftLimits(bus);
     return bus;

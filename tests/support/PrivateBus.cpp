@@ -48,12 +48,14 @@ protected:
 
 } // namespace
 
-PrivateBus::PrivateBus(const QStringList& activatable) : m_daemon(new Daemon)
+PrivateBus::PrivateBus(const QStringList& activatable, Process process) : m_daemon(new Daemon)
 {
     writeConfiguration(activatable);
     start();
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_address.toUtf8());
-    connectThisProcess();
+    if (process == Process::Connected) {
+        connectThisProcess();
+    }
 }
 
 PrivateBus::~PrivateBus()

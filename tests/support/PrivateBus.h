@@ -17,11 +17,15 @@ class QProcess;
 class PrivateBus
 {
 public:
+    /// Whether this process is connected at once, or left to what the test makes of it.
+    enum class Process { Connected, Unconnected };
+
     /// `activatable` are names for which a service is installed that fails when the bus starts it.
-    explicit PrivateBus(const QStringList& activatable = {});
+    explicit PrivateBus(const QStringList& activatable = {}, Process process = Process::Connected);
     ~PrivateBus();
 
     QString address() const { return m_address; }
+    QString socketPath() const { return filePath(QStringLiteral("bus")); }
     /// A further connection of this process, as a peer; `name` tells it from the others. It is closed
     /// with the bus unless somebody closed it before.
     QDBusConnection connect(const QString& name);
