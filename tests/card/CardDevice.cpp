@@ -162,7 +162,7 @@ void CardDevice::tryOut(const KeyCardNever& row)
     } else if (!keys.isEmpty() && row.kind == KeyCardKind::Shortcut) {
         chord(keys.first(), keys.last());
     } else {
-        tapInTurn(keys.size() == 1 ? keys + keys : keys);
+        tapInEveryWay(keys.size() == 1 ? keys + keys : keys);
     }
     m_device.wait(5s);
 }
@@ -204,6 +204,18 @@ void CardDevice::tapInTurn(const QStringList& keys)
     for (const QString& key : keys) {
         m_device.hold(key, milliseconds(tapTime));
         m_device.wait(milliseconds(tapTime));
+    }
+}
+
+/// Also after another key, which may open another row, and after Help, which makes Menu wait.
+void CardDevice::tapInEveryWay(const QStringList& keys)
+{
+    tapInTurn(keys);
+    for (const QString& key : CardVocabulary::panelKeys()) {
+        for (const QStringList& before : {QStringList{key}, QStringList{key, ls::KeyId::Help}}) {
+            m_device.wait(5s);
+            tapInTurn(before + keys);
+        }
     }
 }
 

@@ -18,7 +18,8 @@ public:
     /// Does what the entry says, and waits until nothing can come any more. A hold of more than a minute is
     /// given up.
     void play(const KeyCardEntry& entry);
-    /// Does with the row's keys what its kind asks for, as far as the panel has them.
+    /// Does with the row's keys what its kind asks for, as far as the panel has them; with those of a
+    /// combination also after every other key.
     void tryOut(const KeyCardNever& row);
 
     VirtualDevice& panel() { return m_device; }
@@ -33,6 +34,7 @@ public:
 private:
     void hold(const QString& key, int milliseconds);
     void tapInTurn(const QStringList& keys);
+    void tapInEveryWay(const QStringList& keys);
     void chord(const QString& held, const QString& pressed);
 
     VirtualDevice m_device;

@@ -167,6 +167,23 @@ QMap<QString, KeyLists> CardKeyLists::odd()
                                        .combination({"Help", "Ok"}, "Idle")
                                        .combination({"Help", "Ok"}, "Idle")
                                        .combination({"Help", "One"}, "")},
+        {"closing key begins a longer row", Rows()
+                                                .combination({"Help", "Ok"})
+                                                .combination({"Ok", "Up"})
+                                                .combination({"Ok", "Up", "Feed"})
+                                                .combination({"Help", "Feed"})
+                                                .combination({"Ok", "Feed"})},
+        {"closing Menu begins a longer row",
+         Rows().combination({"Help", "Menu"}).combination({"Menu", "Ok", "Feed"})},
+        {"Menu closes after a Help between and begins a longer row", Rows()
+                                                                         .combination({"Chs", "Menu"})
+                                                                         .combination({"Menu", "Ok", "Help"})
+                                                                         .combination({"Chs", "Help"})},
+        {"closing key begins a longer row and breaks it", Rows()
+                                                              .combination({"Chs", "Ok"})
+                                                              .combination({"Ok", "Up"})
+                                                              .combination({"Ok", "Up", "Ok", "Feed"})
+                                                              .combination({"Chs", "Feed"})},
         {"no rows", {}},
     };
 }

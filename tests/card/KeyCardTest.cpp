@@ -165,6 +165,18 @@ void KeyCardTest::notesOfEntries_data()
                                       << "Idle"
                                       << "combination"
                                       << "Chs Menu" << QStringList{"Menu is also announced as a single key."};
+    QTest::newRow("longer row that a pair begins")
+        << "closing key begins a longer row"
+        << "Idle"
+        << "combination"
+        << "Help Ok Up Feed" << QStringList{"Row 1 is complete with Ok and begins the sequence."};
+    QTest::newRow("longer row that Menu begins as the end of a pair")
+        << "Menu closes after a Help between and begins a longer row"
+        << "Idle"
+        << "combination"
+        << "Chs Help Menu Ok Help"
+        << QStringList{"Row 1 is complete with Menu and begins the sequence.",
+                       "Without Help before it, Menu is announced at once."};
     QTest::newRow("Menu after Help") << "Menu after a Help that opens a row"
                                      << "Idle"
                                      << "combination"
@@ -247,6 +259,17 @@ void KeyCardTest::rowsThatNeverWorkAreExplained_data()
         << QStringList{"1 Menu is announced at its release, and all keys before it are forgotten.",
                        "2 It could come only with row 1, which never matches: Menu is announced at its "
                        "release, and all keys before it are forgotten."};
+    QTest::newRow("closing key begins a longer row")
+        << "closing key begins a longer row"
+        << QStringList{
+               "5 It could come only with row 3, which does not match after Ok: Row 2 is complete with "
+               "Up and breaks the sequence."};
+    QTest::newRow("closing Menu begins a longer row") << "closing Menu begins a longer row" << QStringList{};
+    QTest::newRow("closing key begins a longer row and breaks it")
+        << "closing key begins a longer row and breaks it"
+        << QStringList{"3 Row 2 is complete with Up and breaks the sequence.",
+                       "4 It could come only with row 3, which never matches: Row 2 is complete with Up and "
+                       "breaks the sequence."};
     QTest::newRow("odd texts") << "odd texts" << QStringList{"1 There is no state \"%1\"."};
 }
 
