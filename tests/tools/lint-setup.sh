@@ -1,0 +1,38 @@
+#!/bin/sh
+# SPDX-License-Identifier: MIT
+# tools/lint installs clang-tidy where it is missing. Usage: lint-setup.sh SOURCE_FOLDER
+set -eu
+source=$1
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+
+fail() {
+    echo "FAILED: $*" >&2
+    exit 1
+}
+
+mkdir -p "$folder/bin" "$folder/project/tools" "$folder/project/build/dev"
+cp "$source/tools/lint" "$source/tools/setup" "$folder/project/tools"
+echo '[]' >"$folder/project/build/dev/compile_commands.json"
+for tool in cat chmod dirname grep id sh xargs; do
+    ln -s "$(command -v "$tool")" "$folder/bin/$tool"
+done
+# A machine on which nothing is installed, and an archive that has all.
+printf '#!/bin/sh\nexit 1\n' >"$folder/bin/dpkg-query"
+# shellcheck disable=SC2016
+printf '#!/bin/sh\nexec "$@"\n' >"$folder/bin/sudo"
+cat >"$folder/bin/apt-get" <<END
+#!/bin/sh
+case "\$* " in
+*" install "*" clang-tidy "*)
+    printf '#!/bin/sh\necho "\$@" >>$folder/checked\n' >$folder/bin/clang-tidy
+    chmod +x $folder/bin/clang-tidy
+    ;;
+esac
+END
+chmod +x "$folder/bin/dpkg-query" "$folder/bin/sudo" "$folder/bin/apt-get"
+
+status=0
+PATH=$folder/bin "$folder/project/tools/lint" one.cpp >"$folder/output" 2>&1 || status=$?
+[ "$status" -eq 0 ] || fail "status $status: $(cat "$folder/output")"
+grep -q 'one\.cpp' "$folder/checked" || fail "nothing was checked"
