@@ -54,7 +54,7 @@ QPair<QString, QString> lineOf(const QJsonObject& entry)
     if (type == QLatin1String("state")) {
         return {type, member(entry, "state")};
     }
-    if (type == QLatin1String("command")) {
+    if (type == QLatin1String("command") || type == QLatin1String("service")) {
         return {type, member(entry, "text")};
     }
     if (type == QLatin1String("console")) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "simulator/script/KeyScript.h"
+
 #include <ls/Identifiers.h>
 
 #include <QByteArray>
@@ -39,6 +41,8 @@ struct DeviceOptions
     bool stateHandler = true;
     QString state = ls::StateId::Idle;
     bool speechDaemon = true;
+    /// The services that fail from the start, unless they run.
+    QMap<QString, ServiceChange::Condition> services;
     /// Whether the state handler and the speech daemon are declared ready before the daemon starts.
     bool dependenciesReady = true;
 };

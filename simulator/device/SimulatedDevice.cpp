@@ -127,7 +127,23 @@ void SimulatedDevice::record(int device, const RawRecord& record)
 
 void SimulatedDevice::setState(const QString& state)
 {
-    m_stateHandler.changeState(state);
+    if (m_stateHandlerCondition == ServiceChange::Condition::Runs) {
+        m_stateHandler.changeState(state);
+    } else {
+        m_stateHandler.setInitialState(state);
+    }
+}
+
+void SimulatedDevice::setService(const ServiceChange& change)
+{
+    if (!m_connection) {
+        return;
+    }
+    if (change.service == ServiceChange::stateHandler) {
+        setStateHandler(change.condition);
+    } else {
+        setSpeechDaemon(change.condition);
+    }
 }
 
 void SimulatedDevice::sendCommand(const QVariantMap& command)
@@ -159,6 +175,9 @@ bool SimulatedDevice::startBus()
         return fail(QStringLiteral("The services do not get on the bus: ") +
                     m_connection->get().lastError().message());
     }
+    for (auto it = m_options.services.begin(); it != m_options.services.end(); ++it) {
+        setService({it.key(), it.value()});
+    }
     return true;
 }
 
@@ -169,6 +188,29 @@ void SimulatedDevice::connectPeers()
     connect(m_client.get(), &KeyboardClient::announced, this, &SimulatedDevice::announced);
     connect(m_client.get(), &KeyboardClient::answered, this, &SimulatedDevice::answered);
     connect(m_client.get(), &KeyboardClient::failed, this, &SimulatedDevice::commandFailed);
+}
+
+void SimulatedDevice::setStateHandler(ServiceChange::Condition condition)
+{
+    using Condition = ServiceChange::Condition;
+    m_stateHandler.setBehaviour(condition == Condition::IsSilent ? StateHandlerStandIn::Behaviour::KeepsSilent
+                                                                 : StateHandlerStandIn::Behaviour::Answers);
+    if (condition == Condition::IsStopped) {
+        m_stateHandler.disappear();
+    } else if (m_stateHandlerCondition == Condition::IsStopped) {
+        m_stateHandler.appear(m_bus.address());
+    }
+    m_stateHandlerCondition = condition;
+}
+
+void SimulatedDevice::setSpeechDaemon(ServiceChange::Condition condition)
+{
+    m_speech->setSilent(condition == ServiceChange::Condition::IsSilent);
+    if (condition == ServiceChange::Condition::IsStopped) {
+        dropSpeech();
+    } else {
+        restoreSpeech();
+    }
 }
 
 bool SimulatedDevice::fail(const QString& error)

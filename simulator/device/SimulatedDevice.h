@@ -72,6 +72,7 @@ public:
     void release(int device, const QString& key) override;
     void record(int device, const RawRecord& record) override;
     void setState(const QString& state) override;
+    void setService(const ServiceChange& change) override;
     void sendCommand(const QVariantMap& command) override;
     void typeLine(const QString& line) override;
 
@@ -91,6 +92,8 @@ Q_SIGNALS:
 private:
     bool startBus();
     void connectPeers();
+    void setStateHandler(ServiceChange::Condition condition);
+    void setSpeechDaemon(ServiceChange::Condition condition);
     bool fail(const QString& error);
 
     DeviceOptions m_options;
@@ -98,6 +101,7 @@ private:
     Panel m_panel;
     BusDaemon m_bus;
     StateHandlerStandIn m_stateHandler;
+    ServiceChange::Condition m_stateHandlerCondition = ServiceChange::Condition::Runs;
     // All that observes the daemon shares this connection: only there is the order kept in which it sends.
     std::unique_ptr<BusConnection> m_connection;
     std::unique_ptr<SpeechDaemonStandIn> m_speech;

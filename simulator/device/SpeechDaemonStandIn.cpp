@@ -30,10 +30,14 @@ void SpeechDaemonStandIn::disappear()
 
 void SpeechDaemonStandIn::speakFromId(const QVariantMap& request)
 {
-    Q_EMIT spoken(request);
+    if (!m_isSilent) {
+        Q_EMIT spoken(request);
+    }
 }
 
 void SpeechDaemonStandIn::cancelAll()
 {
-    Q_EMIT cancelled();
+    if (!m_isSilent) {
+        Q_EMIT cancelled();
+    }
 }

@@ -18,6 +18,9 @@ public:
     bool appear();
     void disappear();
 
+    /// Whether it takes no notice of what it is asked for.
+    void setSilent(bool silent) { m_isSilent = silent; }
+
     Q_SCRIPTABLE Q_NOREPLY void speakFromId(const QVariantMap& request);
     Q_SCRIPTABLE Q_NOREPLY void cancelAll();
 
@@ -27,4 +30,5 @@ Q_SIGNALS:
 
 private:
     QDBusConnection m_bus;
+    bool m_isSilent = false;
 };

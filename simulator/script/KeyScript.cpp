@@ -19,6 +19,9 @@ ParsedScript refused(const QString& fault)
 
 } // namespace
 
+const QString ServiceChange::stateHandler = QStringLiteral("state-handler");
+const QString ServiceChange::speechDaemon = QStringLiteral("speechd");
+
 std::chrono::milliseconds KeyScript::duration() const
 {
     std::chrono::milliseconds last = steps.isEmpty() ? end : std::max(end, steps.last().at);

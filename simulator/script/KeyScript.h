@@ -36,10 +36,24 @@ struct RawRecord
     qint32 value = 0;
 };
 
+/// What happens to a service beside the daemon. Each is declared ready, whatever happens to it.
+struct ServiceChange
+{
+    /// On the bus and at work; on the bus, but without doing anything; not on the bus.
+    enum class Condition { Runs, IsSilent, IsStopped };
+
+    static const QString stateHandler;
+    static const QString speechDaemon;
+
+    /// One of the two above.
+    QString service;
+    Condition condition = Condition::Runs;
+};
+
 /// What a script does to the device at one moment.
 struct ScriptStep
 {
-    enum class Kind { Heading, Press, Release, Record, State, Command, Console };
+    enum class Kind { Heading, Press, Release, Record, State, Service, Command, Console };
 
     /// Since the start of the script.
     std::chrono::milliseconds at{0};
@@ -52,6 +66,8 @@ struct ScriptStep
     QVariantMap command;
     /// The record of a `Record`.
     RawRecord record;
+    /// What a `Service` changes.
+    ServiceChange service{};
 };
 
 /// A fault of a script: the line that it is in, counted from 1 (0: the whole file), and a sentence.
@@ -68,6 +84,8 @@ struct KeyScript
     bool recorded = false;
     QString model = QStringLiteral("Pellit");
     QString initialState = ls::StateId::Idle;
+    /// The services that do not run when the daemon starts.
+    QMap<QString, ServiceChange::Condition> services;
     /// The whole key lists; with none the installed lists count.
     QVector<KeyRow> rows;
     /// In the order of time.

@@ -5,6 +5,7 @@
 #include "simulator/script/ExpectationWords.h"
 #include "simulator/script/KeyRowWords.h"
 #include "simulator/script/ScriptWords.h"
+#include "simulator/script/ServiceWords.h"
 
 #include <limits>
 
@@ -53,6 +54,7 @@ const KeyScriptParser::Handlers& KeyScriptParser::headerHandlers()
     static const Handlers handlers{{QStringLiteral("recorded"), &KeyScriptParser::readRecorded},
                                    {QStringLiteral("model"), &KeyScriptParser::readModel},
                                    {QStringLiteral("state"), &KeyScriptParser::readInitialState},
+                                   {QStringLiteral("service"), &KeyScriptParser::readInitialService},
                                    {QStringLiteral("row"), &KeyScriptParser::readRow}};
     return handlers;
 }
@@ -66,6 +68,7 @@ const KeyScriptParser::Handlers& KeyScriptParser::stepHandlers()
                                    {QStringLiteral("hold"), &KeyScriptParser::readHold},
                                    {QStringLiteral("wait"), &KeyScriptParser::readWait},
                                    {QStringLiteral("state"), &KeyScriptParser::readState},
+                                   {QStringLiteral("service"), &KeyScriptParser::readService},
                                    {QStringLiteral("record"), &KeyScriptParser::readRecord},
                                    {QStringLiteral("command"), &KeyScriptParser::readCommand},
                                    {QStringLiteral("console"), &KeyScriptParser::readConsole},
@@ -136,6 +139,13 @@ QString KeyScriptParser::readInitialState(const QStringList& words)
     m_stateGiven = true;
     m_result.script.initialState = words.first();
     return ScriptWords::checkState(words.first());
+}
+
+QString KeyScriptParser::readInitialService(const QStringList& words)
+{
+    const ServiceWords::Parsed parsed = ServiceWords::parse(words);
+    m_result.script.services.insert(parsed.change.service, parsed.change.condition);
+    return parsed.fault;
 }
 
 QString KeyScriptParser::readRow(const QStringList& words)
@@ -218,6 +228,13 @@ QString KeyScriptParser::readState(const QStringList& words)
     }
     addStep({{}, ScriptStep::Kind::State, 0, words.first(), {}, {}});
     return ScriptWords::checkState(words.first());
+}
+
+QString KeyScriptParser::readService(const QStringList& words)
+{
+    const ServiceWords::Parsed parsed = ServiceWords::parse(words);
+    addStep({{}, ScriptStep::Kind::Service, 0, {}, {}, {}, parsed.change});
+    return parsed.fault;
 }
 
 QString KeyScriptParser::readRecord(const QStringList& words)

@@ -29,6 +29,7 @@ private:
     QString readRecorded(const QStringList& words);
     QString readModel(const QStringList& words);
     QString readInitialState(const QStringList& words);
+    QString readInitialService(const QStringList& words);
     QString readRow(const QStringList& words);
 
     QString readDevice(const QStringList& words);
@@ -38,6 +39,7 @@ private:
     QString readHold(const QStringList& words);
     QString readWait(const QStringList& words);
     QString readState(const QStringList& words);
+    QString readService(const QStringList& words);
     QString readRecord(const QStringList& words);
     QString readCommand(const QStringList& words);
     QString readConsole(const QStringList& words);

@@ -2,6 +2,7 @@
 #include "simulator/script/CommandWords.h"
 #include "simulator/script/KeyRowWords.h"
 #include "simulator/script/KeyScript.h"
+#include "simulator/script/ServiceWords.h"
 
 namespace {
 
@@ -16,6 +17,9 @@ public:
         }
         line({QStringLiteral("model"), script.model});
         line({QStringLiteral("state"), script.initialState});
+        for (auto it = script.services.begin(); it != script.services.end(); ++it) {
+            line(QStringList(QStringLiteral("service")) + ServiceWords::wordsOf({it.key(), it.value()}));
+        }
         for (const KeyRow& row : script.rows) {
             line(QStringList(QStringLiteral("row")) + KeyRowWords::wordsOf(row));
         }
@@ -66,6 +70,8 @@ private:
                     QString::number(step.record.code), QString::number(step.record.value)};
         case ScriptStep::Kind::State:
             return {QStringLiteral("state"), step.text};
+        case ScriptStep::Kind::Service:
+            return QStringList(QStringLiteral("service")) + ServiceWords::wordsOf(step.service);
         case ScriptStep::Kind::Command:
             return QStringList(QStringLiteral("command")) + CommandWords::wordsOf(step.command);
         case ScriptStep::Kind::Console:

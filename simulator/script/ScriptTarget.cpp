@@ -18,6 +18,9 @@ void ScriptTarget::take(const ScriptStep& step)
     case ScriptStep::Kind::State:
         setState(step.text);
         break;
+    case ScriptStep::Kind::Service:
+        setService(step.service);
+        break;
     case ScriptStep::Kind::Command:
         sendCommand(step.command);
         break;

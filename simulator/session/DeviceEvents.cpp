@@ -6,6 +6,7 @@
 #include "simulator/script/CommandWords.h"
 #include "simulator/script/ObservationText.h"
 #include "simulator/script/SentenceFiles.h"
+#include "simulator/script/ServiceWords.h"
 
 #include <ls/MessageKeys.h>
 #include <translation/Sid.h>
@@ -89,6 +90,9 @@ void DeviceEvents::noteStep(const ScriptStep& step)
     case ScriptStep::Kind::State:
         m_state = step.text;
         Q_EMIT happened({{typeKey, QStringLiteral("state")}, {QStringLiteral("state"), step.text}});
+        break;
+    case ScriptStep::Kind::Service:
+        Q_EMIT happened(textEntry(QStringLiteral("service"), ServiceWords::wordsOf(step.service).join(' ')));
         break;
     case ScriptStep::Kind::Command:
         m_refusals.noteSimulated(step.command.value(ls::keysListKey).toStringList() +

@@ -107,6 +107,11 @@ qint64 DeviceSession::daemonProcess() const
     return m_device && m_device->isRunning() ? m_device->daemon().processId() : 0;
 }
 
+QString DeviceSession::busAddress() const
+{
+    return m_device ? m_device->bus().address() : QString();
+}
+
 QVector<ScriptFault> DeviceSession::take(const QString& statements, int client)
 {
     if (const QString reason = whyNotNow(); !reason.isEmpty()) {
@@ -155,6 +160,7 @@ void DeviceSession::replay(const KeyScript& script)
 {
     leaveDevice();
     apply({script.model, script.keyLists(), true, script.initialState});
+    m_options.services = script.services;
     m_replay = Replay{script, nullptr};
     beginStart();
 }
@@ -355,6 +361,8 @@ void DeviceSession::onStepping(const ScriptStep& step)
 {
     if (step.kind == ScriptStep::Kind::State) {
         m_options.state = step.text;
+    } else if (step.kind == ScriptStep::Kind::Service) {
+        m_options.services.insert(step.service.service, step.service.condition);
     }
     m_recording.add(step);
     m_events->noteStep(step);
@@ -374,7 +382,7 @@ void DeviceSession::add(const QJsonObject& entry)
 
 void DeviceSession::beginRecording()
 {
-    m_recording.begin(m_options.model, m_options.state, m_options.keyLists);
+    m_recording.begin(m_options.model, m_options.state, m_options.keyLists, m_options.services);
     add({{typeKey, QStringLiteral("recording")}, {statusKey, QStringLiteral("recording")}});
 }
 

@@ -57,6 +57,9 @@ public:
     /// The process id of the daemon; 0 while none runs.
     qint64 daemonProcess() const;
 
+    /// The address of the device's bus, another one after each start; empty while there is none.
+    QString busAddress() const;
+
     /// Takes statements of a key script ("press Menu"), those that are due at once before it returns. When
     /// one of them is faulty or cannot be taken now, nothing is done. Keys that they press and leave down
     /// are held by `client`; 0 is nobody.

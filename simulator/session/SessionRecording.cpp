@@ -48,12 +48,14 @@ bool isInstalled(const QMap<QString, QByteArray>& keyLists)
 } // namespace
 
 void SessionRecording::begin(const QString& model, const QString& state,
-                             const QMap<QString, QByteArray>& keyLists)
+                             const QMap<QString, QByteArray>& keyLists,
+                             const QMap<QString, ServiceChange::Condition>& services)
 {
     m_script = KeyScript();
     m_script.recorded = true;
     m_script.model = model;
     m_script.initialState = state;
+    m_script.services = services;
     m_keyLists = keyLists;
     m_size = 0;
     m_state = State::Running;

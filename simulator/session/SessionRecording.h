@@ -12,8 +12,9 @@
 class SessionRecording
 {
 public:
-    /// Begins anew: the daemon of a device with this model, state and these key lists is ready now.
-    void begin(const QString& model, const QString& state, const QMap<QString, QByteArray>& keyLists);
+    /// Begins anew: the daemon of a device with this model, state, key lists and services is ready now.
+    void begin(const QString& model, const QString& state, const QMap<QString, QByteArray>& keyLists,
+               const QMap<QString, ServiceChange::Condition>& services);
     /// Nothing more happens at the device.
     void stop();
 

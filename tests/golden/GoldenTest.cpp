@@ -4,6 +4,8 @@
 
 #include <QDir>
 
+#include <algorithm>
+
 namespace {
 
 QStringList faultsOf(const ParsedScript& parsed)
@@ -24,6 +26,21 @@ QString asExpectations(const Observations& observed)
     return text;
 }
 
+QString noScripts(const QString& folder)
+{
+    return QStringLiteral(
+               "%1 has no *.keys files. The test sees the files of the project and of most other folders, "
+               "but not those below /tmp, /run, /var/lib and /dev.")
+        .arg(folder);
+}
+
+bool changesServices(const KeyScript& script)
+{
+    return !script.services.isEmpty() ||
+           std::any_of(script.steps.begin(), script.steps.end(),
+                       [](const ScriptStep& step) { return step.kind == ScriptStep::Kind::Service; });
+}
+
 } // namespace
 
 /// Plays each key script of this folder, or of the one that KEY_SCRIPTS names, on the virtual clock; what the
@@ -42,7 +59,10 @@ void GoldenTest::scriptGoesAsExpected_data()
     QTest::addColumn<QString>("path");
     const QString folder = qEnvironmentVariable("KEY_SCRIPTS", QStringLiteral(GOLDEN_SCRIPTS));
     const QFileInfoList scripts = QDir(folder).entryInfoList({"*.keys"}, QDir::Files, QDir::Name);
-    QVERIFY(!scripts.isEmpty());
+    // One row without a script, as QTest ends a test without rows with an assertion.
+    if (scripts.isEmpty()) {
+        QTest::newRow("no scripts") << folder;
+    }
     for (const QFileInfo& script : scripts) {
         QTest::newRow(qPrintable(script.completeBaseName())) << script.filePath();
     }
@@ -51,9 +71,12 @@ void GoldenTest::scriptGoesAsExpected_data()
 void GoldenTest::scriptGoesAsExpected()
 {
     QFETCH(QString, path);
+    QVERIFY2(!QFileInfo(path).isDir() && QFile::exists(path), qPrintable(noScripts(path)));
     const ParsedScript parsed = loadKeyScript(path);
     QCOMPARE(faultsOf(parsed), QStringList{});
     const KeyScript& script = parsed.script;
+    QVERIFY2(!changesServices(script), "Services do not fail on the virtual clock: play the script with "
+                                       "keyboard-handler-simulator.");
     device = std::make_unique<VirtualDevice>();
     device->setModel(script.model);
     device->setRows(script.rows);

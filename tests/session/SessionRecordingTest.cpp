@@ -37,6 +37,7 @@ private Q_SLOTS:
     void otherKeyListsBecomeRows();
     void whatRowsCannotTellIsAFault();
     void aRecordingBeginsWithModelAndState();
+    void aRecordingBeginsWithTheServicesThatFail();
     void anUntouchedDeviceStaysForANewRecording();
     void aNewRecordingBeginsWithANewDaemon();
     void keysHeldAtTheEndStayDown();
@@ -188,6 +189,19 @@ void SessionRecordingTest::aRecordingBeginsWithModelAndState()
     QVERIFY(awaitStatus(Status::Ready));
     QVERIFY(recording().startsWith("recorded\nmodel Orvane\nstate Update\ndevice 0\n"));
     QCOMPARE(members("recording", "status"), QStringList({"recording", "recording"}));
+}
+
+void SessionRecordingTest::aRecordingBeginsWithTheServicesThatFail()
+{
+    QVERIFY(launch());
+    QCOMPARE(take("service speechd stop"), QString());
+    QVERIFY2(recording().contains("device 0\nservice speechd stop\n"), qPrintable(recording()));
+    QVERIFY(session().restart({}).isEmpty());
+    QVERIFY(awaitStatus(Status::Ready));
+    QVERIFY2(recording().contains("service speechd stop\ndevice 0\n"), qPrintable(recording()));
+    QVERIFY(session().replay(QStringLiteral("tap Menu")).isEmpty());
+    QVERIFY(awaitEntry("replay", "status", "finished"));
+    QVERIFY2(!recording().contains("service"), qPrintable(recording()));
 }
 
 void SessionRecordingTest::anUntouchedDeviceStaysForANewRecording()

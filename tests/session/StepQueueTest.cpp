@@ -17,6 +17,7 @@ public:
     void release(int device, const QString& key) override { add(device, '-' + key); }
     void record(int, const RawRecord&) override {}
     void setState(const QString& state) override { lines << state; }
+    void setService(const ServiceChange&) override {}
     void sendCommand(const QVariantMap&) override {}
     void typeLine(const QString&) override {}
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/script/KeyScript.h"
+#include "simulator/script/ServiceWords.h"
 
 #include <ls/MessageKeys.h>
 
@@ -21,7 +22,7 @@ QString firstFault(const ParsedScript& parsed)
 QString kindName(ScriptStep::Kind kind)
 {
     static const char* const names[] = {"heading", "press",   "release", "record",
-                                        "state",   "command", "console"};
+                                        "state",   "service", "command", "console"};
     return QLatin1String(names[int(kind)]);
 }
 
@@ -34,7 +35,9 @@ QStringList stepsOf(const ParsedScript& parsed)
                      .arg(step.at.count())
                      .arg(kindName(step.kind))
                      .arg(step.device)
-                     .arg(step.text);
+                     .arg(step.kind == ScriptStep::Kind::Service
+                              ? ServiceWords::wordsOf(step.service).join(' ')
+                              : step.text);
     }
     return lines;
 }
@@ -83,11 +86,14 @@ void KeyScriptTest::theHeaderIsRead()
 {
     const ParsedScript parsed =
         parseKeyScript(QStringLiteral("model Orvane\nstate Print\n"
+                                      "service speechd stop\nservice speechd silent\n"
                                       "row long Hold UserMenu Idle|Error 2 Menu\n"
                                       "row modifier Both Undefined Idle Help Feed One\n"));
     QCOMPARE(firstFault(parsed), QString());
     QCOMPARE(parsed.script.model, QStringLiteral("Orvane"));
     QCOMPARE(parsed.script.initialState, QStringLiteral("Print"));
+    QCOMPARE(parsed.script.services,
+             (QMap<QString, ServiceChange::Condition>{{"speechd", ServiceChange::Condition::IsSilent}}));
     QCOMPARE(parsed.script.rows.size(), 2);
     QCOMPARE(parsed.script.rows.first().validOnState, QStringLiteral("Idle|Error"));
     QCOMPARE(parsed.script.rows.first().seconds, 2);
@@ -112,6 +118,8 @@ void KeyScriptTest::stepsComeAtTheirTimes_data()
                                        << "0 press 1 Up|0 press 0 Up";
     QTest::newRow("a change of state") << "wait 5\nstate Print"
                                        << "5 state 0 Print";
+    QTest::newRow("a service that fails") << "wait 5\nservice speechd silent\nservice speechd start"
+                                          << "5 service 0 speechd silent|5 service 0 speechd start";
     QTest::newRow("a console line keeps its blanks") << "console  HELP   C"
                                                      << "0 console 0  HELP   C";
     QTest::newRow("an empty console line") << "console"
@@ -243,6 +251,12 @@ void KeyScriptTest::faultsAreExplained_data()
                                    << "2: \"recorded\" must stand before the first step.";
     QTest::newRow("unknown model") << "model Moo"
                                    << "1: Write it as: model Orvane|Pellit";
+    const char* const serviceUsage = "1: Write it as: service state-handler|speechd stop|silent|start";
+    QTest::newRow("unknown service") << "service SpeechDaemon stop" << serviceUsage;
+    QTest::newRow("unknown condition") << "service speechd die" << serviceUsage;
+    QTest::newRow("service without a condition")
+        << "wait 0\nservice speechd" << QString(serviceUsage).replace("1: ", "2: ");
+    QTest::newRow("service and more") << "service speechd stop now" << serviceUsage;
     QTest::newRow("third device") << "device 2"
                                   << "1: Write it as: device 0|1";
     QTest::newRow("negative time") << "wait -1"
@@ -331,9 +345,12 @@ void KeyScriptTest::aScriptSurvivesBeingWritten()
 {
     const QString text = QStringLiteral("model Orvane\n"
                                         "state Print\n"
+                                        "service speechd stop\n"
+                                        "service state-handler silent\n"
                                         "row long Hold UserMenu Idle|Error 2 Menu\n"
                                         "row shortcut Both WwwApi Idle Help Feed\n"
                                         "device 0\n"
+                                        "service state-handler start\n"
                                         "## A heading\n"
                                         "state Idle\n"
                                         "press Up\n"

@@ -22,6 +22,7 @@ public:
         add(QStringLiteral("record %1 %2").arg(device).arg(record.value));
     }
     void setState(const QString& state) override { add("state " + state); }
+    void setService(const ServiceChange& change) override { add("service " + change.service); }
     void sendCommand(const QVariantMap& command) override
     {
         add("command " + command.value(commandIdKey).toString());

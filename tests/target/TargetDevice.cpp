@@ -125,6 +125,12 @@ void TargetDevice::setState(const QString& state)
     tellStateHandler(QStringLiteral("changeState"), state);
 }
 
+/// The stand-ins of the target are units, which tests stop themselves.
+void TargetDevice::setService(const ServiceChange& change)
+{
+    qFatal("No script stops %s on the target.", qPrintable(change.service));
+}
+
 void TargetDevice::sendCommand(const QVariantMap& command)
 {
     m_client.send(command);

@@ -44,6 +44,7 @@ public:
     /// Does nothing: a keyboard of the kernel's reports key events only.
     void record(int device, const RawRecord& record) override;
     void setState(const QString& state) override;
+    void setService(const ServiceChange& change) override;
     void sendCommand(const QVariantMap& command) override;
     void typeLine(const QString& line) override;
 

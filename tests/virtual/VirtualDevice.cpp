@@ -164,6 +164,12 @@ void VirtualDevice::setState(const QString& state)
     clock().settle();
 }
 
+/// The fakes cannot fail.
+void VirtualDevice::setService(const ServiceChange& change)
+{
+    qFatal("The virtual device has no service %s that could be stopped.", qPrintable(change.service));
+}
+
 void VirtualDevice::sendCommand(const QVariantMap& command)
 {
     process(command);

@@ -40,6 +40,7 @@ public:
     void release(int device, const QString& key) override;
     void record(int device, const RawRecord& record) override;
     void setState(const QString& state) override;
+    void setService(const ServiceChange& change) override;
     void sendCommand(const QVariantMap& command) override;
     void typeLine(const QString& line) override;
 
