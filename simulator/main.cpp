@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/demonstration/CommandLine.h"
 #include "simulator/demonstration/Demonstration.h"
+#include "simulator/demonstration/RecordingFile.h"
 #include "simulator/demonstration/TerminationSignals.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QTextStream>
 
 #include <algorithm>
@@ -12,6 +12,11 @@
 namespace {
 
 constexpr int signalStatus = 128;
+
+void complain(const QString& sentence)
+{
+    QTextStream(stderr) << sentence << '\n';
+}
 
 int refuse(const QString& path, const QVector<ScriptFault>& faults)
 {
@@ -25,16 +30,15 @@ int refuse(const QString& path, const QVector<ScriptFault>& faults)
 int record(const DeviceSession& session, const QString& path)
 {
     QStringList faults;
-    const QByteArray text = session.recording(&faults).toUtf8();
-    QFile file(path);
-    if (faults.isEmpty() && file.open(QIODevice::WriteOnly) && file.write(text) != -1 && file.flush()) {
-        return Demonstration::AsExpected;
+    const QString text = session.recording(&faults);
+    if (faults.isEmpty()) {
+        const QString fault = RecordingFile::write(path, text);
+        faults = fault.isEmpty() ? QStringList() : QStringList(fault);
     }
-    faults << (faults.isEmpty() ? QStringList(file.errorString()) : QStringList());
-    for (const QString& fault : faults) {
-        QTextStream(stderr) << path << ": " << fault << '\n';
+    for (const QString& fault : qAsConst(faults)) {
+        complain(fault);
     }
-    return Demonstration::NotAsExpected;
+    return faults.isEmpty() ? Demonstration::AsExpected : Demonstration::NotAsExpected;
 }
 
 } // namespace
@@ -44,7 +48,13 @@ int main(int argc, char* argv[])
     QCoreApplication application(argc, argv);
     const std::optional<CommandLine> line = CommandLine::read(application);
     if (!line) {
-        return Demonstration::NotStarted;
+        return Demonstration::WrongArguments;
+    }
+    if (!line->recording.isEmpty()) {
+        if (const QString reason = RecordingFile::whyNotWritable(line->recording); !reason.isEmpty()) {
+            complain(reason);
+            return Demonstration::NotStarted;
+        }
     }
     std::optional<KeyScript> script;
     if (!line->script.isEmpty()) {

@@ -2,6 +2,7 @@
 #include "simulator/demonstration/CommandLine.h"
 
 #include "simulator/demonstration/Prompt.h"
+#include "simulator/script/ScriptWords.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -17,13 +18,17 @@ const QString recordOption = QStringLiteral("record");
 const QString portOption = QStringLiteral("port");
 const QString serveOption = QStringLiteral("serve");
 const QString noDemoOption = QStringLiteral("no-demo");
+const QString modelOption = QStringLiteral("model");
+const QString defaultModel = QStringLiteral("Orvane");
 const QString defaultPort = QStringLiteral("8765");
 
 void addOptions(QCommandLineParser& parser)
 {
-    parser.setApplicationDescription(
-        QStringLiteral("Plays a key script on a simulated embosser and shows what the key daemon does. "
-                       "At a terminal the embosser then stays, with a front panel for a browser."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Plays a key script on a simulated embosser and shows what the key daemon does. "
+        "At a terminal the embosser then stays, with a front panel for a browser.\n\n"
+        "Status: 0 all came as expected, 1 something did not, 2 the script could not be played, "
+        "3 wrong arguments."));
     parser.addHelpOption();
     parser.addOptions(
         {{daemonOption, QStringLiteral("The daemon's executable."), QStringLiteral("path"),
@@ -35,7 +40,11 @@ void addOptions(QCommandLineParser& parser)
          {portOption, QStringLiteral("The port of the front panel on this machine; 0 is any that is free."),
           QStringLiteral("number"), defaultPort},
          {serveOption, QStringLiteral("Keep the embosser and its front panel also without a terminal.")},
-         {noDemoOption, QStringLiteral("Play nothing but a script that is named.")}});
+         {noDemoOption, QStringLiteral("Play nothing but a script that is named.")},
+         {modelOption,
+          QStringLiteral(
+              "The embosser's model, Orvane or Pellit, where no script is played; a script names its own."),
+          QStringLiteral("model"), defaultModel}});
     parser.addPositionalArgument(QStringLiteral("script"), QStringLiteral("The key script (*.keys)."),
                                  QStringLiteral("[script]"));
 }
@@ -62,11 +71,27 @@ std::optional<CommandLine> CommandLine::read(const QCoreApplication& application
 {
     QCommandLineParser parser;
     addOptions(parser);
-    parser.process(application);
+    if (!parser.parse(application.arguments())) {
+        return refuse(parser.errorText() + QStringLiteral("\n--help lists the options."));
+    }
+    parser.process(application); // which ends the program where help is asked for
+    const QStringList scripts = parser.positionalArguments();
+    if (scripts.size() > 1) {
+        return refuse(QStringLiteral("One key script can be played, not %1.").arg(scripts.size()));
+    }
     CommandLine line;
     const QString demonstration =
         parser.isSet(noDemoOption) ? QString() : QStringLiteral(DEMONSTRATION_SCRIPT);
-    line.script = parser.positionalArguments().value(0, demonstration);
+    line.script = scripts.value(0, demonstration);
+    if (parser.isSet(modelOption) && !line.script.isEmpty()) {
+        return refuse(
+            QStringLiteral("--model is for an embosser without a script, which --no-demo asks for: a script "
+                           "names its own model."));
+    }
+    line.device.model = parser.value(modelOption);
+    if (const QString fault = ScriptWords::checkModel(line.device.model); !fault.isEmpty()) {
+        return refuse(fault);
+    }
     line.device.daemon = parser.value(daemonOption);
     line.device.keyListFolder = parser.value(dataOption);
     line.recording = parser.value(recordOption);

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/demonstration/Demonstration.h"
 
+#include "simulator/demonstration/DeviceHints.h"
+#include "simulator/script/StatementHelp.h"
+
 #include <QTimer>
 
 using namespace std::chrono_literals;
@@ -22,7 +25,8 @@ void Demonstration::start(const std::optional<KeyScript>& script)
 {
     // Before the script is played: a port in use is better told at once.
     if (m_line.serve && !m_server.listen(m_line.port)) {
-        m_printer.printText(m_server.errorString());
+        m_printer.printText(m_server.errorString() +
+                            QStringLiteral(" --port takes another one; --port 0 takes any that is free."));
         Q_EMIT finished(NotStarted);
     } else if (script) {
         m_isPlaying = true;
@@ -42,8 +46,22 @@ void Demonstration::onAdded(const QJsonObject& entry)
     }
 }
 
+/// Also after each restart, which brings other key lists and another bus.
+void Demonstration::introduce(const QString& status)
+{
+    const QString model = m_session.description().value(QLatin1String("model")).toString();
+    const QString text =
+        status == QLatin1String("starting") ? DeviceHints::rowsThatNeverWork(m_session.keyLists(), model)
+        : status == QLatin1String("ready") && m_line.serve ? DeviceHints::bus(m_session.busAddress())
+                                                           : QString();
+    if (!text.isEmpty()) {
+        m_printer.printText(text);
+    }
+}
+
 void Demonstration::onDevice(const QString& status)
 {
+    introduce(status);
     if (m_isAttending) {
         return;
     }
@@ -100,7 +118,7 @@ void Demonstration::attend()
 void Demonstration::openPrompt()
 {
     m_printer.printText(QStringLiteral("\nType statements of a key script, such as \"tap Menu\" or "
-                                       "\"device 1; tap Up\"; \"quit\" ends."));
+                                       "\"device 1; tap Up\"; \"help\" lists them, \"quit\" ends."));
     m_prompt = std::make_unique<Prompt>();
     connect(m_prompt.get(), &Prompt::typed, this, &Demonstration::onTyped);
     connect(m_prompt.get(), &Prompt::ended, this, [this] { Q_EMIT finished(m_status); });
@@ -109,8 +127,16 @@ void Demonstration::openPrompt()
 
 void Demonstration::onTyped(const QString& line)
 {
-    if (line.trimmed() == QLatin1String("quit")) {
+    static const QStringList ends{QStringLiteral("quit"), QStringLiteral("exit")};
+    static const QStringList questions{QStringLiteral("help"), QStringLiteral("?")};
+    if (ends.contains(line.trimmed())) {
         Q_EMIT finished(m_status);
+        return;
+    }
+    if (questions.contains(line.trimmed())) {
+        m_printer.printText(statementHelp() +
+                            QStringLiteral("Several stand in a line with \";\" between them."));
+        m_prompt->show();
         return;
     }
     const QString statements = QString(line).replace(';', '\n');

@@ -18,7 +18,7 @@ class Demonstration : public QObject
     Q_OBJECT
 
 public:
-    enum Status { AsExpected = 0, NotAsExpected = 1, NotStarted = 2 };
+    enum Status { AsExpected = 0, NotAsExpected = 1, NotStarted = 2, WrongArguments = 3 };
 
     explicit Demonstration(const CommandLine& line, QObject* parent = nullptr);
 
@@ -33,6 +33,7 @@ Q_SIGNALS:
 private:
     void onAdded(const QJsonObject& entry);
     void onDevice(const QString& status);
+    void introduce(const QString& status);
     void onReplay(const QJsonObject& entry);
     void onPlayed(Status status);
     void attend();

@@ -83,7 +83,7 @@ export class Simulator {
 
     async #start(options) {
         const command = process.env.KEYBOARD_HANDLER_SIMULATOR;
-        this.#process = spawn(command, ['--serve', '--no-demo', '--port', '0', ...options], {
+        this.#process = spawn(command, ['--serve', '--no-demo', '--model', 'Pellit', '--port', '0', ...options], {
             stdio: ['ignore', 'pipe', 'pipe'],
         });
         for (const stream of [this.#process.stdout, this.#process.stderr]) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/script/KeyScript.h"
+#include "simulator/script/StatementHelp.h"
 
 #include <QDirIterator>
 #include <QtTest>
@@ -58,6 +59,7 @@ private Q_SLOTS:
     void testsOfTheFaultsExist();
     void linesOfTheReadmeAreStatements_data();
     void linesOfTheReadmeAreStatements();
+    void statementsOfTheHelpAreDocumented();
 };
 
 void ReferencesTest::linkedFilesExist_data()
@@ -127,6 +129,27 @@ void ReferencesTest::linesOfTheReadmeAreStatements()
     const ParsedScript parsed = parseKeyScriptSteps(QString(line).replace(';', '\n'));
     QVERIFY2(parsed.faults.isEmpty(), qPrintable(parsed.faults.value(0).text));
     QVERIFY(!parsed.script.steps.isEmpty());
+}
+
+/// The help of the prompt has the steps that the document has, and the parser knows each.
+void ReferencesTest::statementsOfTheHelpAreDocumented()
+{
+    const QString steps = textOf(projectPath(QStringLiteral("docs/key-scripts.md")))
+                              .section(QStringLiteral("## Steps"), 1)
+                              .section(QStringLiteral("## Expectations"), 0, 0);
+    QStringList documented;
+    for (const QString& line : steps.split('\n')) {
+        documented += matches(line.section('|', 1, 1), "`([a-z]+) ");
+    }
+    documented.removeDuplicates();
+    documented.sort();
+    QStringList offered = matches(statementHelp(), "(?m)^  ([a-z]+) ");
+    for (const QString& keyword : qAsConst(offered)) {
+        const QVector<ScriptFault> faults = parseKeyScriptSteps(keyword).faults;
+        QVERIFY2(faults.isEmpty() || !faults.first().text.contains("keyword"), qPrintable(keyword));
+    }
+    offered.sort();
+    QCOMPARE(offered, documented);
 }
 
 QTEST_GUILESS_MAIN(ReferencesTest)

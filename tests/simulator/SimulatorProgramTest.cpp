@@ -56,6 +56,9 @@ private Q_SLOTS:
     void aFaultyScriptIsExplained();
     void aDaemonThatEndsIsTold();
     void aRecordingComesTrueAgain();
+    void aRecordingThatCannotBeWrittenIsToldBeforeTheScript();
+    void aRecordingThatCannotBeWrittenAnyMoreIsSavedElsewhere();
+    void theFileOfARecordingStaysUntilTheEnd();
     void aSignalCleansUp_data();
     void aSignalCleansUp();
     void evenKilledItLeavesNothingRunning();
@@ -71,6 +74,16 @@ private Q_SLOTS:
     void atATerminalTheDeviceStays_data();
     void atATerminalTheDeviceStays();
     void whatIsTypedAtTheTerminalIsDone();
+    void thePromptListsTheStatements_data();
+    void thePromptListsTheStatements();
+    void theModelIsChosen_data();
+    void theModelIsChosen();
+    void afterTheScriptTheDeviceStaysAsItIs();
+    void theBusCanBeReachedAsPrinted();
+    void rowsThatNeverWorkAreToldAtTheStart();
+    void servicesFailAndComeBack();
+    void theDaemonStartsWithoutItsServices_data();
+    void theDaemonStartsWithoutItsServices();
     void whatIsTypedIsForTheForeground();
 
 private:
@@ -262,6 +275,46 @@ void SimulatorProgramTest::aRecordingComesTrueAgain()
     QCOMPARE(status, 0);
 }
 
+void SimulatorProgramTest::aRecordingThatCannotBeWrittenIsToldBeforeTheScript()
+{
+    const QString path = m_folder->filePath("gone/recording.keys");
+    QCOMPARE(run({"--record", path, write("wait 0\n")}), 2);
+    QCOMPARE(m_output, path + " cannot be written: No such file or directory.\n");
+}
+
+void SimulatorProgramTest::aRecordingThatCannotBeWrittenAnyMoreIsSavedElsewhere()
+{
+    QDir folder(m_folder->path());
+    QVERIFY(folder.mkdir("gone"));
+    m_input = openTerminal();
+    start({"--no-demo", "--port", "0", "--record", folder.filePath("gone/recording.keys")});
+    QVERIFY(awaitOutput(QStringLiteral("\n> ")));
+    type("tap Menu\n");
+    QVERIFY(awaitOutput(QStringLiteral("announced  SingleKey Menu")));
+    QVERIFY(QDir(folder.filePath("gone")).removeRecursively());
+    type("quit\n");
+    QVERIFY(expectStatus(1));
+    QVERIFY(awaitOutput(QStringLiteral("recording.keys cannot be written: No such file or directory. "
+                                       "The recording is in ")));
+    const QString saved = m_output.section("The recording is in ", 1).section(".\n", 0, 0);
+    QVERIFY2(saved.startsWith(m_folder->path()), qPrintable(saved));
+    const ParsedScript parsed = loadKeyScript(saved);
+    QVERIFY(parsed.faults.isEmpty());
+    QCOMPARE(parsed.script.steps.size(), 2);
+}
+
+void SimulatorProgramTest::theFileOfARecordingStaysUntilTheEnd()
+{
+    const QString path = write("# an older recording\n");
+    m_input = openTerminal();
+    start({"--no-demo", "--port", "0", "--record", path});
+    QVERIFY(awaitOutput(QStringLiteral("\n> ")));
+    QVERIFY(mentions(path, "# an older recording\n"));
+    type("quit\n");
+    QVERIFY(expectStatus(0));
+    QVERIFY(mentions(path, "recorded\n") && !mentions(path, "older"));
+}
+
 void SimulatorProgramTest::aSignalCleansUp_data()
 {
     QTest::addColumn<int>("signal");
@@ -309,13 +362,22 @@ void SimulatorProgramTest::wrongArgumentsAreExplained_data()
         << QStringList({"--serve", "--port", "80 "}) << "\"80 \" is no port number.\n";
     QTest::newRow("a port with a sign")
         << QStringList({"--serve", "--port", "+80"}) << "\"+80\" is no port number.\n";
+    QTest::newRow("an unknown option")
+        << QStringList("--moo") << "Unknown option 'moo'.\n--help lists the options.\n";
+    QTest::newRow("two scripts") << QStringList({"one.keys", "two.keys"})
+                                 << "One key script can be played, not 2.\n";
+    QTest::newRow("an unknown model") << QStringList({"--serve", "--no-demo", "--model", "Moo"})
+                                      << "There is no model \"Moo\"; known are Orvane, Pellit.\n";
+    QTest::newRow("a model for a script") << QStringList({"--model", "Orvane", "one.keys"})
+                                          << "--model is for an embosser without a script, which --no-demo "
+                                             "asks for: a script names its own model.\n";
     QTest::newRow("an empty port") << QStringList({"--serve", "--port", ""}) << "\"\" is no port number.\n";
 }
 
 void SimulatorProgramTest::wrongArgumentsAreExplained()
 {
     QFETCH(QStringList, arguments);
-    QCOMPARE(run(arguments), 2);
+    QCOMPARE(run(arguments), 3);
     QTEST(m_output, "sentence");
 }
 
@@ -363,7 +425,9 @@ void SimulatorProgramTest::aPortInUseIsTold()
     const QString port = m_output.section(panelLine, 1).section('/', 0, 0);
     const std::unique_ptr<QProcess> first = std::move(m_program);
     QCOMPARE(run({"--serve", "--no-demo", "--port", port}), 2);
-    QVERIFY2(m_output.contains(port) && m_output.endsWith(".\n"), qPrintable(m_output));
+    QVERIFY2(m_output.contains(port), qPrintable(m_output));
+    QVERIFY2(m_output.endsWith(". --port takes another one; --port 0 takes any that is free.\n"),
+             qPrintable(m_output));
     QCOMPARE(first->state(), QProcess::Running);
     first->terminate();
     QVERIFY(first->waitForFinished(patienceMs));
@@ -438,8 +502,144 @@ void SimulatorProgramTest::whatIsTypedAtTheTerminalIsDone()
     QVERIFY(awaitOutput(QStringLiteral("announced  SingleKey Up  to PrintManager, no sender\n> ")));
     type("jump\n");
     QVERIFY(awaitOutput(QStringLiteral("\"jump\" is no keyword of a key script.\n> ")));
+    type("exit\n");
+    QVERIFY(expectStatus(0));
+}
+
+void SimulatorProgramTest::thePromptListsTheStatements_data()
+{
+    QTest::addColumn<QByteArray>("question");
+    QTest::newRow("help") << QByteArray("help\n");
+    QTest::newRow("question mark") << QByteArray(" ?\n");
+}
+
+void SimulatorProgramTest::thePromptListsTheStatements()
+{
+    QFETCH(QByteArray, question);
+    m_input = openTerminal();
+    start({"--no-demo", "--port", "0"});
+    QVERIFY(awaitOutput(QStringLiteral("\n> ")));
+    type(question);
+    QVERIFY(awaitOutput(QStringLiteral("\nSeveral stand in a line with \";\" between them.\n> ")));
+    QVERIFY2(m_output.contains("  hold KEY MS "), qPrintable(m_output));
+    QVERIFY2(!m_output.contains("keyword"), qPrintable(m_output));
     type("quit\n");
     QVERIFY(expectStatus(0));
+}
+
+void SimulatorProgramTest::theModelIsChosen_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QString>("model");
+    QTest::newRow("that of the demonstration") << QStringList() << "Orvane";
+    QTest::newRow("another one") << QStringList({"--model", "Pellit"}) << "Pellit";
+}
+
+void SimulatorProgramTest::theModelIsChosen()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QString, model);
+    m_input = openTerminal();
+    start(QStringList({"--no-demo", "--port", "0"}) + options);
+    QVERIFY(awaitOutput(QStringLiteral("An embosser of the model %1, in the state Idle.\n").arg(model)));
+    QVERIFY(awaitOutput(QStringLiteral("\n> ")));
+    type("tap Function\n");
+    QVERIFY(awaitOutput(QStringLiteral("announced  SingleKey Function  to UserMenu")));
+    QCOMPARE(m_output.contains("(EmbosserCore 30)"), model == "Orvane");
+    type("quit\n");
+    QVERIFY(expectStatus(0));
+}
+
+void SimulatorProgramTest::afterTheScriptTheDeviceStaysAsItIs()
+{
+    m_input = openTerminal();
+    start({"--port", "0", write("model Orvane\nstate Print\nrow long Test UserMenu Idle 0 Up\nwait 100\n")});
+    QVERIFY(awaitOutput(QStringLiteral("\n> ")));
+    type("tap Function; wait 100; command GetLongKeysTimeout\n");
+    QVERIFY(awaitOutput(QStringLiteral("announced  SingleKey Function  to PrintManager")));
+    QVERIFY(awaitOutput(QStringLiteral("keyTimeouts={\"Up\":0}")));
+    QCOMPARE(m_output.count("An embosser of the model"), 1);
+    type("quit\n");
+    QVERIFY(expectStatus(0));
+}
+
+void SimulatorProgramTest::theBusCanBeReachedAsPrinted()
+{
+    m_input = openTerminal();
+    start({"--no-demo", "--port", "0"});
+    QVERIFY(awaitOutput(QStringLiteral("\n> ")));
+    type("tap Menu\n");
+    QVERIFY(awaitOutput(QStringLiteral("announced  SingleKey Menu")));
+    const QString begin = QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS=");
+    const QString line = begin + m_output.section(begin, 1).section('\n', 0, 0);
+    QProcess shell;
+    shell.start("sh", {"-c", line});
+    QVERIFY(shell.waitForFinished(-1));
+    QCOMPARE(shell.readAllStandardOutput(),
+             QByteArray("a{sv} 3 \"errorId\" s \"Undefined\" \"key\" i 139 \"resultId\" s \"Success\"\n"));
+    type("quit\n");
+    QVERIFY(expectStatus(0));
+}
+
+void SimulatorProgramTest::rowsThatNeverWorkAreToldAtTheStart()
+{
+    QCOMPARE(
+        run({write(
+            "row shortcut Ring UserMenu Idle Up Ok\nrow shortcut Sing UserMenu Startup Up Down\nwait 0\n")}),
+        0);
+    const QString lines = QStringLiteral("\nRows of the key lists that can never be announced:\n"
+                                         "  Row 2 (shortcut, Up, Down), valid in Startup: Sing to UserMenu. "
+                                         "No key counts in Startup.\n");
+    QVERIFY2(m_output.contains(lines), qPrintable(m_output));
+    QCOMPARE(run({write("wait 0\n")}), 0);
+    QVERIFY2(!m_output.contains("never"), qPrintable(m_output));
+}
+
+void SimulatorProgramTest::servicesFailAndComeBack()
+{
+    const QByteArray script = "service speechd stop\n"
+                              "tap Up\n"
+                              "wait 2000\n"
+                              "expect 1550 announce SingleKey UserMenu - Up\n"
+                              "service speechd silent\n"
+                              "tap Down\n"
+                              "wait 2000\n"
+                              "expect 3600 announce SingleKey UserMenu KeyboardHandler Down\n"
+                              "service speechd start\n"
+                              "service state-handler stop\n"
+                              "state Print\n"
+                              "wait 100\n"
+                              "tap Ok\n"
+                              "expect +0 speak EmbosserCore 26\n"
+                              "wait 2000\n"
+                              "expect 5700 announce SingleKey UserMenu KeyboardHandler Ok\n"
+                              "service state-handler start\n"
+                              "state Error\n"
+                              "wait 500\n"
+                              "tap One\n"
+                              "expect +0 announce SingleKey ErrorHandler KeyboardHandler One\n";
+    QVERIFY2(run({write("wait 0\n" + script)}) == 0, qPrintable(m_output));
+    QVERIFY2(m_output.contains(" s  service    state-handler stop\n"), qPrintable(m_output));
+}
+
+void SimulatorProgramTest::theDaemonStartsWithoutItsServices_data()
+{
+    QTest::addColumn<QByteArray>("condition");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("stopped") << QByteArray("stop") << "org.freedesktop.DBus.Error.NameHasNoOwner";
+    QTest::newRow("silent") << QByteArray("silent") << "org.freedesktop.DBus.Error.NoReply";
+}
+
+void SimulatorProgramTest::theDaemonStartsWithoutItsServices()
+{
+    QFETCH(QByteArray, condition);
+    QFETCH(QString, reason);
+    QVERIFY2(run({write("service state-handler " + condition +
+                        "\nservice speechd stop\nwait 100\ntap Up\n"
+                        "expect +0 announce SingleKey UserMenu - Up\n")}) == 0,
+             qPrintable(m_output));
+    QVERIFY2(m_output.contains("gave no answer: \"" + reason), qPrintable(m_output));
+    QVERIFY2(m_output.contains("StateHandler::getState ERROR: invalid result!"), qPrintable(m_output));
 }
 
 void SimulatorProgramTest::whatIsTypedIsForTheForeground()
