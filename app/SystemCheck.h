@@ -17,10 +17,14 @@ struct StartupGate
 /// The gate of this process.
 StartupGate& startupGate();
 
-/// The thread that opens the start-up gate once every dependency has been seen ready in one pass.
+/// The thread that opens the start-up gate once every dependency has been seen ready in one pass. Destruction
+/// waits for its end.
 class SystemCheck : public QThread
 {
     Q_OBJECT
+
+public:
+    ~SystemCheck() override { wait(); }
 
 protected:
     void run() override;

@@ -9,7 +9,6 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QLoggingCategory>
 #include <QMutexLocker>
 #include <QTextCodec>
 
@@ -48,17 +47,12 @@ int main(int argc, char* argv[])
     fillStandardStreams();
     LogOutput::install();
     ServiceWatcher::setReady(serviceName, false);
-    // Qt's own event loop takes fewer steps for a key than the one that it builds on GLib.
-    qputenv("QT_NO_GLIB", "1");
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     QCoreApplication application(argc, argv);
 
     SystemCheck systemCheck;
     systemCheck.start(QThread::InheritPriority);
-    // While this thread would only wait, Qt looks for the rules of the log, which the first line needs.
-    QLoggingCategory::defaultCategory();
     waitForServices();
-    systemCheck.wait();
 
     QCoreApplication::setOrganizationName(QStringLiteral("Vantre"));
     QCoreApplication::setOrganizationDomain(QStringLiteral("vantre.com"));

@@ -66,6 +66,9 @@ QProcessEnvironment environment(const QString& loggingRules)
                              "QT_MESSAGE_PATTERN", "QT_LOGGING_CONF", "QT_LOGGING_DEBUG"}) {
         variables.remove(QLatin1String(name));
     }
+    for (const QString& assignment : QStringLiteral(KEYBOARD_HANDLER_ENVIRONMENT).split(QLatin1Char(' '))) {
+        variables.insert(assignment.section(QLatin1Char('='), 0, 0), assignment.section(QLatin1Char('='), 1));
+    }
     variables.insert(QStringLiteral("QT_LOGGING_RULES"), loggingRules);
     // Without it the log goes to the journal of this machine where there is one.
     variables.insert(QStringLiteral("QT_FORCE_STDERR_LOGGING"), QStringLiteral("1"));

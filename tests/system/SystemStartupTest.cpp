@@ -7,6 +7,9 @@
 #include <QDBusConnectionInterface>
 #include <QDir>
 
+#include <linux/input-event-codes.h>
+#include <sys/syscall.h>
+
 using namespace std::chrono_literals;
 
 namespace {
@@ -39,10 +42,14 @@ private Q_SLOTS:
     void versionAndHelpWaitForTheDependenciesToo();
     void anUnknownOptionIsRefused();
     void aRestartedDaemonTakesUpItsWork();
+    void bothEventLoopsServe_data();
+    void bothEventLoopsServe();
 
 private:
     bool looksAround();
     bool hasBusName();
+    /// The number of the system call that the daemon's main thread waits in; -1 when it waits in none.
+    long systemCall();
 };
 
 bool SystemStartupTest::looksAround()
@@ -62,6 +69,14 @@ bool SystemStartupTest::hasBusName()
 {
     BusConnection client(device().bus().address());
     return client.get().interface()->isServiceRegistered(ls::busName(ls::ServiceId::KeyboardHandler));
+}
+
+long SystemStartupTest::systemCall()
+{
+    QFile file(QStringLiteral("/proc/%1/syscall").arg(device().daemon().processId()));
+    bool isNumber = file.open(QIODevice::ReadOnly);
+    const long number = file.readAll().split(' ').first().toLong(&isNumber);
+    return isNumber ? number : -1;
 }
 
 void SystemStartupTest::aStaleDeclarationIsWithdrawnBeforeAnythingElse()
@@ -220,6 +235,29 @@ void SystemStartupTest::aRestartedDaemonTakesUpItsWork()
     device().withdrawReady(ownName);
     QVERIFY(launch());
     QVERIFY(nextKeyWorks());
+}
+
+void SystemStartupTest::bothEventLoopsServe_data()
+{
+    QTest::addColumn<QStringList>("viewArguments");
+    QTest::addColumn<long>("waitingIn");
+    QTest::newRow("the unit's, Qt's own") << QStringList() << long(SYS_ppoll);
+    QTest::newRow("GLib's") << QStringList{"--unsetenv", "QT_NO_GLIB"} << long(SYS_poll);
+}
+
+void SystemStartupTest::bothEventLoopsServe()
+{
+    QFETCH(QStringList, viewArguments);
+    QFETCH(long, waitingIn);
+    options.viewArguments = viewArguments;
+    QVERIFY(launch());
+    QTRY_COMPARE(systemCall(), waitingIn);
+    QVERIFY(nextKeyWorks());
+    tap(ls::KeyId::Up, 1);
+    QVERIFY(awaitAction(QStringLiteral("announce SingleKey UserMenu KeyboardHandler Up"))); // its timer has expired
+    QCOMPARE(command(QStringLiteral("GetLastKey")).value(ls::keyKey), QVariant(KEY_UP));
+    device().typeLine(QStringLiteral("HELP 4"));
+    QVERIFY(awaitLog(QStringLiteral("\"GetLastKey\" params: [None]")));
 }
 
 QTEST_GUILESS_MAIN(SystemStartupTest)
