@@ -5,6 +5,7 @@
 
 #include <ls/IReader.h>
 
+#include <QFileInfo>
 #include <QMetaEnum>
 
 #include <limits>
@@ -31,6 +32,22 @@ int toMilliseconds(const QVariant& seconds)
     return static_cast<int>(qBound<qint64>(-maximumSeconds, whole, maximumSeconds)) * millisecondsPerSecond;
 }
 
+QDebug error(const char* loader)
+{
+    return vocabulary::logLine("load", loader, "ERROR:");
+}
+
+/// Reads the file unless it is too large, whatever the reader would take.
+bool read(ls::IReader& reader, const QString& path, QVariantMap& content, const char* loader)
+{
+    const qint64 size = QFileInfo(path).size();
+    if (size > KeyListFile::maxSize) {
+        error(loader) << path << "is over the limit of" << KeyListFile::maxSize << "bytes:" << size;
+        return false;
+    }
+    return reader.read(path, content);
+}
+
 KeyEntry entryOf(const QVariantMap& row, KeyListFile::Timeouts timeouts)
 {
     const bool isTimed = timeouts == KeyListFile::Timeouts::Read;
@@ -46,21 +63,26 @@ KeyEntry entryOf(const QVariantMap& row, KeyListFile::Timeouts timeouts)
 KeyListFile KeyListFile::load(ls::IReader& reader, const QString& fileName, EnumDetail::RowKeyList section,
                               Timeouts timeouts, const char* loader)
 {
-    const auto error = [loader] { return vocabulary::logLine("load", loader, "ERROR:"); };
     const QString path = QStringLiteral("%1/%2").arg(vocabulary::dataDirectory, fileName);
-    const QString name = sectionName(section);
     QVariantMap content;
-    if (!reader.read(path, content)) {
-        error() << "reading" << path << "failed.";
+    if (!read(reader, path, content, loader)) {
+        error(loader) << "reading" << path << "failed.";
     }
+    return take(content, section, timeouts, loader);
+}
+
+KeyListFile KeyListFile::take(const QVariantMap& content, EnumDetail::RowKeyList section, Timeouts timeouts,
+                              const char* loader)
+{
+    const QString name = sectionName(section);
     const auto value = content.constFind(name);
     if (value == content.cend()) {
         // Deliberate punctuation: technicians search their logs for this very text.
-        error().noquote() << "value list" << name << "not found!.";
+        error(loader).noquote() << "value list" << name << "not found!.";
         return {};
     }
     if (!value->canConvert(QMetaType::QVariantList)) {
-        error().noquote() << "value list" << name << "conversion to list failed!";
+        error(loader).noquote() << "value list" << name << "conversion to list failed!";
         return {};
     }
     QList<KeyEntry> rows;

@@ -17,11 +17,17 @@ struct KeyListFile
     /// Whether the rows' "timeout" counts; without it every row's timeout is 0.
     enum class Timeouts { Ignored, Read };
 
+    /// In bytes. A larger file is not read: its values could take more memory than the daemon may have.
+    static constexpr qint64 maxSize = 1024 * 1024;
+
     /// Reads `section` of the file `fileName` in the data directory. When the file has no list of rows, log
     /// lines name the fault and both members are empty. The function `loader` (as the compiler writes its
     /// signature) is named in these lines.
     static KeyListFile load(ls::IReader& reader, const QString& fileName, EnumDetail::RowKeyList section,
                             Timeouts timeouts, const char* loader);
+    /// The same for content that was read already.
+    static KeyListFile take(const QVariantMap& content, EnumDetail::RowKeyList section, Timeouts timeouts,
+                            const char* loader);
 
     /// The rows of the section, in file order and as they are written.
     QList<KeyEntry> rows;

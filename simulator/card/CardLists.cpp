@@ -4,35 +4,17 @@
 #include "keys/KeyListFile.h"
 #include "service/Vocabulary.h"
 
-#include <ls/IReader.h>
-
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLoggingCategory>
 
 namespace {
 
-constexpr int largestFile = 16 * 1024 * 1024;
-
-/// Reads contents as the daemon's reader reads files.
-class ContentReader : public ls::IReader
+QVariantMap mapOf(const QByteArray& content)
 {
-public:
-    explicit ContentReader(const QByteArray& content) : m_content(content) {}
-
-    bool read(const QString&, QVariantMap& content) override
-    {
-        const QJsonDocument document = QJsonDocument::fromJson(m_content);
-        if (!document.isObject() || m_content.size() > largestFile) {
-            return false;
-        }
-        content = document.object().toVariantMap();
-        return true;
-    }
-
-private:
-    QByteArray m_content;
-};
+    return content.size() > KeyListFile::maxSize ? QVariantMap()
+                                                 : QJsonDocument::fromJson(content).object().toVariantMap();
+}
 
 /// Keeps the loader's messages back: those of the daemon, about the same files, are the ones to read.
 class QuietLog
@@ -51,9 +33,8 @@ QList<KeyEntry> rowsOf(const QByteArray& content, const QString& name, EnumDetai
 {
     const auto timeouts = section == EnumDetail::RowKeyList::LongKeys ? KeyListFile::Timeouts::Read
                                                                       : KeyListFile::Timeouts::Ignored;
-    ContentReader reader(content);
     const QuietLog quiet;
-    const auto file = KeyListFile::load(reader, name, section, timeouts, Q_FUNC_INFO);
+    const auto file = KeyListFile::take(mapOf(content), section, timeouts, Q_FUNC_INFO);
     if (file.content.isEmpty()) {
         notes.append(QStringLiteral("%1 has no list that can be read, so none of its rows count.").arg(name));
     }

@@ -15,7 +15,7 @@ namespace {
 
 constexpr QChar stateSeparator = QLatin1Char('|');
 // One byte more than the daemon reads: it must see that the file is too long.
-constexpr qint64 mostBytes = 16 * 1024 * 1024 + 1;
+constexpr qint64 maxBytes = 1024 * 1024 + 1;
 
 const QString keysField = QStringLiteral("keys");
 const QString actionField = QStringLiteral("eAction");
@@ -169,7 +169,7 @@ Files read(const QString& folder)
         const QString name = QLatin1String(list.name);
         QFile file(QDir(folder).filePath(name));
         if (file.open(QIODevice::ReadOnly)) {
-            files.insert(name, file.read(mostBytes));
+            files.insert(name, file.read(maxBytes));
         }
     }
     return files;

@@ -304,9 +304,8 @@ void KeyCardTest::filesThatCannotBeReadAreNoted_data()
     QTest::newRow("array") << QByteArray("[]") << true;
     QTest::newRow("no section") << QByteArray("{}") << true;
     QTest::newRow("section that is no list") << QByteArray("{\"LongKeys\": {}}") << true;
-    QTest::newRow("over 16 MiB") << QByteArray("{\"LongKeys\": []}").leftJustified(16 * 1024 * 1024 + 1)
-                                 << true;
-    QTest::newRow("16 MiB") << QByteArray("{\"LongKeys\": []}").leftJustified(16 * 1024 * 1024) << false;
+    QTest::newRow("over 1 MiB") << QByteArray("{\"LongKeys\": []}").leftJustified(1024 * 1024 + 1) << true;
+    QTest::newRow("1 MiB") << QByteArray("{\"LongKeys\": []}").leftJustified(1024 * 1024) << false;
     QTest::newRow("empty list") << QByteArray("{\"LongKeys\": []}") << false;
 }
 

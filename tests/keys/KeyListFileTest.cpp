@@ -3,18 +3,29 @@
 #include "keys/LongKey.h"
 #include "keys/ModifierKey.h"
 #include "keys/ShortcutKey.h"
+#include "tests/support/LogRecorder.h"
 #include "tests/virtual/MapReader.h"
 
 #include <QtTest>
 
+#include <sys/stat.h>
+
 using Section = EnumDetail::RowKeyList;
 using Timeouts = KeyListFile::Timeouts;
+
+namespace {
+
+const QString path = QStringLiteral("/var/lib/keyboard-handler/longKeyList.json");
+
+} // namespace
 
 class KeyListFileTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void init() { QVERIFY(QDir().mkpath(QFileInfo(path).path())); }
+    void cleanup() { QFile::remove(path); }
     void missingFileGivesTwoLines_data();
     void missingFileGivesTwoLines();
     void missingSectionGivesOneLine();
@@ -27,6 +38,9 @@ private Q_SLOTS:
     void timeoutIsInSecondsAndStaysWithin32Bits();
     void timeoutIsIgnoredWhereItHasNoMeaning();
     void contentIsTheWholeFile();
+    void filesOverTheLimitAreNotRead_data();
+    void filesOverTheLimitAreNotRead();
+    void aFifoIsLeftToTheReader();
 
 private:
     KeyListFile loaded(const QVariantMap& content, Timeouts timeouts = Timeouts::Read);
@@ -64,16 +78,16 @@ void KeyListFileTest::missingFileGivesTwoLines()
     QFETCH(QString, className);
     QFETCH(QString, file);
     QFETCH(QString, section);
-    const QString path = "/var/lib/keyboard-handler/" + file;
+    const QString missing = "/var/lib/keyboard-handler/" + file;
     const QString prefix = className + "::load ERROR: ";
-    QTest::ignoreMessage(QtCriticalMsg, qPrintable(prefix + "reading \"" + path + "\" failed."));
+    QTest::ignoreMessage(QtCriticalMsg, qPrintable(prefix + "reading \"" + missing + "\" failed."));
     QTest::ignoreMessage(QtCriticalMsg, qPrintable(prefix + "value list " + section + " not found!."));
     MapReader reader;
     const std::unique_ptr<QObject> recogniser(
         className == "LongKey"       ? static_cast<QObject*>(new LongKey(reader, nullptr))
         : className == "ModifierKey" ? static_cast<QObject*>(new ModifierKey(reader, nullptr))
                                      : new ShortcutKey(reader, nullptr));
-    QCOMPARE(reader.paths, QStringList{path});
+    QCOMPARE(reader.paths, QStringList{missing});
 }
 
 void KeyListFileTest::missingSectionGivesOneLine()
@@ -178,6 +192,44 @@ void KeyListFileTest::contentIsTheWholeFile()
 {
     const QVariantMap content{{"LongKeys", QVariantList{row(3)}}, {"comment", "kept"}, {"version", 2}};
     QCOMPARE(loaded(content).content, content);
+}
+
+void KeyListFileTest::filesOverTheLimitAreNotRead_data()
+{
+    QTest::addColumn<qint64>("size");
+    QTest::addColumn<bool>("isLink");
+    QTest::addColumn<bool>("isRead");
+    constexpr qint64 mebibyte = 1024 * 1024;
+    QTest::newRow("1 MiB") << mebibyte << false << true;
+    QTest::newRow("one byte more") << mebibyte + 1 << false << false;
+    QTest::newRow("more than 32 bits can say") << 5000 * mebibyte << false << false;
+    QTest::newRow("link to 1 MiB") << mebibyte << true << true;
+    QTest::newRow("link to one byte more") << mebibyte + 1 << true << false;
+}
+
+void KeyListFileTest::filesOverTheLimitAreNotRead()
+{
+    QFETCH(qint64, size);
+    QFETCH(bool, isLink);
+    QFETCH(bool, isRead);
+    const QTemporaryDir folder;
+    QFile file(isLink ? folder.filePath("list.json") : path);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(size));
+    QVERIFY(!isLink || QFile::link(file.fileName(), path));
+    const QString prefix = QStringLiteral("LongKey::load ERROR: ");
+    const QStringList refused{
+        prefix + "\"" + path + "\" is over the limit of 1048576 bytes: " + QString::number(size),
+        prefix + "reading \"" + path + "\" failed.", prefix + "value list LongKeys not found!."};
+    const LogRecorder log;
+    QCOMPARE(loaded({{"LongKeys", QVariantList{row(1)}}}).rows.size(), isRead ? 1 : 0);
+    QCOMPARE(log.texts(QtCriticalMsg), isRead ? QStringList() : refused);
+    QCOMPARE(log.lines().size(), isRead ? 0 : refused.size());
+}
+
+void KeyListFileTest::aFifoIsLeftToTheReader()
+{
+    QCOMPARE(::mkfifo(qPrintable(path), S_IRUSR | S_IWUSR), 0);
+    QCOMPARE(loaded({{"LongKeys", QVariantList{row(1)}}}).rows.size(), 1);
 }
 
 QTEST_GUILESS_MAIN(KeyListFileTest)

@@ -46,8 +46,6 @@ private Q_SLOTS:
     void valuesOfEveryDepthArrive();
     void valuesThatFitAreNotCut_data();
     void valuesThatFitAreNotCut();
-    void largeListOfSmallValuesArrivesOrIsEmptied_data();
-    void largeListOfSmallValuesArrivesOrIsEmptied();
     void oddStringsArrive_data();
     void oddStringsArrive();
 
@@ -122,25 +120,6 @@ void BusValueTest::valuesThatFitAreNotCut()
 {
     QFETCH(QVariant, value);
     QCOMPARE(carried({{"value", value}}).value("value"), value);
-}
-
-void BusValueTest::largeListOfSmallValuesArrivesOrIsEmptied_data()
-{
-    QTest::addColumn<int>("count");
-    QTest::addColumn<bool>("arrives");
-    QTest::newRow("a hundred thousand") << 100000 << true;
-    QTest::newRow("five million") << 5000000 << false;
-}
-
-void BusValueTest::largeListOfSmallValuesArrivesOrIsEmptied()
-{
-    QFETCH(int, count);
-    QFETCH(bool, arrives);
-    const QVariantList list = QVector<QVariant>(count, 1).toList();
-    const QVariantMap arrived = carried({{"list", list}, {"other", 1}});
-    QCOMPARE(arrived.value("other"), QVariant(1));
-    QCOMPARE(arrived.value("list").toList().size(), arrives ? count : 0);
-    QCOMPARE(arrived.value("list").toString(), QString());
 }
 
 void BusValueTest::oddStringsArrive_data()

@@ -46,6 +46,11 @@ int memoryKib(qint64 process, const QString& line)
     return numberIn(pathOf(process, "smaps_rollup"), line);
 }
 
+int peakKib(qint64 process)
+{
+    return numberIn(pathOf(process, "status"), QStringLiteral("VmHWM"));
+}
+
 int processorMs(qint64 process)
 {
     // The fields behind the name, which may hold blanks itself; the state comes first.

@@ -8,6 +8,8 @@ namespace ProcessFigures {
 
 /// A line of /proc/PROCESS/smaps_rollup, for example "Pss", in KiB; -1 when there is none.
 int memoryKib(qint64 process, const QString& line);
+/// The most memory that it ever had, pages of its files included; -1 when it is gone.
+int peakKib(qint64 process);
 /// Processor time since its start, in steps of 10 ms; -1 when the process is gone.
 int processorMs(qint64 process);
 /// How often its threads went to sleep.

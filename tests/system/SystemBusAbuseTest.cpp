@@ -115,13 +115,6 @@ QMap<QString, QVariantMap> commandsWith(const QVariant& value)
             {ok, by("GetLastKey", {{"odd", value}})}};
 }
 
-QByteArray rows(int bytes)
-{
-    const QByteArray row = R"({"keys": ["Help", "Ok"], "eAction": "Both", "receiverService": "UserMenu",)"
-                           R"( "validOnState": "Print"})";
-    return (row + ',').repeated(bytes / row.size()) + row;
-}
-
 QByteArray nestedObjects(int depth)
 {
     return QByteArray("{\"a\":").repeated(depth) + "1" + QByteArray("}").repeated(depth);
@@ -165,9 +158,6 @@ private Q_SLOTS:
     void ownNotificationsFromOutsideAreIgnored();
     void oddKeyListsAreAnswered_data();
     void oddKeyListsAreAnswered();
-    void hugeKeyListsAreAnswered_data();
-    void hugeKeyListsAreAnswered();
-    void anAnswerThatIsTooLargeIsNotBuilt();
 
 private:
     /// Sends each command; returns the outcomes that are others than their keys.
@@ -487,43 +477,6 @@ void SystemBusAbuseTest::oddKeyListsAreAnswered()
              "{errorId: s Undefined, resultId: s Success, shortcutKeyList: " + list.arg("ShortcutKeys") +
                  '}');
     QCOMPARE(faults(), QString());
-}
-
-void SystemBusAbuseTest::hugeKeyListsAreAnswered_data()
-{
-    QTest::addColumn<QByteArray>("rows");
-    QTest::addColumn<int>("count");
-    const QByteArray normal = ::rows(5'000'000);
-    QTest::newRow("5 MB of rows") << normal << normal.count("Both");
-    QTest::newRow("10 MB of numbers") << QByteArray("1,").repeated(5'000'000) + '1' << 0;
-}
-
-void SystemBusAbuseTest::hugeKeyListsAreAnswered()
-{
-    QFETCH(QByteArray, rows);
-    QFETCH(int, count);
-    options.keyLists = {{"modifierKeyList.json", "{\"ModifierKeys\": [" + rows + "]}"}};
-    QVERIFY(launch());
-    for (int i = 0; i < 2; ++i) {
-        const QVariantMap answer = command(ls::KeyboardHandlerCmdId::GetModifierKeyList);
-        QCOMPARE(answer.value(ls::resultIdKey).toString(), QStringLiteral("Success"));
-        const QVariantMap list = answer.value(ls::modifierKeyListKey).toMap();
-        QCOMPARE(list.value(ls::keyTimeouts), QVariant(1500));
-        QCOMPARE(list.value("ModifierKeys").toList().size(), count);
-        QCOMPARE(list.value("ModifierKeys").type(), count == 0 ? QVariant::String : QVariant::List);
-    }
-    QCOMPARE(faults(), QString());
-}
-
-void SystemBusAbuseTest::anAnswerThatIsTooLargeIsNotBuilt()
-{
-    options.keyLists = {
-        {"modifierKeyList.json", "{\"ModifierKeys\": [" + QByteArray("1,").repeated(5'000'000) + "1]}"}};
-    QVERIFY(launch());
-    const qint64 before = memoryKiB();
-    BusClient client(device().bus().address());
-    QCOMPARE(client.outcome(by("GetModifierKeyList")), ok);
-    QCOMPARE(growthFault(before, 80 * 1024), QString());
 }
 
 QTEST_GUILESS_MAIN(SystemBusAbuseTest)

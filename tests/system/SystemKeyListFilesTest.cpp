@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/ProcessFigures.h"
 #include "tests/system/SystemTest.h"
 
 #include <QDir>
@@ -19,6 +20,20 @@ const QStringList unreadable{
 const QStringList withoutSection{unreadable.last()};
 const QStringList noList{"LongKey::load ERROR: value list LongKeys conversion to list failed!"};
 
+const QStringList overLimit =
+    QStringList("LongKey::load ERROR: \"/var/lib/keyboard-handler/longKeyList.json\" is over the limit of "
+                "1048576 bytes: 1048577") +
+    unreadable;
+
+#ifdef __SANITIZE_ADDRESS__
+/// The sanitizer surrounds each value with memory of its own, and keeps what is freed for a while.
+constexpr int sanitizerFactor = 8;
+#else
+constexpr int sanitizerFactor = 1;
+#endif
+
+constexpr int mebibyte = 1024 * 1024;
+
 QByteArray nested(int depth)
 {
     return "{\"LongKeys\": " + QByteArray(depth, '[') + QByteArray(depth, ']') + '}';
@@ -34,6 +49,23 @@ QByteArray manyRows(int bytes)
         rows += "," + row;
     }
     return "{\"LongKeys\": [" + rows + "]}";
+}
+
+/// As many of these elements as a list of 1 MiB holds.
+QByteArray fullOf(const QByteArray& element)
+{
+    constexpr int roomForTheSection = 32;
+    return (element + ',').repeated((mebibyte - element.size() - roomForTheSection) / (element.size() + 1)) +
+           element;
+}
+
+/// What the unit lets the daemon have.
+int memoryMaxKib()
+{
+    QFile unit(QStringLiteral(KEYBOARD_HANDLER_UNIT));
+    const QString text = unit.open(QIODevice::ReadOnly) ? QString::fromUtf8(unit.readAll()) : QString();
+    const QRegularExpression line(QStringLiteral("^MemoryMax=(\\d+)M$"), QRegularExpression::MultilineOption);
+    return line.match(text).captured(1).toInt() * 1024;
 }
 
 } // namespace
@@ -52,6 +84,8 @@ private Q_SLOTS:
     void oddRowsAreKeptAndHarmless();
     void anyTopLevelContentComesBackToTheClient_data();
     void anyTopLevelContentComesBackToTheClient();
+    void theLargestListsFitIntoTheUnit_data();
+    void theLargestListsFitIntoTheUnit();
 
 private:
     QStringList loadFaults() const { return log().filter(QStringLiteral("::load ")); }
@@ -93,7 +127,8 @@ void SystemKeyListFilesTest::aFaultyFileLeavesTheDaemonAtWork_data()
     QTest::newRow("nested deeper than any parser goes") << nested(100'000) << unreadable;
     QTest::newRow("a list of no objects")
         << QByteArray(R"({"LongKeys": [1, "x", null, [], true]})") << QStringList();
-    QTest::newRow("ten megabytes") << manyRows(10'000'000) << QStringList();
+    QTest::newRow("1 MiB") << manyRows(1'000'000).leftJustified(mebibyte) << QStringList();
+    QTest::newRow("over 1 MiB") << manyRows(1'000'000).leftJustified(mebibyte + 1) << overLimit;
 }
 
 void SystemKeyListFilesTest::aFaultyFileLeavesTheDaemonAtWork()
@@ -193,6 +228,65 @@ void SystemKeyListFilesTest::anyTopLevelContentComesBackToTheClient()
     const QVariantMap answer = command(ls::KeyboardHandlerCmdId::GetModifierKeyList);
     QTEST(answer.value(ls::modifierKeyListKey).toMap(), "list");
     QVERIFY(nextKeyWorks());
+}
+
+void SystemKeyListFilesTest::theLargestListsFitIntoTheUnit_data()
+{
+    QTest::addColumn<QByteArray>("elements");
+    QTest::addColumn<int>("count");
+    const auto add = [](const char* name, const QByteArray& elements, int count) {
+        QVERIFY2(elements.size() > mebibyte * 9 / 10, name);
+        QTest::newRow(name) << elements << count;
+    };
+    const QByteArray nestedMaps = QByteArray("{\"a\":").repeated(1000) + "1" + QByteArray("}").repeated(1000);
+    const QByteArray nestedLists = QByteArray("[").repeated(1000) + QByteArray("]").repeated(1000);
+    const QByteArray plain =
+        R"({"keys": ["Help", "Ok"], "eAction": "Both", "receiverService": "UserMenu", "validOnState": "Print"})";
+    const auto addFull = [&](const char* name, const QByteArray& element) {
+        const QByteArray elements = fullOf(element);
+        add(name, elements, (elements.size() + 1) / (element.size() + 1));
+    };
+    addFull("ordinary rows", plain);
+    addFull("empty rows", "{}");
+    addFull("rows of one key", R"({"keys":["Up"]})");
+    addFull("rows of a short member", R"({"a":1})");
+    addFull("numbers", "1");
+    addFull("empty lists", "[]");
+    addFull("nested maps", nestedMaps);
+    addFull("nested lists", nestedLists);
+    add("one row of 200,000 keys", R"({"keys":[)" + fullOf(R"("Up")") + "]}", 1);
+    add("a validOnState of 1 MiB",
+        R"({"keys":["Up"],"timeout":1,"validOnState":")" + QByteArray("a|").repeated(mebibyte / 2 - 64) +
+            "\"}",
+        1);
+}
+
+/// All three lists at once, as the daemon starts, and what comes of asking for them.
+void SystemKeyListFilesTest::theLargestListsFitIntoTheUnit()
+{
+    QFETCH(QByteArray, elements);
+    QFETCH(int, count);
+    const QMap<QString, QByteArray> sections{
+        {longFile, "LongKeys"}, {modifierFile, "ModifierKeys"}, {shortcutFile, "ShortcutKeys"}};
+    for (auto section = sections.cbegin(); section != sections.cend(); ++section) {
+        options.keyLists.insert(section.key(), "{\"" + section.value() + "\":[" + elements + "]}");
+        QVERIFY(options.keyLists.value(section.key()).size() <= mebibyte);
+    }
+    QVERIFY(launch());
+    for (int i = 0; i < 2; ++i) {
+        QVERIFY(command("GetLongKeysTimeout").contains(ls::keyTimeouts));
+        QCOMPARE(
+            command("GetModifierKeyList")[ls::modifierKeyListKey].toMap()["ModifierKeys"].toList().size(),
+            count);
+        QCOMPARE(
+            command("GetShortcutKeyList")[ls::shortcutKeyListKey].toMap()["ShortcutKeys"].toList().size(),
+            count);
+    }
+    QVERIFY(nextKeyWorks());
+    QCOMPARE(loadFaults(), QStringList());
+    const int peak = ProcessFigures::peakKib(device().daemon().processId());
+    qInfo("the daemon has used up to %d of %d KiB", peak, memoryMaxKib());
+    QVERIFY(peak > 0 && peak < memoryMaxKib() * sanitizerFactor);
 }
 
 QTEST_GUILESS_MAIN(SystemKeyListFilesTest)

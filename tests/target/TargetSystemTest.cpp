@@ -233,6 +233,9 @@ void TargetSystemTest::aFaultyKeyListIsLoggedAndTheOthersCount_data()
 {
     const QString unreadable =
         QStringLiteral("LongKey::load ERROR: reading \"/var/lib/keyboard-handler/longKeyList.json\" failed.");
+    const QString tooLarge = QStringLiteral(
+        "LongKey::load ERROR: \"/var/lib/keyboard-handler/longKeyList.json\" is over the limit "
+        "of 1048576 bytes: 20000000");
     const QString absent = QStringLiteral("LongKey::load ERROR: value list LongKeys not found!.");
     const QString noList =
         QStringLiteral("LongKey::load ERROR: value list LongKeys conversion to list failed!");
@@ -247,7 +250,7 @@ void TargetSystemTest::aFaultyKeyListIsLoggedAndTheOthersCount_data()
     QTest::newRow("fields of other types")
         << QByteArray(R"({"LongKeys": [{"keys": "Help", "timeout": [], "validOnState": 7}, 3]})")
         << QStringList();
-    QTest::newRow("20 MB") << QByteArray(20'000'000, ' ') << QStringList{unreadable, absent};
+    QTest::newRow("20 MB") << QByteArray(20'000'000, ' ') << QStringList{tooLarge, unreadable, absent};
 }
 
 void TargetSystemTest::aFaultyKeyListIsLoggedAndTheOthersCount()
