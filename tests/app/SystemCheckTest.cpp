@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/SystemCheck.h"
+#include "tests/support/Waiting.h"
 
 #include <servicewatcher/ServiceWatcher.h>
 
@@ -46,7 +47,7 @@ void SystemCheckTest::gateStaysClosedWhileADependencyIsMissing()
 {
     ServiceWatcher::setReady("state-handler", true);
     check.start(QThread::InheritPriority);
-    QTRY_VERIFY(isHeld()); // it polls under the mutex
+    WAIT_FOR(isHeld()); // it polls under the mutex
     QVERIFY(check.isRunning());
     QVERIFY(!startupGate().mutex.tryLock(200));
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/documents/FencedBlocks.h"
+#include "tests/support/Waiting.h"
 #include "tests/system/SystemTest.h"
 
 namespace {
@@ -67,11 +68,11 @@ void ConsoleManualTest::playSession(const QStringList& session)
         if (session.at(i).startsWith(typedMark)) {
             // What was typed before has been answered when the next line is typed.
             const QStringList before = printedLines(session.mid(0, i));
-            QTRY_COMPARE(printed(), before);
+            WAIT_FOR_EQUAL(printed(), before);
             device().typeLine(session.at(i).mid(typedMark.size()));
         }
     }
-    QTRY_COMPARE(printed(), printedLines(session));
+    WAIT_FOR_EQUAL(printed(), printedLines(session));
 }
 
 QTEST_GUILESS_MAIN(ConsoleManualTest)

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/documents/FencedBlocks.h"
+#include "tests/support/Waiting.h"
 #include "tests/system/SystemTest.h"
 
 #include "simulator/device/ChildProcess.h"
 
 namespace {
 
-constexpr int patienceMs = 20'000;
 const QString shell = QStringLiteral("sh");
 const QString userMenu = QStringLiteral("user-menu");
 const QString registered = QStringLiteral("Successfully registered on DBus: \"com.vantre.KeyboardHandler\"");
@@ -92,12 +92,12 @@ void DBusGuideTest::calls()
     const int earlierLines = log().size();
     ChildProcess process;
     startExample(process, m_guide.text(shell, example));
-    QTRY_COMPARE_WITH_TIMEOUT(process.state(), QProcess::NotRunning, patienceMs);
+    WAIT_FOR_EQUAL(process.state(), QProcess::NotRunning);
     QCOMPARE(QString::fromUtf8(process.readAll()), m_guide.text(QStringLiteral("text"), example));
     // A command that is not served marks the end of what the example led to.
     command(ls::KeyboardHandlerCmdId::GetKeyList);
-    QTRY_COMPARE(log().mid(earlierLines),
-                 m_guide.lines(QStringLiteral("log"), example) + QStringList(notServed));
+    WAIT_FOR_EQUAL(log().mid(earlierLines),
+                   m_guide.lines(QStringLiteral("log"), example) + QStringList(notServed));
 }
 
 void DBusGuideTest::watches()
@@ -146,9 +146,9 @@ void DBusGuideTest::watch(const QString& example, const QString& command, const 
     QString output;
     connect(&process, &QProcess::readyRead, this, [&] { output += QString::fromUtf8(process.readAll()); });
     startExample(process, command);
-    QTRY_VERIFY_WITH_TIMEOUT(output.contains(listening), patienceMs);
+    WAIT_FOR(output.contains(listening));
     playKeys(example);
-    QTRY_COMPARE_WITH_TIMEOUT(comparable(output), comparable(expected), patienceMs);
+    WAIT_FOR_EQUAL(comparable(output), comparable(expected));
     process.end();
 }
 

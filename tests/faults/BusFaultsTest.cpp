@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/faults/FaultTest.h"
 #include "tests/faults/Signals.h"
+#include "tests/support/Waiting.h"
 #include "tests/system/BusClient.h"
 
 #include <ls/BusNames.h>
@@ -211,7 +212,7 @@ void BusFaultsTest::theBusIsKilledAndRestarted()
     QVERIFY(usual);
     QSignalSpy ended(&device(), &SimulatedDevice::busEnded);
     QVERIFY(signalTo(device().bus().processId(), SIGKILL));
-    QTRY_COMPARE(ended.size(), 1);
+    WAIT_FOR_EQUAL(ended.size(), 1);
     QVERIFY(worksOff(1000));
     const qint64 memory = memoryKiB();
     const int files = descriptors();

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "tests/faults/FaultTest.h"
 
+#include "tests/support/Waiting.h"
+
 #include <algorithm>
 
 namespace {
 
 constexpr int roundCount = 3;
 constexpr int pressesForGrowth = 1000; // in each round
-constexpr int patienceMs = 30'000;
 
 /// A daemon that waits for somebody does so for seconds. What is less than these, a busy machine can do.
 constexpr double sameOrder = 25;
@@ -47,23 +48,22 @@ void FaultTest::initTestCase()
 
 bool FaultTest::await(const std::function<bool()>& condition)
 {
-    return QTest::qWaitFor(condition, patienceMs);
+    WAIT_FOR(condition());
+    return true;
 }
 
 QString FaultTest::receiverOfMenu(int inputDevice)
 {
     QString receiver;
-    QEventLoop loop;
-    connect(&device(), &SimulatedDevice::announced, &loop, [&](const QVariantMap& notification) {
+    QObject context;
+    connect(&device(), &SimulatedDevice::announced, &context, [&](const QVariantMap& notification) {
         if (notification.value(ls::firstKeyKey) == ls::KeyId::Menu &&
             notification.value(ls::actionIdKey) == ls::KeyboardActionId::SingleKey) {
             receiver = notification.value(ls::receiverIdKey).toString();
-            loop.quit();
         }
     });
-    QTimer::singleShot(patienceMs, &loop, &QEventLoop::quit);
     tap(ls::KeyId::Menu, inputDevice);
-    loop.exec();
+    WAIT_FOR(!receiver.isEmpty() || !device().isRunning());
     return receiver;
 }
 
@@ -76,7 +76,8 @@ bool FaultTest::awaitLoneKey()
 {
     QSignalSpy announced(&device(), &SimulatedDevice::announced);
     tap(ls::KeyId::Up);
-    return announced.wait(patienceMs);
+    WAIT_FOR(!announced.isEmpty() || !device().isRunning());
+    return !announced.isEmpty();
 }
 
 std::optional<double> FaultTest::latency(const QVector<int>& inputDevices, int presses)
@@ -105,8 +106,8 @@ QString FaultTest::growth(qint64 memoryBeforeKiB, int descriptorsBefore, qint64 
     if (memoryBeforeKiB <= 0 || descriptorsBefore <= 0) {
         return QStringLiteral("the daemon cannot be looked into");
     }
-    if (!await([&] { return descriptors() <= descriptorsBefore; })) {
-        return QStringLiteral("%1 descriptors more").arg(descriptors() - descriptorsBefore);
+    if (const int more = descriptorsAbove(descriptorsBefore); more > 0) {
+        return QStringLiteral("%1 descriptors more").arg(more);
     }
     const qint64 more = memoryKiB() - memoryBeforeKiB;
     return more <= slackKiB + sanitizerSlackKiB ? QString() : QStringLiteral("%1 KiB more").arg(more);

@@ -25,13 +25,13 @@ public:
     using SystemTest::log;
     using SystemTest::tap;
 
-    /// Presses Menu; returns who it is announced to, empty when it is not announced within some seconds.
+    /// Presses Menu; returns who it is announced to, empty when the daemon ends instead.
     QString receiverOfMenu(int inputDevice = 0);
-    /// Presses Menu until it is announced to `receiver`; false when that does not happen.
+    /// Presses Menu until it is announced to `receiver`.
     bool awaitReceiver(const QString& receiver);
     /// Presses Up in Idle and waits for its announcement: with it, the router forgets all keys.
     bool awaitLoneKey();
-    /// Whether `condition` comes true within some seconds.
+    /// Waits until `condition` comes true.
     static bool await(const std::function<bool()>& condition);
 
 protected:

@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Checks that includes run downwards only. Usage: layers.sh SOURCE_FOLDER
+# Checks that includes run downwards only, and that tests wait without limits. Usage: layers.sh SOURCE_FOLDER
 set -u
 cd "$1" || exit 2
 broken=0
@@ -31,4 +31,12 @@ forbid "input records are for input/ and platform/ls/" "linux/input" app service
 forbid "key rows and recognisers know the vocabulary only" "(app|input|console)/|service/Keyboard" keys
 forbid "device/ knows the vocabulary only" "(app|input|keys|console)/|service/Keyboard" device
 forbid "only app/ builds the service object and the console" "app/" service input keys device console
+
+# Waits with a limit of time fail on a busy machine. The clock of the booted target does not depend on the machine.
+found=$(grep -rnE '\b(QTRY_[A-Z]|qWaitFor\()' --include='*.h' --include='*.cpp' tests |
+    grep -v '^tests/\(support/Waiting\.\|target/\)')
+if [ -n "$found" ]; then
+    printf 'tests wait with tests/support/Waiting.h:\n%s\n' "$found"
+    broken=1
+fi
 exit $broken

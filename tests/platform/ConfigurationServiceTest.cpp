@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/BusPeer.h"
 #include "tests/support/PrivateBus.h"
+#include "tests/support/Waiting.h"
 
 #include <configurationmanager/ConfigurationManager.h>
 
@@ -47,7 +48,7 @@ void ConfigurationServiceTest::connectionIsCheckedByDefault()
         const BusPeer peer(m_bus, service);
         QVERIFY(manager.isOrvane());
     }
-    QTRY_VERIFY(!manager.isOrvane());
+    WAIT_FOR(!manager.isOrvane());
 }
 
 void ConfigurationServiceTest::modelIsReadWhileTheServiceIsThere()

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Waiting.h"
 
 #include <ls/ConsoleReader.h>
 
@@ -167,7 +168,7 @@ void ConsoleReaderTest::lineComesWithoutItsLineEnd()
 
     type(typed);
 
-    QTRY_COMPARE(m_lines, expected);
+    WAIT_FOR_EQUAL(m_lines, expected);
 }
 
 void ConsoleReaderTest::lineComesWholeHoweverItWasSplit_data()
@@ -187,20 +188,20 @@ void ConsoleReaderTest::lineComesWholeHoweverItWasSplit()
 
     for (int start = 0; start < typed.size(); start += pieceSize) {
         type(typed.mid(start, pieceSize));
-        QTRY_VERIFY(isEventLoopAtRest());
+        WAIT_FOR(isEventLoopAtRest());
     }
 
-    QTRY_COMPARE(m_lines, QStringList({"abc", "ä€", "xyz"}));
+    WAIT_FOR_EQUAL(m_lines, QStringList({"abc", "ä€", "xyz"}));
 }
 
 void ConsoleReaderTest::unfinishedLineIsHeldBack()
 {
     type("HEL");
-    QTRY_VERIFY(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopAtRest());
     QVERIFY(m_lines.isEmpty());
 
     type("P\n");
-    QTRY_COMPARE(m_lines, QStringList("HELP"));
+    WAIT_FOR_EQUAL(m_lines, QStringList("HELP"));
 }
 
 void ConsoleReaderTest::lineOfUpTo64KiBIsReported_data()
@@ -228,7 +229,7 @@ void ConsoleReaderTest::lineOfUpTo64KiBIsReported()
 
     type(QByteArray(size, 'x') + lineEnd + "next\n");
 
-    QTRY_VERIFY(m_lines.endsWith("next"));
+    WAIT_FOR(m_lines.endsWith("next"));
     QCOMPARE(m_lines.size(), isReported ? 2 : 1);
     QCOMPARE(m_lines.constFirst().size(), isReported ? size : 4);
     QCOMPARE(log.texts(QtCriticalMsg), isReported ? QStringList() : QStringList(overlongText));
@@ -241,7 +242,7 @@ void ConsoleReaderTest::endlessLineIsDroppedWithOneLogLine()
     type(QByteArray(10 * 1024 * 1024, 'x'));
     type("rest\nnext\n");
 
-    QTRY_COMPARE(m_lines, QStringList("next"));
+    WAIT_FOR_EQUAL(m_lines, QStringList("next"));
     QCOMPARE(log.texts(QtCriticalMsg), QStringList(overlongText));
 }
 
@@ -251,7 +252,7 @@ void ConsoleReaderTest::endlessLineIsReportedBeforeItEnds()
 
     type(QByteArray(limit + 1, 'x'));
 
-    QTRY_COMPARE(log.texts(QtCriticalMsg), QStringList(overlongText));
+    WAIT_FOR_EQUAL(log.texts(QtCriticalMsg), QStringList(overlongText));
 }
 
 void ConsoleReaderTest::endlessLineTakesNoMemory()
@@ -265,7 +266,7 @@ void ConsoleReaderTest::endlessLineTakesNoMemory()
         type(piece);
     }
 
-    QTRY_VERIFY(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopAtRest());
     QVERIFY(allocatedBytes() < before + 1024 * 1024);
 }
 
@@ -274,11 +275,11 @@ void ConsoleReaderTest::lineEndMaySplitBehind64KiB()
     const QByteArray longest(limit, 'x');
 
     type(longest + '\r');
-    QTRY_VERIFY(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopAtRest());
     QVERIFY(m_lines.isEmpty());
 
     type("\n");
-    QTRY_COMPARE(m_lines, QStringList(longest));
+    WAIT_FOR_EQUAL(m_lines, QStringList(longest));
 }
 
 void ConsoleReaderTest::eachOverlongLineHasItsLogLine()
@@ -288,7 +289,7 @@ void ConsoleReaderTest::eachOverlongLineHasItsLogLine()
 
     type(overlong + "between\n" + overlong + overlong + "next\n");
 
-    QTRY_COMPARE(m_lines, QStringList({"between", "next"}));
+    WAIT_FOR_EQUAL(m_lines, QStringList({"between", "next"}));
     QCOMPARE(log.texts(QtCriticalMsg), QStringList({overlongText, overlongText, overlongText}));
 }
 
@@ -303,7 +304,7 @@ void ConsoleReaderTest::manyLinesComeInOrder()
 
     type(typed);
 
-    QTRY_COMPARE(m_lines, expected);
+    WAIT_FOR_EQUAL(m_lines, expected);
 }
 
 void ConsoleReaderTest::floodLeavesOthersTheirTurn()
@@ -316,7 +317,7 @@ void ConsoleReaderTest::floodLeavesOthersTheirTurn()
 
     type(QByteArray(lines, '\n'));
 
-    QTRY_COMPARE(m_lines.size(), lines);
+    WAIT_FOR_EQUAL(m_lines.size(), lines);
     QVERIFY2(turns >= lines / 256 - 1, qPrintable(QString::number(turns)));
 }
 
@@ -325,7 +326,7 @@ void ConsoleReaderTest::staleWakeUpDoesNotBlock()
     QVERIFY(QMetaObject::invokeMethod(m_reader.get(), "readInput"));
 
     type("HELP\n");
-    QTRY_COMPARE(m_lines, QStringList("HELP"));
+    WAIT_FOR_EQUAL(m_lines, QStringList("HELP"));
 }
 
 void ConsoleReaderTest::receiverMayDeleteTheReader()
@@ -333,11 +334,11 @@ void ConsoleReaderTest::receiverMayDeleteTheReader()
     connect(m_reader.get(), &ls::ConsoleReader::textReceived, this, [this] { m_reader.reset(); });
 
     type("first\nsecond\n");
-    QTRY_VERIFY(!m_reader);
+    WAIT_FOR(!m_reader);
 
     start();
     type("third\n");
-    QTRY_COMPARE(m_lines, QStringList({"first", "third"}));
+    WAIT_FOR_EQUAL(m_lines, QStringList({"first", "third"}));
 }
 
 void ConsoleReaderTest::receiverMayRunAnEventLoop()
@@ -351,7 +352,7 @@ void ConsoleReaderTest::receiverMayRunAnEventLoop()
     type("a\nwait\nb\nc");
     type("f\n");
 
-    QTRY_COMPARE(m_lines, QStringList({"a", "wait", "b", "cd", "ef"}));
+    WAIT_FOR_EQUAL(m_lines, QStringList({"a", "wait", "b", "cd", "ef"}));
 }
 
 void ConsoleReaderTest::endOfInputDropsTheUnfinishedLine()
@@ -361,7 +362,7 @@ void ConsoleReaderTest::endOfInputDropsTheUnfinishedLine()
     type("whole\nunfinis");
     endInput();
 
-    QTRY_VERIFY(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopAtRest());
     QCOMPARE(m_lines, QStringList("whole"));
     QVERIFY(log.lines().isEmpty());
 }
@@ -369,12 +370,12 @@ void ConsoleReaderTest::endOfInputDropsTheUnfinishedLine()
 void ConsoleReaderTest::endOfInputEndsTheWatchForGood()
 {
     endInput();
-    QTRY_VERIFY(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopAtRest());
 
     makePipe();
     type("late\n");
 
-    QTRY_VERIFY(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopAtRest());
     QVERIFY(m_lines.isEmpty());
 }
 
@@ -396,7 +397,7 @@ void ConsoleReaderTest::inputWithoutDataCostsNothing()
 
     start();
 
-    QTRY_VERIFY(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopAtRest());
     QVERIFY(log.lines().isEmpty());
 }
 
@@ -410,7 +411,7 @@ void ConsoleReaderTest::regularFileIsReadToItsEnd()
 
     start();
 
-    QTRY_VERIFY(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopAtRest());
     QCOMPARE(m_lines, QStringList({"first", "second"}));
 }
 
@@ -421,12 +422,12 @@ void ConsoleReaderTest::closedInputIsLeftAlone()
     const LogRecorder log;
 
     start();
-    QTRY_VERIFY(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopAtRest());
     QVERIFY(log.lines().isEmpty());
 
     makePipe();
     type("late\n");
-    QTRY_VERIFY(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopAtRest());
     QVERIFY(m_lines.isEmpty());
 }
 
@@ -437,7 +438,7 @@ void ConsoleReaderTest::descriptorOpenedByTheProcessItselfIsLeftAlone()
 
     type("bytes of a bus socket\n");
 
-    QTRY_VERIFY(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopAtRest());
     QVERIFY(m_lines.isEmpty());
 }
 

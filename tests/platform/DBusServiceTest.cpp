@@ -2,6 +2,7 @@
 #include "tests/support/BusPeer.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/PrivateBus.h"
+#include "tests/support/Waiting.h"
 
 #include <ls/BusNames.h>
 #include <ls/DBusService.h>
@@ -235,7 +236,7 @@ void DBusServiceTest::notificationIsAnnouncedUnpacked()
 
     peer.announce(arguments);
 
-    QTRY_COMPARE(notifications(), QList<QVariantMap>{expected});
+    WAIT_FOR_EQUAL(notifications(), QList<QVariantMap>{expected});
     QVERIFY(m_log->lines().isEmpty());
 }
 
@@ -246,8 +247,8 @@ void DBusServiceTest::notificationWithoutMapIsReported()
 
     peer.announce(arguments);
 
-    QTRY_COMPARE(errors(), QStringList("ls::DBusService::onMessage ERROR: \"com.vantre.StateHandler\" "
-                                       "announced something without a map."));
+    WAIT_FOR_EQUAL(errors(), QStringList("ls::DBusService::onMessage ERROR: \"com.vantre.StateHandler\" "
+                                         "announced something without a map."));
     QVERIFY(m_spy->isEmpty());
 }
 
@@ -258,7 +259,7 @@ void DBusServiceTest::badNotificationDoesNotDisturbTheNext()
     peer.announce({"no map"});
     peer.announce({nested});
 
-    QTRY_COMPARE(notifications(), QList<QVariantMap>{nested});
+    WAIT_FOR_EQUAL(notifications(), QList<QVariantMap>{nested});
     QCOMPARE(errors().size(), 1);
 }
 
@@ -272,7 +273,7 @@ void DBusServiceTest::notificationsComeInOrder()
         peer.announce({announced.constLast()});
     }
 
-    QTRY_COMPARE(notifications(), announced);
+    WAIT_FOR_EQUAL(notifications(), announced);
 }
 
 void DBusServiceTest::notificationDuringACommandIsNotLost()
@@ -284,7 +285,7 @@ void DBusServiceTest::notificationDuringACommandIsNotLost()
 
     QCOMPARE(m_service->process(command), command);
 
-    QTRY_COMPARE(notifications(), QList<QVariantMap>{nested});
+    WAIT_FOR_EQUAL(notifications(), QList<QVariantMap>{nested});
 }
 
 void DBusServiceTest::serviceMayAppearLaterAndAgain()
@@ -292,7 +293,7 @@ void DBusServiceTest::serviceMayAppearLaterAndAgain()
     for (int appearance = 1; appearance <= 20; ++appearance) {
         const BusPeer peer(m_bus, stateHandler, &BusPeer::echo);
         peer.announce({command});
-        QTRY_COMPARE(m_spy->size(), appearance);
+        WAIT_FOR_EQUAL(m_spy->size(), appearance);
         QCOMPARE(m_service->process(nested), nested);
     }
 
@@ -308,7 +309,7 @@ void DBusServiceTest::serviceMayChangeItsOwner()
     second.announce({nested});
 
     QCOMPARE(m_service->process(command).value("peer"), QVariant(2));
-    QTRY_COMPARE(notifications(), QList<QVariantMap>{nested});
+    WAIT_FOR_EQUAL(notifications(), QList<QVariantMap>{nested});
 }
 
 void DBusServiceTest::notificationOfAnImpostorIsIgnored()
@@ -320,7 +321,7 @@ void DBusServiceTest::notificationOfAnImpostorIsIgnored()
     former.synchronise();
     owner.announce({nested});
 
-    QTRY_COMPARE(notifications(), QList<QVariantMap>{nested});
+    WAIT_FOR_EQUAL(notifications(), QList<QVariantMap>{nested});
 }
 
 void DBusServiceTest::storeMakesOneProxyForEachService()

@@ -2,6 +2,7 @@
 #include "tests/support/BusPeer.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/PrivateBus.h"
+#include "tests/support/Waiting.h"
 
 #include <speech/Speech.h>
 
@@ -87,7 +88,7 @@ void SpeechTest::daemonThatWasThereBeforeIsConnected()
 
     makeSpeech();
 
-    QTRY_COMPARE(m_events, QStringList("connected"));
+    WAIT_FOR_EQUAL(m_events, QStringList("connected"));
 }
 
 void SpeechTest::nothingIsReportedDuringConstruction()
@@ -99,7 +100,7 @@ void SpeechTest::nothingIsReportedDuringConstruction()
     QDBusConnection::systemBus().interface()->isServiceRegistered(speechDaemon);
     QVERIFY(m_events.isEmpty());
 
-    QTRY_COMPARE(m_events, QStringList("connected"));
+    WAIT_FOR_EQUAL(m_events, QStringList("connected"));
 }
 
 void SpeechTest::daemonThatAppearsLaterIsConnected()
@@ -110,7 +111,7 @@ void SpeechTest::daemonThatAppearsLaterIsConnected()
 
     const BusPeer daemon(m_bus, speechDaemon);
 
-    QTRY_COMPARE(m_events, QStringList("connected"));
+    WAIT_FOR_EQUAL(m_events, QStringList("connected"));
 }
 
 void SpeechTest::everyAppearanceIsReportedOnce()
@@ -120,10 +121,10 @@ void SpeechTest::everyAppearanceIsReportedOnce()
     for (int i = 0; i < 10; ++i) {
         const BusPeer daemon(m_bus, speechDaemon);
         expected.append("connected");
-        QTRY_COMPARE(m_events, expected);
+        WAIT_FOR_EQUAL(m_events, expected);
         daemon.vanish();
         expected.append("disconnected");
-        QTRY_COMPARE(m_events, expected);
+        WAIT_FOR_EQUAL(m_events, expected);
     }
     PrivateBus::settle();
     QCOMPARE(m_events, expected);
@@ -134,7 +135,7 @@ void SpeechTest::appearanceDuringTheQueryIsReportedOnce()
     for (int i = 0; i < 50; ++i) {
         makeSpeech();
         const BusPeer daemon(m_bus, speechDaemon);
-        QTRY_COMPARE(m_events, QStringList("connected"));
+        WAIT_FOR_EQUAL(m_events, QStringList("connected"));
         PrivateBus::settle();
         QCOMPARE(m_events, QStringList("connected"));
         daemon.vanish();
@@ -149,7 +150,7 @@ void SpeechTest::disappearanceDuringTheQueryIsNotMissed()
         makeSpeech();
         daemon.vanish();
         PrivateBus::waitForAbsence(speechDaemon);
-        QTRY_VERIFY(m_events.isEmpty() || m_events == QStringList({"connected", "disconnected"}));
+        WAIT_FOR(m_events.isEmpty() || m_events == QStringList({"connected", "disconnected"}));
         cleanup();
     }
 }
@@ -158,11 +159,11 @@ void SpeechTest::changeOfOwnerIsADisconnectionAndAConnection()
 {
     const BusPeer first(m_bus, speechDaemon);
     makeSpeech();
-    QTRY_COMPARE(m_events, QStringList("connected"));
+    WAIT_FOR_EQUAL(m_events, QStringList("connected"));
 
     const BusPeer second(m_bus, speechDaemon);
 
-    QTRY_COMPARE(m_events, QStringList({"connected", "disconnected", "connected"}));
+    WAIT_FOR_EQUAL(m_events, QStringList({"connected", "disconnected", "connected"}));
 }
 
 void SpeechTest::absentDaemonIsNotReported()
@@ -183,7 +184,7 @@ void SpeechTest::sentenceIsRequestedWithoutReply()
 
     m_speech->speakFromId({{"serviceId", 1}, {"sentenceId", 69}, {"arguments", QStringList{"x"}}});
 
-    QTRY_COMPARE(daemon.calls().size(), 1);
+    WAIT_FOR_EQUAL(daemon.calls().size(), 1);
     const QDBusMessage call = daemon.calls().constFirst();
     QCOMPARE(call.path(), QString("/"));
     QCOMPARE(call.interface(), speechDaemon);
@@ -201,7 +202,7 @@ void SpeechTest::cancellationIsRequestedWithoutReply()
 
     m_speech->cancelAll();
 
-    QTRY_COMPARE(daemon.calls().size(), 1);
+    WAIT_FOR_EQUAL(daemon.calls().size(), 1);
     const QDBusMessage call = daemon.calls().constFirst();
     QCOMPARE(call.path(), QString("/"));
     QCOMPARE(call.interface(), speechDaemon);
@@ -219,7 +220,7 @@ void SpeechTest::requestsKeepTheirOrder()
     m_speech->cancelAll();
     m_speech->speakFromId(request);
 
-    QTRY_COMPARE(membersOf(daemon.calls()), QStringList({"speakFromId", "cancelAll", "speakFromId"}));
+    WAIT_FOR_EQUAL(membersOf(daemon.calls()), QStringList({"speakFromId", "cancelAll", "speakFromId"}));
 }
 
 void SpeechTest::refusedRequestsAreSilent()
@@ -232,7 +233,7 @@ void SpeechTest::refusedRequestsAreSilent()
     m_speech->speakFromId(request);
     m_speech->cancelAll();
 
-    QTRY_COMPARE(daemon.calls().size(), 2);
+    WAIT_FOR_EQUAL(daemon.calls().size(), 2);
     daemon.synchronise();
     PrivateBus::settle();
     QVERIFY(m_log->lines().isEmpty());
@@ -247,7 +248,7 @@ void SpeechTest::hangingDaemonDoesNotHoldUpTheCaller()
         m_speech->speakFromId(request);
     }
 
-    QTRY_COMPARE(daemon.calls().size(), 1000);
+    WAIT_FOR_EQUAL(daemon.calls().size(), 1000);
     QVERIFY(m_log->lines().isEmpty());
 }
 
@@ -260,10 +261,10 @@ void SpeechTest::requestsForAnAbsentDaemonAreGone()
     PrivateBus::settle();
 
     const BusPeer daemon(m_bus, speechDaemon);
-    QTRY_COMPARE(m_events, QStringList("connected"));
+    WAIT_FOR_EQUAL(m_events, QStringList("connected"));
     m_speech->cancelAll();
 
-    QTRY_COMPARE(membersOf(daemon.calls()), QStringList("cancelAll"));
+    WAIT_FOR_EQUAL(membersOf(daemon.calls()), QStringList("cancelAll"));
     QVERIFY(m_log->lines().isEmpty());
 }
 
@@ -278,7 +279,7 @@ void SpeechTest::daemonIsNotStartedForARequest()
     QVERIFY(!m_bus.output().contains(startLine));
 
     QDBusConnection::systemBus().interface()->startService(speechDaemon);
-    QTRY_VERIFY(m_bus.output().contains(startLine));
+    WAIT_FOR(m_bus.output().contains(startLine));
 }
 
 QTEST_GUILESS_MAIN(SpeechTest)

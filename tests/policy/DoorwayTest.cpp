@@ -5,6 +5,7 @@
 #include "simulator/script/KeyScript.h"
 #include "simulator/script/ObservationText.h"
 #include "tests/policy/ForeignUser.h"
+#include "tests/support/Waiting.h"
 
 #include <ls/BusNames.h>
 #include <ls/MessageKeys.h>
@@ -14,13 +15,14 @@
 #include <QEventLoop>
 #include <QtTest>
 
+#include <limits>
 #include <map>
 
 using namespace ls;
 
 namespace {
 
-constexpr int patienceMs = 20'000;
+constexpr int noTimeout = std::numeric_limits<int>::max();
 constexpr uint nameExists = 3; // the answer to who asks for a name that has an owner
 constexpr uint doNotQueue = 4;
 constexpr int menuCode = 139;
@@ -176,8 +178,7 @@ void DoorwayTest::initTestCase()
     m_daemon.start(QStringLiteral("setpriv"),
                    {QStringLiteral("--reuid"), daemonUser, QStringLiteral("--regid"), daemonUser,
                     QStringLiteral("--init-groups"), QStringLiteral("--inh-caps=-all"), m_daemonPath});
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(QStringLiteral("/run/service-watcher/keyboard-handler")),
-                             patienceMs);
+    WAIT_FOR(QFile::exists(QStringLiteral("/run/service-watcher/keyboard-handler")));
 }
 
 void DoorwayTest::theCommands_data()
@@ -313,7 +314,7 @@ void DoorwayTest::cleanupTestCase()
 QDBusMessage DoorwayTest::outcome(const QString& user, const QDBusMessage& message)
 {
     // A call that runs an event loop itself, QDBus::BlockWithGui, now and then misses its answer.
-    const QDBusPendingCallWatcher watcher(m_connections[user]->get().asyncCall(message, patienceMs));
+    const QDBusPendingCallWatcher watcher(m_connections[user]->get().asyncCall(message, noTimeout));
     QEventLoop loop;
     connect(&watcher, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
     loop.exec();

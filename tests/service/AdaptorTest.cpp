@@ -4,6 +4,7 @@
 #include "tests/support/BusPeer.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/PrivateBus.h"
+#include "tests/support/Waiting.h"
 
 #include <QDBusArgument>
 #include <QDBusConnection>
@@ -79,7 +80,7 @@ void AdaptorTest::takenNameIsReported()
     QCOMPARE(log->texts(QtCriticalMsg),
              QStringList{"Unable to register Service: Service-name already in use."});
     // It is not taken later.
-    QTRY_VERIFY(!QDBusConnection::systemBus().interface()->isServiceRegistered(name));
+    WAIT_FOR(!QDBusConnection::systemBus().interface()->isServiceRegistered(name));
 }
 
 void AdaptorTest::takenPathIsReported()
@@ -100,7 +101,7 @@ void AdaptorTest::callsReachTheServiceObjectUnpacked()
     call << QVariant(
         QVariantMap{{"commandId", QVariant::fromValue(QDBusVariant("GetKeyList"))}, {"senderId", "WwwApi"}});
     QDBusPendingCall pending = client.asyncCall(call);
-    QTRY_VERIFY(pending.isFinished());
+    WAIT_FOR(pending.isFinished());
     const auto response = qdbus_cast<QVariantMap>(pending.reply().arguments().value(0));
     QCOMPARE(response, (QVariantMap{{"resultId", "Failure"}, {"errorId", "CmdNotFound"}}));
 }
@@ -117,7 +118,7 @@ void AdaptorTest::callsThatThereAreNotAreForgotten()
         }
         const QDBusPendingCall last =
             client.asyncCall(QDBusMessage::createMethodCall(name, "/", name, "last"));
-        QTRY_VERIFY(last.isFinished());
+        WAIT_FOR(last.isFinished());
     };
     callUnknown(0, 1000);
     const size_t before = ::mallinfo2().uordblks;
@@ -136,7 +137,7 @@ void AdaptorTest::notificationsAreRelayed()
                                {"receiverId", "UserMenu"},
                                {"firstKey", "Up"}};
     handler->sendKeyboardChange("Act", "UserMenu", {{"firstKey", "Up"}});
-    QTRY_COMPARE(noted, QList<QVariantMap>{expected});
+    WAIT_FOR_EQUAL(noted, QList<QVariantMap>{expected});
 }
 
 void AdaptorTest::metaCastKnowsTheSharedInterface()

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/session/SessionTest.h"
+#include "tests/support/Waiting.h"
 
 namespace {
 
@@ -61,14 +62,16 @@ void SessionEntriesTest::timesCountFromTheStartOfTheDevice()
     QVERIFY(take("press Up").isEmpty());
     QVERIFY(entries("key").first().value("at").toInt() >= 100);
     QVERIFY(session().restart({}).isEmpty());
-    QVERIFY(entries("device").last().value("at").toInt() < 50);
+    QVERIFY(entries("device").last().value("at").toInt() < entries("key").first().value("at").toInt());
 }
 
 void SessionEntriesTest::keysAreReportedAsTheDeviceWritesThem()
 {
     QVERIFY(launch());
-    QCOMPARE(take("device 1; hold Up 320; press Ok; press Ok; release Ok; release Ok"), QString());
-    QTRY_VERIFY(keys().contains("1 Ok 0"));
+    QCOMPARE(take("device 1; press Up"), QString());
+    WAIT_FOR(keys().size() >= 3);
+    QCOMPARE(take("device 1; release Up; press Ok; press Ok; release Ok; release Ok"), QString());
+    WAIT_FOR(keys().contains("1 Ok 0"));
     QCOMPARE(keys().mid(0, 3), QStringList({"1 Up 1", "1 Up 2", "1 Up 2"}));
     QCOMPARE(keys().mid(keys().size() - 3), QStringList({"1 Up 0", "1 Ok 1", "1 Ok 0"}));
 }
@@ -102,7 +105,7 @@ void SessionEntriesTest::aCommandThatTheBusRefusesIsAnswered()
     options.namePolicy = DeviceOptions::NamePolicy::DenyOwnership;
     QVERIFY(launch());
     QCOMPARE(take("command GetLastKey"), QString());
-    QTRY_COMPARE(entries("answer").size(), 1);
+    WAIT_FOR_EQUAL(entries("answer").size(), 1);
     const QJsonObject answer = entries("answer").first();
     QVERIFY(answer.value("text").toString().startsWith("answer busError=org.freedesktop.DBus.Error."));
     QVERIFY(!answer.value("response").toObject().value("message").toString().isEmpty());
@@ -149,7 +152,7 @@ void SessionEntriesTest::announcementsAreReported()
 void SessionEntriesTest::aRefusedActionIsNamed()
 {
     QVERIFY(launch());
-    QCOMPARE(take("press Feed; wait 100; tap Ok; release Feed"), QString());
+    QCOMPARE(take("press Feed; tap Ok; release Feed"), QString());
     QVERIFY(awaitEntry("refusal", "action", "LoadPaper"));
     const QJsonObject refusal = entries("refusal").first();
     QCOMPARE(refusal.value("expected").toString(), QStringLiteral("PrintOff"));
@@ -161,7 +164,7 @@ void SessionEntriesTest::aRefusedActionThatMayBeSeveralIsNotNamed()
 {
     QVERIFY(launch());
     QCOMPARE(take("hold Feed 300; wait 100; press Feed; wait 300; tap Ok; release Feed"), QString());
-    QTRY_COMPARE(entries("refusal").size(), 1);
+    WAIT_FOR_EQUAL(entries("refusal").size(), 1);
     QVERIFY(!entries("refusal").first().contains("action"));
 }
 
@@ -169,8 +172,8 @@ void SessionEntriesTest::anActionForNobodyIsRefused()
 {
     options.keyLists.insert(shortcutFile, undefinedRow);
     QVERIFY(launch());
-    QCOMPARE(take("press Help; wait 50; tap Up; release Help"), QString());
-    QTRY_COMPARE(entries("refusal").size(), 1);
+    QCOMPARE(take("press Help; tap Up; release Help"), QString());
+    WAIT_FOR_EQUAL(entries("refusal").size(), 1);
     QCOMPARE(withoutTime(entries("refusal").first()),
              QJsonObject(
                  {{"type", "refusal"},
@@ -183,7 +186,7 @@ void SessionEntriesTest::aKeyWhileStartingUpIsRefused()
     options.state = ls::StateId::Startup;
     QVERIFY(launch());
     QCOMPARE(take("tap Up"), QString());
-    QTRY_COMPARE(entries("refusal").size(), 1);
+    WAIT_FOR_EQUAL(entries("refusal").size(), 1);
     QCOMPARE(
         withoutTime(entries("refusal").first()),
         QJsonObject({{"type", "refusal"}, {"reason", "The device is starting up."}, {"current", "Startup"}}));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/session/SessionTest.h"
+#include "tests/support/Waiting.h"
 
 #include <QDir>
 #include <QFile>
@@ -224,9 +225,7 @@ void SessionLifeTest::aRestartForgetsHeldKeysAndPlans()
     QVERIFY(awaitStatus(Status::Ready));
     forgetEntries();
     session().releaseKeysOf(1);
-    QTest::qWait(800);
-    QCOMPARE(keys(), QStringList());
-    QCOMPARE(take("tap Menu", 1), QString());
+    QVERIFY(tapsMenuAfter(800));
     QVERIFY(awaitEntry("announcement", "observation", "announce SingleKey UserMenu - Menu"));
     QCOMPARE(keys(), QStringList({"0 Menu 1", "0 Menu 0"}));
 }
@@ -239,10 +238,19 @@ void SessionLifeTest::restartsWhileStartingBecomeOne()
         changes.state = QString::fromLatin1(state);
         QCOMPARE(session().restart(changes), QString());
     }
-    // Now the device is there, but its daemon is not ready.
-    QTRY_VERIFY(session().daemonProcess() != 0);
-    QCOMPARE(session().status(), Status::Starting);
-    QCOMPARE(session().restart({}), QString());
+    // Once more as soon as the device is there: its daemon is not ready yet.
+    QTimer watch;
+    Status status = Status::Ended;
+    connect(&watch, &QTimer::timeout, this, [&] {
+        if (session().daemonProcess() != 0) {
+            watch.stop();
+            status = session().status();
+            session().restart({});
+        }
+    });
+    watch.start(0);
+    WAIT_FOR(!watch.isActive());
+    QCOMPARE(status, Status::Starting);
     QVERIFY(awaitStatus(Status::Ready));
     QCOMPARE(members("device", "status").filter("ready").size(), 1);
     QCOMPARE(session().description().value("state").toString(), QStringLiteral("Error"));
@@ -272,7 +280,7 @@ void SessionLifeTest::aRestartMayBeAskedForByWhoIsTold()
     QCOMPARE(
         take("tap Up; wait 300; state Print; wait 100; tap Up; command GetLastKey; console C; tap Up Up"),
         QString());
-    QTRY_VERIFY(restarted);
+    WAIT_FOR(restarted);
     QVERIFY(awaitStatus(Status::Ready));
     QCOMPARE(members("device", "status"), QStringList({"starting", "ready", "starting", "ready"}));
 }
@@ -290,8 +298,10 @@ void SessionLifeTest::aCrashEndsTheDevice()
     QVERIFY(!session().description().value("recording").toBool());
     forgetEntries();
     session().releaseKeysOf(1);
-    QTest::qWait(400);
     QVERIFY(entries().isEmpty());
+    QCOMPARE(session().restart({}), QString());
+    QVERIFY(awaitStatus(Status::Ready) && tapsMenuAfter(400));
+    QCOMPARE(keys(), QStringList({"0 Menu 1", "0 Menu 0"}));
 }
 
 void SessionLifeTest::aRestartAfterACrashBringsEverythingBack()
@@ -318,7 +328,7 @@ void SessionLifeTest::theEndOfTheBusEndsTheDevice()
     QCOMPARE(kill(bus, SIGKILL), 0);
     QVERIFY(awaitEntry("device", "status", "ended"));
     QCOMPARE(session().reason(), QStringLiteral("The bus has ended."));
-    QTRY_COMPARE(session().daemonProcess(), 0);
+    WAIT_FOR_EQUAL(session().daemonProcess(), 0);
     QCOMPARE(session().restart({}), QString());
     QVERIFY(awaitStatus(Status::Ready));
     QCOMPARE(take("tap Menu"), QString());
@@ -341,7 +351,7 @@ void SessionLifeTest::aDaemonThatDoesNotBecomeReadyIsGivenUp()
     session().start();
     QVERIFY(awaitEntry("device", "status", "ended"));
     QCOMPARE(session().reason(), QStringLiteral("The daemon does not become ready."));
-    QTRY_COMPARE(session().daemonProcess(), 0);
+    WAIT_FOR_EQUAL(session().daemonProcess(), 0);
 }
 
 void SessionLifeTest::aHelperThatFailsIsTold_data()
@@ -383,10 +393,10 @@ void SessionLifeTest::nothingStaysBehind()
     {
         DeviceSession own{DeviceOptions()};
         own.start();
-        QTRY_COMPARE(own.status(), Status::Ready);
+        WAIT_FOR_EQUAL(own.status(), Status::Ready);
         first = own.daemonProcess();
         own.restart({});
-        QTRY_COMPARE(own.status(), Status::Ready);
+        WAIT_FOR_EQUAL(own.status(), Status::Ready);
         second = own.daemonProcess();
         QCOMPARE(QDir(folder.path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 1);
         own.restart({});

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/session/SessionTest.h"
 
+#include "tests/support/Waiting.h"
+
 #include <QJsonDocument>
 
 #include <algorithm>
@@ -8,8 +10,6 @@
 #include <signal.h>
 
 namespace {
-
-constexpr int patienceMs = 25'000;
 
 QString text(const QJsonValue& value)
 {
@@ -36,7 +36,8 @@ bool SessionTest::launch()
 
 bool SessionTest::awaitStatus(DeviceSession::Status status)
 {
-    return QTest::qWaitFor([&] { return session().status() == status; }, patienceMs);
+    WAIT_FOR(session().status() == status || hasEnded());
+    return session().status() == status;
 }
 
 QString SessionTest::take(const QString& statements, int client)
@@ -76,7 +77,16 @@ QStringList SessionTest::keys() const
 
 bool SessionTest::awaitEntry(const QString& type, const QString& name, const QString& text)
 {
-    return QTest::qWaitFor([&] { return members(type, name).contains(text); }, patienceMs);
+    WAIT_FOR(members(type, name).contains(text) || hasEnded());
+    return members(type, name).contains(text);
+}
+
+bool SessionTest::tapsMenuAfter(int ms)
+{
+    constexpr int oneMoreClient = 1000;
+    const bool isTaken = take(QStringLiteral("wait %1; tap Menu").arg(ms), oneMoreClient).isEmpty();
+    WAIT_FOR(keys().contains(QStringLiteral("0 Menu 0")) || !isTaken || hasEnded());
+    return isTaken && !hasEnded();
 }
 
 bool SessionTest::crash()

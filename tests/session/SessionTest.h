@@ -17,6 +17,7 @@ protected:
     DeviceSession& session();
     /// Starts the session and waits until it is ready.
     bool launch();
+    /// Waits for it; false when the device ends instead.
     bool awaitStatus(DeviceSession::Status status);
 
     /// Takes the statements, separated by ";", and returns the first fault.
@@ -31,8 +32,12 @@ protected:
     QStringList keys() const;
     void forgetEntries() { m_entries.clear(); }
 
-    /// Waits for an entry of this type whose member has this text.
+    /// Waits for an entry of this type whose member has this text; false when the device ends without it.
     bool awaitEntry(const QString& type, const QString& name, const QString& text);
+
+    /// Taps Menu after `ms`, as one more client, and waits for it: what was to be done before that is done
+    /// then.
+    bool tapsMenuAfter(int ms);
 
     /// Kills the daemon and waits until the session has seen it.
     bool crash();
@@ -44,6 +49,8 @@ private Q_SLOTS:
     void cleanup();
 
 private:
+    bool hasEnded() { return session().status() == DeviceSession::Status::Ended; }
+
     std::unique_ptr<DeviceSession> m_session;
     QVector<QJsonObject> m_entries;
 };

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/script/Panel.h"
+#include "tests/support/Waiting.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -91,7 +92,7 @@ void PanelTest::whatDoesNotFitIsWrittenLater()
     m_panel->writeRaw(0, sent);
     QVERIFY(m_panel->pending(0) > 0);
     QByteArray received;
-    QTRY_VERIFY(received.append(readAvailable()).size() >= sent.size());
+    WAIT_FOR(received.append(readAvailable()).size() >= sent.size());
     QCOMPARE(received, sent);
     QCOMPARE(m_panel->pending(0), 0);
 }
@@ -111,7 +112,7 @@ void PanelTest::aFullFifoTearsNoRecord()
         whole = whole && size % recordSize == 0;
         return received += size;
     };
-    QTRY_COMPARE(receive(), 12'000 * recordSize);
+    WAIT_FOR_EQUAL(receive(), 12'000 * recordSize);
     QVERIFY(whole);
 }
 
@@ -130,7 +131,7 @@ void PanelTest::eachRecordIsToldAsItIsWritten()
             << QStringLiteral("%1: %2 %3 %4").arg(device).arg(record.type).arg(record.code).arg(record.value);
     });
     m_panel->press(1, ls::KeyId::Menu);
-    QTRY_VERIFY(told.size() >= 4);
+    WAIT_FOR(told.size() >= 4);
     m_panel->release(1, ls::KeyId::Menu);
     m_panel->record(0, {EV_MSC, MSC_SCAN, -7});
     QCOMPARE(told.mid(0, 4), QStringList({"1: 1 139 1", "1: 0 0 0", "1: 1 139 2", "1: 0 0 1"}));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/device/SimulatedDevice.h"
 #include "simulator/device/DeviceRecorder.h"
+#include "tests/support/Waiting.h"
 
 #include <ls/MessageKeys.h>
 
@@ -56,7 +57,7 @@ void SimulatedDeviceTest::aDeviceBecomesReady()
     SimulatedDevice device;
     QVERIFY2(device.start(), qPrintable(device.errorString()));
     QVERIFY(device.isRunning());
-    QTRY_VERIFY(device.isReady());
+    WAIT_FOR(device.isReady());
     QCOMPARE(device.request(getLastKey).value(ls::resultIdKey).toString(), QStringLiteral("Success"));
 }
 
@@ -80,12 +81,12 @@ void SimulatedDeviceTest::twoDevicesHaveNothingInCommon()
     SimulatedDevice first;
     SimulatedDevice second;
     QVERIFY(first.start() && second.start());
-    QTRY_VERIFY(first.isReady() && second.isReady());
+    WAIT_FOR(first.isReady() && second.isReady());
     const DeviceRecorder recorder(first);
     const QSignalSpy announced(&second, &SimulatedDevice::announced);
     second.press(0, ls::KeyId::Menu);
     second.release(0, ls::KeyId::Menu);
-    QTRY_COMPARE(announced.size(), 1);
+    WAIT_FOR_EQUAL(announced.size(), 1);
     first.request(getLastKey);
     QCOMPARE(recorder.observations().last().text,
              QStringLiteral("answer errorId=Undefined key=0 resultId=Success"));
@@ -125,10 +126,10 @@ void SimulatedDeviceTest::theDaemonsEndIsTold()
 {
     SimulatedDevice device;
     QVERIFY(device.start());
-    QTRY_VERIFY(device.isReady());
+    WAIT_FOR(device.isReady());
     const QSignalSpy exited(&device, &SimulatedDevice::daemonExited);
     QCOMPARE(kill(pid_t(device.daemon().processId()), SIGKILL), 0);
-    QTRY_COMPARE(exited.size(), 1);
+    WAIT_FOR_EQUAL(exited.size(), 1);
     QCOMPARE(exited.first().first().toInt(), 128 + SIGKILL);
     QVERIFY(!device.isRunning());
 }
@@ -146,7 +147,7 @@ void SimulatedDeviceTest::theDaemonsFilesAreTheDevices()
     connect(&device, &SimulatedDevice::outputLine, this, [&](const QString& line) { lines << line; });
     const QSignalSpy exited(&device, &SimulatedDevice::daemonExited);
     QVERIFY(device.start());
-    QTRY_COMPARE(exited.size(), 1);
+    WAIT_FOR_EQUAL(exited.size(), 1);
     QCOMPARE(lines.join(' '),
              QStringLiteral("/dev/input: event1  /run/service-watcher: speechd state-handler  "
                             "/var/lib/keyboard-handler: longKeyList.json"));
@@ -164,10 +165,10 @@ void SimulatedDeviceTest::whatDoesNotReactIsKilled()
     QFETCH(bool, isBus);
     auto device = std::make_unique<SimulatedDevice>();
     QVERIFY(device->start());
-    QTRY_VERIFY(device->isReady());
+    WAIT_FOR(device->isReady());
     const qint64 process = isBus ? device->bus().processId() : device->daemon().processId();
     QCOMPARE(kill(pid_t(process), SIGSTOP), 0);
-    QTRY_VERIFY(isStopped(process));
+    WAIT_FOR(isStopped(process));
     device.reset();
     QVERIFY(!isAlive(process));
 }

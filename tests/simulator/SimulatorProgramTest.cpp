@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/script/KeyScript.h"
+#include "tests/support/Waiting.h"
 
 #include <QDir>
 #include <QProcess>
@@ -13,8 +14,7 @@
 
 namespace {
 
-constexpr int patienceMs = 30'000;
-constexpr int answerPatienceMs = 5000;
+constexpr int noTimeout = -1;
 const QString panelLine = QStringLiteral("\nThe front panel: http://127.0.0.1:");
 
 bool mentions(const QString& file, const QString& text)
@@ -146,7 +146,7 @@ void SimulatorProgramTest::start(const QStringList& arguments)
 int SimulatorProgramTest::run(const QStringList& arguments)
 {
     start(arguments);
-    if (!m_program->waitForFinished(patienceMs) || m_program->exitStatus() != QProcess::NormalExit) {
+    if (!m_program->waitForFinished(noTimeout) || m_program->exitStatus() != QProcess::NormalExit) {
         return -1;
     }
     m_output = QString::fromUtf8(m_program->readAll());
@@ -155,13 +155,16 @@ int SimulatorProgramTest::run(const QStringList& arguments)
 
 bool SimulatorProgramTest::awaitOutput(const QString& text)
 {
-    return QTest::qWaitFor(
-        [&] { return m_output.append(QString::fromUtf8(m_program->readAll())).contains(text); }, patienceMs);
+    const auto isRead = [&] {
+        return m_output.append(QString::fromUtf8(m_program->readAll())).contains(text);
+    };
+    WAIT_FOR(isRead() || m_program->state() == QProcess::NotRunning);
+    return isRead();
 }
 
 bool SimulatorProgramTest::expectStatus(int status)
 {
-    return m_program->waitForFinished(patienceMs) && m_program->exitStatus() == QProcess::NormalExit &&
+    return m_program->waitForFinished(noTimeout) && m_program->exitStatus() == QProcess::NormalExit &&
            m_program->exitCode() == status;
 }
 
@@ -191,7 +194,7 @@ bool SimulatorProgramTest::answers()
     client.connectToHost(QStringLiteral("127.0.0.1"),
                          m_output.section(panelLine, 1).section('/', 0, 0).toUShort());
     client.write("GET / HTTP/1.0\r\nHost: 127.0.0.1\r\n\r\n");
-    return client.waitForConnected(patienceMs) && client.waitForReadyRead(answerPatienceMs);
+    return client.waitForConnected(noTimeout) && client.waitForReadyRead(noTimeout);
 }
 
 void SimulatorProgramTest::type(const QByteArray& line)
@@ -327,10 +330,10 @@ void SimulatorProgramTest::aSignalCleansUp()
 {
     QFETCH(int, signal);
     start({write("## Begun\nwait 20000\n")});
-    QTRY_VERIFY(m_output.append(QString::fromUtf8(m_program->readAll())).contains(QStringLiteral("Begun")));
+    WAIT_FOR(m_output.append(QString::fromUtf8(m_program->readAll())).contains(QStringLiteral("Begun")));
     QVERIFY(processesIn(m_folder->path()) >= 3);
     QCOMPARE(kill(pid_t(m_program->processId()), signal), 0);
-    QVERIFY(m_program->waitForFinished(patienceMs));
+    QVERIFY(m_program->waitForFinished(noTimeout));
     QCOMPARE(m_program->exitCode(), 128 + signal);
     QCOMPARE(processesIn(m_folder->path()), 0);
     QCOMPARE(
@@ -341,11 +344,11 @@ void SimulatorProgramTest::aSignalCleansUp()
 void SimulatorProgramTest::evenKilledItLeavesNothingRunning()
 {
     start({write("## Begun\nwait 20000\n")});
-    QTRY_VERIFY(m_output.append(QString::fromUtf8(m_program->readAll())).contains(QStringLiteral("Begun")));
+    WAIT_FOR(m_output.append(QString::fromUtf8(m_program->readAll())).contains(QStringLiteral("Begun")));
     QVERIFY(processesIn(m_folder->path()) >= 3);
     m_program->kill();
-    QVERIFY(m_program->waitForFinished(patienceMs));
-    QTRY_COMPARE(processesIn(m_folder->path()), 0);
+    QVERIFY(m_program->waitForFinished(noTimeout));
+    WAIT_FOR_EQUAL(processesIn(m_folder->path()), 0);
 }
 
 void SimulatorProgramTest::wrongArgumentsAreExplained_data()
@@ -404,17 +407,17 @@ void SimulatorProgramTest::clientsOfThePanelHoldNothingUp()
     QTcpSocket stream;
     for (QTcpSocket* client : {&silent, &slow, &stream}) {
         client->connectToHost(QStringLiteral("127.0.0.1"), port.toUShort());
-        QVERIFY(client->waitForConnected(patienceMs));
+        QVERIFY(client->waitForConnected(noTimeout));
     }
     slow.write("GET / HT");
     stream.write("GET /api/events HTTP/1.1\r\nHost: 127.0.0.1:" + port.toLatin1() + "\r\n\r\n");
-    QTRY_VERIFY(stream.peek(stream.bytesAvailable()).contains("event: snapshot"));
+    WAIT_FOR(stream.peek(stream.bytesAvailable()).contains("event: snapshot"));
     QCOMPARE(kill(pid_t(m_program->processId()), SIGINT), 0);
     QVERIFY(expectStatus(128 + SIGINT));
     QCOMPARE(processesIn(m_folder->path()), 0);
     QVERIFY(QDir(m_folder->filePath(QStringLiteral("tmp"))).isEmpty());
     for (const QTcpSocket* client : {&silent, &slow, &stream}) {
-        QTRY_COMPARE(client->state(), QAbstractSocket::UnconnectedState);
+        WAIT_FOR_EQUAL(client->state(), QAbstractSocket::UnconnectedState);
     }
 }
 
@@ -430,7 +433,7 @@ void SimulatorProgramTest::aPortInUseIsTold()
              qPrintable(m_output));
     QCOMPARE(first->state(), QProcess::Running);
     first->terminate();
-    QVERIFY(first->waitForFinished(patienceMs));
+    QVERIFY(first->waitForFinished(noTimeout));
 }
 
 void SimulatorProgramTest::aCrashDoesNotEndAServedDevice()

@@ -4,6 +4,7 @@
 #include "tests/soak/SoakReport.h"
 #include "tests/soak/SoakTraffic.h"
 #include "tests/support/ProcessFigures.h"
+#include "tests/support/Waiting.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -16,7 +17,6 @@
 namespace {
 
 const QString usualMinutes = QStringLiteral("30");
-constexpr int patienceMs = 20'000;
 /// Behind these the daemon has met all that it allocates once.
 constexpr int warmUpRounds = 3;
 constexpr int fewestSamples = 4;
@@ -118,7 +118,9 @@ int main(int argc, char* argv[])
     }
 
     SimulatedDevice device;
-    if (!device.start() || !QTest::qWaitFor([&] { return device.isReady(); }, patienceMs)) {
+    const bool isStarted = device.start();
+    WAIT_FOR(device.isReady() || !device.isRunning());
+    if (!isStarted || !device.isReady()) {
         QTextStream(stderr) << "The device does not start. " << device.errorString() << '\n';
         return 2;
     }

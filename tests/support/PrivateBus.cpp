@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/PrivateBus.h"
+#include "tests/support/Waiting.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
@@ -90,7 +91,7 @@ void PrivateBus::connectThisProcess()
 
 void PrivateBus::waitForAbsence(const QString& name)
 {
-    QTRY_VERIFY(!QDBusConnection::systemBus().interface()->isServiceRegistered(name));
+    WAIT_FOR(!QDBusConnection::systemBus().interface()->isServiceRegistered(name));
     settle();
 }
 

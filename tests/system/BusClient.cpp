@@ -8,9 +8,11 @@
 #include <QDBusArgument>
 #include <QDBusMetaType>
 
+#include <limits>
+
 namespace {
 
-constexpr int replyPatienceMs = 60'000; // there may be much in front of it
+constexpr int noTimeout = std::numeric_limits<int>::max();
 
 QString mapText(const QVariantMap& map)
 {
@@ -42,7 +44,7 @@ QDBusMessage BusClient::processCall(const QVariantList& arguments)
 
 QDBusMessage BusClient::call(const QDBusMessage& message)
 {
-    return connection().call(message);
+    return connection().call(message, QDBus::Block, noTimeout);
 }
 
 QString BusClient::outcome(const QVariantMap& command)
@@ -60,7 +62,7 @@ QList<QDBusPendingCall> BusClient::open(const QVariantMap& command, int count)
 {
     QList<QDBusPendingCall> calls;
     for (int i = 0; i < count; ++i) {
-        calls << connection().asyncCall(processCall({command}), replyPatienceMs);
+        calls << connection().asyncCall(processCall({command}), noTimeout);
     }
     return calls;
 }

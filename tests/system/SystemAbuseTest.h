@@ -26,6 +26,8 @@ protected:
     QString growthFault(qint64 memoryBeforeKiB, qint64 allowedKiB);
     /// How many file descriptors the daemon has open.
     int descriptors();
+    /// How many more than allowed it still has after many later commands; 0 or less for none.
+    int descriptorsAbove(int allowed);
     /// Whether the daemon, left alone, leaves the processor alone.
     bool idles();
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/Waiting.h"
 #include "tests/system/BusClient.h"
 #include "tests/system/SystemTest.h"
 
@@ -141,8 +142,8 @@ void SystemBusCommandsTest::theTestResultIsANumber()
 {
     BusClient client(device().bus().address());
     device().setState(ls::StateId::Error);
-    QTRY_VERIFY((tap(ls::KeyId::Up),
-                 actions().contains(QStringLiteral("announce SingleKey ErrorHandler KeyboardHandler Up"))));
+    WAIT_FOR((tap(ls::KeyId::Up),
+              actions().contains(QStringLiteral("announce SingleKey ErrorHandler KeyboardHandler Up"))));
     QCOMPARE(client.outcome(by("StartTestMode")), QStringLiteral("OK"));
     for (const char* name : {"Up", "Menu", "Up"}) {
         client.process(by("SimulateKey", key("Released", name)));

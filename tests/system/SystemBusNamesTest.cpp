@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/Waiting.h"
 #include "tests/system/SystemTest.h"
 
 #include <ls/BusNames.h>
@@ -71,7 +72,7 @@ void SystemBusNamesTest::aRefusedNameIsLoggedWithTheReason()
 {
     options.namePolicy = DeviceOptions::NamePolicy::DenyOwnership;
     QVERIFY(launch());
-    QTRY_COMPARE(log().size(), 1);
+    WAIT_FOR_EQUAL(log().size(), 1);
     const QRegularExpression line(
         QStringLiteral("^Unable to register Service:  \".*not allowed to own the service.*\"$"));
     QVERIFY2(line.match(log().first()).hasMatch(), qPrintable(log().first()));
@@ -85,7 +86,7 @@ void SystemBusNamesTest::aSecondInstanceLeavesTheFirstAtWork()
     QStringList secondLog;
     connect(&second, &DaemonProcess::logLine, this, [&](const QString& line) { secondLog << line; });
     QCOMPARE(second.start(device().folder(), options), QString());
-    QTRY_VERIFY(secondLog.contains(nameTaken));
+    WAIT_FOR(secondLog.contains(nameTaken));
     second.stop();
     QCOMPARE(command(ls::KeyboardHandlerCmdId::GetLastKey).value(ls::resultIdKey).toString(),
              QStringLiteral("Success"));
@@ -142,7 +143,7 @@ void SystemBusNamesTest::aFloodOfCommandsIsAnsweredWhole()
         for (int i = 0; i < perWave; ++i) {
             device().sendCommand(i % 2 == 0 ? getList : QVariantMap{{ls::commandIdKey, "Dance"}});
         }
-        QTRY_COMPARE(actions().filter(QStringLiteral("answer ")).size(), wave * perWave);
+        WAIT_FOR_EQUAL(actions().filter(QStringLiteral("answer ")).size(), wave * perWave);
     }
     QCOMPARE(actions().count(QStringLiteral("answer errorId=InvalidCmd resultId=Failure")),
              waves * perWave / 2);

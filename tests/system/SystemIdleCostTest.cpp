@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/ProcessFigures.h"
+#include "tests/support/Waiting.h"
 #include "tests/system/SystemTest.h"
 
 Q_DECLARE_METATYPE(DeviceOptions::StandardInput)
@@ -65,7 +66,7 @@ void SystemIdleCostTest::aWaitingDaemonLeavesTheProcessorAlone()
     QVERIFY(prepare());
     QVERIFY(device().startDaemon());
     // The start is over when the thread that checks the services runs.
-    QTRY_COMPARE(ProcessFigures::threads(device().daemon().processId()), 2);
+    WAIT_FOR_EQUAL(ProcessFigures::threads(device().daemon().processId()), 2);
     const qint64 process = device().daemon().processId();
     const int before = ProcessFigures::voluntarySwitches(process);
     QElapsedTimer clock;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/Waiting.h"
 #include "tests/system/SystemTest.h"
 
 class SystemSpeechDaemonTest : public SystemTest
@@ -31,7 +32,7 @@ void SystemSpeechDaemonTest::aSpeechDaemonMayComeAndGo()
     QVERIFY(nextKeyWorks());
     QCOMPARE(actions().filter(QStringLiteral("speak ")), QStringList());
     device().restoreSpeech();
-    QTRY_COMPARE(log().count(QStringLiteral("SpeechFeedback: Connected to speech-daemon.")), 2);
+    WAIT_FOR_EQUAL(log().count(QStringLiteral("SpeechFeedback: Connected to speech-daemon.")), 2);
     tap(ls::KeyId::Down);
     QVERIFY(awaitAction(QStringLiteral("speak EmbosserCore 25")));
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/Waiting.h"
 #include "tests/system/SystemTest.h"
 
 #include <ls/BusNames.h>
@@ -127,8 +128,8 @@ void SystemStateHandlerTest::aStateHandlerThatComesLateIsFollowed()
     QVERIFY(launch());
     QVERIFY(device().stateHandler().appear(device().bus().address()));
     device().setState(ls::StateId::Print);
-    QTRY_VERIFY((tap(ls::KeyId::Up),
-                 actions().contains(QStringLiteral("announce SingleKey PrintManager KeyboardHandler Up"))));
+    WAIT_FOR((tap(ls::KeyId::Up),
+              actions().contains(QStringLiteral("announce SingleKey PrintManager KeyboardHandler Up"))));
 }
 
 void SystemStateHandlerTest::aRestartedStateHandlerIsFollowed()
@@ -138,8 +139,8 @@ void SystemStateHandlerTest::aRestartedStateHandlerIsFollowed()
     QVERIFY(nextKeyWorks());
     QVERIFY(device().stateHandler().appear(device().bus().address()));
     device().setState(ls::StateId::Error);
-    QTRY_VERIFY((tap(ls::KeyId::Ok),
-                 actions().contains(QStringLiteral("announce SingleKey ErrorHandler KeyboardHandler Ok"))));
+    WAIT_FOR((tap(ls::KeyId::Ok),
+              actions().contains(QStringLiteral("announce SingleKey ErrorHandler KeyboardHandler Ok"))));
 }
 
 void SystemStateHandlerTest::anotherServiceCannotAnnounceTheState()
@@ -213,9 +214,9 @@ void SystemStateHandlerTest::aFloodOfNotificationsLeavesTheLastState()
         device().stateHandler().announce({{"odd", i}});
     }
     device().setState(ls::StateId::Update);
-    QTRY_COMPARE_WITH_TIMEOUT(log().count(invalidNotification), 5000, 60'000);
-    QTRY_VERIFY((tap(ls::KeyId::Ok),
-                 actions().contains(QStringLiteral("announce SingleKey UpdateManager KeyboardHandler Ok"))));
+    WAIT_FOR_EQUAL(log().count(invalidNotification), 5000);
+    WAIT_FOR((tap(ls::KeyId::Ok),
+              actions().contains(QStringLiteral("announce SingleKey UpdateManager KeyboardHandler Ok"))));
 }
 
 QTEST_GUILESS_MAIN(SystemStateHandlerTest)

@@ -4,12 +4,12 @@
 #include "simulator/script/ObservationText.h"
 #include "simulator/script/ScriptPlayer.h"
 #include "simulator/script/Transcript.h"
+#include "tests/support/Waiting.h"
 
 #include <algorithm>
 
 namespace {
 
-constexpr int patienceMs = 20'000;
 constexpr int shownObservations = 50;
 
 } // namespace
@@ -34,7 +34,8 @@ bool SystemTest::launch()
         qWarning() << m_device->errorString();
         return false;
     }
-    return QTest::qWaitFor([this] { return m_device->isReady(); }, patienceMs);
+    WAIT_FOR(m_device->isReady() || !m_device->isRunning());
+    return m_device->isReady();
 }
 
 void SystemTest::tap(const QString& key, int inputDevice)
@@ -75,12 +76,14 @@ QStringList SystemTest::log() const
 
 bool SystemTest::awaitAction(const QString& text)
 {
-    return QTest::qWaitFor([&] { return actions().contains(text); }, patienceMs);
+    WAIT_FOR(actions().contains(text) || !m_device->isRunning());
+    return actions().contains(text);
 }
 
 bool SystemTest::awaitLog(const QString& line)
 {
-    return QTest::qWaitFor([&] { return log().contains(line); }, patienceMs);
+    WAIT_FOR(log().contains(line) || !m_device->isRunning());
+    return log().contains(line);
 }
 
 QStringList SystemTest::play(const KeyScript& script)
@@ -89,10 +92,7 @@ QStringList SystemTest::play(const KeyScript& script)
     ScriptPlayer player(script, *m_device);
     QSignalSpy finished(&player, &ScriptPlayer::finished);
     player.start();
-    const int limit = int(script.duration().count()) + patienceMs;
-    if (!finished.wait(limit)) {
-        return {QStringLiteral("The script does not end.")};
-    }
+    WAIT_FOR(!finished.isEmpty());
     return Transcript::difference(script, m_recorder->observations(), Transcript::Clock::Real);
 }
 
@@ -100,7 +100,8 @@ bool SystemTest::nextKeyWorks()
 {
     const int before = menuAnnouncements();
     tap(ls::KeyId::Menu);
-    return QTest::qWaitFor([&] { return menuAnnouncements() > before; }, patienceMs);
+    WAIT_FOR(menuAnnouncements() > before || !m_device->isRunning());
+    return menuAnnouncements() > before;
 }
 
 int SystemTest::menuAnnouncements() const

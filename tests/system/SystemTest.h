@@ -31,7 +31,7 @@ protected:
     /// What was announced, spoken, cancelled and answered, in this order of arrival; then the log.
     QStringList actions() const;
     QStringList log() const;
-    /// Waits for one of these; false when it does not come within some seconds.
+    /// Waits for one of these; false when the daemon ends without it.
     bool awaitAction(const QString& text);
     bool awaitLog(const QString& line);
 

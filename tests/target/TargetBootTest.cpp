@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/Waiting.h"
 #include "tests/target/TargetTest.h"
 
 namespace {
@@ -34,7 +35,7 @@ private:
 
 void TargetBootTest::verifyServing()
 {
-    QTRY_VERIFY_WITH_TIMEOUT(Unit::isActive(Unit::daemon), 30'000);
+    WAIT_FOR(Unit::isActive(Unit::daemon));
     QVERIFY(nextKeyWorks(0));
     QVERIFY(nextKeyWorks(1));
 }

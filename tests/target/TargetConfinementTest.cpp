@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/Waiting.h"
 #include "tests/target/Command.h"
 #include "tests/target/TargetTest.h"
 
@@ -149,13 +150,12 @@ void TargetConfinementTest::theExampleOfAConsoleServesASerialLine()
         output.append(buffer.data(), int(std::max<ssize_t>(0, read(line, buffer.data(), buffer.size()))));
         return output.contains("\"SimulateKey\" params: [KeyActionId id] [KeyId id]");
     };
-    QTRY_VERIFY2_WITH_TIMEOUT(isAnswered(), output.constData(), 30'000);
+    WAIT_FOR(isAnswered());
     QVERIFY(nextKeyWorks());
     // Ctrl-C ends the daemon, and a fresh one takes its place.
     const int process = Unit::mainProcess(Unit::daemon);
     QVERIFY(write(line, "\x03", 1) == 1);
-    QTRY_VERIFY_WITH_TIMEOUT(Unit::mainProcess(Unit::daemon) != process && Unit::isActive(Unit::daemon),
-                             30'000);
+    WAIT_FOR(Unit::mainProcess(Unit::daemon) != process && Unit::isActive(Unit::daemon));
     verifyServing();
     // Before the line goes.
     QVERIFY(restartDaemonWith(QStringLiteral(":")));

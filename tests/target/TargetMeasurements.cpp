@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/ProcessFigures.h"
+#include "tests/support/Waiting.h"
 #include "tests/target/Command.h"
 #include "tests/target/TargetTest.h"
 
@@ -155,7 +156,7 @@ void TargetMeasurements::programRow(const QString& program, const Figures& figur
 
 void TargetMeasurements::start()
 {
-    QTRY_VERIFY_WITH_TIMEOUT(Unit::isActive(Unit::daemon), 30'000);
+    WAIT_FOR(Unit::isActive(Unit::daemon));
     const double own = startTime();
     row(QStringLiteral("start of the kernel to ready"), inMs(ms(timestamp(QStringLiteral("ActiveEnter")))));
     row(QStringLiteral("start of the daemon to ready"), inMs(own));

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/Waiting.h"
 #include "tests/target/Command.h"
 #include "tests/target/TargetTest.h"
 
@@ -65,7 +66,7 @@ private Q_SLOTS:
 
 void TargetSystemTest::theBootEndsWithAReadyDaemon()
 {
-    QTRY_VERIFY_WITH_TIMEOUT(Unit::isActive(Unit::daemon), patienceMs);
+    WAIT_FOR(Unit::isActive(Unit::daemon));
     QCOMPARE(Command::shell(QStringLiteral("systemctl --failed --no-legend")).output, QString());
     QCOMPARE(Command::shell(QStringLiteral("journalctl -q -b -o cat _SYSTEMD_UNIT=keyboard-handler.service"))
                  .output.trimmed(),
@@ -146,8 +147,8 @@ void TargetSystemTest::aDeviceUnpluggedInAChordTakesNoKeyWithIt()
     QElapsedTimer clock;
     clock.start();
     device().unplug(0);
-    QTRY_VERIFY(!TargetDevice::isPlugged(0));
-    QTRY_VERIFY_WITH_TIMEOUT(isAnew(process), patienceMs + 15'000);
+    WAIT_FOR(!TargetDevice::isPlugged(0));
+    WAIT_FOR(isAnew(process));
     qInfo("the other device works again after %lld ms", static_cast<long long>(clock.elapsed()));
     // The daemon was started anew without the device, and goes on with the other one.
     QCOMPARE(logWith(deviceGone).first(), deviceGone);
@@ -159,7 +160,7 @@ void TargetSystemTest::aDeviceUnpluggedInAChordTakesNoKeyWithIt()
                                       "expect +0 announce SingleKey UserMenu - Up\n")),
              QStringList());
     device().plug(0);
-    QTRY_VERIFY(TargetDevice::isPlugged(0));
+    WAIT_FOR(TargetDevice::isPlugged(0));
     verifyServing();
 }
 
@@ -172,7 +173,7 @@ void TargetSystemTest::aLooseContactDoesNotEndTheService()
         QCOMPARE(
             Command::shell(QStringLiteral("udevadm trigger --action=add --name-match=input/event0")).status,
             0);
-        QTRY_VERIFY_WITH_TIMEOUT(isAnew(process), patienceMs);
+        WAIT_FOR(isAnew(process));
     }
     verifyServing();
 }
@@ -182,8 +183,7 @@ void TargetSystemTest::aDaemonThatIsKilledComesBack()
     QVERIFY(restartDaemon());
     const int process = Unit::mainProcess(Unit::daemon);
     Command::shell(QStringLiteral("kill -KILL %1").arg(process));
-    QTRY_VERIFY_WITH_TIMEOUT(!TargetDevice::isReady() || Unit::mainProcess(Unit::daemon) != process,
-                             patienceMs);
+    WAIT_FOR(!TargetDevice::isReady() || Unit::mainProcess(Unit::daemon) != process);
     verifyServing();
     QVERIFY(Unit::mainProcess(Unit::daemon) != process);
 }
@@ -199,13 +199,13 @@ void TargetSystemTest::aDaemonThatEndsAllTheTimeIsGivenUp()
                        QStringLiteral("--kill-whom=main"), Unit::daemon});
         return hasFailed();
     };
-    QTRY_VERIFY_WITH_TIMEOUT(isGivenUp(), 2 * patienceMs);
+    WAIT_FOR(isGivenUp());
     QVERIFY(!TargetDevice::isReady());
     // It stays so, for all to see, whatever is done to the panel.
     device().unplug(0);
-    QTRY_VERIFY(!TargetDevice::isPlugged(0));
+    WAIT_FOR(!TargetDevice::isPlugged(0));
     device().plug(0);
-    QTRY_VERIFY(TargetDevice::isPlugged(0));
+    WAIT_FOR(TargetDevice::isPlugged(0));
     QCOMPARE(Command::shell(QStringLiteral("udevadm settle")).status, 0);
     QVERIFY(hasFailed());
     QVERIFY(Unit::restart(Unit::daemon));
@@ -302,16 +302,16 @@ void TargetSystemTest::aSecondDaemonLeavesTheFirstItsName()
     second.start(QStringLiteral("runuser"),
                  {QStringLiteral("-u"), QStringLiteral("keyboard-handler"), QStringLiteral("--"),
                   QStringLiteral("/usr/sbin/keyboard-handler")});
-    QTRY_VERIFY_WITH_TIMEOUT(second.canReadLine(), patienceMs);
+    WAIT_FOR(second.canReadLine());
     QCOMPARE(second.readLine().trimmed(),
              QByteArray("Unable to register Service: Service-name already in use."));
     QCOMPARE(nameOwner(), process);
 
     // Both read the panel, and both announce.
-    QTRY_VERIFY(TargetDevice::isReady());
+    WAIT_FOR(TargetDevice::isReady());
     device().restartObserving();
     QVERIFY(nextKeyWorks());
-    QTRY_COMPARE(device().observations().size(), 2);
+    WAIT_FOR_EQUAL(device().observations().size(), 2);
     second.terminate();
     QVERIFY(second.waitForFinished(patienceMs));
     verifyServing();
@@ -352,7 +352,7 @@ void TargetSystemTest::aMissingUserIsMadeAgain()
 void TargetSystemTest::thePanelMayComeAfterTheDaemon()
 {
     QVERIFY(Unit::stop(Unit::panel));
-    QTRY_VERIFY(!TargetDevice::isPlugged(0) && !TargetDevice::isPlugged(1));
+    WAIT_FOR(!TargetDevice::isPlugged(0) && !TargetDevice::isPlugged(1));
     // Without a panel the daemon starts all the same, after 30 s.
     QElapsedTimer clock;
     clock.start();

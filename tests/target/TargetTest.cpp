@@ -4,6 +4,7 @@
 #include "simulator/script/ObservationText.h"
 #include "simulator/script/ScriptPlayer.h"
 #include "simulator/script/Transcript.h"
+#include "tests/support/Waiting.h"
 #include "tests/target/Command.h"
 
 #include <algorithm>
@@ -36,8 +37,8 @@ bool usesConsole(const KeyScript& script)
 
 void TargetTest::initTestCase()
 {
-    QTRY_VERIFY_WITH_TIMEOUT(reconnect(), patienceMs); // the panel may be late
-    QTRY_VERIFY_WITH_TIMEOUT(TargetDevice::isReady(), patienceMs);
+    WAIT_FOR(reconnect()); // the panel may be late
+    WAIT_FOR(TargetDevice::isReady());
 }
 
 void TargetTest::init()
@@ -45,7 +46,7 @@ void TargetTest::init()
     for (const int inputDevice : {0, 1}) {
         if (!TargetDevice::isPlugged(inputDevice)) {
             device().plug(inputDevice);
-            QTRY_VERIFY(TargetDevice::isPlugged(inputDevice));
+            WAIT_FOR(TargetDevice::isPlugged(inputDevice));
         }
     }
 }
@@ -123,11 +124,9 @@ void TargetTest::verifyServing()
 {
     // What udev has the service manager do is asked for once it has settled, and done once there are no jobs.
     QCOMPARE(Command::shell(QStringLiteral("udevadm settle")).status, 0);
-    QTRY_VERIFY_WITH_TIMEOUT(
-        Command::shell(QStringLiteral("systemctl list-jobs --no-legend keyboard-handler.service"))
-                .output.isEmpty() &&
-            TargetDevice::isReady() && Unit::isActive(Unit::daemon),
-        patienceMs);
+    WAIT_FOR(Command::shell(QStringLiteral("systemctl list-jobs --no-legend keyboard-handler.service"))
+                 .output.isEmpty() &&
+             TargetDevice::isReady() && Unit::isActive(Unit::daemon));
     QVERIFY(nextKeyWorks(0));
     QVERIFY(nextKeyWorks(1));
 }

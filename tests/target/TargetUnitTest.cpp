@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/Waiting.h"
 #include "tests/target/Command.h"
 #include "tests/target/TargetTest.h"
 #include "tests/target/UinputKeyboard.h"
@@ -76,7 +77,7 @@ void TargetUnitTest::otherKeyboardsAreLeftAlone()
     const int process = Unit::mainProcess(Unit::daemon);
     const UinputKeyboard other(QStringLiteral("other keyboard"));
     QVERIFY(other.isPlugged());
-    QTRY_VERIFY(QFile::exists(otherNode));
+    WAIT_FOR(QFile::exists(otherNode));
     QCOMPARE(Command::shell(QStringLiteral("udevadm settle")).status, 0);
     QCOMPARE(groupOf(otherNode), QStringLiteral("input"));
     QVERIFY(hasTag(otherNode, QStringLiteral("power-switch")));
@@ -103,9 +104,9 @@ void TargetUnitTest::aStoppedServiceStaysStoppedWhenThePanelIsPlugged()
     QVERIFY(restartDaemon());
     QVERIFY(Unit::stop(Unit::daemon));
     device().unplug(0);
-    QTRY_VERIFY(!TargetDevice::isPlugged(0));
+    WAIT_FOR(!TargetDevice::isPlugged(0));
     device().plug(0);
-    QTRY_VERIFY(TargetDevice::isPlugged(0));
+    WAIT_FOR(TargetDevice::isPlugged(0));
     QCOMPARE(Command::shell(QStringLiteral("udevadm settle && systemctl list-jobs --no-legend")).output,
              QString());
     QCOMPARE(Unit::property(Unit::daemon, QStringLiteral("ActiveState")), QStringLiteral("inactive"));
@@ -118,11 +119,11 @@ void TargetUnitTest::aBusThatEndsByItselfComesBackWithTheDaemon()
     const QString bus = QStringLiteral("dbus.service");
     const int process = Unit::mainProcess(Unit::daemon);
     QVERIFY(Unit::control({QStringLiteral("kill"), QStringLiteral("--signal=KILL"), bus}));
-    QTRY_VERIFY_WITH_TIMEOUT(!Unit::isActive(bus) && !Unit::isActive(Unit::daemon), patienceMs);
+    WAIT_FOR(!Unit::isActive(bus) && !Unit::isActive(Unit::daemon));
     QVERIFY(!TargetDevice::isReady());
     // Whoever calls first has the bus started.
     QCOMPARE(Command::shell(QStringLiteral("busctl list >/dev/null")).output, QString());
-    QTRY_VERIFY_WITH_TIMEOUT(Unit::isActive(Unit::daemon), patienceMs);
+    WAIT_FOR(Unit::isActive(Unit::daemon));
     QVERIFY(reconnect());
     verifyServing();
     QVERIFY(Unit::mainProcess(Unit::daemon) != process);

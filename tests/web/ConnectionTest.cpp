@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/Attempts.h"
 #include "tests/support/ProcessFigures.h"
+#include "tests/support/Waiting.h"
 #include "tests/web/WebTest.h"
 
 #include <QDir>
@@ -82,6 +84,8 @@ private:
     using Clients = std::vector<std::unique_ptr<HttpClient>>;
 
     Clients connectClients(int count, const QByteArray& bytes = {});
+    /// What is wrong when the server should answer so many requests before it cuts off these clients.
+    QString faultWhileWaiting(const Clients& clients, const QByteArray& drop, int requests);
 };
 
 ConnectionTest::Clients ConnectionTest::connectClients(int count, const QByteArray& bytes)
@@ -95,16 +99,26 @@ ConnectionTest::Clients ConnectionTest::connectClients(int count, const QByteArr
     return clients;
 }
 
+QString ConnectionTest::faultWhileWaiting(const Clients& clients, const QByteArray& drop, int requests)
+{
+    for (int request = 0; request < requests; ++request) {
+        for (const auto& client : clients) {
+            client->send(drop);
+        }
+        if (!isServing()) {
+            return QStringLiteral("A request is not answered.");
+        }
+    }
+    // They are still there, so it was not by their end that there was room.
+    const bool areThere =
+        std::all_of(clients.begin(), clients.end(), [](const auto& client) { return client->isConnected(); });
+    return areThere ? QString() : QStringLiteral("The answers take longer than a client may.");
+}
+
 void ConnectionTest::silentClientsKeepNobodyWaiting()
 {
-    const Clients clients = connectClients(someClients);
-    for (int request = 0; request < 5; ++request) {
-        QVERIFY(isServing());
-    }
-    // They were still there, so it was not by their end that there was room.
-    for (const auto& client : clients) {
-        QVERIFY(client->isConnected());
-    }
+    const auto attempt = [this] { return faultWhileWaiting(connectClients(someClients), {}, 5); };
+    QCOMPARE(Attempts::outcome(attempt), QString());
 }
 
 void ConnectionTest::silentClientsAreCutOff()
@@ -116,16 +130,10 @@ void ConnectionTest::silentClientsAreCutOff()
 
 void ConnectionTest::slowClientsKeepNobodyWaiting()
 {
-    const Clients clients = connectClients(someClients, "GET / HTTP/1.1\r\nA: ");
-    for (int request = 0; request < 10; ++request) {
-        for (const auto& client : clients) {
-            client->send("b");
-        }
-        QVERIFY(isServing());
-    }
-    for (const auto& client : clients) {
-        QVERIFY(client->isConnected());
-    }
+    const auto attempt = [this] {
+        return faultWhileWaiting(connectClients(someClients, "GET / HTTP/1.1\r\nA: "), "b", 10);
+    };
+    QCOMPARE(Attempts::outcome(attempt), QString());
 }
 
 void ConnectionTest::slowClientsAreCutOff()
@@ -166,7 +174,7 @@ void ConnectionTest::clientsThatStopInTheMiddleAreCutOff()
     ofAnswer.send(getRequest("/api/key-lists"));
     QCOMPARE(ofRequest.reply().status, 400);
     // This side of the connection is all that is left of it.
-    QTRY_COMPARE_WITH_TIMEOUT(ProcessFigures::ownDescriptors(), before + 1, 30'000);
+    WAIT_FOR_EQUAL(ProcessFigures::ownDescriptors(), before + 1);
     ofAnswer.goOnReading();
     QVERIFY(ofAnswer.awaitEnd());
     QVERIFY(ofAnswer.received().startsWith("HTTP/1.1 200 OK\r\n"));
@@ -175,11 +183,16 @@ void ConnectionTest::clientsThatStopInTheMiddleAreCutOff()
 
 void ConnectionTest::aCrowdOfClientsKeepsNobodyWaiting()
 {
-    Clients clients = connectClients(manyClients);
-    QVERIFY(isServing());
-    // The oldest ones made room.
-    QVERIFY(clients.front()->awaitEnd());
-    QVERIFY(clients.back()->isConnected());
+    Clients clients;
+    const auto attempt = [&] {
+        clients = connectClients(manyClients);
+        const bool isServed = isServing();
+        // The oldest ones made room.
+        return isServed && clients.front()->awaitEnd() && clients.back()->isConnected()
+                   ? QString()
+                   : QStringLiteral("The newest client is cut off.");
+    };
+    QCOMPARE(Attempts::outcome(attempt), QString());
     const int left = int(std::count_if(clients.begin(), clients.end(),
                                        [](const auto& client) { return client->isConnected(); }));
     QVERIFY2(left <= maximumConnections, qPrintable(QString::number(left)));
@@ -221,7 +234,7 @@ void ConnectionTest::aClientThatGoesAwayLeavesNothing()
         connectClients(someClients, bytes);
         QVERIFY(isServing());
     }
-    QTRY_VERIFY_WITH_TIMEOUT(ProcessFigures::ownDescriptors() <= before, 30'000);
+    WAIT_FOR(ProcessFigures::ownDescriptors() <= before);
     QCOMPARE(EventReader(port()).reply().status, 200);
 }
 
@@ -263,20 +276,24 @@ void ConnectionTest::stoppingEndsSilentClients()
 
 void ConnectionTest::aRequestUnderWayIsToldThatTheServerEnds()
 {
-    const QByteArray bytes = getRequest("/api/device");
-    Clients clients = connectClients(someClients, bytes.left(20));
-    QVERIFY(isServing());
-    // From here on nothing is done on this thread that could answer them.
-    for (const auto& client : clients) {
-        client->send(bytes.mid(20));
-        client->flush();
-    }
-    server().stop();
-    for (const auto& client : clients) {
-        const HttpReply reply = client->reply();
-        QCOMPARE(reply.status, 503);
-        QCOMPARE(reply.error(), QStringLiteral("The server ends."));
-    }
+    const auto attempt = [this] {
+        begin();
+        const QByteArray bytes = getRequest("/api/device");
+        Clients clients = connectClients(someClients, bytes.left(20));
+        bool isTold = isServing();
+        // From here on nothing is done on this thread that could answer them.
+        for (const auto& client : clients) {
+            client->send(bytes.mid(20));
+            client->flush();
+        }
+        server().stop();
+        for (const auto& client : clients) {
+            const HttpReply reply = client->reply();
+            isTold = isTold && reply.status == 503 && reply.error() == QStringLiteral("The server ends.");
+        }
+        return isTold ? QString() : QStringLiteral("A client has another answer.");
+    };
+    QCOMPARE(Attempts::outcome(attempt), QString());
 }
 
 void ConnectionTest::theSessionMayEndAfterTheServer()

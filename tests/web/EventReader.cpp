@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/web/EventReader.h"
 
+#include "tests/support/Waiting.h"
+
 #include <QJsonDocument>
 #include <QtTest>
 
 namespace {
-
-constexpr int patienceMs = 30'000;
 
 EventReader::Event parseEvent(const QByteArray& text)
 {
@@ -29,9 +29,7 @@ EventReader::EventReader(quint16 port) : m_connection(port)
 {
     m_connection.send("GET /api/events HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(port) + "\r\n\r\n");
     const auto isAnswered = [this] { return reply().status == 200 ? client() != 0 : reply().status != 0; };
-    if (!QTest::qWaitFor(isAnswered, patienceMs)) {
-        qWarning("The event stream does not begin.");
-    }
+    WAIT_FOR(isAnswered());
 }
 
 HttpReply EventReader::reply()
@@ -73,7 +71,8 @@ int EventReader::client()
 
 bool EventReader::awaitEvents(int count)
 {
-    return QTest::qWaitFor([&] { return events().size() >= count; }, patienceMs);
+    WAIT_FOR(events().size() >= count || !m_connection.isConnected());
+    return events().size() >= count;
 }
 
 void EventReader::joinChunks()

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/web/EventStream.h"
+#include "tests/support/Waiting.h"
 #include "tests/web/WebTest.h"
 
 #include <QtTest>
@@ -87,7 +88,7 @@ void EventStreamTest::nothingIsCompressed()
 {
     HttpClient client(port());
     client.send(getRequest("/api/events", "Accept-Encoding: gzip, br\r\n"));
-    QTRY_VERIFY(client.received().contains("event: snapshot"));
+    WAIT_FOR(client.received().contains("event: snapshot"));
     QVERIFY(!client.received().contains("Content-Encoding"));
 }
 
@@ -137,7 +138,7 @@ void EventStreamTest::aStreamThatEndsMakesRoom()
         readers.push_back(std::make_unique<EventReader>(port()));
     }
     readers.front()->connection().disconnect();
-    QTRY_VERIFY(!knowsClient(1));
+    WAIT_FOR(!knowsClient(1));
     EventReader next(port());
     QCOMPARE(next.client(), maximumStreams + 1);
 }
@@ -149,7 +150,7 @@ void EventStreamTest::aClientThatStopsReadingIsDropped()
     for (int id = 1; id <= manyLargeEntries; ++id) {
         addEntry(id, largeEntry);
     }
-    QTRY_VERIFY(!knowsClient(1));
+    WAIT_FOR(!knowsClient(1));
     stalled->connection().goOnReading();
     QVERIFY(stalled->connection().awaitEnd());
     const QVector<int> ids = stalled->entryIds();
@@ -166,7 +167,7 @@ void EventStreamTest::aClientThatStopsReadingHoldsNobodyUp()
         QVERIFY(reader.awaitEvents(1 + id));
     }
     QCOMPARE(reader.entryIds(), numbers(1, manyLargeEntries));
-    QTRY_VERIFY(!knowsClient(1));
+    WAIT_FOR(!knowsClient(1));
     QVERIFY(knowsClient(2));
 }
 
@@ -195,7 +196,7 @@ void EventStreamTest::aQuietStreamStays()
 {
     EventReader reader(port());
     // After 15 s without an entry a comment comes.
-    QTRY_VERIFY_WITH_TIMEOUT(reader.connection().received().contains("\r\n:\n\n\r\n"), 30'000);
+    WAIT_FOR(reader.connection().received().contains("\r\n:\n\n\r\n"));
     addEntry(1);
     QVERIFY(reader.awaitEvents(2));
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/web/HttpClient.h"
 
+#include "tests/support/Waiting.h"
+
 #include <QHostAddress>
 #include <QJsonDocument>
 #include <QtTest>
@@ -9,7 +11,6 @@
 
 namespace {
 
-constexpr int patienceMs = 30'000;
 constexpr int smallBuffer = 1024;
 
 } // namespace
@@ -43,20 +44,22 @@ QString HttpReply::error() const
 
 HttpClient::HttpClient(quint16 port)
 {
+    // The server takes earlier clients, so that its queue has room. It takes this one, and starts its time
+    // for the request, when the event loop runs again.
+    QCoreApplication::processEvents();
     m_socket.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
-    if (!QTest::qWaitFor([this] { return isConnected(); }, patienceMs)) {
-        qWarning("There is no connection to the server.");
-    }
+    m_socket.waitForConnected(-1);
 }
 
 void HttpClient::send(const QByteArray& bytes)
 {
     m_socket.write(bytes);
+    m_socket.flush();
 }
 
 void HttpClient::flush()
 {
-    while (m_socket.bytesToWrite() > 0 && m_socket.waitForBytesWritten(patienceMs)) {
+    while (m_socket.bytesToWrite() > 0 && m_socket.waitForBytesWritten(-1)) {
         received();
     }
 }
@@ -89,7 +92,8 @@ const QByteArray& HttpClient::received()
 
 bool HttpClient::awaitEnd()
 {
-    return QTest::qWaitFor([this] { return received(), !isConnected(); }, patienceMs);
+    WAIT_FOR((received(), !isConnected()));
+    return true;
 }
 
 HttpReply HttpClient::reply()

@@ -29,7 +29,7 @@ public:
     explicit HttpClient(quint16 port);
 
     bool isConnected() const { return m_socket.state() == QAbstractSocket::ConnectedState; }
-    /// Adds to what is sent.
+    /// Adds to what is sent, and sends what the system takes.
     void send(const QByteArray& bytes);
     /// Sends at once, without the event loop.
     void flush();

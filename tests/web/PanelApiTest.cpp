@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/Waiting.h"
 #include "tests/web/WebTest.h"
 
 #include <QDir>
@@ -9,11 +10,13 @@
 #include <algorithm>
 #include <numeric>
 
+#include <ctime>
+
 #include <signal.h>
+#include <sys/stat.h>
 
 namespace {
 
-constexpr int patienceMs = 30'000;
 constexpr int shownOnFailure = 4000;
 constexpr int largeEntryId = 1'000'000;
 
@@ -59,15 +62,36 @@ bool isOfThisProcess(QString process)
     return process.toLongLong() == QCoreApplication::applicationPid();
 }
 
+/// What a clock of processor time shows, in microseconds.
+qint64 processorTime(clockid_t clock)
+{
+    timespec time{};
+    clock_gettime(clock, &time);
+    return time.tv_sec * 1'000'000 + time.tv_nsec / 1000;
+}
+
+/// Whether a process runs this file, which it may see under another name.
+bool runs(const QString& process, const struct stat& file)
+{
+    struct stat executable
+    {};
+    const QByteArray path = "/proc/" + process.toLatin1() + "/exe";
+    return stat(path.constData(), &executable) == 0 && executable.st_dev == file.st_dev &&
+           executable.st_ino == file.st_ino;
+}
+
 /// The daemon that this process has started; 0 for none.
 pid_t daemonProcess()
 {
-    const QString daemon = QFileInfo(QStringLiteral(KEYBOARD_HANDLER_DAEMON)).canonicalFilePath();
+    struct stat daemon
+    {};
+    if (stat(KEYBOARD_HANDLER_DAEMON, &daemon) == -1) {
+        return 0;
+    }
     const QStringList processes =
         QDir(QStringLiteral("/proc")).entryList({QStringLiteral("[0-9]*")}, QDir::Dirs);
     for (const QString& process : processes) {
-        if (QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(process)) == daemon &&
-            isOfThisProcess(process)) {
+        if (runs(process, daemon) && isOfThisProcess(process)) {
             return pid_t(process.toLongLong());
         }
     }
@@ -137,7 +161,7 @@ void PanelApiTest::init()
 {
     WebTest::init();
     session().start();
-    QTRY_COMPARE_WITH_TIMEOUT(session().status(), DeviceSession::Status::Ready, patienceMs);
+    WAIT_FOR_EQUAL(session().status(), DeviceSession::Status::Ready);
     m_reader = std::make_unique<EventReader>(port());
 }
 
@@ -153,14 +177,14 @@ void PanelApiTest::cleanup()
 
 bool PanelApiTest::awaitEntry(EventReader& reader, const QJsonObject& pattern) const
 {
-    return QTest::qWaitFor(
-        [&] {
-            const QVector<EventReader::Event> events = reader.events();
-            return std::any_of(events.begin() + 1, events.end(), [&](const EventReader::Event& event) {
-                return event.name == "entry" && matches(event.data, pattern);
-            });
-        },
-        patienceMs);
+    const auto hasCome = [&] {
+        const QVector<EventReader::Event> events = reader.events();
+        return std::any_of(events.begin() + 1, events.end(), [&](const EventReader::Event& event) {
+            return event.name == "entry" && matches(event.data, pattern);
+        });
+    };
+    WAIT_FOR(hasCome() || !reader.connection().isConnected());
+    return hasCome();
 }
 
 bool PanelApiTest::awaitReady()
@@ -201,7 +225,7 @@ void PanelApiTest::severalClientsPlayTheSameDevice()
         QVERIFY(awaitEntry(*reader, keyEntry(QStringLiteral("Up"), 1)));
         QVERIFY(awaitEntry(*reader, keyEntry(QStringLiteral("Down"), 0)));
     }
-    QTRY_COMPARE(m_reader->entryIds(), other.entryIds());
+    WAIT_FOR_EQUAL(m_reader->entryIds(), other.entryIds());
 }
 
 void PanelApiTest::keysOfAClientThatGoesAreReleased()
@@ -398,23 +422,30 @@ void PanelApiTest::theSessionGoesOnWhileACardIsMade()
     QVERIFY(awaitReady());
     HttpClient first(port());
     HttpClient second(port());
+    // In processor time: how long others keep the processor does not count.
     qint64 longest = 0;
-    QElapsedTimer sinceTurn;
+    qint64 turn = processorTime(CLOCK_THREAD_CPUTIME_ID);
     QTimer turns;
-    connect(&turns, &QTimer::timeout, this, [&] { longest = std::max(longest, sinceTurn.restart()); });
-    sinceTurn.start();
+    connect(&turns, &QTimer::timeout, this, [&] {
+        const qint64 begin = std::exchange(turn, processorTime(CLOCK_THREAD_CPUTIME_ID));
+        longest = std::max(longest, turn - begin);
+    });
     turns.start(0);
-    QElapsedTimer all;
-    all.start();
+    const qint64 before = processorTime(CLOCK_PROCESS_CPUTIME_ID);
     for (HttpClient* client : {&first, &second}) {
         client->send("GET /api/card.brf HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(port()) +
                      "\r\n\r\n");
     }
     const HttpReply reply = first.reply();
     QCOMPARE(reply.status, 200);
-    QCOMPARE(second.reply().body, reply.body);
-    QVERIFY2(longest * 4 < all.elapsed(),
-             qPrintable(QStringLiteral("%1 of %2 ms").arg(longest).arg(all.elapsed())));
+    HttpReply other = second.reply();
+    while (other.status == 503) {
+        // It was not its turn within the time that the server lets it wait.
+        other = get("/api/card.brf");
+    }
+    QCOMPARE(other.body, reply.body);
+    const qint64 all = processorTime(CLOCK_PROCESS_CPUTIME_ID) - before;
+    QVERIFY2(longest * 4 < all, qPrintable(QStringLiteral("%1 of %2 us").arg(longest).arg(all)));
 }
 
 void PanelApiTest::restartsThatCannotBeAreExplained_data()
