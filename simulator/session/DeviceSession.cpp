@@ -142,18 +142,15 @@ void DeviceSession::releaseKeysOf(int client)
     }
 }
 
-QVector<ScriptFault> DeviceSession::replay(const QString& text)
+ParsedScript DeviceSession::readReplay(const QString& text)
 {
-    const ParsedScript parsed = parseScriptFile(text.toUtf8());
-    if (!parsed.faults.isEmpty()) {
-        return parsed.faults;
-    }
-    if (parsed.script.steps.size() + parsed.script.expectations.size() > longestReplay) {
-        return fault(
+    ParsedScript parsed = parseScriptFile(text.toUtf8());
+    if (parsed.faults.isEmpty() &&
+        parsed.script.steps.size() + parsed.script.expectations.size() > longestReplay) {
+        parsed.faults = fault(
             QStringLiteral("More than %1 steps and expectations cannot be replayed.").arg(longestReplay));
     }
-    replay(parsed.script);
-    return {};
+    return parsed;
 }
 
 void DeviceSession::replay(const KeyScript& script)
@@ -163,6 +160,15 @@ void DeviceSession::replay(const KeyScript& script)
     m_options.services = script.services;
     m_replay = Replay{script, nullptr};
     beginStart();
+}
+
+QVector<ScriptFault> DeviceSession::replay(const QString& text)
+{
+    const ParsedScript parsed = readReplay(text);
+    if (parsed.faults.isEmpty()) {
+        replay(parsed.script);
+    }
+    return parsed.faults;
 }
 
 void DeviceSession::stopReplay()

@@ -67,10 +67,14 @@ public:
     /// The client is gone: gives up what it still wanted to do and releases the keys that it holds.
     void releaseKeysOf(int client);
 
+    /// Reads a script that is to be replayed; with faults when it cannot be. For any thread, because a long
+    /// text takes a second.
+    static ParsedScript readReplay(const QString& text);
     /// Restarts the device as the script's header says, plays the script and judges what comes of it; the
-    /// entries of the type "replay" tell. Faults when the text is no script that can be replayed.
-    QVector<ScriptFault> replay(const QString& text);
+    /// entries of the type "replay" tell.
     void replay(const KeyScript& script);
+    /// Reads and replays a script; does nothing but return the faults when it has some.
+    QVector<ScriptFault> replay(const QString& text);
     /// Ends a replay, if there is one, and releases the keys that it holds.
     void stopReplay();
     bool isReplaying() const { return m_replay.has_value(); }

@@ -207,7 +207,7 @@ httplib::Server::HandlerResponse HttpServer::answerHead(const Request& request, 
         if (awaitsBody) {
             return HandlerResponse::Unhandled;
         }
-        answerRoute(*route, {{}, clientOf(request)}, response);
+        answerRoute(*route, {{}, clientOf(request), {}}, response);
     } else {
         send(pageFiles().at(request.path), response);
     }
@@ -217,13 +217,17 @@ httplib::Server::HandlerResponse HttpServer::answerHead(const Request& request, 
 void HttpServer::answerBody(const Request& request, Response& response, const httplib::ContentReader& reader)
 {
     if (const std::optional<QByteArray> body = readBody(reader, response)) {
-        answerRoute(*routeOf(request.path), {*body, clientOf(request)}, response);
+        answerRoute(*routeOf(request.path), {*body, clientOf(request), {}}, response);
     }
 }
 
-void HttpServer::answerRoute(const PanelApi::Route& route, const HttpRequest& request, Response& response)
+void HttpServer::answerRoute(const PanelApi::Route& route, HttpRequest request, Response& response)
 {
     using Rest = PanelApi::Rest;
+    if (const std::optional<HttpAnswer> refusal = PanelApi::read(route, &request)) {
+        send(*refusal, response);
+        return;
+    }
     const std::optional<Rest> rest =
         m_mainThread.call<Rest>([this, &route, &request] { return m_api.begin(route, request); });
     send(rest ? (*rest)() : serverEnds(), response);

@@ -34,7 +34,7 @@ private:
     std::optional<HttpAnswer> refusalOf(const Request& request) const;
     HandlerResponse answerHead(const Request& request, Response& response);
     void answerBody(const Request& request, Response& response, const httplib::ContentReader& reader);
-    void answerRoute(const PanelApi::Route& route, const HttpRequest& request, Response& response);
+    void answerRoute(const PanelApi::Route& route, HttpRequest request, Response& response);
     void openEvents(Response& response);
 
     const RequestCheck m_check;

@@ -68,9 +68,23 @@ const std::vector<PanelApi::Route>& PanelApi::routes()
                                           {"POST", "/api/steps", &PanelApi::takeSteps},
                                           {"POST", "/api/restart", &PanelApi::restart},
                                           {"POST", "/api/recording", &PanelApi::restartRecording},
-                                          {"POST", "/api/replay", &PanelApi::replay},
+                                          {"POST", "/api/replay", &PanelApi::replay, nullptr, true},
                                           {"POST", "/api/replay/stop", &PanelApi::stopReplay}};
     return table;
+}
+
+std::optional<HttpAnswer> PanelApi::read(const Route& route, HttpRequest* request)
+{
+    if (!route.takesScript) {
+        return std::nullopt;
+    }
+    const std::optional<QString> text = textOf(request->body);
+    if (!text) {
+        return HttpAnswer::error(badRequest, notText);
+    }
+    ParsedScript parsed = DeviceSession::readReplay(*text);
+    request->script = std::move(parsed.script);
+    return parsed.faults.isEmpty() ? std::nullopt : std::optional(refuse(parsed.faults));
 }
 
 PanelApi::Rest PanelApi::begin(const Route& route, const HttpRequest& request) const
@@ -142,12 +156,8 @@ HttpAnswer PanelApi::restartRecording(const HttpRequest& /*request*/) const
 
 HttpAnswer PanelApi::replay(const HttpRequest& request) const
 {
-    const std::optional<QString> script = textOf(request.body);
-    if (!script) {
-        return HttpAnswer::error(badRequest, notText);
-    }
-    const QVector<ScriptFault> faults = m_session.replay(*script);
-    return faults.isEmpty() ? HttpAnswer::json({}, accepted) : refuse(faults);
+    m_session.replay(request.script);
+    return HttpAnswer::json({}, accepted);
 }
 
 HttpAnswer PanelApi::stopReplay(const HttpRequest& /*request*/) const

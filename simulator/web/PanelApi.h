@@ -5,6 +5,7 @@
 #include "simulator/web/HttpRequest.h"
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 class DeviceSession;
@@ -23,6 +24,8 @@ public:
         /// Null where the answer is made of the key card.
         HttpAnswer (PanelApi::*answer)(const HttpRequest& request) const;
         HttpAnswer (*answerOfCard)(const KeyCard& card) = nullptr;
+        /// Whether the body is a script to replay.
+        bool takesScript = false;
     };
     /// The rest of the work on a request, which comes back with the answer. It may take seconds, and is for
     /// any thread but the session's.
@@ -34,7 +37,10 @@ public:
     /// All routes; may be called on any thread.
     static const std::vector<Route>& routes();
 
-    /// Does what concerns the session.
+    /// Reads the script of a route that takes one; returns the answer to a faulty one. For any thread but the
+    /// session's, because a long script takes a second.
+    static std::optional<HttpAnswer> read(const Route& route, HttpRequest* request);
+    /// Does what concerns the session with a request that was read.
     Rest begin(const Route& route, const HttpRequest& request) const;
 
 private:

@@ -194,7 +194,8 @@ void SessionRecordingTest::aRecordingBeginsWithTheServicesThatFail()
 {
     QVERIFY(launch());
     QCOMPARE(take("service speechd stop"), QString());
-    QVERIFY2(recording().contains("device 0\nservice speechd stop\n"), qPrintable(recording()));
+    const QString steps = recording().section("device 0\n", 1);
+    QVERIFY2(steps.contains("service speechd stop\n"), qPrintable(recording()));
     QVERIFY(session().restart({}).isEmpty());
     QVERIFY(awaitStatus(Status::Ready));
     QVERIFY2(recording().contains("service speechd stop\ndevice 0\n"), qPrintable(recording()));

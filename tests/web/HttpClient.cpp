@@ -100,3 +100,12 @@ HttpReply HttpClient::reply()
 {
     return awaitEnd() ? HttpReply::parse(received()) : HttpReply();
 }
+
+HttpReply HttpClient::replyWithoutSession()
+{
+    flush();
+    while (m_socket.waitForReadyRead(-1)) {
+        received();
+    }
+    return HttpReply::parse(received());
+}

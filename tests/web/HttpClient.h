@@ -45,6 +45,8 @@ public:
     bool awaitEnd();
     /// Waits for the end of the connection.
     HttpReply reply();
+    /// The same while this thread, and with it the session, does nothing else.
+    HttpReply replyWithoutSession();
 
 private:
     QTcpSocket m_socket;

@@ -55,6 +55,7 @@ private Q_SLOTS:
     void textThatIsNoTextIsRefused_data();
     void textThatIsNoTextIsRefused();
     void faultyScriptsAreExplained();
+    void scriptsAreReadWithoutHoldingTheSessionUp();
     void aClientWithoutStreamHoldsNoKeys_data();
     void aClientWithoutStreamHoldsNoKeys();
     void partsOfAnAnswerAreNotSent();
@@ -431,6 +432,16 @@ void RequestTest::faultyScriptsAreExplained()
     QCOMPARE(faults.at(0).toObject().value(QStringLiteral("line")).toInt(), 2);
     QCOMPARE(faults.at(0).toObject().value(QStringLiteral("text")).toString(), reply.error());
     QCOMPARE(faults.at(1).toObject().value(QStringLiteral("line")).toInt(), 3);
+}
+
+void RequestTest::scriptsAreReadWithoutHoldingTheSessionUp()
+{
+    HttpClient client(port());
+    QVERIFY(isServing()); // by then the connection before this one is accepted
+    client.send(postRequest("/api/replay", "tap Up\nwait a while\n"));
+    const HttpReply reply = client.replyWithoutSession();
+    QCOMPARE(reply.status, 400);
+    QCOMPARE(reply.error(), QStringLiteral("\"a while\" is no time from 0 to 86400000 ms."));
 }
 
 void RequestTest::aClientWithoutStreamHoldsNoKeys_data()
