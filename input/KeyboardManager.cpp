@@ -58,7 +58,7 @@ KeyboardManager::KeyboardManager(ModifierKey& modifierKey, ShortcutKey& shortcut
     , m_isOrvane(libvantre::Singleton<detail::Embosser>::instance()->isOrvane())
 {
     if (m_isOrvane) {
-        m_keyNames.insert(ls::KeyId::Function, static_cast<int>(EmbosserCore::KeyFunctionOrvane));
+        m_keyNames.insert(ls::KeyId::Function, EmbosserCore::KeyFunctionOrvane);
     }
     openDevices();
     connectSources(stateHandler);
@@ -311,7 +311,7 @@ void KeyboardManager::resetKeys()
 void KeyboardManager::speakLastKey()
 {
     // Deliberate: a key without a name is not passed over but spoken as sentence 0.
-    m_speech->speakFromId(static_cast<EmbosserCore>(m_keyNames.value(m_lastKey)));
+    m_speech->speakFromId(m_keyNames.value(m_lastKey));
 }
 
 bool KeyboardManager::isLastKeyMenu() const

@@ -82,8 +82,7 @@ void ModifierKey::complete(const KeyEntry& entry)
     }
     // Deliberately this copy of the names on every model: a combination that Function closes is spoken as
     // the plain "Function" sentence also where the router speaks the key in another way.
-    const int sentence = m_keyNames.value(entry.lastKey());
-    speech->speakFromId(static_cast<libtranslation::Sid::EmbosserCore>(sentence));
+    speech->speakFromId(m_keyNames.value(entry.lastKey()));
     Q_EMIT doubleModifier(entry.eAction(), entry.receiverService(), entry.validOnState(),
                           {{ls::firstKeyKey, entry.firstKey()}, {ls::secondKeyKey, entry.lastKey()}});
     // Deliberate: the first key stays open, so that the closing key completes the row again until the reset.

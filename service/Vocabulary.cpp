@@ -3,7 +3,6 @@
 
 #include <ls/Identifiers.h>
 #include <ls/MessageKeys.h>
-#include <translation/Sid.h>
 
 #include <limits>
 
@@ -12,7 +11,7 @@ namespace vocabulary {
 KeyNames keyNames()
 {
     using libtranslation::Sid::EmbosserCore;
-    static const QMap<ls::EnumKey, EmbosserCore> sentences{
+    return {
         {ls::KeyId::On, EmbosserCore::KeyOn},       {ls::KeyId::Off, EmbosserCore::KeyOff},
         {ls::KeyId::Feed, EmbosserCore::KeyFeed},   {ls::KeyId::Help, EmbosserCore::KeyHelp},
         {ls::KeyId::Menu, EmbosserCore::KeyMenu},   {ls::KeyId::Back, EmbosserCore::KeyBack},
@@ -21,11 +20,6 @@ KeyNames keyNames()
         {ls::KeyId::Chs, EmbosserCore::KeyChs},     {ls::KeyId::One, EmbosserCore::KeyOne},
         {ls::KeyId::Ten, EmbosserCore::KeyTen},     {ls::KeyId::Function, EmbosserCore::KeyFunction},
     };
-    KeyNames names;
-    for (auto it = sentences.cbegin(); it != sentences.cend(); ++it) {
-        names.insert(it.key(), static_cast<int>(it.value()));
-    }
-    return names;
 }
 
 bool isMember(const QMap<QString, int>& meta, const QString& identifier)

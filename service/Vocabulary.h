@@ -3,6 +3,7 @@
 #pragma once
 
 #include <ls/EnumKey.h>
+#include <translation/Sid.h>
 
 #include <QDebug>
 #include <QMap>
@@ -26,9 +27,10 @@ inline const QString speechServiceIdKey = QStringLiteral("serviceId");
 inline const QString speechSentenceIdKey = QStringLiteral("sentenceId");
 inline const QString speechArgumentsKey = QStringLiteral("arguments");
 
-using KeyNames = QMap<ls::EnumKey, int>;
+using KeyNames = QMap<ls::EnumKey, libtranslation::Sid::EmbosserCore>;
 
-/// The numbers of the "EmbosserCore" sentences that speak the keys' names. Every component keeps the copy
+/// The sentences that speak the keys' names. A key that is not among them has the value 0, which is spoken
+/// like any other. Every component keeps the copy
 /// that this returns, because the router changes one entry of its own on one embosser model.
 KeyNames keyNames();
 
