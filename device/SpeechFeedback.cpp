@@ -21,12 +21,6 @@ constexpr int coreFile = 0;
 constexpr int errorFile = 1;
 constexpr int menuFile = 2;
 
-const char* sentenceName(const char* file, int sentenceId)
-{
-    const QMetaObject& sentences = libtranslation::Sid::staticMetaObject;
-    return sentences.enumerator(sentences.indexOfEnumerator(file)).valueToKey(sentenceId);
-}
-
 } // namespace
 
 namespace detail {
@@ -53,17 +47,17 @@ SpeechFeedback::SpeechFeedback(QObject* parent)
 
 void SpeechFeedback::speakFromId(EmbosserCore id, const QStringList& arguments)
 {
-    speak("EmbosserCore", coreFile, static_cast<int>(id), arguments);
+    speak(id, coreFile, arguments);
 }
 
 void SpeechFeedback::speakFromId(EmbosserError id, const QStringList& arguments)
 {
-    speak("EmbosserError", errorFile, static_cast<int>(id), arguments);
+    speak(id, errorFile, arguments);
 }
 
 void SpeechFeedback::speakFromId(EmbosserMenu id, const QStringList& arguments)
 {
-    speak("EmbosserMenu", menuFile, static_cast<int>(id), arguments);
+    speak(id, menuFile, arguments);
 }
 
 void SpeechFeedback::cancelAll()
@@ -72,15 +66,17 @@ void SpeechFeedback::cancelAll()
     Q_EMIT cancelAsync();
 }
 
-void SpeechFeedback::speak(const char* file, int serviceId, int sentenceId, const QStringList& arguments)
+template <typename File>
+void SpeechFeedback::speak(File sentence, int serviceId, const QStringList& arguments)
 {
+    const int sentenceId = static_cast<int>(sentence);
     QVariantMap request{{vocabulary::speechServiceIdKey, serviceId},
                         {vocabulary::speechSentenceIdKey, sentenceId}};
     if (!arguments.isEmpty()) {
         request.insert(vocabulary::speechArgumentsKey, arguments);
     }
-    qCDebug(speakCategory).nospace() << "SpeechFeedback::speakFromId(" << sentenceName(file, sentenceId)
-                                     << ")";
+    qCDebug(speakCategory).nospace() << "SpeechFeedback::speakFromId("
+                                     << QMetaEnum::fromType<File>().valueToKey(sentenceId) << ")";
     Q_EMIT speakAsync(request);
 }
 

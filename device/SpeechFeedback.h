@@ -38,7 +38,9 @@ Q_SIGNALS:
     void speakAsync(const QVariantMap& request);
 
 private:
-    void speak(const char* file, int serviceId, int sentenceId, const QStringList& arguments);
+    /// `File` is the enumeration of a translation file, `serviceId` the number of that file.
+    template <typename File>
+    void speak(File sentence, int serviceId, const QStringList& arguments);
 
     libspeech::detail::Speech* m_speech;
 };
