@@ -13,13 +13,13 @@
 
 #include <algorithm>
 #include <optional>
+#include <vector>
 
 Q_LOGGING_CATEGORY(consoleCategory, "Console", QtCriticalMsg)
 
 namespace {
 
 using Meta = QMap<QString, int>;
-using CommandId = ls::EnumKey;
 
 const QString timerName = QStringLiteral("Console");
 constexpr int lastOneDigitNumber = 9;
@@ -85,42 +85,50 @@ void printTable(const char* title, const Meta& meta)
     printEmptyLine();
 }
 
-/// The identifiers of a command's parameters, in the order in which their numbers are typed; nothing for
-/// a command that the console does not run.
+/// What a number behind a command stands for: the key of the command map, and the family of its identifiers.
 struct Parameter
 {
     QString key;
-    Meta meta;
+    const Meta& meta;
 };
 
-std::optional<QList<Parameter>> parametersOf(const CommandId& command)
+/// A command that the console runs; the parameters are in the order in which their numbers are typed.
+struct Command
 {
-    if (command == ls::KeyboardHandlerCmdId::GetLastKey ||
-        command == ls::KeyboardHandlerCmdId::GetLongKeysTimeout) {
-        return QList<Parameter>{};
-    }
-    if (command == ls::KeyboardHandlerCmdId::SimulateKey) {
-        return QList<Parameter>{{ls::actionIdKey, ls::KeyActionId::meta}, {ls::keyKey, ls::KeyId::meta}};
-    }
-    return std::nullopt;
+    ls::EnumKey id;
+    const char* description;
+    std::vector<Parameter> parameters;
+};
+
+/// Null for a command that the console does not run.
+const Command* findCommand(const ls::EnumKey& id)
+{
+    static const std::vector<Command> commands{
+        {ls::KeyboardHandlerCmdId::GetLastKey, "params: [None]", {}},
+        {ls::KeyboardHandlerCmdId::GetLongKeysTimeout, "params: [None]", {}},
+        {ls::KeyboardHandlerCmdId::SimulateKey,
+         "params: [KeyActionId id] [KeyId id]",
+         {{ls::actionIdKey, ls::KeyActionId::meta}, {ls::keyKey, ls::KeyId::meta}}},
+    };
+    const auto command = std::find_if(commands.cbegin(), commands.cend(),
+                                      [&id](const Command& candidate) { return candidate.id == id; });
+    return command == commands.cend() ? nullptr : &*command;
 }
 
 bool describeCommand(int number)
 {
-    const CommandId command = identifierOf(ls::KeyboardHandlerCmdId::meta, number);
-    const auto parameters = parametersOf(command);
+    const Command* command = findCommand(identifierOf(ls::KeyboardHandlerCmdId::meta, number));
     // Deliberate: only the commands that the console can run are described, though all are listed.
-    if (!parameters) {
+    if (!command) {
         return fail("Command not found!");
     }
-    qCritical() << command
-                << (parameters->isEmpty() ? "params: [None]" : "params: [KeyActionId id] [KeyId id]");
+    qCritical() << command->id << command->description;
     printEmptyLine();
-    for (int i = 0; i < parameters->size(); ++i) {
-        if (i > 0) {
+    for (const Parameter& parameter : command->parameters) {
+        if (&parameter != &command->parameters.front()) {
             printEmptyLine();
         }
-        printTable(parameters->at(i).meta);
+        printTable(parameter.meta);
     }
     return true;
 }
@@ -196,22 +204,22 @@ bool Console::runCommand(const QString& line)
     if (!std::all_of(words.cbegin(), words.cend(), toNumber)) {
         return fail("Parameters must be of integer type.");
     }
-    const CommandId command = identifierOf(ls::KeyboardHandlerCmdId::meta, *number);
-    const auto parameters = parametersOf(command);
-    if (!parameters) {
+    const ls::EnumKey id = identifierOf(ls::KeyboardHandlerCmdId::meta, *number);
+    const Command* command = findCommand(id);
+    if (!command) {
         // Deliberate: the wrong-count message below follows as well.
         fail("Command not found!");
     }
-    if (!parameters || parameters->size() != words.size()) {
-        qCritical() << "Too many/few arguments received for command" << command;
+    if (!command || int(command->parameters.size()) != words.size()) {
+        qCritical() << "Too many/few arguments received for command" << id;
         printEmptyLine();
         return false;
     }
-    QVariantMap map{{ls::commandIdKey, command},
+    QVariantMap map{{ls::commandIdKey, id},
                     {ls::subCommandIdKey, QString()},
                     {ls::senderIdKey, ls::ServiceId::KeyboardHandler}};
-    for (int i = 0; i < words.size(); ++i) {
-        map.insert(parameters->at(i).key, identifierOf(parameters->at(i).meta, *toNumber(words.at(i))));
+    for (const Parameter& parameter : command->parameters) {
+        map.insert(parameter.key, identifierOf(parameter.meta, *toNumber(words.takeFirst())));
     }
     execute(map);
     return true;
