@@ -31,6 +31,7 @@ system_platform_library(configurationmanager configurationmanager/ConfigurationM
 
 target_compile_definitions(ls INTERFACE KEYBOARD_HANDLER_BUS_PREFIX="${KEYBOARD_HANDLER_BUS_PREFIX}")
 target_link_libraries(ls INTERFACE vantre)
+target_link_libraries(configurationmanager INTERFACE vantre)
 
 # A static library does not say what it needs.
 if(SERVICEWATCHER_LIBRARY MATCHES "\\.a$")
