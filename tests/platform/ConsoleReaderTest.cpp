@@ -57,15 +57,11 @@ private Q_SLOTS:
     void manyLinesComeInOrder();
     void floodLeavesOthersTheirTurn();
     void staleWakeUpDoesNotBlock();
-    void receiverMayDeleteTheReader();
-    void receiverMayRunAnEventLoop();
     void endOfInputDropsTheUnfinishedLine();
     void endOfInputEndsTheWatchForGood();
     void inputWithoutDataCostsNothing_data();
     void inputWithoutDataCostsNothing();
     void regularFileIsReadToItsEnd();
-    void closedInputIsLeftAlone();
-    void descriptorOpenedByTheProcessItselfIsLeftAlone();
 
 private:
     void makePipe();
@@ -329,32 +325,6 @@ void ConsoleReaderTest::staleWakeUpDoesNotBlock()
     WAIT_FOR_EQUAL(m_lines, QStringList("HELP"));
 }
 
-void ConsoleReaderTest::receiverMayDeleteTheReader()
-{
-    connect(m_reader.get(), &ls::ConsoleReader::textReceived, this, [this] { m_reader.reset(); });
-
-    type("first\nsecond\n");
-    WAIT_FOR(!m_reader);
-
-    start();
-    type("third\n");
-    WAIT_FOR_EQUAL(m_lines, QStringList({"first", "third"}));
-}
-
-void ConsoleReaderTest::receiverMayRunAnEventLoop()
-{
-    connect(m_reader.get(), &ls::ConsoleReader::textReceived, this, [this](const QString& line) {
-        if (line == "wait") {
-            type("d\ne");
-        }
-    });
-
-    type("a\nwait\nb\nc");
-    type("f\n");
-
-    WAIT_FOR_EQUAL(m_lines, QStringList({"a", "wait", "b", "cd", "ef"}));
-}
-
 void ConsoleReaderTest::endOfInputDropsTheUnfinishedLine()
 {
     const LogRecorder log;
@@ -413,33 +383,6 @@ void ConsoleReaderTest::regularFileIsReadToItsEnd()
 
     WAIT_FOR(isEventLoopAtRest());
     QCOMPARE(m_lines, QStringList({"first", "second"}));
-}
-
-void ConsoleReaderTest::closedInputIsLeftAlone()
-{
-    m_reader.reset();
-    ::close(STDIN_FILENO);
-    const LogRecorder log;
-
-    start();
-    WAIT_FOR(isEventLoopAtRest());
-    QVERIFY(log.lines().isEmpty());
-
-    makePipe();
-    type("late\n");
-    WAIT_FOR(isEventLoopAtRest());
-    QVERIFY(m_lines.isEmpty());
-}
-
-void ConsoleReaderTest::descriptorOpenedByTheProcessItselfIsLeftAlone()
-{
-    ::fcntl(STDIN_FILENO, F_SETFD, FD_CLOEXEC);
-    start();
-
-    type("bytes of a bus socket\n");
-
-    WAIT_FOR(isEventLoopAtRest());
-    QVERIFY(m_lines.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(ConsoleReaderTest)

@@ -19,6 +19,7 @@ private Q_SLOTS:
     void anEndlessLineIsDroppedAndTheNextOneRuns();
     void anyBytesGetTheHelp();
     void theEndOfInputLeavesTheKeysAtWork();
+    void closedInputIsNoConsole();
     void aFloodOfLinesIsWorkedOff();
 };
 
@@ -66,6 +67,17 @@ void SystemConsoleTest::theEndOfInputLeavesTheKeysAtWork()
     device().daemon().endInput();
     QVERIFY(nextKeyWorks());
     QCOMPARE(log().count(ran), 1);
+}
+
+/// Whatever became descriptor 0 otherwise would be read as lines.
+void SystemConsoleTest::closedInputIsNoConsole()
+{
+    options.standardInput = DeviceOptions::StandardInput::Closed;
+    QVERIFY(launch());
+    const QString input = QStringLiteral("/proc/%1/fd/0").arg(device().daemon().processId());
+    QCOMPARE(QFile::symLinkTarget(input), QStringLiteral("/dev/null"));
+    QVERIFY(nextKeyWorks());
+    QCOMPARE(log().count(helpTitle), 0);
 }
 
 void SystemConsoleTest::aFloodOfLinesIsWorkedOff()

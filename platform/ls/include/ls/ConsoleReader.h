@@ -11,8 +11,9 @@ namespace ls {
 ///
 /// A line is reported when its line end (LF or CR LF) has come, however its bytes were split. A line
 /// of more than 64 KiB, its line end not counted, is dropped with one critical log line. The end of input
-/// and a read error end the watch for good: an unfinished last line is dropped, and a closed or empty
-/// standard input costs no processor time. A receiver of a line may delete the reader.
+/// and a read error end the watch for good: an unfinished last line is dropped, and an empty standard input
+/// costs no processor time. Standard input must be open, or descriptor 0 may be any file that the process
+/// opens. A receiver of a line must neither delete the reader nor run an event loop.
 class ConsoleReader : public QObject
 {
     Q_OBJECT
@@ -28,16 +29,13 @@ private Q_SLOTS:
     void readInput();
 
 private:
-    void deliverLines();
-    int nextLineEnd();
-    void finishLine(const QByteArray& line);
-    void dropOverlongLine();
-    static void reportOverlongLine();
+    void take(const QByteArray& chunk);
+    void append(const QByteArray& piece);
+    void finishLine();
 
     QSocketNotifier m_notifier;
-    QByteArray m_buffer;
-    int m_searched = 0; // so many bytes of the buffer hold no line end
-    bool m_overlong = false;
+    QByteArray m_line;
+    bool m_isOverlong = false;
 };
 
 } // namespace ls
