@@ -33,7 +33,7 @@ dependencies() {
     done | sed 's/|.*//; s/([^)]*)//; s/ //g' | grep -vx keyboard-handler | sort -u
 }
 
-# A folder for the root of this test, as $root; it goes with the test.
+# A folder for the root of this test, as $root; it goes with the test, or with the next run if the test is killed.
 new_root() {
     mkdir -p "$cache"
     # Until it is copied.
@@ -41,10 +41,11 @@ new_root() {
     flock 9
     # shellcheck disable=SC2046
     "$source/tests/package/image" $(dependencies)
-    folder=$(mktemp -d)
-    trap 'remove_root' EXIT
+    folder=$source/build/package-tests/$(basename "$0" .sh)
     root=$folder/root
-    mkdir "$root"
+    remove_root
+    trap 'remove_root' EXIT
+    mkdir -p "$root"
 }
 
 # fill_root: puts the Debian root into $root, which may be a file system of its own by now.

@@ -12,7 +12,10 @@ if [ "$(id -u)" -ne 0 ]; then
 fi
 
 if [ "${INSIDE:-}" != yes ]; then
-    folder=$(mktemp -d)
+    # In the build, where the next run removes it even if this one is killed.
+    folder=$(dirname "$walker")/bus-policy.machine
+    rm -rf "$folder"
+    mkdir "$folder"
     trap 'rm -rf "$folder"' EXIT
     cat >"$folder/passwd" <<'END'
 root:x:0:0::/:/bin/sh

@@ -23,6 +23,12 @@ bool mentions(const QString& file, const QString& text)
     return source.open(QIODevice::ReadOnly) && source.readAll().contains(text.toUtf8());
 }
 
+/// What names the temporary folder in a list of mounts, where its path may begin at its file system.
+QString markOf(const QString& folder)
+{
+    return QDir(folder).dirName();
+}
+
 /// The processes that were started with files in `folder`, or see files of it in places of their own.
 int processesIn(const QString& folder)
 {
@@ -32,7 +38,7 @@ int processesIn(const QString& folder)
     for (const QString& process : processes) {
         const QString path = QStringLiteral("/proc/%1/").arg(process);
         if (mentions(path + QStringLiteral("cmdline"), folder) ||
-            mentions(path + QStringLiteral("mountinfo"), folder)) {
+            mentions(path + QStringLiteral("mountinfo"), markOf(folder))) {
             ++count;
         }
     }
@@ -209,7 +215,7 @@ qint64 SimulatorProgramTest::daemon() const
         QDir(QStringLiteral("/proc")).entryList({QStringLiteral("[0-9]*")}, QDir::Dirs);
     for (const QString& process : processes) {
         const QString path = QStringLiteral("/proc/%1/").arg(process);
-        if (mentions(path + "mountinfo", m_folder->path()) && !mentions(path + "cmdline", "bwrap")) {
+        if (mentions(path + "mountinfo", markOf(m_folder->path())) && !mentions(path + "cmdline", "bwrap")) {
             return process.toLongLong();
         }
     }
