@@ -18,7 +18,6 @@ async function openFull(options) {
     await fixture.simulator.take(
         'tap Menu',
         'press Feed',
-        'wait 50',
         'tap Ok',
         'release Feed',
         'command GetShortcutKeyList',

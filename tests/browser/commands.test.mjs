@@ -57,8 +57,8 @@ for (const [command, member, check] of [
 }
 
 test('StartTestMode and GetTestResult are the keyboard test', async () => {
+    await fixture.simulator.enter('Error');
     const panel = await openCommands();
-    await fixture.simulator.take('state Error', 'wait 100');
     assert.match(await answerTo(panel, 'StartTestMode'), /resultId=Success/);
     await fixture.simulator.take('tap Up Down Ten');
     await panel.isTold('SingleKey Ok to ErrorHandler');

@@ -1,19 +1,25 @@
 // SPDX-License-Identifier: MIT
 import { setTimeout as delay } from 'node:timers/promises';
 
-/// How long a condition is waited for: far longer than it takes, so that only what never comes is a failure.
-export const patience = 60000;
+const reminderTime = 10000;
 
-/// Tries `check` until it does not throw any more; comes back with its result, or fails with its last fault.
+/// Prints at intervals, until the returned function is called, what `missing` says is waited for.
+export function remind(missing) {
+    const timer = setInterval(() => console.log(`Still waiting: ${missing()}`), reminderTime);
+    return () => clearInterval(timer);
+}
+
+/// Tries `check` until it does not throw any more, however long that takes; comes back with its result.
 export async function eventually(check) {
-    const end = Date.now() + patience;
+    let last;
+    const stop = remind(() => last.stack);
     for (;;) {
         try {
-            return await check();
+            const result = await check();
+            stop();
+            return result;
         } catch (fault) {
-            if (Date.now() > end) {
-                throw fault;
-            }
+            last = fault;
         }
         await delay(20);
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 import { isDeepStrictEqual } from 'node:util';
 
-import { patience } from './eventually.mjs';
+import { remind } from './eventually.mjs';
 
 /// Listens to the event stream without a browser: what the page is told, and what the device really got.
 export class Observer {
@@ -38,11 +38,8 @@ export class Observer {
 
     #until(find, what) {
         return new Promise((resolve, reject) => {
-            const timer = setTimeout(
-                () => this.#settle(waiting, () => reject(this.#missing(what))),
-                patience,
-            );
-            const waiting = { timer, reject, look: () => this.#lookFor(find, waiting, resolve) };
+            const stop = remind(() => this.#missing(what));
+            const waiting = { stop, reject, look: () => this.#lookFor(find, waiting, resolve) };
             this.#waiting.add(waiting);
             waiting.look();
         });
@@ -56,15 +53,13 @@ export class Observer {
     }
 
     #settle(waiting, end) {
-        clearTimeout(waiting.timer);
+        waiting.stop();
         this.#waiting.delete(waiting);
         end();
     }
 
     #missing(what) {
-        return new Error(
-            `${what} did not come, but:\n${this.entries.map(entry => JSON.stringify(entry)).join('\n')}`,
-        );
+        return `${what} has not come, but:\n${this.entries.map(entry => JSON.stringify(entry)).join('\n')}`;
     }
 
     #end(fault) {

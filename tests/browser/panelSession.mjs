@@ -3,7 +3,6 @@ import { execFileSync } from 'node:child_process';
 import { createRequire } from 'node:module';
 import { join } from 'node:path';
 
-import { patience } from './eventually.mjs';
 import { PanelPage } from './panelPage.mjs';
 import { Relay } from './relay.mjs';
 import { Simulator } from './simulator.mjs';
@@ -25,7 +24,7 @@ export class PanelSession {
     /// `script` runs before the page does; the other options are those of a browser context.
     async open({ url = this.simulator.url, view = '', script, ...options } = {}) {
         const context = await this.browser.newContext({ viewport: { width: 1280, height: 900 }, ...options });
-        context.setDefaultTimeout(patience);
+        context.setDefaultTimeout(0);
         const panel = new PanelPage(await context.newPage());
         this.#panels.push(panel);
         if (script) {
@@ -61,5 +60,5 @@ function launchBrowser() {
     const { chromium } = installed('playwright-core');
     const executablePath = execFileSync('sh', ['-c', 'command -v chromium'], { encoding: 'utf8' }).trim();
     const args = process.getuid() === 0 ? ['--no-sandbox'] : [];
-    return chromium.launch({ executablePath, args });
+    return chromium.launch({ executablePath, args, timeout: 0 });
 }

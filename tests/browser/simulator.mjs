@@ -4,7 +4,7 @@ import { once } from 'node:events';
 import { readFile } from 'node:fs/promises';
 import { createInterface } from 'node:readline';
 
-import { eventually, patience } from './eventually.mjs';
+import { eventually } from './eventually.mjs';
 import { Observer } from './observer.mjs';
 
 /// A simulator process of its own that serves the page. Its output is kept, and told when something fails.
@@ -46,12 +46,24 @@ export class Simulator {
     /// Brings the device to Idle with no gesture under way: Menu, unless it follows Help, is announced at once and
     /// makes an end of all.
     async settle() {
-        if ((await this.json('/api/device')).status !== 'ready') {
+        const { status, state } = await this.json('/api/device');
+        if (status !== 'ready') {
             await this.restart();
         }
+        if (state !== 'Idle') {
+            await this.enter('Idle');
+        }
         const observer = await this.observe();
-        await this.take('state Idle', 'wait 100', 'tap Up Menu');
+        await this.take('tap Up Menu');
         await observer.sees({ type: 'announcement', keys: ['Menu'] });
+        observer.close();
+    }
+
+    /// Changes the state and waits until the daemon knows it: the answer to a command comes behind the change.
+    async enter(state) {
+        const observer = await this.observe();
+        await this.take(`state ${state}`, 'command GetLastKey');
+        await observer.sees({ type: 'answer' });
         observer.close();
     }
 
@@ -73,10 +85,8 @@ export class Simulator {
         const { exitCode, signalCode } = this.#process;
         if (exitCode === null && signalCode === null) {
             const exit = once(this.#process, 'exit');
-            const hangs = setTimeout(() => this.#process.kill('SIGKILL'), patience);
             this.#process.kill('SIGINT');
             await exit;
-            clearTimeout(hangs);
         }
         return this.#process.exitCode;
     }

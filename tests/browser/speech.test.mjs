@@ -51,7 +51,8 @@ test('a sentence is spoken aloud, and kept from the screen reader then', async (
 test('what the device cuts off is cut off', async () => {
     const panel = await open();
     await aloud(panel).check();
-    await fixture.simulator.take('state Startup', 'wait 100', 'tap Up');
+    await fixture.simulator.enter('Startup');
+    await fixture.simulator.take('tap Up');
     await panel.isTold(/start/i);
     const said = await panel.page.evaluate('window.said');
     assert.equal(said.length, 3);
