@@ -14,8 +14,7 @@
 
 namespace {
 
-constexpr int answerTimeoutMs = 5000;
-constexpr timeval sendTimeout{1, 0};
+constexpr int noTimeout = -1;
 constexpr int wordSize = 4;
 constexpr int entryAlignment = 8;
 
@@ -107,7 +106,6 @@ RawBusClient::RawBusClient(const QString& socketPath)
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     qstrncpy(address.sun_path, qPrintable(socketPath), sizeof address.sun_path);
-    ::setsockopt(m_socket, SOL_SOCKET, SO_SNDTIMEO, &sendTimeout, sizeof sendTimeout);
     if (::connect(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == -1) {
         leave();
     }
@@ -174,7 +172,7 @@ bool RawBusClient::converse(const QByteArray& words, const QByteArray& answer)
     QByteArray heard;
     bool isThere = send(words);
     while (isThere && !heard.contains(answer)) {
-        const QByteArray bytes = ::poll(&poller, 1, answerTimeoutMs) == 1 ? read(enough) : QByteArray();
+        const QByteArray bytes = ::poll(&poller, 1, noTimeout) == 1 ? read(enough) : QByteArray();
         isThere = !bytes.isEmpty();
         heard += bytes;
     }

@@ -212,8 +212,8 @@ void SystemStartupTest::versionAndHelpWaitForTheDependenciesToo()
     QVERIFY(output.isEmpty() && exited.isEmpty());
     device().declareReady(stateHandlerName);
     device().declareReady(speechName);
-    WAIT_FOR_EQUAL(exited.value(0).value(0).toInt(), 0);
     WAIT_FOR_EQUAL(exited.size(), 1);
+    QCOMPARE(exited.first().first().toInt(), 0);
     QTEST(output.value(option == "--help" ? 2 : 0), "output");
 }
 
