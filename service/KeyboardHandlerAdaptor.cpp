@@ -45,6 +45,11 @@ QVariantMap KeyboardHandlerAdaptor::process(const QVariantMap& command)
     return toBusMap(m_handler->process(unpacked));
 }
 
+void KeyboardHandlerAdaptor::onBusLost()
+{
+    qCritical() << "The connection to the system bus is lost.";
+}
+
 void KeyboardHandlerAdaptor::forgetKindsOfCalls()
 {
     m_kindsOfCalls = 0;
@@ -61,6 +66,9 @@ void KeyboardHandlerAdaptor::registerOnBus()
         qCritical() << "Unable to connect to system-bus!";
         return;
     }
+    // Sent by the bus library itself, whatever ended the connection.
+    bus.connect(QString(), QString(), QStringLiteral("org.freedesktop.DBus.Local"),
+                QStringLiteral("Disconnected"), this, SLOT(onBusLost()));
     if (!bus.registerObject(ls::busPath, m_handler, QDBusConnection::ExportAdaptors)) {
         qCritical() << "Unable to register object on system-bus!";
         return;

@@ -29,6 +29,9 @@ public Q_SLOTS:
 Q_SIGNALS:
     void notification(const QVariantMap& notification) override;
 
+private Q_SLOTS:
+    void onBusLost();
+
 private:
     void registerOnBus();
     void forgetKindsOfCalls();

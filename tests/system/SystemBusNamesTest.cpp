@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/ProcessFigures.h"
 #include "tests/support/Waiting.h"
 #include "tests/system/SystemTest.h"
 
@@ -6,10 +7,17 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusUnixFileDescriptor>
+
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
 const QString nameTaken = QStringLiteral("Unable to register Service: Service-name already in use.");
+
+const QString registered = QStringLiteral("Successfully registered on DBus: \"com.vantre.KeyboardHandler\"");
+const QString lost = QStringLiteral("The connection to the system bus is lost.");
 
 QString serviceName()
 {
@@ -37,7 +45,8 @@ private Q_SLOTS:
     void misshapenCallsAreRefused_data();
     void misshapenCallsAreRefused();
     void aFloodOfCommandsIsAnsweredWhole();
-    void theEndOfTheBusLeavesTheConsoleAtWork();
+    void theLossOfTheBusIsLoggedOnceAndTheConsoleStaysAtWork_data();
+    void theLossOfTheBusIsLoggedOnceAndTheConsoleStaysAtWork();
 };
 
 void SystemBusNamesTest::withoutABusTheDaemonGetsReadyAndItsConsoleWorks()
@@ -150,15 +159,40 @@ void SystemBusNamesTest::aFloodOfCommandsIsAnsweredWhole()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemBusNamesTest::theEndOfTheBusLeavesTheConsoleAtWork()
+void SystemBusNamesTest::theLossOfTheBusIsLoggedOnceAndTheConsoleStaysAtWork_data()
 {
+    QTest::addColumn<bool>("byDescriptors");
+    QTest::newRow("the bus ends") << false;
+    QTest::newRow("more descriptors arrive than the daemon may have") << true;
+}
+
+void SystemBusNamesTest::theLossOfTheBusIsLoggedOnceAndTheConsoleStaysAtWork()
+{
+    QFETCH(bool, byDescriptors);
+    constexpr int descriptorsOfACall = 16; // the bus takes no more
     QVERIFY(launch());
     QVERIFY(nextKeyWorks());
-    device().bus().stop();
+    QCOMPARE(log(), QStringList{registered});
+    if (byDescriptors) {
+        const qint64 process = device().daemon().processId();
+        const rlim_t limit = rlim_t(ProcessFigures::descriptors(process)) + descriptorsOfACall / 2;
+        const rlimit64 limits{limit, limit};
+        QCOMPARE(::prlimit64(pid_t(process), RLIMIT_NOFILE, &limits, nullptr), 0);
+        QVariantMap command{{ls::commandIdKey, "GetLastKey"}, {ls::senderIdKey, "WwwApi"}};
+        for (int i = 0; i < descriptorsOfACall; ++i) {
+            command.insert(QString::number(i), QVariant::fromValue(QDBusUnixFileDescriptor(STDERR_FILENO)));
+        }
+        device().sendCommand(command);
+    } else {
+        device().bus().stop();
+    }
+    QVERIFY(awaitLog(lost));
     tap(ls::KeyId::Up);
     device().typeLine(QStringLiteral("C 4"));
     QVERIFY(awaitLog(QStringLiteral("Process command response")));
     QVERIFY(device().isRunning());
+    QCOMPARE(log().mid(0, 3), QStringList({registered, lost, QStringLiteral("Process command response")}));
+    QCOMPARE(log().count(lost), 1);
 }
 
 QTEST_GUILESS_MAIN(SystemBusNamesTest)
