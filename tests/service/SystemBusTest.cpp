@@ -73,8 +73,8 @@ private:
     QStringList m_noted;
 };
 
-// A connection that holds messages back delivers what it reads in the moment of its release first. Qt's
-// thread is kept busy twice, so that the second message comes at that very moment.
+// Qt delivers the messages that it held back after those that it reads at that moment. The test keeps Qt's
+// thread busy twice, so that the second message arrives at exactly that moment.
 void SystemBusTest::theFirstMessagesArriveInTheirOrder()
 {
     QDBusConnection bus = openSystemBus();

@@ -17,7 +17,7 @@ class QProcess;
 class PrivateBus
 {
 public:
-    /// Whether this process is connected at once, or left to what the test makes of it.
+    /// Whether the constructor connects this process; otherwise the test does.
     enum class Process { Connected, Unconnected };
 
     /// `activatable` are names for which a service is installed that fails when the bus starts it.
