@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/Waiting.h"
 #include "tests/system/SystemTest.h"
 
 #include <fcntl.h>
@@ -21,13 +22,6 @@ const QByteArray otherLine = "another writer's line\n";
 
 /// More lines than a pipe or a terminal holds.
 constexpr int commandCount = 2000;
-
-/// Whether `condition` comes true; waits for as long as it takes.
-void await(const std::function<bool()>& condition)
-{
-    while (!QTest::qWaitFor(condition)) {
-    }
-}
 
 } // namespace
 
@@ -162,7 +156,7 @@ void SystemLogTest::keysDoNotWaitForTheLog()
         QCOMPARE(::tcflow(m_terminal, TCOON), 0);
     }
     QByteArray log;
-    await([&] { return (log += unread()).count(refusal) == commandCount; });
+    WAIT_FOR_EQUAL((log += unread()).count(refusal), commandCount);
     log.replace(otherLine, QByteArray());
     QCOMPARE(log, "Successfully registered on DBus: \"com.vantre.KeyboardHandler\"\n" +
                       refusal.repeated(commandCount));
@@ -190,11 +184,11 @@ void SystemLogTest::fileIsSharedWithOtherWriters()
     };
     const QByteArray expected =
         "before\nSuccessfully registered on DBus: \"com.vantre.KeyboardHandler\"\n" + refusal.repeated(10);
-    await([&] { return contentOf(logPath()).size() >= expected.size(); });
+    WAIT_FOR(contentOf(logPath()).size() >= expected.size());
     const QString process =
         QString::fromLatin1(contentOf(device().folder().runFolder() + QStringLiteral("/daemon")));
     QCOMPARE(::kill(process.toInt(), SIGTERM), 0);
-    await([&] { return !device().isRunning(); });
+    WAIT_FOR(!device().isRunning());
     QCOMPARE(contentOf(logPath()), expected + "after\n");
 }
 

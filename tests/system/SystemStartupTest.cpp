@@ -57,10 +57,7 @@ bool SystemStartupTest::looksAround()
 {
     const qint64 process = device().daemon().processId();
     // The start is over when that thread runs.
-    const auto looksForThem = [&] { return ProcessFigures::threads(process) == 2; };
-    if (!QTest::qWaitFor(looksForThem, 10'000)) {
-        return false;
-    }
+    WAIT_FOR(ProcessFigures::threads(process) == 2 || !device().isRunning());
     const int before = ProcessFigures::voluntarySwitches(process);
     WAIT_FOR(ProcessFigures::voluntarySwitches(process) > before + looks || !device().isRunning());
     return device().isRunning();
@@ -253,10 +250,11 @@ void SystemStartupTest::bothEventLoopsServe()
     QFETCH(long, waitingIn);
     options.viewArguments = viewArguments;
     QVERIFY(launch());
-    QTRY_COMPARE(systemCall(), waitingIn);
+    WAIT_FOR_EQUAL(systemCall(), waitingIn);
     QVERIFY(nextKeyWorks());
     tap(ls::KeyId::Up, 1);
-    QVERIFY(awaitAction(QStringLiteral("announce SingleKey UserMenu KeyboardHandler Up"))); // its timer has expired
+    QVERIFY(awaitAction(
+        QStringLiteral("announce SingleKey UserMenu KeyboardHandler Up"))); // its timer has expired
     QCOMPARE(command(QStringLiteral("GetLastKey")).value(ls::keyKey), QVariant(KEY_UP));
     device().typeLine(QStringLiteral("HELP 4"));
     QVERIFY(awaitLog(QStringLiteral("\"GetLastKey\" params: [None]")));
