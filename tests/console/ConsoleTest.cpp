@@ -39,6 +39,8 @@ QStringList wrongCount(const QString& command)
     return {"log Too many/few arguments received for command \"" + command + "\"", emptyLine};
 }
 
+constexpr int processMs = 20;
+
 class RecordingHandler : public KeyboardHandler
 {
 public:
@@ -46,10 +48,19 @@ public:
     QVariantMap process(const QVariantMap& command) override
     {
         commands.append(command);
+        QThread::msleep(processMs);
         return {};
     }
     QList<QVariantMap> commands;
 };
+
+/// The milliseconds that a line of the timer names; -1 for any other line.
+int timeOf(const QString& line)
+{
+    const QRegularExpression pattern("^\"Console\" took (\\d+) ms$");
+    const QRegularExpressionMatch match = pattern.match(line);
+    return match.hasMatch() ? match.captured(1).toInt() : -1;
+}
 
 } // namespace
 
@@ -79,7 +90,9 @@ private Q_SLOTS:
     void faultsAreCriticalAndAnswersAreNot_data();
     void faultsAreCriticalAndAnswersAreNot();
     void commandMapIsThatOfTheBus();
+    void unknownNumbersAreEmptyTextsOfTheMap();
     void everyLineIsTimed();
+    void timeIsThatOfTheWholeLine();
     void keepsWorkingAfterRubbish();
 };
 
@@ -243,12 +256,14 @@ void ConsoleTest::unknownNumbersAreSentAsEmptyTexts()
 void ConsoleTest::notificationIsPrintedInItsCategory()
 {
     QLoggingCategory::setFilterRules("Console.debug=true");
+    const LogRecorder log;
     device->tap(KeyId::Menu);
     QLoggingCategory::setFilterRules({});
-    const QStringList printed{"log ----------- Notification -----------",
-                              "log NotifcationId: \"KeyboardChange\"", "log SenderId: \"\"",
-                              "log ------------------------------------"};
-    QCOMPARE(device->take().filter("log"), printed);
+    const QVector<LogLine> printed{{QtDebugMsg, "Console", "----------- Notification -----------"},
+                                   {QtDebugMsg, "Console", "NotifcationId: \"KeyboardChange\""},
+                                   {QtDebugMsg, "Console", "SenderId: \"\""},
+                                   {QtDebugMsg, "Console", "------------------------------------"}};
+    QCOMPARE(log.lines(), printed);
 }
 
 void ConsoleTest::notificationIsNotPrintedByDefault()
@@ -270,9 +285,13 @@ void ConsoleTest::incompleteNotificationIsReportedWithTheOddPrefix()
     QFETCH(QString, missing);
     QVariantMap map{{notificationIdKey, "KeyboardChange"}, {actionIdKey, "A"}, {senderIdKey, ""}};
     map.remove(missing);
+    QLoggingCategory::setFilterRules("Console.debug=true");
+    const LogRecorder log;
     Q_EMIT device->handler().notification(map);
-    QCOMPARE(device->take().filter("log"),
-             QStringList{"log QVariantMap&)> ERROR: Invalid notification received!"});
+    QLoggingCategory::setFilterRules({});
+    const QVector<LogLine> printed{
+        {QtCriticalMsg, "default", "QVariantMap&)> ERROR: Invalid notification received!"}};
+    QCOMPARE(log.lines(), printed);
 }
 
 void ConsoleTest::everyLineIsTimed_data()
@@ -281,16 +300,33 @@ void ConsoleTest::everyLineIsTimed_data()
     QTest::newRow("command") << "C 4";
     QTest::newRow("help") << "HELP C";
     QTest::newRow("rubbish") << "xyz";
+    QTest::newRow("failed command") << "C x";
+    QTest::newRow("failed help") << "HELP x";
 }
 
 void ConsoleTest::everyLineIsTimed()
 {
     QFETCH(QString, line);
     QLoggingCategory::setFilterRules("Timer.debug=true");
+    const LogRecorder log;
     device->typeLine(line);
     QLoggingCategory::setFilterRules({});
-    const QString last = device->take().last();
-    QVERIFY2(QRegularExpression("^log \"Console\" took \\d+ ms$").match(last).hasMatch(), qPrintable(last));
+    const LogLine last = log.lines().last();
+    QCOMPARE(last.type, QtDebugMsg);
+    QCOMPARE(last.category, QString("Timer"));
+    QVERIFY2(timeOf(last.text) >= 0, qPrintable(last.text));
+}
+
+void ConsoleTest::timeIsThatOfTheWholeLine()
+{
+    RecordingHandler handler(nullptr);
+    auto* console = new Console(&handler);
+    QLoggingCategory::setFilterRules("Timer.debug=true");
+    const LogRecorder log;
+    QMetaObject::invokeMethod(console, "onTextReceived", Q_ARG(QString, "C 4"));
+    QLoggingCategory::setFilterRules({});
+    const QString last = log.lines().last().text;
+    QVERIFY2(timeOf(last) >= processMs, qPrintable(last));
 }
 
 void ConsoleTest::keepsWorkingAfterRubbish()
@@ -340,6 +376,17 @@ void ConsoleTest::commandMapIsThatOfTheBus()
                                {keyKey, "Menu"}};
     device->take();
     QCOMPARE(handler.commands, QList<QVariantMap>{expected});
+}
+
+void ConsoleTest::unknownNumbersAreEmptyTextsOfTheMap()
+{
+    RecordingHandler handler(nullptr);
+    auto* console = new Console(&handler);
+    QMetaObject::invokeMethod(console, "onTextReceived", Q_ARG(QString, "C 7 77 9999"));
+    device->take();
+    QCOMPARE(handler.commands.size(), 1);
+    QCOMPARE(handler.commands.first().value(actionIdKey), QVariant(QString()));
+    QCOMPARE(handler.commands.first().value(keyKey), QVariant(QString()));
 }
 
 VIRTUAL_TIME_TEST_MAIN(ConsoleTest)

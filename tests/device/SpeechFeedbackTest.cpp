@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "device/SpeechFeedback.h"
 #include "tests/fakes/FakeSpeech.h"
+#include "tests/support/LogRecorder.h"
 
 #include <speech/Speech.h>
 #include <vantre/Singleton.h>
@@ -12,6 +13,15 @@ using libspeech::detail::Speech;
 using libtranslation::Sid::EmbosserCore;
 using libtranslation::Sid::EmbosserError;
 using libtranslation::Sid::EmbosserMenu;
+
+namespace {
+
+QVector<LogLine> debugLine(const QString& category, const QString& text)
+{
+    return {{QtDebugMsg, category, text}};
+}
+
+} // namespace
 
 class SpeechFeedbackTest : public QObject
 {
@@ -105,8 +115,9 @@ void SpeechFeedbackTest::requestsKeepTheirOrder()
 void SpeechFeedbackTest::cancelIsSentThoughNothingIsSpoken()
 {
     QLoggingCategory::setFilterRules("SpeechFeedback.speak.debug=true");
-    QTest::ignoreMessage(QtDebugMsg, "Cancelling all speech-requests.");
+    const LogRecorder log;
     speech->cancelAll();
+    QCOMPARE(log.lines(), debugLine("SpeechFeedback.speak", "Cancelling all speech-requests."));
     QCoreApplication::processEvents();
     QCOMPARE(sent, QVariantList{"cancel"});
 }
@@ -114,8 +125,9 @@ void SpeechFeedbackTest::cancelIsSentThoughNothingIsSpoken()
 void SpeechFeedbackTest::unknownSentenceIsSentAndHasNoName()
 {
     QLoggingCategory::setFilterRules("SpeechFeedback.speak.debug=true");
-    QTest::ignoreMessage(QtDebugMsg, "SpeechFeedback::speakFromId()");
+    const LogRecorder log;
     speech->speakFromId(static_cast<EmbosserCore>(0));
+    QCOMPARE(log.lines(), debugLine("SpeechFeedback.speak", "SpeechFeedback::speakFromId()"));
     QCoreApplication::processEvents();
     QCOMPARE(sent, (QVariantList{QVariantMap{{"serviceId", 0}, {"sentenceId", 0}}}));
 }
@@ -134,7 +146,7 @@ void SpeechFeedbackTest::sentencesAreTracedByName()
     QFETCH(int, file);
     QFETCH(QString, line);
     QLoggingCategory::setFilterRules("SpeechFeedback.speak.debug=true");
-    QTest::ignoreMessage(QtDebugMsg, qPrintable(line));
+    const LogRecorder log;
     if (file == 0) {
         speech->speakFromId(EmbosserCore::KeyTen);
     } else if (file == 1) {
@@ -142,21 +154,19 @@ void SpeechFeedbackTest::sentencesAreTracedByName()
     } else {
         speech->speakFromId(EmbosserMenu::FactoryReset);
     }
+    QCOMPARE(log.lines(), debugLine("SpeechFeedback.speak", line));
     QCoreApplication::processEvents();
     QCOMPARE(sent.size(), 1);
 }
 
 void SpeechFeedbackTest::nothingIsTracedByDefault()
 {
-    QtMessageHandler previous =
-        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
-            qFatal("logged: %s", qPrintable(text));
-        });
+    const LogRecorder log;
     speech->speakFromId(EmbosserCore::KeyTen);
     speech->cancelAll();
     Q_EMIT libvantre::Singleton<Speech>::instance()->connected();
     QCoreApplication::processEvents();
-    qInstallMessageHandler(previous);
+    QCOMPARE(log.lines(), {});
     QCOMPARE(sent.size(), 2);
 }
 
@@ -164,10 +174,11 @@ void SpeechFeedbackTest::connectionIsPassedOnAndTraced()
 {
     QLoggingCategory::setFilterRules("SpeechFeedback.debug=true");
     QSignalSpy spy(speech, &detail::SpeechFeedback::connected);
-    QTest::ignoreMessage(QtDebugMsg, "Connected to speech-daemon.");
-    QTest::ignoreMessage(QtDebugMsg, "Connected to speech-daemon.");
+    LogRecorder log;
     Q_EMIT libvantre::Singleton<Speech>::instance()->connected();
+    QCOMPARE(log.take(), debugLine("SpeechFeedback", "Connected to speech-daemon."));
     Q_EMIT libvantre::Singleton<Speech>::instance()->connected();
+    QCOMPARE(log.take(), debugLine("SpeechFeedback", "Connected to speech-daemon."));
     QCOMPARE(spy.size(), 2);
 }
 
@@ -175,8 +186,9 @@ void SpeechFeedbackTest::disconnectionIsOnlyTraced()
 {
     QLoggingCategory::setFilterRules("SpeechFeedback.debug=true");
     QSignalSpy spy(speech, &detail::SpeechFeedback::connected);
-    QTest::ignoreMessage(QtDebugMsg, "Disconnected from speech-daemon.");
+    const LogRecorder log;
     Q_EMIT libvantre::Singleton<Speech>::instance()->disconnected();
+    QCOMPARE(log.lines(), debugLine("SpeechFeedback", "Disconnected from speech-daemon."));
     QCoreApplication::processEvents();
     QCOMPARE(spy.size(), 0);
     QCOMPARE(sent, QVariantList{});

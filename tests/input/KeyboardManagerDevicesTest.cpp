@@ -54,7 +54,8 @@ void KeyboardManagerDevicesTest::runsOnWithoutTheSecondDevice()
 void KeyboardManagerDevicesTest::runsOnWithoutAnyDevice()
 {
     startWithout({"/dev/input/event0", "/dev/input/event1"});
-    QCOMPARE(device->take().size(), 2);
+    const QString line = "log Keyboard::open ERROR: Unable to open device %1: No such file or directory";
+    QCOMPARE(device->take(), QStringList({line.arg("/dev/input/event0"), line.arg("/dev/input/event1")}));
     const QVariantMap command{
         {commandIdKey, "SimulateModifier"}, {senderIdKey, "WwwApi"}, {keysListKey, QStringList{}}};
     QCOMPARE(device->process(command).value(resultIdKey).toString(), QString("Success"));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/fakes/FakeStateHandler.h"
+#include "tests/support/LogRecorder.h"
 #include "tests/virtual/DeviceTest.h"
 
 class KeyboardManagerTest : public DeviceTest
@@ -47,6 +48,8 @@ private Q_SLOTS:
     void keysOfBothDevicesMakeOneGesture();
     void otherRecordsAreIgnored();
     void lineOfEachKeyIsTracedInItsCategory();
+    void releaseIsTracedBehindItsGesture();
+    void keysAreNotTracedWhileStartingUp();
     void windowIsOpenUntilExactly1500Milliseconds();
     void stateThatComesBackInTimeLeavesThePendingKey();
     void testModeNamesTheFunctionKeyOnEveryModel_data();
@@ -528,11 +531,36 @@ void KeyboardManagerTest::lineOfEachKeyIsTracedInItsCategory()
 {
     start(StateId::Idle);
     QLoggingCategory::setFilterRules("KeyboardManager.debug=true");
+    const LogRecorder log;
     device->hold(KeyId::Up, 250ms);
     QLoggingCategory::setFilterRules({});
-    QCOMPARE(device->take().filter("log"),
-             (QStringList{"log Key \"Up\" pressed.", "log Key \"Up\" repeatedly pressed.",
-                          "log Key \"Up\" released."}));
+    const QVector<LogLine> expected{{QtDebugMsg, "KeyboardManager", "Key \"Up\" pressed."},
+                                    {QtDebugMsg, "KeyboardManager", "Key \"Up\" repeatedly pressed."},
+                                    {QtDebugMsg, "KeyboardManager", "Key \"Up\" released."}};
+    QCOMPARE(log.lines(), expected);
+}
+
+void KeyboardManagerTest::releaseIsTracedBehindItsGesture()
+{
+    start(StateId::Idle, {modifierRow({"Chs", "Ok"}, "Idle", "Set")});
+    device->tap(KeyId::Chs);
+    device->press(KeyId::Ok);
+    device->take();
+    QLoggingCategory::setFilterRules("KeyboardManager.debug=true");
+    device->release(KeyId::Ok);
+    QLoggingCategory::setFilterRules({});
+    QCOMPARE(device->take(), (QStringList{"announce Set UserMenu - Chs Ok", "log Key \"Ok\" released.",
+                                          "speak EmbosserCore 26"}));
+}
+
+void KeyboardManagerTest::keysAreNotTracedWhileStartingUp()
+{
+    start(StateId::Startup);
+    QLoggingCategory::setFilterRules("KeyboardManager.debug=true");
+    const LogRecorder log;
+    device->hold(KeyId::Up, 250ms);
+    QLoggingCategory::setFilterRules({});
+    QCOMPARE(log.lines(), {});
 }
 
 void KeyboardManagerTest::windowIsOpenUntilExactly1500Milliseconds()

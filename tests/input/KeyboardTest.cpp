@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "input/Keyboard.h"
+#include "tests/support/LogRecorder.h"
 #include "tests/support/ProcessFigures.h"
 
 #include <ls/Identifiers.h>
@@ -8,10 +9,33 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <csignal>
+#include <thread>
+
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+namespace {
+
+QVector<LogLine> criticalLine(const QString& text)
+{
+    return {{QtCriticalMsg, "default", text}};
+}
+
+/// Waits until the thread sleeps in a system call.
+void awaitSleep(pid_t thread)
+{
+    for (char state = 'R'; state != 'S'; std::this_thread::yield()) {
+        QFile file(QStringLiteral("/proc/self/task/%1/stat").arg(thread));
+        const bool isOpen = file.open(QIODevice::ReadOnly);
+        state = isOpen ? file.readAll().split(')').last().trimmed().at(0) : 'R';
+    }
+}
+
+} // namespace
 
 class KeyboardTest : public QObject
 {
@@ -22,6 +46,7 @@ private Q_SLOTS:
     void cleanup();
     void recordHasTheSizeOfTheWordWidth();
     void isClosedUntilOpened();
+    void openDeviceIsOpenedAgain();
     void emptyNameIsWarnedOfAndSetsNoError();
     void missingDeviceIsReportedAndMayComeLater();
     void everyRecordIsEmittedNotOnlyKeys();
@@ -29,6 +54,8 @@ private Q_SLOTS:
     void lessThanARecordIsDroppedAndReadingGoesOn();
     void burstWithPartialRecordsLosesNoWholeRecord();
     void oneNotificationDrainsTheDevice();
+    void oneReadTakes32Records();
+    void interruptedReadIsRepeated();
     void filterDropsRecords();
     void readErrorIsReportedAndTheDeviceStaysWatched();
     void endOfFileIsWarnedOf();
@@ -110,11 +137,23 @@ void KeyboardTest::isClosedUntilOpened()
     QVERIFY(keyboard->isOpen());
 }
 
+void KeyboardTest::openDeviceIsOpenedAgain()
+{
+    QVERIFY(keyboard->open());
+    const LogRecorder log;
+    keyboard->setDevice(path("event7"));
+    QVERIFY(!keyboard->open());
+    const QString error = "Unable to open device " + path("event7") + ": No such file or directory";
+    QCOMPARE(log.lines(), criticalLine("Keyboard::open ERROR: " + error));
+    QVERIFY(!keyboard->isOpen());
+}
+
 void KeyboardTest::emptyNameIsWarnedOfAndSetsNoError()
 {
     Keyboard nameless;
-    QTest::ignoreMessage(QtCriticalMsg, "Keyboard::open WARN: No device specified.");
+    const LogRecorder log;
     QVERIFY(!nameless.open());
+    QCOMPARE(log.lines(), criticalLine("Keyboard::open WARN: No device specified."));
     QCOMPARE(nameless.errorString(), QString());
 }
 
@@ -122,8 +161,9 @@ void KeyboardTest::missingDeviceIsReportedAndMayComeLater()
 {
     Keyboard late(path("event7"));
     const QString error = "Unable to open device " + path("event7") + ": No such file or directory";
-    QTest::ignoreMessage(QtCriticalMsg, qPrintable("Keyboard::open ERROR: " + error));
+    const LogRecorder log;
     QVERIFY(!late.open());
+    QCOMPARE(log.lines(), criticalLine("Keyboard::open ERROR: " + error));
     QCOMPARE(late.errorString(), error);
     QVERIFY(!late.isOpen());
     late.setDevice(path("event0"));
@@ -181,6 +221,43 @@ void KeyboardTest::oneNotificationDrainsTheDevice()
     ::close(ends[1]);
 }
 
+/// Each read of such a socket takes one packet, and drops what has no room.
+void KeyboardTest::oneReadTakes32Records()
+{
+    int ends[2];
+    QCOMPARE(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, ends), 0);
+    const QByteArray packet = bytes(record(EV_KEY, KEY_UP, 1)).repeated(33);
+    QCOMPARE(::send(ends[1], packet.constData(), static_cast<size_t>(packet.size()), 0), packet.size());
+    QMetaObject::invokeMethod(keyboard.get(), "readEvents", Q_ARG(int, ends[0]));
+    QCOMPARE(events.size(), 32);
+    ::close(ends[0]);
+    ::close(ends[1]);
+}
+
+void KeyboardTest::interruptedReadIsRepeated()
+{
+    struct sigaction action = {};
+    action.sa_handler = [](int) {}; // without SA_RESTART
+    ::sigaction(SIGUSR1, &action, nullptr);
+    int ends[2];
+    QCOMPARE(::pipe2(ends, O_CLOEXEC), 0);
+    const QByteArray whole = bytes(record(EV_KEY, KEY_UP, 1));
+    std::thread other([&, reader = ::pthread_self(), readerId = ::gettid()] {
+        awaitSleep(readerId);
+        ::pthread_kill(reader, SIGUSR1);
+        awaitSleep(readerId);
+        const ssize_t written = ::write(ends[1], whole.constData(), static_cast<size_t>(whole.size()));
+        Q_UNUSED(written)
+        ::close(ends[1]);
+    });
+    const LogRecorder log;
+    QMetaObject::invokeMethod(keyboard.get(), "readEvents", Q_ARG(int, ends[0]));
+    other.join();
+    ::close(ends[0]);
+    QCOMPARE(events, QStringList{"1 103 1"});
+    QCOMPARE(log.lines(), criticalLine("Keyboard::readEvents WARN: Reading from device returned 0."));
+}
+
 void KeyboardTest::filterDropsRecords()
 {
     keyboard->setFilter([](const ls::KeyEvent& event) { return event.isKey(); });
@@ -197,12 +274,11 @@ void KeyboardTest::readErrorIsReportedAndTheDeviceStaysWatched()
 {
     keyboard->open();
     const int unreadable = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
-    QTest::ignoreMessage(
-        QtCriticalMsg,
-        QRegularExpression(
-            "^Keyboard::readEvents ERROR: Error reading from device .*: Bad file descriptor$"));
+    const LogRecorder log;
     QMetaObject::invokeMethod(keyboard.get(), "readEvents", Q_ARG(int, unreadable));
-    QVERIFY(keyboard->errorString().startsWith("Error reading from device "));
+    const QString error = "Error reading from device " + path("event0") + ": Bad file descriptor";
+    QCOMPARE(log.lines(), criticalLine("Keyboard::readEvents ERROR: " + error));
+    QCOMPARE(keyboard->errorString(), error);
     QVERIFY(keyboard->findChild<QSocketNotifier*>()->isEnabled());
     ::close(unreadable);
     write(bytes(record(EV_KEY, KEY_UP, 1)));
@@ -213,9 +289,11 @@ void KeyboardTest::endOfFileIsWarnedOf()
 {
     keyboard->open();
     const int empty = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-    QTest::ignoreMessage(QtCriticalMsg, "Keyboard::readEvents WARN: Reading from device returned 0.");
+    const LogRecorder log;
     QMetaObject::invokeMethod(keyboard.get(), "readEvents", Q_ARG(int, empty));
     ::close(empty);
+    QCOMPARE(log.lines(), criticalLine("Keyboard::readEvents WARN: Reading from device returned 0."));
+    QCOMPARE(keyboard->errorString(), QString());
     write(bytes(record(EV_KEY, KEY_UP, 1)));
     QCOMPARE(events, QStringList{"1 103 1"});
 }
@@ -223,9 +301,11 @@ void KeyboardTest::endOfFileIsWarnedOf()
 void KeyboardTest::writtenRecordIsReportedAsPartial()
 {
     keyboard->open();
-    QTest::ignoreMessage(
-        QtCriticalMsg, qPrintable("Keyboard::write ERROR: Partial write to device " + path("event0") + "."));
+    const LogRecorder log;
     QVERIFY(!keyboard->write(ls::KeyEvent(record(EV_KEY, KEY_UP, 1))));
+    QCOMPARE(log.lines(),
+             criticalLine("Keyboard::write ERROR: Partial write to device " + path("event0") + "."));
+    QCOMPARE(keyboard->errorString(), QString());
     QCoreApplication::processEvents();
     QCOMPARE(events, QStringList{"1 103 1"}); // written whole: a FIFO hands it back
 }
@@ -233,8 +313,9 @@ void KeyboardTest::writtenRecordIsReportedAsPartial()
 void KeyboardTest::writeErrorIsReported()
 {
     const QString error = "Error writing to device " + path("event0") + ": Bad file descriptor";
-    QTest::ignoreMessage(QtCriticalMsg, qPrintable("Keyboard::write ERROR: " + error));
+    const LogRecorder log;
     QVERIFY(!keyboard->write(ls::KeyEvent(record(EV_KEY, KEY_UP, 1)))); // not open
+    QCOMPARE(log.lines(), criticalLine("Keyboard::write ERROR: " + error));
     QCOMPARE(keyboard->errorString(), error);
 }
 
@@ -277,8 +358,9 @@ void KeyboardTest::simulatedKeysAreEmitted()
 
 void KeyboardTest::simulatedKeyWithoutValueIsRefused()
 {
-    QTest::ignoreMessage(QtCriticalMsg, "Keyboard::simulateKey ERROR: Key value is invalid!");
+    const LogRecorder log;
     QVERIFY(!keyboard->simulateKey(ls::KeyId::Up, ls::KeyActionId::None));
+    QCOMPARE(log.lines(), criticalLine("Keyboard::simulateKey ERROR: Key value is invalid!"));
     QCOMPARE(events, QStringList{});
 }
 
@@ -343,12 +425,13 @@ void KeyboardTest::descriptorIsNotInherited()
 void KeyboardTest::emptyNameKeepsTheErrorBefore()
 {
     Keyboard late(path("event7"));
-    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("^Keyboard::open ERROR: "));
+    LogRecorder log;
     late.open();
     const QString error = late.errorString();
+    QCOMPARE(log.take(), criticalLine("Keyboard::open ERROR: " + error));
     late.setDevice({});
-    QTest::ignoreMessage(QtCriticalMsg, "Keyboard::open WARN: No device specified.");
     late.open();
+    QCOMPARE(log.take(), criticalLine("Keyboard::open WARN: No device specified."));
     QVERIFY(!error.isEmpty());
     QCOMPARE(late.errorString(), error);
 }

@@ -17,6 +17,16 @@ namespace {
 
 const QString path = QStringLiteral("/var/lib/keyboard-handler/longKeyList.json");
 
+LogLine errorLine(const QString& text)
+{
+    return {QtCriticalMsg, "default", text};
+}
+
+QVector<LogLine> loadError(const QString& text)
+{
+    return {errorLine("LongKey::load ERROR: " + text)};
+}
+
 } // namespace
 
 class KeyListFileTest : public QObject
@@ -34,6 +44,7 @@ private Q_SLOTS:
     void elementsThatAreNoObjectsAreSkipped();
     void missingFieldsAreEmpty();
     void rowsAreKeptAsWritten();
+    void fieldsOfOtherTypesAreConverted();
     void timeoutIsInSecondsAndStaysWithin32Bits_data();
     void timeoutIsInSecondsAndStaysWithin32Bits();
     void timeoutIsIgnoredWhereItHasNoMeaning();
@@ -80,20 +91,22 @@ void KeyListFileTest::missingFileGivesTwoLines()
     QFETCH(QString, section);
     const QString missing = "/var/lib/keyboard-handler/" + file;
     const QString prefix = className + "::load ERROR: ";
-    QTest::ignoreMessage(QtCriticalMsg, qPrintable(prefix + "reading \"" + missing + "\" failed."));
-    QTest::ignoreMessage(QtCriticalMsg, qPrintable(prefix + "value list " + section + " not found!."));
+    const LogRecorder log;
     MapReader reader;
     const std::unique_ptr<QObject> recogniser(
         className == "LongKey"       ? static_cast<QObject*>(new LongKey(reader, nullptr))
         : className == "ModifierKey" ? static_cast<QObject*>(new ModifierKey(reader, nullptr))
                                      : new ShortcutKey(reader, nullptr));
     QCOMPARE(reader.paths, QStringList{missing});
+    QCOMPARE(log.lines(), QVector<LogLine>({errorLine(prefix + "reading \"" + missing + "\" failed."),
+                                            errorLine(prefix + "value list " + section + " not found!.")}));
 }
 
 void KeyListFileTest::missingSectionGivesOneLine()
 {
-    QTest::ignoreMessage(QtCriticalMsg, "LongKey::load ERROR: value list LongKeys not found!.");
+    const LogRecorder log;
     const KeyListFile file = loaded({{"longkeys", QVariantList{row(1)}}});
+    QCOMPARE(log.lines(), loadError("value list LongKeys not found!."));
     QVERIFY(file.rows.isEmpty());
     QVERIFY(file.content.isEmpty());
 }
@@ -111,9 +124,9 @@ void KeyListFileTest::sectionThatIsNoListGivesTheConversionLine_data()
 void KeyListFileTest::sectionThatIsNoListGivesTheConversionLine()
 {
     QFETCH(QVariant, section);
-    QTest::ignoreMessage(QtCriticalMsg,
-                         "LongKey::load ERROR: value list LongKeys conversion to list failed!");
+    const LogRecorder log;
     const KeyListFile file = loaded({{"LongKeys", section}});
+    QCOMPARE(log.lines(), loadError("value list LongKeys conversion to list failed!"));
     QVERIFY(file.rows.isEmpty());
     QVERIFY(file.content.isEmpty());
 }
@@ -122,10 +135,12 @@ void KeyListFileTest::elementsThatAreNoObjectsAreSkipped()
 {
     const QVariantMap first{{"keys", QStringList{"Up"}}};
     const QVariantMap third{{"keys", QStringList{"Down"}}};
+    const LogRecorder log;
     const KeyListFile file = loaded({{"LongKeys", QVariantList{first, 7, third, "x", QVariant()}}});
     QCOMPARE(file.rows.size(), 2);
     QCOMPARE(file.rows.at(0).firstKey(), QString("Up"));
     QCOMPARE(file.rows.at(1).firstKey(), QString("Down"));
+    QCOMPARE(log.lines(), {});
 }
 
 void KeyListFileTest::missingFieldsAreEmpty()
@@ -152,6 +167,19 @@ void KeyListFileTest::rowsAreKeptAsWritten()
     QCOMPARE(rows.at(1).eAction(), QString("A"));
     QCOMPARE(rows.at(1).receiverService(), QString("Nobody"));
     QCOMPARE(rows.at(1).validOnState(), QString(" Idle | Print "));
+}
+
+void KeyListFileTest::fieldsOfOtherTypesAreConverted()
+{
+    const QVariantMap odd{
+        {"keys", "Menu"}, {"eAction", 7}, {"receiverService", true}, {"validOnState", QVariantList{"Idle"}}};
+    const LogRecorder log;
+    const KeyEntry row = loaded({{"LongKeys", QVariantList{odd}}}).rows.value(0);
+    QCOMPARE(row.keys(), QStringList("Menu"));
+    QCOMPARE(row.eAction(), QString("7"));
+    QCOMPARE(row.receiverService(), QString("true"));
+    QCOMPARE(row.validOnState(), QString());
+    QCOMPARE(log.lines(), {});
 }
 
 void KeyListFileTest::timeoutIsInSecondsAndStaysWithin32Bits_data()

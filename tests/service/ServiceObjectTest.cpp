@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "service/KeyboardHandler.h"
+#include "tests/support/LogRecorder.h"
 #include "tests/virtual/DeviceTest.h"
 
 class ServiceObjectTest : public DeviceTest
@@ -19,6 +20,8 @@ private Q_SLOTS:
     void senderIsResetAlsoWhenAParameterReplacedIt();
     void notificationCarriesItsFourFieldsAndTheParameters();
     void commandIsTracedInItsCategory();
+    void refusedCommandsAreNotTraced_data();
+    void refusedCommandsAreNotTraced();
     void everyFieldOfTheNotificationMayBeReplaced_data();
     void everyFieldOfTheNotificationMayBeReplaced();
     void senderIsResetBeforeTheNotificationIsOut();
@@ -137,12 +140,32 @@ void ServiceObjectTest::notificationCarriesItsFourFieldsAndTheParameters()
 
 void ServiceObjectTest::commandIsTracedInItsCategory()
 {
+    LogRecorder log;
     QLoggingCategory::setFilterRules("KeyboardHandler.debug=true");
     device->handler().process({{commandIdKey, "StartTestMode"}, {senderIdKey, "WwwApi"}});
     QLoggingCategory::setFilterRules({});
-    QCOMPARE(device->take(), QStringList{R"(log process command - "StartTestMode" from sender - "WwwApi")"});
+    const QVector<LogLine> expected{
+        {QtDebugMsg, "KeyboardHandler", R"(process command - "StartTestMode" from sender - "WwwApi")"}};
+    QCOMPARE(log.take(), expected);
     device->handler().process({{commandIdKey, "StartTestMode"}, {senderIdKey, "WwwApi"}});
-    QCOMPARE(device->take(), QStringList{});
+    QCOMPARE(log.take(), {});
+}
+
+void ServiceObjectTest::refusedCommandsAreNotTraced_data()
+{
+    refusedCommandsNameTheirError_data();
+}
+
+void ServiceObjectTest::refusedCommandsAreNotTraced()
+{
+    QFETCH(QVariantMap, command);
+    QFETCH(QString, line);
+    const LogRecorder log;
+    QLoggingCategory::setFilterRules("KeyboardHandler.debug=true");
+    device->handler().process(command);
+    QLoggingCategory::setFilterRules({});
+    const QVector<LogLine> expected{{QtCriticalMsg, "default", line.mid(int(qstrlen("log ")))}};
+    QCOMPARE(log.lines(), expected);
 }
 
 void ServiceObjectTest::metaCastKnowsTheSharedInterface()
