@@ -172,6 +172,7 @@ void SystemBusNamesTest::theLossOfTheBusIsLoggedOnceAndTheConsoleStaysAtWork()
     constexpr int descriptorsOfACall = 16; // the bus takes no more
     QVERIFY(launch());
     QVERIFY(nextKeyWorks());
+    QVERIFY(awaitLog(registered));
     QCOMPARE(log(), QStringList{registered});
     if (byDescriptors) {
         const qint64 process = device().daemon().processId();

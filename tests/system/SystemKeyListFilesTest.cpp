@@ -88,7 +88,7 @@ private Q_SLOTS:
     void theLargestListsFitIntoTheUnit();
 
 private:
-    QStringList loadFaults() const { return log().filter(QStringLiteral("::load ")); }
+    QStringList loadFaults() { return completeLog().filter(QStringLiteral("::load ")); }
     QVariantMap timeouts() { return command("GetLongKeysTimeout").value(ls::keyTimeouts).toMap(); }
 };
 

@@ -70,7 +70,7 @@ void SystemStateHandlerTest::aSlowAnswerIsWaitedFor()
     QVERIFY(launch());
     tap(ls::KeyId::Up);
     QVERIFY(awaitAction(QStringLiteral("announce SingleKey PrintManager - Up")));
-    QVERIFY(!log().contains(invalidResult));
+    QVERIFY(!completeLog().contains(invalidResult));
 }
 
 void SystemStateHandlerTest::aStateHandlerThatDiesWhileAskedIsGivenUp()

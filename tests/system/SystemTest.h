@@ -31,6 +31,9 @@ protected:
     /// What was announced, spoken, cancelled and answered, in this order of arrival; then the log.
     QStringList actions() const;
     QStringList log() const;
+    /// The log with all that the daemon has logged before this call: a thread of the daemon writes it, so
+    /// lines may arrive later than what was announced after them. Needs the bus.
+    QStringList completeLog();
     /// Waits for one of these; false when the daemon ends without it.
     bool awaitAction(const QString& text);
     bool awaitLog(const QString& line);
