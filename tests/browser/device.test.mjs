@@ -104,7 +104,7 @@ test('a page that is opened later shows the past, but reads nothing of it out', 
     await first.isTold('SingleKey Menu to UserMenu');
     const second = await fixture.open();
     assert.deepEqual(await second.texts('#announced p'), await first.texts('#announced p'));
-    assert.deepEqual(await second.texts('[role=log] p'), []);
+    assert.deepEqual(await second.texts('[data-part=live] p, [role=log] p'), []);
 });
 
 test('a page that was cut off says so once, comes back, and reads nothing twice', async () => {
@@ -127,7 +127,7 @@ test('a page that was cut off says so once, comes back, and reads nothing twice'
     await fixture.simulator.settle();
     await relay.mend();
     await panel.showsText('#status', 'Connected again.');
-    assert.deepEqual(await panel.texts('[role=log] p'), []);
+    assert.deepEqual(await panel.texts('[data-part=live] p'), []);
     assert.equal(
         (await panel.texts('#announced p')).at(-1),
         'SingleKey Menu to UserMenu from KeyboardHandler',
@@ -136,7 +136,7 @@ test('a page that was cut off says so once, comes back, and reads nothing twice'
     assert.equal(told.length, 1);
     await panel.key('Menu').click();
     await panel.isTold('SingleKey Menu to UserMenu');
-    assert.equal((await panel.texts('[role=log] p.announcement')).length, 1);
+    assert.equal((await panel.texts('[data-part=live] p.announcement')).length, 1);
 });
 
 test('a page without a simulator says that a key was not sent', async () => {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The front panel: sends what is done on the page as key-script statements and shows what comes of it.
+import { Announcer } from './announcer.js';
 import { Timeline } from './timeline.js';
 
 const byId = id => document.getElementById(id);
@@ -12,19 +13,40 @@ function element(name, properties = {}, ...children) {
 
 // ---------------------------------------------------------------- messages
 
-// A new element each time: a sentence that comes twice is read twice.
-function show(place, text) {
-    byId(place).replaceChildren(...(text ? [element('span', { textContent: text })] : []));
+const announcer = new Announcer(byId('announcements'));
+
+/// Has a screen reader say `text`, a sentence that begins with what matters. `kind` is what it is about: an "action"
+/// (or its refusal), another "event" at the device, the "reply" to what the user does on the page, or a "fault".
+function announce(text, kind) {
+    announcer.announce(text, kind);
 }
 
-function tell(text) {
+function show(place, text) {
+    byId(place).textContent = text;
+}
+
+function tell(text, kind = 'reply') {
     show('alert', '');
     show('status', text);
+    announce(text, kind);
 }
 
 function complain(text) {
     show('status', '');
     show('alert', text);
+    announce(text, 'fault');
+}
+
+const levelKey = 'announcements';
+
+function setUpAnnouncer() {
+    const choice = byId('announcement-level');
+    announcer.level = localStorage.getItem(levelKey) ?? 'all';
+    choice.value = announcer.level;
+    choice.addEventListener('change', () => {
+        announcer.level = choice.value;
+        localStorage.setItem(levelKey, choice.value);
+    });
 }
 
 /// Waits for `work`; what goes wrong is shown. Tells whether all went well.
@@ -204,6 +226,7 @@ function onKeyDown(event) {
     }
     event.preventDefault(); // no click
     if (!event.repeat) {
+        announcer.hold();
         begin(event.currentTarget.dataset.key, 'keyboard');
     }
 }
@@ -212,8 +235,13 @@ function onKeyDown(event) {
 function onKeyUp(event) {
     if (['Enter', ' '].includes(event.key)) {
         event.preventDefault(); // no click
-        releaseHeldBy('keyboard');
+        letGo();
     }
+}
+
+function letGo() {
+    releaseHeldBy('keyboard');
+    announcer.release();
 }
 
 // The page goes: what waits is dropped, and the releases must not wait for an answer.
@@ -234,7 +262,7 @@ function setUpKeys() {
         }
         button.addEventListener('keydown', onKeyDown);
         button.addEventListener('keyup', onKeyUp);
-        button.addEventListener('blur', () => releaseHeldBy('keyboard'));
+        button.addEventListener('blur', letGo);
         button.addEventListener('click', onKeyClick);
         button.addEventListener('contextmenu', event => event.preventDefault()); // of a long touch
     }
@@ -313,7 +341,7 @@ function reportDevice({ status, model, reason }) {
     if (status === 'ended') {
         complain(reason ?? 'The daemon has ended.');
     } else {
-        tell(status === 'ready' ? `The daemon is ready, on model ${model}.` : 'The device restarts.');
+        tell(status === 'ready' ? `The daemon is ready, on model ${model}.` : 'The device restarts.', 'event');
     }
 }
 
@@ -366,7 +394,7 @@ class EntryLog {
 
 const line = (text, className = '') => element('p', { textContent: text, className });
 const keysOf = keys => keys.flatMap(key => [element('kbd', { textContent: key }), ' ']);
-const speechText = ({ text, observation }) => text || observation;
+const speechText = ({ text, observation }) => text || observation.replace(/^speak (\S+) (\d+)$/, 'Sentence $2 of $1, which has no text');
 
 function describeAnnouncement({ action, keys, receiver, sender }) {
     return element('p', { className: 'announcement' },
@@ -412,14 +440,9 @@ function followConsole() {
 
 const aloud = byId('aloud');
 
-function setAloud(on) {
-    aloud.checked = on;
-    byId('spoken-live').setAttribute('aria-live', on ? 'off' : 'polite'); // nothing is heard twice
-}
-
 function onSpeechFault({ error }) {
     if (!['canceled', 'interrupted'].includes(error)) {
-        setAloud(false);
+        aloud.checked = false;
         complain(`This browser cannot speak (${error}).`);
     }
 }
@@ -439,10 +462,7 @@ function speakAloud(entry) {
 }
 
 function setUpSpeech() {
-    aloud.addEventListener('change', () => {
-        window.speechSynthesis.cancel();
-        setAloud(aloud.checked);
-    });
+    aloud.addEventListener('change', () => window.speechSynthesis.cancel());
     if (!('speechSynthesis' in window)) {
         aloud.disabled = true;
         byId('aloud-help').textContent = 'This browser cannot speak.';
@@ -754,10 +774,80 @@ function setUpCommands() {
     byId('console-form').addEventListener('submit', sendConsoleLine);
 }
 
+// ---------------------------------------------------------------- what is heard of the device
+
+const usualSender = 'KeyboardHandler';
+const usualHold = 500; // milliseconds; a key that another page or a script holds for less is a tap
+
+let lastSentence = '';          // what the device spoke last
+const sentCommands = [];        // commands without an answer yet; answers come in their order
+const holdsElsewhere = new Map(); // "device key", down but not held by this page -> its timer; no timer: announced
+
+function actionSentence({ action, keys, receiver, sender }) {
+    const what = action === 'SingleKey' ? [keys.join(' '), 'single key']
+        : [action, ...(keys.length ? [keys.join(' ')] : [])];
+    const from = sender ? `from ${sender}` : 'without a sender';
+    return [...what, `to ${receiver}`, ...(sender === usualSender ? [] : [from])].join(', ');
+}
+
+function announceSpeech(entry) {
+    lastSentence = speechText(entry);
+    if (!aloud.checked) { // nothing is heard twice
+        announce(lastSentence, 'event');
+    }
+}
+
+// The device speaks the reason of a key that is refused in Startup.
+function announceRefusal(entry) {
+    const isSpoken = !entry.expected && entry.reason === lastSentence && announcer.level === 'all';
+    if (!isSpoken) {
+        announce(refusalText(entry), 'action');
+    }
+}
+
+function announceAnswer(entry) {
+    const command = sentCommands.shift() ?? '';
+    if (isView('commands')) {
+        announce(`Answer to ${command.split(' ')[0]}: ${entry.text}`, 'reply');
+    }
+}
+
+function announceKey({ device: number, key, value }) {
+    const id = `${number} ${key}`;
+    const name = number === 0 ? key : `${key} of device ${number}`;
+    if (value === 0) {
+        clearTimeout(holdsElsewhere.get(id));
+        if (holdsElsewhere.has(id) && !holdsElsewhere.get(id)) {
+            announce(`${name} is released elsewhere.`, 'event');
+        }
+        holdsElsewhere.delete(id);
+    } else if (value === 1 && !held.has(id)) {
+        clearTimeout(holdsElsewhere.get(id));
+        holdsElsewhere.set(id, setTimeout(() => {
+            holdsElsewhere.set(id, undefined);
+            announce(`${name} is held elsewhere.`, 'event');
+        }, usualHold));
+    }
+}
+
+function announceEntry(entry) {
+    switch (entry.type) {
+    case 'announcement': return announce(actionSentence(entry), 'action');
+    case 'refusal': return announceRefusal(entry);
+    case 'speech': return announceSpeech(entry);
+    case 'key': return announceKey(entry);
+    case 'command': sentCommands.push(entry.text); return undefined;
+    case 'answer': return announceAnswer(entry);
+    case 'output': return isView('commands') && announce(entry.text, 'reply');
+    default: return undefined;
+    }
+}
+
 // ---------------------------------------------------------------- views
 
 const views = [...document.querySelectorAll('.view')];
 const currentView = () => views.find(view => `#${view.id}` === location.hash) ?? views[0];
+const isView = id => currentView().id === id;
 
 function showView() {
     const current = currentView();
@@ -808,7 +898,7 @@ function learn(entry) {
 function react(entry) {
     switch (entry.type) {
     case 'device': return reactToDevice(entry);
-    case 'state': showDevice(); return tell(`State ${entry.state}.`);
+    case 'state': showDevice(); return tell(`State ${entry.state}.`, 'event');
     case 'key': return showKeys();
     case 'recording': return showRecording(entry.status);
     case 'replay': return showReplay(entry);
@@ -861,7 +951,7 @@ function takeSnapshot(snapshot) {
     reportQuietLists(logs.lists.earlier);
     timeline.reset(history);
     if (connection === 'lost') {
-        tell('Connected again.');
+        tell('Connected again.', 'fault');
     }
     connection = 'open';
     fillChoices();
@@ -879,6 +969,7 @@ function takeEntry(entry) {
     learn(entry);
     Object.values(logs).forEach(log => log.add(entry));
     timeline.add(entry);
+    announceEntry(entry);
     react(entry);
 }
 
@@ -929,6 +1020,7 @@ async function connectInTurn() {
     setTimeout(connectInTurn, retryTime);
 }
 
+setUpAnnouncer();
 setUpViews();
 setUpKeys();
 setUpDevice();

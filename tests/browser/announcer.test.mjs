@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+// What a screen reader is given: sentences in their order, each once, never more than one announcement a second.
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+
+import { eventually } from './eventually.mjs';
+import { panelFixture } from './panelFixture.mjs';
+
+const fixture = panelFixture();
+
+const nbsp = '\u00a0';
+
+/// An announcer on a page whose clock stands still.
+class StillAnnouncer {
+    static async open() {
+        const still = new StillAnnouncer();
+        const { page } = await fixture.open();
+        await page.clock.install();
+        await page.clock.pauseAt(Date.now() + 1000);
+        await page.evaluate(async () => {
+            const { Announcer } = await import('./announcer.js');
+            window.log = document.createElement('div');
+            window.announcer = new Announcer(window.log);
+        });
+        still.page = page;
+        return still;
+    }
+
+    announce(...texts) {
+        return this.page.evaluate(all => all.forEach(text => window.announcer.announce(text, 'event')), texts);
+    }
+
+    /// Calls a member without arguments.
+    call(name) {
+        return this.page.evaluate(member => window.announcer[member](), name);
+    }
+
+    pass(milliseconds) {
+        return this.page.clock.runFor(milliseconds);
+    }
+
+    async isGiven(...texts) {
+        const given = await this.page.evaluate(() => [...window.log.children].map(({ textContent }) => textContent));
+        assert.deepEqual(given, texts);
+    }
+}
+
+test('sentences that come together are announced together, in their order and with stops', async () => {
+    const still = await StillAnnouncer.open();
+    await still.announce('Up', 'Up, single key, to UserMenu', 'State Idle.');
+    await still.pass(99);
+    await still.isGiven();
+    await still.pass(1);
+    await still.isGiven('Up. Up, single key, to UserMenu. State Idle.');
+});
+
+test('an announcement is one text node', async () => {
+    const still = await StillAnnouncer.open();
+    await still.announce('Up', 'Down');
+    await still.pass(100);
+    const nodes = await still.page.evaluate(() => [...window.log.firstChild.childNodes].map(node => node.nodeType));
+    assert.deepEqual(nodes, [3]);
+});
+
+test('equal sentences next to each other are counted', async () => {
+    const still = await StillAnnouncer.open();
+    await still.announce('Up', 'Up', 'Up', 'Down.', 'Down.', 'Up');
+    await still.pass(100);
+    await still.isGiven('Up, 3 times. Down, 2 times. Up.');
+});
+
+test('there is one announcement a second', async () => {
+    const still = await StillAnnouncer.open();
+    await still.announce('One');
+    await still.pass(100);
+    await still.announce('Two');
+    await still.pass(999);
+    await still.announce('Three');
+    await still.isGiven('One.');
+    await still.pass(1);
+    await still.isGiven('One.', `Two. Three.${nbsp}`);
+});
+
+test('an announcement that equals the one before differs in its end', async () => {
+    const still = await StillAnnouncer.open();
+    for (let times = 0; times < 3; ++times) {
+        await still.announce('Up');
+        await still.pass(1000);
+    }
+    await still.isGiven('Up.', `Up.${nbsp}`, 'Up.');
+});
+
+test('nothing is announced while a key is held, and all of it 200 ms after its release', async () => {
+    const still = await StillAnnouncer.open();
+    await still.announce('Before');
+    await still.call('hold');
+    await still.announce('Up', 'Up');
+    await still.pass(5000);
+    await still.isGiven();
+    await still.call('release');
+    await still.pass(199);
+    await still.isGiven();
+    await still.pass(1);
+    await still.isGiven('Before. Up, 2 times.');
+});
+
+test('a key that is pressed again soon holds the announcement back again', async () => {
+    const still = await StillAnnouncer.open();
+    await still.call('hold');
+    await still.announce('Up');
+    await still.call('release');
+    await still.pass(199);
+    await still.call('hold');
+    await still.pass(5000);
+    await still.isGiven();
+    await still.call('release');
+    await still.pass(200);
+    await still.isGiven('Up.');
+});
+
+test('old announcements do not pile up', async () => {
+    const still = await StillAnnouncer.open();
+    for (let times = 0; times < 20; ++times) {
+        await still.announce(`Sentence ${times}`);
+        await still.pass(1000);
+    }
+    assert.equal(await still.page.evaluate(() => window.log.childElementCount), 5);
+});
+
+for (const [level, ...kinds] of [
+    ['all', 'action', 'event', 'reply', 'fault'],
+    ['actions', 'action', 'reply', 'fault'],
+    ['off', 'reply', 'fault'],
+]) {
+    test(`the setting "${level}" lets through: ${kinds.join(', ')}`, async () => {
+        const still = await StillAnnouncer.open();
+        await still.page.evaluate(chosen => {
+            window.announcer.level = chosen;
+            ['action', 'event', 'reply', 'fault'].forEach(kind => window.announcer.announce(kind, kind));
+        }, level);
+        await still.pass(100);
+        await still.isGiven(`${kinds.join('. ')}.`);
+    });
+}
+
+const level = panel => panel.page.getByLabel('Announce to screen readers');
+const announced = panel => panel.texts('#announcements p');
+
+test('the setting thins what the page announces and is kept in the browser', async () => {
+    const panel = await fixture.open();
+    await level(panel).selectOption('Actions only');
+    await panel.page.reload();
+    assert.equal(await level(panel).inputValue(), 'actions');
+    await panel.showsText('#device-status', 'ready');
+    await fixture.simulator.take('state Print', 'wait 100', 'tap Up');
+    await eventually(async () =>
+        assert.deepEqual(await announced(panel), ['Up, single key, to PrintManager.']),
+    );
+});
+
+test('while a key of the page is held from the keyboard nothing is announced', async () => {
+    const panel = await fixture.open();
+    await panel.key('Help').focus();
+    await panel.page.keyboard.down('Space');
+    await panel.isTold('KeyDescription Help to UserMenu');
+    assert.deepEqual(await announced(panel), []);
+    await panel.page.keyboard.up('Space');
+    await eventually(async () => assert.match((await announced(panel))[0], /KeyDescription, Help, to UserMenu\.$/));
+});
