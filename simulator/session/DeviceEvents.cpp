@@ -185,8 +185,10 @@ void DeviceEvents::reportAnswer(const QString& text, const QVariantMap& response
 void DeviceEvents::report(const Refusal& refusal)
 {
     QJsonObject entry{{typeKey, QStringLiteral("refusal")}, {QStringLiteral("reason"), refusal.reason}};
-    const QPair<const char*, QString> details[] = {
-        {"expected", refusal.expected}, {"current", refusal.current}, {"action", refusal.action}};
+    if (refusal.expected) {
+        entry.insert(QStringLiteral("expected"), *refusal.expected);
+    }
+    const QPair<const char*, QString> details[] = {{"current", refusal.current}, {"action", refusal.action}};
     for (const auto& [name, value] : details) {
         if (!value.isEmpty()) {
             entry.insert(QLatin1String(name), value);

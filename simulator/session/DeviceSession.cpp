@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/session/DeviceSession.h"
 
+#include "simulator/device/DaemonWatch.h"
 #include "simulator/device/DeviceRecorder.h"
 #include "simulator/device/SimulatedDevice.h"
 #include "simulator/script/KeyListJson.h"
@@ -194,9 +195,20 @@ QString DeviceSession::recording(QStringList* faults) const
     return m_recording.toText(faults);
 }
 
+QString DeviceSession::formerRecording(QStringList* faults) const
+{
+    return m_formerRecording.toText(faults);
+}
+
 QJsonObject DeviceSession::description() const
 {
     QJsonObject description = SessionDescription::ofVocabulary();
+    const QJsonObject facts = m_facts.toJson();
+    for (auto fact = facts.begin(); fact != facts.end(); ++fact) {
+        description.insert(fact.key(), fact.value());
+    }
+    description.insert(QStringLiteral("answering"), !m_watch || m_watch->isAnswering());
+    description.insert(QStringLiteral("formerRecording"), m_formerRecording.isStarted());
     description.insert(statusKey, SessionDescription::nameOf(m_status));
     description.insert(QStringLiteral("model"), m_options.model);
     description.insert(QStringLiteral("state"), m_options.state);
@@ -280,6 +292,7 @@ void DeviceSession::becomeReady()
     m_readinessTimer.stop();
     m_steps.setTarget(m_device.get());
     m_status = Status::Ready;
+    watchDaemon();
     report(QStringLiteral("ready"));
     // Who is told may restart the device.
     if (m_status == Status::Ready) {
@@ -292,7 +305,7 @@ void DeviceSession::becomeReady()
 
 void DeviceSession::onDaemonExited(int status)
 {
-    end(QStringLiteral("The daemon has ended with status %1.").arg(status));
+    end(SessionDescription::reasonOfEnd(status));
 }
 
 void DeviceSession::onBusEnded()
@@ -319,6 +332,7 @@ void DeviceSession::leaveDevice()
     m_readinessTimer.stop();
     m_recording.stop();
     m_steps.setTarget(nullptr);
+    leaveDaemon();
     if (m_events) {
         m_events->disconnect(this);
         m_device->disconnect(this);
@@ -381,13 +395,26 @@ void DeviceSession::onObserved(const QString& text)
     watchRecording();
 }
 
+std::chrono::milliseconds DeviceSession::now() const
+{
+    return std::chrono::milliseconds(m_clock.isValid() ? m_clock.elapsed() : 0);
+}
+
 void DeviceSession::add(const QJsonObject& entry)
 {
-    Q_EMIT added(m_history.add(entry, std::chrono::milliseconds(m_clock.elapsed())));
+    const bool wasTesting = m_facts.isTesting();
+    m_facts.note(entry);
+    Q_EMIT added(m_history.add(entry, now()));
+    if (m_facts.isTesting() != wasTesting) {
+        add({{typeKey, QStringLiteral("test")}, {QStringLiteral("running"), m_facts.isTesting()}});
+    }
 }
 
 void DeviceSession::beginRecording()
 {
+    if (!m_recording.isUntouched()) {
+        m_formerRecording = m_recording;
+    }
     m_recording.begin(m_options.model, m_options.state, m_options.keyLists, m_options.services);
     add({{typeKey, QStringLiteral("recording")}, {statusKey, QStringLiteral("recording")}});
 }
@@ -396,6 +423,23 @@ void DeviceSession::watchRecording()
 {
     if (m_recording.takeFullness()) {
         add({{typeKey, QStringLiteral("recording")}, {statusKey, QStringLiteral("full")}});
+    }
+}
+
+void DeviceSession::watchDaemon()
+{
+    m_watch = new DaemonWatch(m_device->bus().address(), this);
+    connect(m_watch, &DaemonWatch::changed, this, [this](bool isAnswering) {
+        add({{typeKey, QStringLiteral("daemon")}, {QStringLiteral("answering"), isAnswering}});
+    });
+}
+
+void DeviceSession::leaveDaemon()
+{
+    if (m_watch) {
+        m_watch->disconnect(this);
+        m_watch->deleteLater(); // what it reports may have led here
+        m_watch = nullptr;
     }
 }
 

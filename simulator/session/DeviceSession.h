@@ -3,6 +3,7 @@
 
 #include "simulator/device/DeviceOptions.h"
 #include "simulator/script/KeyScript.h"
+#include "simulator/session/DeviceFacts.h"
 #include "simulator/session/SessionHistory.h"
 #include "simulator/session/SessionRecording.h"
 #include "simulator/session/StepQueue.h"
@@ -16,6 +17,7 @@
 #include <memory>
 #include <optional>
 
+class DaemonWatch;
 class DeviceEvents;
 class DeviceRecorder;
 class SimulatedDevice;
@@ -85,10 +87,14 @@ public:
     /// What was done since the device became ready, and what came of it, as the text of a *.keys file; empty,
     /// with sentences in `faults`, when a script cannot tell it.
     QString recording(QStringList* faults) const;
+    /// The recording that a restart of the device ended last, if anything was done in it; in the same way.
+    QString formerRecording(QStringList* faults) const;
 
     QJsonObject description() const;
     /// The latest entries, oldest first.
     QJsonArray history() const { return m_history.entries(); }
+    /// The time since the device was started: the moment of an entry that would come now.
+    std::chrono::milliseconds now() const;
     /// File name to content, as the daemon has read them at its start; a list that is not there is left out.
     QMap<QString, QByteArray> keyLists() const { return m_options.keyLists; }
 
@@ -125,6 +131,8 @@ private:
     void add(const QJsonObject& entry);
     void beginRecording();
     void watchRecording();
+    void watchDaemon();
+    void leaveDaemon();
 
     void beginReplay();
     void judgeReplay();
@@ -135,6 +143,8 @@ private:
     DeviceOptions m_installed;
     SessionHistory m_history;
     SessionRecording m_recording;
+    SessionRecording m_formerRecording;
+    DeviceFacts m_facts;
     QElapsedTimer m_clock;
     QElapsedTimer m_startClock;
     QTimer m_buildTimer;
@@ -144,5 +154,7 @@ private:
     StepQueue m_steps;
     std::unique_ptr<SimulatedDevice> m_device;
     std::unique_ptr<DeviceEvents> m_events;
+    /// While the daemon is ready; a child.
+    DaemonWatch* m_watch = nullptr;
     std::optional<Replay> m_replay;
 };

@@ -15,6 +15,8 @@ constexpr qint32 pressed = 1;
 const QString undefinedReceiver = QStringLiteral("Undefined");
 const QString undefinedReceiverLine =
     QStringLiteral("KeyboardManager::onEvent WARN: Invalid event, receiver service is undefined!");
+const QString undefinedReceiverReason =
+    QStringLiteral("Its receiver is \"Undefined\", so no service gets it.");
 
 /// The states of a refusal, if `line` is about one.
 std::optional<Refusal> stateRefusal(const QString& line)
@@ -66,14 +68,14 @@ std::optional<Refusal> RefusalFinder::find(const QString& logLine) const
 {
     if (logLine == undefinedReceiverLine) {
         const KeyRow* meant = onlyRow([](const KeyRow& row) { return row.receiver == undefinedReceiver; });
-        return Refusal{logLine, {}, {}, meant ? meant->action : QString()};
+        return Refusal{undefinedReceiverReason, {}, {}, meant ? meant->action : QString()};
     }
     std::optional<Refusal> refusal = stateRefusal(logLine);
     if (!refusal) {
         return std::nullopt;
     }
     const KeyRow* meant = onlyRow([&](const KeyRow& row) {
-        return isFor(row, refusal->expected) && row.receiver != undefinedReceiver;
+        return isFor(row, *refusal->expected) && row.receiver != undefinedReceiver;
     });
     // A long press is tried in each of its states; one of them was the current one.
     if (meant && isFor(*meant, refusal->current)) {

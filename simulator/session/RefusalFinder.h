@@ -12,11 +12,11 @@
 /// An action that the daemon recognised and did not announce.
 struct Refusal
 {
-    /// The daemon's own words.
+    /// The daemon's own words, or a sentence where those say too little.
     QString reason;
-    /// The state that the action is for, and the one that the device was in; empty where it was refused in
-    /// any state.
-    QString expected;
+    /// The state that the action is for; it may be empty. None where the action was refused in any state.
+    std::optional<QString> expected;
+    /// The state that the device was in; empty where the action was refused in any state.
     QString current;
     /// Empty when several rows of the key lists can be meant.
     QString action;

@@ -5,7 +5,11 @@
 
 #include <algorithm>
 
+#include <string.h>
+
 namespace {
+
+constexpr int firstSignalStatus = 128;
 
 /// The identifiers of a family in the order of their ordinals.
 QStringList inOrder(const QMap<QString, int>& family)
@@ -50,6 +54,17 @@ QString nameOf(DeviceSession::Status status)
         return QStringLiteral("ended");
     }
     return {};
+}
+
+QString reasonOfEnd(int status)
+{
+    const char* name = sigabbrev_np(status - firstSignalStatus);
+    const char* description = sigdescr_np(status - firstSignalStatus);
+    if (!name || !description) {
+        return QStringLiteral("The daemon has ended with status %1.").arg(status);
+    }
+    return QStringLiteral("The daemon was ended by the signal SIG%1 (%2).")
+        .arg(QLatin1String(name), QString::fromLatin1(description).toLower());
 }
 
 } // namespace SessionDescription

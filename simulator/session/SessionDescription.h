@@ -9,5 +9,7 @@ namespace SessionDescription {
 /// What there is: models, states, keys, services, commands and key actions, and the program's version.
 QJsonObject ofVocabulary();
 QString nameOf(DeviceSession::Status status);
+/// A sentence on how the daemon ended: its exit status, or 128 and the number of the signal that ended it.
+QString reasonOfEnd(int status);
 
 } // namespace SessionDescription

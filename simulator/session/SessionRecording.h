@@ -22,6 +22,8 @@ public:
     void observe(const QString& text);
 
     bool isRunning() const { return m_state == State::Running; }
+    /// Whether it was ever begun.
+    bool isStarted() const { return m_state != State::None; }
     /// Whether the recording was stopped since the last call, because it holds as much as it may.
     bool takeFullness() { return std::exchange(m_isFullNow, false); }
     /// Whether nothing was done yet.

@@ -22,6 +22,7 @@ QByteArray snapshotOf(const DeviceSession& session, int client)
 {
     // "retry": a page whose connection was lost comes back after a second.
     return "retry: 1000\nevent: snapshot\n" + asData({{QStringLiteral("client"), client},
+                                                      {QStringLiteral("at"), qint64(session.now().count())},
                                                       {QStringLiteral("device"), session.description()},
                                                       {QStringLiteral("history"), session.history()}});
 }

@@ -52,6 +52,12 @@ HttpAnswer refuse(const QVector<ScriptFault>& faults)
     return HttpAnswer::error(badRequest, faults.constFirst().text, {{QStringLiteral("faults"), list}});
 }
 
+HttpAnswer recordingFile(const QByteArray& name, const QString& script, const QStringList& faults)
+{
+    return faults.isEmpty() ? HttpAnswer::file(name, "text/plain; charset=utf-8", script.toUtf8())
+                            : HttpAnswer::error(conflict, faults.join(QLatin1Char(' ')));
+}
+
 } // namespace
 
 PanelApi::PanelApi(DeviceSession& session, const EventStreams& streams)
@@ -65,6 +71,7 @@ const std::vector<PanelApi::Route>& PanelApi::routes()
                                           {"GET", "/api/card", nullptr, cardAsJson},
                                           {"GET", "/api/card.brf", nullptr, cardInBraille},
                                           {"GET", "/api/recording.keys", &PanelApi::recording},
+                                          {"GET", "/api/former-recording.keys", &PanelApi::formerRecording},
                                           {"POST", "/api/steps", &PanelApi::takeSteps},
                                           {"POST", "/api/restart", &PanelApi::restart},
                                           {"POST", "/api/recording", &PanelApi::restartRecording},
@@ -117,10 +124,14 @@ HttpAnswer PanelApi::recording(const HttpRequest& /*request*/) const
 {
     QStringList faults;
     const QString script = m_session.recording(&faults);
-    if (!faults.isEmpty()) {
-        return HttpAnswer::error(conflict, faults.join(QLatin1Char(' ')));
-    }
-    return HttpAnswer::file("recording.keys", "text/plain; charset=utf-8", script.toUtf8());
+    return recordingFile("recording.keys", script, faults);
+}
+
+HttpAnswer PanelApi::formerRecording(const HttpRequest& /*request*/) const
+{
+    QStringList faults;
+    const QString script = m_session.formerRecording(&faults);
+    return recordingFile("former-recording.keys", script, faults);
 }
 
 HttpAnswer PanelApi::takeSteps(const HttpRequest& request) const

@@ -47,6 +47,7 @@ private:
     HttpAnswer device(const HttpRequest& request) const;
     HttpAnswer keyLists(const HttpRequest& request) const;
     HttpAnswer recording(const HttpRequest& request) const;
+    HttpAnswer formerRecording(const HttpRequest& request) const;
     HttpAnswer takeSteps(const HttpRequest& request) const;
     HttpAnswer restart(const HttpRequest& request) const;
     HttpAnswer restartRecording(const HttpRequest& request) const;

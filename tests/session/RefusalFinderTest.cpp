@@ -73,7 +73,7 @@ void RefusalFinderTest::theStatesAreTheLogs()
     const std::optional<Refusal> refusal = RefusalFinder(rows).find(offLine);
     QVERIFY(refusal);
     QCOMPARE(refusal->reason, offLine);
-    QCOMPARE(refusal->expected, QStringLiteral("PrintOff"));
+    QCOMPARE(refusal->expected.value(), QStringLiteral("PrintOff"));
     QCOMPARE(refusal->current, QStringLiteral("Update"));
     QCOMPARE(refusal->action, QString());
 }

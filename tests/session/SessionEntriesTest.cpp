@@ -36,7 +36,9 @@ private Q_SLOTS:
     void aRefusedActionIsNamed();
     void aRefusedActionThatMayBeSeveralIsNotNamed();
     void anActionForNobodyIsRefused();
+    void anActionForAnEmptyStateIsRefused();
     void aKeyWhileStartingUpIsRefused();
+    void aKeyboardTestIsReportedFromBeginToEnd();
 };
 
 void SessionEntriesTest::theHistoryIsWhatWasReported()
@@ -175,10 +177,23 @@ void SessionEntriesTest::anActionForNobodyIsRefused()
     QCOMPARE(take("press Help; tap Up; release Help"), QString());
     WAIT_FOR_EQUAL(entries("refusal").size(), 1);
     QCOMPARE(withoutTime(entries("refusal").first()),
-             QJsonObject(
-                 {{"type", "refusal"},
-                  {"reason", "KeyboardManager::onEvent WARN: Invalid event, receiver service is undefined!"},
-                  {"action", "Void"}}));
+             QJsonObject({{"type", "refusal"},
+                          {"reason", "Its receiver is \"Undefined\", so no service gets it."},
+                          {"action", "Void"}}));
+}
+
+void SessionEntriesTest::anActionForAnEmptyStateIsRefused()
+{
+    options.keyLists.insert(
+        shortcutFile,
+        QByteArray(undefinedRow).replace(R"("Undefined")", R"("UserMenu")").replace(R"("Idle")", R"("")"));
+    QVERIFY(launch());
+    QCOMPARE(take("press Help; wait 50; tap Up; release Help"), QString());
+    QTRY_COMPARE(entries("refusal").size(), 1);
+    const QJsonObject refusal = entries("refusal").first();
+    QCOMPARE(refusal.value("expected"), QJsonValue(""));
+    QCOMPARE(refusal.value("current").toString(), QStringLiteral("Idle"));
+    QCOMPARE(refusal.value("action").toString(), QStringLiteral("Void"));
 }
 
 void SessionEntriesTest::aKeyWhileStartingUpIsRefused()
@@ -191,6 +206,20 @@ void SessionEntriesTest::aKeyWhileStartingUpIsRefused()
         withoutTime(entries("refusal").first()),
         QJsonObject({{"type", "refusal"}, {"reason", "The device is starting up."}, {"current", "Startup"}}));
     QCOMPARE(entries("cancel").size(), 1);
+}
+
+void SessionEntriesTest::aKeyboardTestIsReportedFromBeginToEnd()
+{
+    options.state = ls::StateId::Error;
+    QVERIFY(launch());
+    QCOMPARE(take("command StartTestMode"), QString());
+    QVERIFY(awaitEntry("test", "running", "true"));
+    QVERIFY(session().description().value("testing").toBool());
+    QCOMPARE(take("tap Up; wait 50; tap Ten"), QString());
+    QVERIFY(awaitEntry("test", "running", "false"));
+    QVERIFY(!session().description().value("testing").toBool());
+    QCOMPARE(members("announcement", "observation"),
+             QStringList("announce SingleKey ErrorHandler ServiceTool Ok"));
 }
 
 QTEST_GUILESS_MAIN(SessionEntriesTest)

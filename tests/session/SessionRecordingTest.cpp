@@ -31,6 +31,7 @@ class SessionRecordingTest : public SessionTest
     Q_OBJECT
 
 private Q_SLOTS:
+    void theFormerRecordingOutlivesARestart();
     void aRecordingComesTrueAgain_data();
     void aRecordingComesTrueAgain();
     void aFalsifiedRecordingDoesNotComeTrue();
@@ -118,6 +119,26 @@ QString SessionRecordingTest::replayed(const QString& text)
         return session().reason();
     }
     return entries("replay").last().value("differences").toVariant().toStringList().join('\n');
+}
+
+void SessionRecordingTest::theFormerRecordingOutlivesARestart()
+{
+    QVERIFY(launch());
+    QStringList faults;
+    QVERIFY(!session().description().value("formerRecording").toBool());
+    QCOMPARE(session().formerRecording(&faults), QString());
+    QCOMPARE(faults, QStringList("Nothing was recorded yet."));
+    QCOMPARE(take("tap Chs"), QString());
+    QVERIFY(awaitEntry("speech", "text", "Character set"));
+    // The second restart ends a recording in which nothing was done.
+    for (int restarts = 0; restarts < 2; ++restarts) {
+        QCOMPARE(session().restart({}), QString());
+        QVERIFY(awaitStatus(Status::Ready));
+    }
+    faults.clear();
+    QVERIFY(session().formerRecording(&faults).contains("press Chs\n"));
+    QCOMPARE(faults, QStringList());
+    QVERIFY(session().description().value("formerRecording").toBool());
 }
 
 void SessionRecordingTest::aRecordingComesTrueAgain_data()

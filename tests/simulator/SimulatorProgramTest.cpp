@@ -448,7 +448,7 @@ void SimulatorProgramTest::aCrashDoesNotEndAServedDevice()
     QVERIFY(awaitOutput(panelLine));
     QVERIFY(daemon() != 0);
     QCOMPARE(kill(pid_t(daemon()), SIGKILL), 0);
-    QVERIFY(awaitOutput(QStringLiteral("\nThe daemon has ended with status 137.\n")));
+    QVERIFY(awaitOutput(QStringLiteral("\nThe daemon was ended by the signal SIGKILL (killed).\n")));
     QVERIFY(!m_program->waitForFinished(500));
     QCOMPARE(kill(pid_t(m_program->processId()), SIGINT), 0);
     QVERIFY(expectStatus(128 + SIGINT));
@@ -461,7 +461,7 @@ void SimulatorProgramTest::aCrashDuringTheScriptIsTold()
     QVERIFY(awaitOutput(QStringLiteral("Begun")));
     QVERIFY(daemon() != 0);
     QCOMPARE(kill(pid_t(daemon()), SIGKILL), 0);
-    QVERIFY(awaitOutput(QStringLiteral("\nThe daemon has ended with status 137.\n")));
+    QVERIFY(awaitOutput(QStringLiteral("\nThe daemon was ended by the signal SIGKILL (killed).\n")));
     QVERIFY(awaitOutput(panelLine));
     QVERIFY(awaitOutput(QStringLiteral("\n> ")));
     QVERIFY(answers());

@@ -137,6 +137,7 @@ private Q_SLOTS:
     void theDeviceRestartsAsAnotherModel();
     void faultyStatementsAreExplained();
     void theRecordingIsAScript();
+    void theFormerRecordingIsAScriptOnceThereIsOne();
     void aRecordingThatNoScriptCanTellIsExplained();
     void aScriptIsReplayedAndJudged();
     void aReplayIsStopped();
@@ -352,6 +353,20 @@ void PanelApiTest::theRecordingIsAScript()
     const ParsedScript parsed = parseKeyScript(QString::fromUtf8(reply.body));
     QVERIFY2(parsed.faults.isEmpty(), reply.body.constData());
     QCOMPARE(parsed.script.steps.size(), 2);
+}
+
+void PanelApiTest::theFormerRecordingIsAScriptOnceThereIsOne()
+{
+    QCOMPARE(get("/api/former-recording.keys").status, 409);
+    QVERIFY(take("tap Menu"));
+    QVERIFY(awaitEntry(*m_reader, keyEntry(QStringLiteral("Menu"), 0)));
+    QCOMPARE(post("/api/restart", "{}").status, 202);
+    QVERIFY(awaitReady());
+    const HttpReply reply = get("/api/former-recording.keys");
+    QCOMPARE(reply.status, 200);
+    QCOMPARE(reply.headers.value("content-disposition"),
+             QByteArray("attachment; filename=\"former-recording.keys\""));
+    QVERIFY2(reply.body.contains("press Menu"), reply.body.constData());
 }
 
 void PanelApiTest::aRecordingThatNoScriptCanTellIsExplained()
