@@ -70,7 +70,7 @@ test('a daemon that crashes is told, and the device can be restarted', async () 
     const panel = await fixture.open();
     await fixture.simulator.crashDaemon();
     await panel.showsText('#device-status', 'ended');
-    await panel.showsText('#alert', /^The daemon has ended/);
+    await panel.showsText('#alert', /^The daemon was ended by the signal SIGSEGV/);
     await panel.showsText('#ended-reason', /./);
     await panel.showsText('#now-state', 'Nothing: the daemon has ended.');
     await panel.key('Up').click();

@@ -21,8 +21,9 @@ export class PanelSession {
     }
 
     /// The page, in a context of its own, once it has come to know the device. `url` and `view` say what is opened,
-    /// `script` runs before the page does; the other options are those of a browser context.
-    async open({ url = this.simulator.url, view = '', script, ...options } = {}) {
+    /// `script` runs before the page does, `status` is the one that the page shows then; the other options are those of
+    /// a browser context.
+    async open({ url = this.simulator.url, view = '', script, status = 'ready', ...options } = {}) {
         const context = await this.browser.newContext({ viewport: { width: 1280, height: 900 }, ...options });
         context.setDefaultTimeout(0);
         const panel = new PanelPage(await context.newPage());
@@ -31,7 +32,7 @@ export class PanelSession {
             await panel.page.addInitScript(script);
         }
         await panel.page.goto(new URL(view, url).href);
-        await panel.showsText('#device-status', 'ready');
+        await panel.showsText('#device-status', status);
         return panel;
     }
 

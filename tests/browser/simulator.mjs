@@ -46,8 +46,8 @@ export class Simulator {
     /// Brings the device to Idle with no gesture under way: Menu, unless it follows Help, is announced at once and
     /// makes an end of all.
     async settle() {
-        const { status, state } = await this.json('/api/device');
-        if (status !== 'ready') {
+        const { status, state, answering } = await this.json('/api/device');
+        if (status !== 'ready' || !answering) {
             await this.restart();
         }
         if (state !== 'Idle') {
@@ -78,6 +78,15 @@ export class Simulator {
     /// Ends the daemon as a crash would.
     async crashDaemon() {
         process.kill(await daemonBelow(this.#process.pid), 'SIGSEGV');
+    }
+
+    /// The daemon hangs until `resumeDaemon`.
+    async hangDaemon() {
+        process.kill(await daemonBelow(this.#process.pid), 'SIGSTOP');
+    }
+
+    async resumeDaemon() {
+        process.kill(await daemonBelow(this.#process.pid), 'SIGCONT');
     }
 
     /// Ends it as Ctrl-C does; its exit status.

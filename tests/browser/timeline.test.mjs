@@ -126,6 +126,13 @@ describe('bars of the keys', () => {
             [false, true],
         );
     });
+    test('a key pressed in Startup and released in Idle is heard in part, and the other way round', () => {
+        const rowsOf = (...entries) => timelineRows(modelOf(entries, 900)).filter(row => row.kind === 'Key');
+        const idle = rowsOf(ready(0, 'Startup'), press(100, 'Up'), state(200, 'Idle'), release(300, 'Up'));
+        assert.deepEqual(pick(idle, 'what'), [{ what: 'Up, its press was not heard' }]);
+        const startup = rowsOf(ready(), press(100, 'Up'), state(200, 'Startup'), release(300, 'Up'));
+        assert.deepEqual(pick(startup, 'what'), [{ what: 'Up, its release was not heard' }]);
+    });
 });
 
 describe('the window for more keys', () => {
@@ -161,8 +168,33 @@ describe('the window for more keys', () => {
             [100, 1600],
         ]);
     });
-    test('opens in states other than Idle as well', () => {
-        assert.deepEqual(times(modelOf([ready(0, 'Print'), tap(50, 'Up')], 9000).windows), [[100, 1600]]);
+    test('does not open in states in which each key is announced at once', () => {
+        for (const name of ['Print', 'PrintOff', 'Update', 'Error']) {
+            assert.deepEqual(modelOf([ready(0, name), tap(50, 'Up')], 9000).windows, [], name);
+        }
+    });
+    test('ends with a release in such a state', () => {
+        const model = modelOf([ready(), tap(50, 'Up'), state(200, 'Print'), tap(300, 'Up')], 9000);
+        assert.deepEqual(times(model.windows), [[100, 350]]);
+    });
+    test('opens in a keyboard test, until Ten ends it', () => {
+        const running = at => entry('test', at, { running: true });
+        const model = modelOf([ready(0, 'Error'), running(10), tap(50, 'Up'), tap(200, 'Ten')], 9000);
+        assert.deepEqual(times(model.windows), [[100, 250]]);
+    });
+    test('does not open after Menu in Idle, and ends with it, unless it follows Help', () => {
+        const windowsOf = (...entries) => times(modelOf([ready(), ...entries], 9000).windows);
+        assert.deepEqual(windowsOf(tap(50, 'Menu')), []);
+        assert.deepEqual(windowsOf(tap(50, 'Up'), tap(200, 'Menu')), [[100, 250]]);
+        assert.deepEqual(windowsOf(tap(50, 'Help'), tap(200, 'Menu')), [[100, 1750]]);
+        assert.deepEqual(windowsOf(tap(50, 'Help'), tap(1600, 'Menu')), [[100, 1600]]);
+    });
+    test('or not, the time since the last release stops a long press', () => {
+        const entries = [ready(0, 'Print'), tap(0, 'Up'), press(200, 'Help'), repeat(450, 'Help'), repeat(1700, 'Help')];
+        assert.deepEqual(pick(holdsOf(modelOf(entries, 2000), 'Help'), 'from', 'to', 'outcome'), [
+            { from: 450, to: 1550, outcome: 'stopped' },
+            { from: 1700, to: 2000, outcome: 'running' },
+        ]);
     });
     test('no release in Startup counts, and one that is open runs out', () => {
         const model = modelOf(
@@ -469,6 +501,14 @@ describe('moments, states and runs', () => {
             { at: 300, text: 'The daemon ended. It crashed.' },
         ]);
         assert.deepEqual(pick(laneOf(model, 'Up').bars, 'to', 'cut'), [{ to: 300, cut: true }]);
+    });
+    test('a daemon that does not answer, and answers again, is a break', () => {
+        const answering = (at, is) => entry('daemon', at, { answering: is });
+        const model = modelOf([ready(), answering(100, false), answering(200, true)], 1000);
+        assert.deepEqual(pick(model.breaks, 'at', 'text'), [
+            { at: 100, text: 'The daemon does not answer' },
+            { at: 200, text: 'The daemon answers again' },
+        ]);
     });
     test('no entries at all are an empty model', () => {
         assert.deepEqual(pick([timelineModel([], {})], 'from', 'to', 'lanes', 'runs'), [

@@ -113,6 +113,45 @@ test('zooming in shows a shorter time, zooming out a longer one, and Fit everyth
     await isDrawn(panel, 'path.key');
 });
 
+test('Fit keeps everything in sight while time passes, until something else is chosen', async () => {
+    const panel = await openTimeline();
+    await panel.button('Fit').click();
+    const { span } = await sight(panel);
+    await eventually(async () => assert((await sight(panel)).span > span + 2));
+    assert.match(await picture(panel).locator('path.edge').first().getAttribute('d'), /^M132,/); // the left edge
+    await panel.button('Zoom in').click();
+    const zoomed = await sight(panel);
+    await panel.button('Pause').click();
+    assert.equal((await sight(panel)).span, zoomed.span);
+});
+
+test('a page that comes later shows the time that it is', async () => {
+    const panel = await openTimeline();
+    const lasts = async table =>
+        Number.parseInt(await table.getByRole('row').filter({ hasText: 'Idle' }).last().getByRole('cell').last().innerText(), 10);
+    const table = await openTable(panel);
+    await eventually(async () => assert((await lasts(table)) > 3000));
+    // Its own clock stands still, so that what it shows is what it was told.
+    const later = await fixture.open({
+        view: '#timeline',
+        script: () => {
+            performance.now = () => 1000;
+        },
+    });
+    const other = await openTable(later);
+    await eventually(async () => assert((await lasts(other)) > 3000));
+});
+
+test('a narrow page begins with what happens now', async () => {
+    const panel = await openTimeline({ viewport: { width: 320, height: 640 } });
+    await isDrawn(panel, 'path.grid');
+    const { left, most } = await panel.page.locator('.timeline-frame').evaluate(frame => ({
+        left: frame.scrollLeft,
+        most: frame.scrollWidth - frame.clientWidth,
+    }));
+    assert(most > 0 && left >= most - 1, `${left} of ${most}`);
+});
+
 test('a paused timeline stands still until it is resumed', async () => {
     const panel = await openTimeline();
     await panel.button('Pause').click();
@@ -169,6 +208,27 @@ test('the slider moves through the past as well', async () => {
     await panel.page.keyboard.press('Home');
     await panel.button('Resume').waitFor();
     await eventually(async () => assert((await sight(panel)).before > 0));
+});
+
+test('a step of the slider is a tenth of the time that is shown, and the steps come to the end', async () => {
+    const panel = await openTimeline();
+    await fixture.simulator.take('tap Up', 'wait 3000');
+    for (let times = 0; times < 3; ++times) {
+        await panel.button('Zoom in').click();
+    }
+    const { span } = await sight(panel);
+    const slider = panel.page.getByRole('slider', { name: 'Time shown' });
+    await eventually(async () => assert((await slider.evaluate(one => one.max - one.min)) > 4000));
+    await panel.button('Pause').click();
+    const end = await sight(panel);
+    await slider.focus();
+    await panel.page.keyboard.press('ArrowLeft');
+    await panel.page.keyboard.press('ArrowLeft');
+    const moved = await sight(panel);
+    const step = (moved.before - end.before) / 2;
+    assert(step >= span / 20 && step <= span / 5, `${step} s of ${span} s`);
+    await panel.page.keyboard.press('End');
+    assert((await sight(panel)).before <= end.before);
 });
 
 test('the saved picture stands alone', async () => {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The front panel: sends what is done on the page as key-script statements and shows what comes of it.
 import { Announcer } from './announcer.js';
+import { OpenCommands, answerPatience } from './openCommands.js';
 import { Timeline } from './timeline.js';
 
 const byId = id => document.getElementById(id);
@@ -125,7 +126,9 @@ const pointerReleases = new WeakMap(); // key button -> when a pointer left it
 
 const inputDevice = () => document.querySelector('[name="input-device"]:checked').value;
 const idOf = key => `${inputDevice()} ${key}`;
-const isDown = key => ['0', '1'].some(number => down.has(`${number} ${key}`) || held.has(`${number} ${key}`));
+/// Until the device has reported the press of this page, the page shows it as done.
+const isDown = id => down.has(id) || held.get(id)?.isReported === false;
+const isDownAnywhere = key => ['0', '1'].some(number => isDown(`${number} ${key}`));
 
 function statementsOf(verb, id) {
     const [number, key] = id.split(' ');
@@ -133,23 +136,28 @@ function statementsOf(verb, id) {
 }
 
 function showKeys() {
-    const latching = byId('latch').checked;
     for (const button of keyButtons) {
-        const { key } = button.dataset;
-        button.classList.toggle('down', isDown(key));
-        if (latching) {
-            button.setAttribute('aria-pressed', String(held.get(idOf(key))?.holder === 'latch'));
-        } else {
-            button.removeAttribute('aria-pressed');
-        }
+        const isPressed = isDownAnywhere(button.dataset.key);
+        button.classList.toggle('down', isPressed);
+        button.setAttribute('aria-pressed', String(isPressed));
     }
+    showHeld();
+}
+
+/// All keys that are down, whoever holds them, in the header of each view.
+function showHeld() {
+    const names = keyButtons.map(({ dataset }) => dataset.key).flatMap(key => [
+        ...isDown(`0 ${key}`) ? [key] : [],
+        ...isDown(`1 ${key}`) ? [`${key} (device 1)`] : [],
+    ]);
+    byId('held-now').textContent = connection === 'open' ? names.join(', ') || 'no key' : '–';
 }
 
 function press(id, holder) {
     if (held.has(id)) {
         return;
     }
-    const hold = { holder, isRefused: false };
+    const hold = { holder, isRefused: false, isReported: down.has(id) };
     held.set(id, hold);
     showKeys();
     const sent = send(statementsOf('press', id));
@@ -187,6 +195,8 @@ function begin(key, holder) {
         press(id, holder);
     } else if (held.has(id)) {
         release((_, each) => each === id);
+    } else if (down.has(id)) { // another page or a script holds it
+        attempt(send(statementsOf('release', id)));
     } else {
         press(id, 'latch');
     }
@@ -278,10 +288,18 @@ function setUpKeys() {
 
 function onKey({ device: number, key, value }) {
     const id = `${number} ${key}`;
-    if (value === 0) {
-        down.delete(id);
-    } else {
+    const hold = held.get(id);
+    if (value !== 0) {
         down.add(id);
+        if (hold) {
+            hold.isReported = true;
+        }
+        return;
+    }
+    down.delete(id);
+    // A finger or a key of the keyboard that rests on it still sends its release when it is lifted.
+    if (hold?.isReported && hold.holder === 'latch') {
+        held.delete(id);
     }
 }
 
@@ -320,19 +338,23 @@ function fillChoices() {
 
 function showDevice() {
     const isConnected = connection === 'open';
-    byId('device-model').textContent = device.model || '–';
-    byId('device-state').textContent = device.state || '–';
-    byId('device-status').textContent = isConnected ? device.status : 'not connected';
-    byId('daemon-lamp').dataset.status = isConnected ? device.status : 'lost';
-    byId('ended').hidden = device.status !== 'ended';
+    const isHung = device.status === 'ready' && device.answering === false;
+    const [model, state] = isConnected ? [device.model, device.state] : ['', ''];
+    byId('device-model').textContent = model || '–';
+    byId('device-state').textContent = state || '–';
+    byId('device-status').textContent = !isConnected ? 'not connected' : isHung ? 'not answering' : device.status;
+    byId('daemon-lamp').dataset.status = !isConnected ? 'lost' : isHung ? 'hung' : device.status;
+    byId('testing').hidden = !isConnected || !device.testing;
+    byId('ended').hidden = !isConnected || device.status !== 'ended';
     byId('ended-reason').textContent = device.reason ?? '';
-    markChoice('states', device.state);
-    markChoice('models', device.model);
+    markChoice('states', state);
+    markChoice('models', model);
     showNow();
 }
 
 function onDevice({ status, model, state, reason }) {
-    Object.assign(device, { status, model, state, reason });
+    sentCommands.length = 0;
+    Object.assign(device, { status, model, state, reason, answering: true, testing: false });
     down.clear();
     forgetHeldKeys();
 }
@@ -399,13 +421,16 @@ const speechText = ({ text, observation }) => text || observation.replace(/^spea
 function describeAnnouncement({ action, keys, receiver, sender }) {
     return element('p', { className: 'announcement' },
         element('strong', { textContent: action }), ' ', ...keysOf(keys),
-        element('span', { textContent: `to ${receiver} ${sender ? `from ${sender}` : 'without a sender'}` }));
+        element('span', { textContent: `to ${receiver || 'no service'} ${sender ? `from ${sender}` : 'without a sender'}` }));
 }
 
 function refusalText({ reason, expected, current, action }) {
     const what = action ? `Refused: ${action}.` : 'Refused:';
-    return expected && current ? `${what} Expected state is ${expected}, but current state is ${current}.`
-        : `${what} ${reason}`;
+    if (expected === undefined) {
+        return `${what} ${reason}`;
+    }
+    return expected ? `${what} Expected state is ${expected}, but current state is ${current}.`
+        : `${what} It is for no state, and the current state is ${current}.`;
 }
 
 function describeAnnounced(entry) {
@@ -492,18 +517,51 @@ function describeNow({ keys, how, holdMs, action, receivers, notes = [] }) {
         element('span', { className: 'how', textContent: [how, ...notes].join(' ') }));
 }
 
+/// Why it is not known, or nothing at all, what leads to an action; empty when keys do.
+function whyNothingNow() {
+    if (connection !== 'open') {
+        return 'Not known: there is no connection to the simulator.';
+    }
+    switch (device.status) {
+    case 'ready': return device.answering === false
+        ? 'Nothing: the daemon does not answer. What is pressed waits until it does.' : '';
+    case 'ended': return 'Nothing: the daemon has ended.';
+    default: return 'Nothing yet: the daemon is starting.';
+    }
+}
+
+/// In a keyboard test single keys are counted, but in Idle; in Startup no key counts at all.
+const isTested = () => device.testing && !['Idle', 'Startup'].includes(device.state);
+
+function testText(state) {
+    const ten = state?.entries.find(({ kind, keys }) => kind === 'single' && keys[0] === 'Ten');
+    const hasCombinations = (card.never ?? []).some(({ kind, validOnState }) => {
+        return kind === 'combination' && validOnState === device.state;
+    });
+    return [`The keyboard test is running in the state ${device.state}: each key is spoken and counted when it is released, `
+        + 'and no service gets it.',
+        `Ten ends the test and is announced as Ok to ${ten?.receivers.join(' and ') ?? 'a service'}.`,
+        ...hasCombinations ? [`Combinations for ${device.state} are announced, too.`] : []].join(' ');
+}
+
 function nowText(state) {
-    if (device.status !== 'ready') {
-        return device.status === 'ended' ? 'Nothing: the daemon has ended.' : 'Nothing yet: the daemon is starting.';
+    const reason = whyNothingNow();
+    if (reason) {
+        return reason;
+    }
+    if (isTested()) {
+        return testText(state);
     }
     const text = state?.entries.length ? `In the state ${device.state}, on model ${device.model}.`
         : `In the state ${device.state} no key leads to an action.`;
-    return [text, ...state?.notes ?? []].join(' ');
+    const test = device.testing ? [`The keyboard test counts no keys in ${device.state}.`] : [];
+    return [text, ...test, ...state?.notes ?? []].join(' ');
 }
 
 function showNow() {
     const state = card.states.find(each => each.state === device.state);
-    const shown = device.status === 'ready' && state ? [...kinds].filter(([kind]) => isPart(state, kind)) : [];
+    const isShown = kind => isPart(state, kind) && !(kind === 'single' && isTested());
+    const shown = !whyNothingNow() && state ? [...kinds].filter(([kind]) => isShown(kind)) : [];
     byId('now-state').textContent = nowText(state);
     byId('now').replaceChildren(...shown.map(([kind, title]) => element('div', {},
         element('h4', { textContent: title }),
@@ -749,7 +807,33 @@ function describeAnswer(entry) {
     switch (entry.type) {
     case 'command': return line(entry.text, 'typed');
     case 'answer': return element('div', {}, ...describeResponse(entry));
+    case 'unanswered': return line(unansweredText(entry), 'fault');
     default: return null;
+    }
+}
+
+const openCommands = new OpenCommands();
+
+function unansweredText({ text, isFinal }) {
+    return isFinal ? `${text}: the daemon went without an answer.` : `${text}: the daemon has not answered yet.`;
+}
+
+function reportUnanswered(texts, isFinal) {
+    for (const text of texts) {
+        const entry = { type: 'unanswered', text, isFinal };
+        logs.answers.add(entry);
+        complain(unansweredText(entry));
+    }
+}
+
+function watchAnswers() {
+    setTimeout(() => reportUnanswered(openCommands.late(performance.now()), false), answerPatience + 50); // a timer may fire a little early
+}
+
+function followCommands(entry) {
+    reportUnanswered(openCommands.take(entry, performance.now()), true);
+    if (entry.type === 'command') {
+        watchAnswers();
     }
 }
 
@@ -890,8 +974,24 @@ function learn(entry) {
     case 'device': return onDevice(entry);
     case 'key': return onKey(entry);
     case 'state': device.state = entry.state; return undefined;
+    case 'daemon': device.answering = entry.answering; return undefined;
+    case 'test': device.testing = entry.running; return undefined;
     default: return undefined;
     }
+}
+
+function reactToAnswering({ answering }) {
+    showDevice();
+    if (answering) {
+        tell('The daemon answers again.', 'event');
+    } else {
+        complain('The daemon does not answer. What is pressed waits until it does.');
+    }
+}
+
+function reactToTest({ running }) {
+    showDevice();
+    tell(running ? 'The keyboard test is running.' : 'The keyboard test has ended.', 'event');
 }
 
 /// What is done about an entry at the moment that it comes.
@@ -900,6 +1000,8 @@ function react(entry) {
     case 'device': return reactToDevice(entry);
     case 'state': showDevice(); return tell(`State ${entry.state}.`, 'event');
     case 'key': return showKeys();
+    case 'daemon': return reactToAnswering(entry);
+    case 'test': return reactToTest(entry);
     case 'recording': return showRecording(entry.status);
     case 'replay': return showReplay(entry);
     case 'speech':
@@ -944,12 +1046,16 @@ function takeSnapshot(snapshot) {
     held.clear();
     history.forEach(learn);
     device = { reason: device.reason, ...snapshot.device };
+    down.clear(); // the history may not reach back to each press
+    device.held.forEach(hold => down.add(`${hold.device} ${hold.key}`));
     showRecording(device.recording ? 'recording' : 'full');
     showReplay(history.filter(entry => entry.type === 'replay').at(-1));
     Object.values(logs).forEach(log => log.reset(history));
+    logs.answers.reset(openCommands.reset(history, snapshot.at, performance.now()));
+    watchAnswers();
     logs.lists.reset(sinceLastStart(history));
     reportQuietLists(logs.lists.earlier);
-    timeline.reset(history);
+    timeline.reset(history, snapshot.at);
     if (connection === 'lost') {
         tell('Connected again.', 'fault');
     }
@@ -967,6 +1073,7 @@ function takeEntry(entry) {
     }
     lastId = entry.id;
     learn(entry);
+    followCommands(entry);
     Object.values(logs).forEach(log => log.add(entry));
     timeline.add(entry);
     announceEntry(entry);
@@ -980,6 +1087,7 @@ function loseConnection(reason) {
         down.clear();
         forgetHeldKeys();
         showDevice();
+        timeline.stop('There is no connection to the simulator. The timeline ends where it was lost.');
         complain(`${reason} The page goes on trying.`);
     }
 }

@@ -55,8 +55,12 @@ class ModelBuilder {
     #longTimes;
     #offset = 0;
     #now = 0;
+    #state = '';
     #listens = false;
-    #window;
+    #testing = false;
+    #lastReleased = ''; // since the daemon forgot its keys last
+    #timerEnd; // when the time since the last release is up
+    #window; // that time, as long as the daemon waits for more keys in it
     #long;
     #formerLong;
     #reset;
@@ -88,13 +92,19 @@ class ModelBuilder {
                 this.#device(entry, at);
                 break;
             case 'state':
-                this.#state(entry.state, entry.id, at);
+                this.#changeState(entry.state, entry.id, at);
                 break;
             case 'key':
                 this.#key(entry, entry.device, entry.value, at);
                 break;
             case 'answer':
                 this.#answer(entry, at);
+                break;
+            case 'test':
+                this.#testing = entry.running;
+                break;
+            case 'daemon':
+                this.#answering(entry, at);
                 break;
             default:
                 this.#moment(entry, at);
@@ -152,9 +162,15 @@ class ModelBuilder {
         }
     }
 
+    #answering({ id, answering }, at) {
+        const text = answering ? 'The daemon answers again' : 'The daemon does not answer';
+        this.#model.breaks.push({ id, at, text });
+    }
+
     #device(entry, at) {
+        this.#testing = false;
         if (entry.status === 'ready') {
-            this.#state(entry.state, entry.id, at);
+            this.#changeState(entry.state, entry.id, at);
             return;
         }
         this.#listens = false;
@@ -169,7 +185,8 @@ class ModelBuilder {
         }
     }
 
-    #state(state, id, at) {
+    #changeState(state, id, at) {
+        this.#state = state;
         this.#listens = state !== 'Startup';
         this.#span(state, id, at);
     }
@@ -203,7 +220,7 @@ class ModelBuilder {
 
     #pressed(lane, entry, at) {
         this.#closeBar(lane, at, {});
-        lane.bar = { id: entry.id, from: at, to: undefined, repeats: [], heard: this.#listens };
+        lane.bar = { id: entry.id, from: at, to: undefined, repeats: [], heard: this.#listens, pressHeard: this.#listens };
         lane.bars.push(lane.bar);
         if (!this.#listens) {
             return;
@@ -219,6 +236,8 @@ class ModelBuilder {
         if (!lane.bar) {
             lane.bar = this.#barFromBefore(lane, entry);
         }
+        lane.bar.heard ||= this.#listens;
+        lane.bar.releaseHeard = this.#listens;
         this.#closeBar(lane, at, {});
         if (!this.#listens) {
             return;
@@ -227,12 +246,25 @@ class ModelBuilder {
             this.#stopReset(at);
         }
         this.#stopLong(at);
-        this.#startWindow(entry.id, at);
+        this.#timerEnd = at + singleKeyWindow;
+        if (this.#waitsAfter(lane.key)) {
+            this.#lastReleased = lane.key;
+            this.#startWindow(entry.id, at);
+        } else {
+            this.#forgetKeys(at);
+        }
+    }
+
+    /// Whether the daemon remembers the key: it waits for more in Idle, but not after Menu unless that follows Help,
+    /// and in a keyboard test. Anywhere else a key is announced at once, and forgotten with all before it.
+    #waitsAfter(key) {
+        return ['', 'Idle'].includes(this.#state) ? key !== 'Menu' || this.#lastReleased === 'Help' : this.#testing && key !== 'Ten';
     }
 
     #repeated(lane, entry, at) {
         lane.bar ??= this.#barFromBefore(lane, entry);
         lane.bar.repeats.push(at);
+        lane.bar.heard ||= this.#listens;
         if (!this.#listens || !Object.hasOwn(this.#longTimes, lane.key)) {
             return;
         }
@@ -252,6 +284,7 @@ class ModelBuilder {
             to: undefined,
             repeats: [],
             heard: this.#listens,
+            pressHeard: this.#listens,
             begun: true,
         };
         if (lane.device === commandDevice || lane.bars.length > 0) {
@@ -268,14 +301,24 @@ class ModelBuilder {
             this.#window = { id, from: at, restarts: [] };
             this.#model.windows.push(this.#window);
         }
-        this.#window.to = at + singleKeyWindow;
+        this.#window.to = this.#timerEnd;
     }
 
     #endWindowBy(at) {
-        if (this.#window && this.#window.to <= at) {
-            this.#stopLong(this.#window.to);
+        if (this.#timerEnd <= at) {
+            this.#stopLong(this.#timerEnd);
+            this.#forgetKeys(this.#timerEnd);
+            this.#timerEnd = undefined;
+        }
+    }
+
+    /// The daemon waits for no more keys.
+    #forgetKeys(at) {
+        if (this.#window) {
+            this.#window.to = at;
             this.#window = undefined;
         }
+        this.#lastReleased = '';
     }
 
     #holdOf(lane, kind, id, from, time) {
@@ -379,6 +422,8 @@ class ModelBuilder {
         this.#stopLong(at);
         this.#stopReset(at);
         this.#formerLong = this.#reset = undefined;
+        this.#lastReleased = '';
+        this.#timerEnd = undefined;
         if (this.#window) {
             Object.assign(this.#window, { to: Math.min(at, this.#window.to), cut: true });
             this.#window = undefined;
@@ -508,7 +553,15 @@ function laneRows(lane) {
 
 function keyText(lane, bar) {
     const repeats = bar.repeats.length > 0 && countOf(bar.repeats.length, 'repetition');
-    return joined(lane.label, repeats, bar.open && 'still held', !bar.heard && 'not heard');
+    return joined(lane.label, repeats, bar.open && 'still held', deafness(bar));
+}
+
+/// What of a key the daemon did not hear, because it was in Startup or not there.
+function deafness({ heard, pressHeard, releaseHeard = true }) {
+    if (!heard) {
+        return 'not heard';
+    }
+    return (!pressHeard && 'its press was not heard') || (!releaseHeard && 'its release was not heard');
 }
 
 function windowText(window) {
@@ -845,7 +898,7 @@ class Drawing {
             ['hold-end refused', 'refused'],
             ['hold-end stopped', 'stopped'],
             ['window', 'waits for more keys'],
-            ['break', 'device restarted or ended'],
+            ['break', 'device restarted, ended or not answering'],
         ];
         this.#gridLine(`M0,${this.#y}.5H${this.#width}`);
         let x = 8;
@@ -918,11 +971,16 @@ const tableInterval = 1000;
 const moveBy = 0.25;
 /// Room for the words beside what happens now.
 const aheadOfNow = 0.12;
+/// How many steps of the slider go through the time that is shown.
+const stepsOfSlider = 10;
 
 /// Shows the entries of a session in `container`: buttons, the picture, and the table with the same content.
 export class Timeline {
     #entries = [];
     #shown;
+    #lost; // the moment at which the connection was lost
+    #fits = false; // whether all is in sight, however long it becomes
+    #isNew = true; // whether it was not drawn yet
     #longTimes = {};
     #model = timelineModel([]);
     #stale = true;
@@ -958,8 +1016,21 @@ export class Timeline {
     /// Begins with other entries; `now` is the time on the device's clock, without it that of the last entry.
     reset(entries, now = entries[entries.length - 1]?.at ?? 0) {
         this.#entries = entries.slice(-maximumEntries);
+        this.#lost = undefined;
+        this.#setNote('');
         this.#setClock(now);
         this.#stale = true;
+    }
+
+    /// Nothing is known from now on, until `reset`; `note` says so.
+    stop(note) {
+        this.#lost = this.#liveNow();
+        this.#setNote(note);
+    }
+
+    #setNote(text) {
+        this.#parts.note.textContent = text;
+        this.#parts.note.hidden = text === '';
     }
 
     /// The key card knows the times of the long presses; they count from the last start of the device on.
@@ -978,7 +1049,11 @@ export class Timeline {
     }
 
     #now() {
-        return this.#shown?.now ?? this.#clock.at + performance.now() - this.#clock.stamp;
+        return this.#shown?.now ?? this.#liveNow();
+    }
+
+    #liveNow() {
+        return this.#lost ?? this.#clock.at + performance.now() - this.#clock.stamp;
     }
 
     #connect() {
@@ -1018,6 +1093,7 @@ export class Timeline {
     }
 
     #zoom(factor) {
+        this.#fits = false;
         const longest = Math.max(this.#model.to - this.#model.from, firstSpan) * 1.1;
         const span = Math.min(Math.max(this.#span() * factor, shortestSpan), longest);
         const middle = (this.#view.from + this.#view.to) / 2;
@@ -1026,12 +1102,17 @@ export class Timeline {
     }
 
     #fit() {
+        this.#fits = !this.#shown;
+        this.#showAll();
+        this.#draw();
+    }
+
+    #showAll() {
         const edge = Math.max(this.#model.to - this.#model.from, shortestSpan) * 0.02;
         this.#view = {
             from: this.#model.from,
             to: Math.max(this.#model.to, this.#model.from + shortestSpan) + edge,
         };
-        this.#draw();
     }
 
     #move(parts) {
@@ -1041,6 +1122,7 @@ export class Timeline {
     /// Who looks at the past wants it to stay.
     #showUpTo(to) {
         this.#pause();
+        this.#fits = false;
         const span = this.#span();
         const end = Math.min(Math.max(to, this.#model.from + span), this.#lastPosition());
         this.#view = { from: end - span, to: end };
@@ -1078,7 +1160,8 @@ export class Timeline {
         this.#lastDrawing = now;
         const changed = this.#stale;
         this.#refresh();
-        if (this.#follow() || changed) {
+        const isStill = this.#lost !== undefined && !changed;
+        if (!isStill && (this.#follow() || changed)) {
             this.#draw();
         }
         if (now - this.#lastTable > tableInterval) {
@@ -1103,12 +1186,26 @@ export class Timeline {
 
     /// Keeps the latest moment in sight; in steps where motion is not wanted. Whether the view has moved.
     #follow() {
+        if (this.#fits) {
+            return this.#followAll();
+        }
         const span = this.#span();
         if (this.#calm.matches && this.#model.to <= this.#view.to && this.#model.to >= this.#view.from) {
             return false;
         }
         const to = this.#model.to + span * (this.#calm.matches ? 0.5 : aheadOfNow);
         this.#view = { from: to - span, to };
+        return true;
+    }
+
+    #followAll() {
+        if (this.#calm.matches && this.#model.to <= this.#view.to && this.#model.from === this.#view.from) {
+            return false;
+        }
+        this.#showAll();
+        if (this.#calm.matches) {
+            this.#view.to += this.#span() * 0.5;
+        }
         return true;
     }
 
@@ -1123,6 +1220,10 @@ export class Timeline {
         svg.setAttribute('viewBox', `0 0 ${width} ${height}`);
         svg.setAttribute('width', width);
         svg.setAttribute('height', height);
+        if (this.#isNew) {
+            this.#isNew = false;
+            frame.scrollLeft = frame.scrollWidth; // where it does not fit: what happens now
+        }
         setText(description, summary(this.#model));
         if (document.activeElement !== position || this.#shown) {
             this.#showPosition(position);
@@ -1130,9 +1231,11 @@ export class Timeline {
     }
 
     #showPosition(position) {
-        position.min = Math.round(this.#model.from);
-        position.max = Math.round(this.#lastPosition());
-        position.step = 1;
+        const last = Math.round(this.#lastPosition());
+        const step = tickStep(this.#span() / stepsOfSlider);
+        position.max = last;
+        position.min = last - Math.ceil((last - this.#model.from) / step) * step; // the last position is on a step
+        position.step = step;
         position.value = Math.round(this.#view.to);
         const before = Math.max(this.#model.to - this.#view.to, 0);
         const end = before > 0 ? `${seconds(before, 1)} before the end` : 'the end';
@@ -1212,9 +1315,10 @@ function buildParts(container) {
         'aria-label': 'Timeline: arrow keys move, plus and minus zoom, 0 fits',
     });
     frame.append(svg);
+    const note = htmlElement('p', { class: 'fault', hidden: '' });
     const { details, body } = buildTable();
-    container.replaceChildren(bar, frame, details);
-    return { svg, picture, description, buttons, position, frame, details, body };
+    container.replaceChildren(bar, note, frame, details);
+    return { svg, picture, description, buttons, position, note, frame, details, body };
 }
 
 function buildSvg() {
