@@ -148,6 +148,7 @@ const announced = panel => panel.texts('#announcements p');
 
 test('the setting thins what the page announces and is kept in the browser', async () => {
     const panel = await fixture.open();
+    await panel.disclose('sound');
     await level(panel).selectOption('Actions only');
     await panel.page.reload();
     assert.equal(await level(panel).inputValue(), 'actions');

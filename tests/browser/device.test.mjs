@@ -8,8 +8,10 @@ import { panelFixture } from './panelFixture.mjs';
 
 const fixture = panelFixture();
 
-const choose = (panel, group, name) =>
-    panel.page.getByRole('group', { name: group }).getByRole('button', { name, exact: true }).click();
+async function choose(panel, group, name) {
+    await panel.disclose('setup');
+    await panel.page.getByRole('group', { name: group }).getByRole('button', { name, exact: true }).click();
+}
 
 test('the state is changed and shown, and decides who gets a key', async () => {
     const panel = await fixture.open();
@@ -44,9 +46,10 @@ test('a key in Startup is refused aloud', async () => {
 test('what can be pressed now follows the state', async () => {
     const panel = await fixture.open();
     const now = panel.page.getByRole('region', { name: 'What can I press now?' });
+    await panel.disclose('now-details');
     await now.getByText('VolumeUp').waitFor();
     await choose(panel, 'Operating state', 'PrintOff');
-    await panel.showsText('#now-state', /PrintOff/);
+    await panel.showsText('#now-count', /^\d+ actions in the state PrintOff/);
     await now.getByText('LoadPaper').waitFor();
     assert.equal(await now.getByText('VolumeUp').count(), 0);
     await choose(panel, 'Operating state', 'Startup');

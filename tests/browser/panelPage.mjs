@@ -35,6 +35,14 @@ export class PanelPage {
         return this.page.getByRole('button', { name, exact: true });
     }
 
+    /// Opens the disclosure with this id, unless it is open.
+    async disclose(id) {
+        const details = this.page.locator(`#${id}`);
+        if (!(await details.getAttribute('open').then(open => open !== null))) {
+            await details.locator('summary').click();
+        }
+    }
+
     async goTo(view) {
         await this.page.getByRole('navigation').getByRole('link', { name: view, exact: true }).click();
         await this.page.getByRole('heading', { name: view, level: 2, exact: true }).waitFor();

@@ -162,6 +162,7 @@ test('all latched keys can be released at once, and by leaving the latch mode', 
 
 test('the keys come from the input device that is chosen', async () => {
     const { panel, observer } = await openObserved();
+    await panel.disclose('setup');
     await panel.page.getByRole('radio', { name: 'Device 1' }).check();
     await panel.key('Menu').click();
     await observer.sees({ type: 'key', device: 1, key: 'Menu', value: 0 });

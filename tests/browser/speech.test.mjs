@@ -27,7 +27,12 @@ const standIn = () => {
     });
 };
 
-const open = () => fixture.open({ script: standIn });
+async function open() {
+    const panel = await fixture.open({ script: standIn });
+    await panel.disclose('sound');
+    return panel;
+}
+
 const aloud = panel => panel.page.getByRole('checkbox', { name: 'Speak aloud' });
 /// What a screen reader is given first.
 const isAnnounced = (panel, text) => panel.showsText('#announcements p >> nth=0', text);

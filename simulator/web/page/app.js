@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The front panel: sends what is done on the page as key-script statements and shows what comes of it.
 import { Announcer } from './announcer.js';
+import { jsonFault } from './jsonFault.js';
 import { OpenCommands, answerPatience } from './openCommands.js';
 import { Timeline } from './timeline.js';
 
@@ -10,6 +11,13 @@ function element(name, properties = {}, ...children) {
     const made = Object.assign(document.createElement(name), properties);
     made.append(...children);
     return made;
+}
+
+/// A text that stays the same is nothing new to a screen reader.
+function showText(place, text) {
+    if (place.textContent !== text) {
+        place.textContent = text;
+    }
 }
 
 // ---------------------------------------------------------------- messages
@@ -119,7 +127,7 @@ async function download(path, fileName) {
 
 // ---------------------------------------------------------------- keys
 
-const keyButtons = [...document.querySelectorAll('[data-key]')];
+const keyButtons = () => [...document.querySelectorAll('[data-key]')];
 const held = new Map(); // "device key" -> how this page holds it; the holder is a pointer's id, 'keyboard' or 'latch'
 const down = new Set(); // "device key", whoever holds it
 const pointerReleases = new WeakMap(); // key button -> when a pointer left it
@@ -128,6 +136,8 @@ const inputDevice = () => document.querySelector('[name="input-device"]:checked'
 const idOf = key => `${inputDevice()} ${key}`;
 /// Until the device has reported the press of this page, the page shows it as done.
 const isDown = id => down.has(id) || held.get(id)?.isReported === false;
+const pressedHere = new Set(); // "device key", from the press by this page to the release that the device reports
+const isHeldElsewhere = key => ['0', '1'].some(number => down.has(`${number} ${key}`) && !pressedHere.has(`${number} ${key}`));
 const isDownAnywhere = key => ['0', '1'].some(number => isDown(`${number} ${key}`));
 
 function statementsOf(verb, id) {
@@ -136,21 +146,45 @@ function statementsOf(verb, id) {
 }
 
 function showKeys() {
-    for (const button of keyButtons) {
-        const isPressed = isDownAnywhere(button.dataset.key);
+    const latching = byId('latch').checked;
+    for (const button of keyButtons()) {
+        const { key } = button.dataset;
+        const isPressed = isDownAnywhere(key);
         button.classList.toggle('down', isPressed);
-        button.setAttribute('aria-pressed', String(isPressed));
+        if (latching) {
+            button.setAttribute('aria-pressed', String(isPressed));
+        }
+        showText(button.querySelector('.for-readers'), !latching && isHeldElsewhere(key) ? ', held elsewhere' : '');
     }
     showHeld();
 }
 
 /// All keys that are down, whoever holds them, in the header of each view.
 function showHeld() {
-    const names = keyButtons.map(({ dataset }) => dataset.key).flatMap(key => [
+    const names = keyButtons().map(({ dataset }) => dataset.key).flatMap(key => [
         ...isDown(`0 ${key}`) ? [key] : [],
         ...isDown(`1 ${key}`) ? [`${key} (device 1)`] : [],
     ]);
     byId('held-now').textContent = connection === 'open' ? names.join(', ') || 'no key' : '–';
+    showSummary();
+}
+
+// A screen reader does not notice that a button has become a toggle button: the buttons are replaced.
+function onLatch() {
+    releaseAll();
+    for (const button of keyButtons()) {
+        const made = button.cloneNode(true);
+        made.removeAttribute('aria-pressed');
+        setUpKey(made);
+        button.replaceWith(made);
+    }
+    showKeys();
+}
+
+function onReleaseAll() {
+    const names = [...held.keys()].map(id => id.split(' ')[1]);
+    announce(names.length ? `Released: ${names.join(', ')}.` : 'No key is held by this page.', 'reply');
+    releaseAll();
 }
 
 function press(id, holder) {
@@ -159,6 +193,7 @@ function press(id, holder) {
     }
     const hold = { holder, isRefused: false, isReported: down.has(id) };
     held.set(id, hold);
+    pressedHere.add(id);
     showKeys();
     const sent = send(statementsOf('press', id));
     sent.catch(({ isAnswer = false }) => {
@@ -186,6 +221,7 @@ const releaseAll = () => release(() => true);
 
 function forgetHeldKeys() {
     held.clear();
+    pressedHere.clear();
     showKeys();
 }
 
@@ -213,6 +249,7 @@ function onKeyClick(event) {
     if (byId('latch').checked) {
         begin(key, 'latch');
     } else {
+        pressedHere.add(idOf(key));
         attempt(send(statementsOf('tap', idOf(key))));
     }
 }
@@ -264,23 +301,25 @@ function releaseOnLeaving() {
     forgetHeldKeys();
 }
 
-function setUpKeys() {
-    for (const button of keyButtons) {
-        button.addEventListener('pointerdown', onKeyPointer);
-        for (const end of ['pointerup', 'pointercancel', 'lostpointercapture']) {
-            button.addEventListener(end, onKeyPointerEnd);
-        }
-        button.addEventListener('keydown', onKeyDown);
-        button.addEventListener('keyup', onKeyUp);
-        button.addEventListener('blur', letGo);
-        button.addEventListener('click', onKeyClick);
-        button.addEventListener('contextmenu', event => event.preventDefault()); // of a long touch
+function setUpKey(button) {
+    button.addEventListener('pointerdown', onKeyPointer);
+    for (const end of ['pointerup', 'pointercancel', 'lostpointercapture']) {
+        button.addEventListener(end, onKeyPointerEnd);
     }
+    button.addEventListener('keydown', onKeyDown);
+    button.addEventListener('keyup', onKeyUp);
+    button.addEventListener('blur', letGo);
+    button.addEventListener('click', onKeyClick);
+    button.addEventListener('contextmenu', event => event.preventDefault()); // of a long touch
+}
+
+function setUpKeys() {
+    keyButtons().forEach(setUpKey);
     window.addEventListener('blur', releaseMomentary);
     document.addEventListener('visibilitychange', () => document.hidden && releaseMomentary());
     window.addEventListener('pagehide', releaseOnLeaving);
-    byId('latch').addEventListener('change', releaseAll);
-    byId('release-all').addEventListener('click', releaseAll);
+    byId('latch').addEventListener('change', onLatch);
+    byId('release-all').addEventListener('click', onReleaseAll);
     for (const choice of document.getElementsByName('input-device')) {
         choice.addEventListener('change', showKeys);
     }
@@ -297,6 +336,7 @@ function onKey({ device: number, key, value }) {
         return;
     }
     down.delete(id);
+    pressedHere.delete(id);
     // A finger or a key of the keyboard that rests on it still sends its release when it is lifted.
     if (hold?.isReported && hold.holder === 'latch') {
         held.delete(id);
@@ -336,6 +376,15 @@ function fillChoices() {
     fillSelect('simulated-key', device.keys, 'Menu');
 }
 
+/// The header in a sentence: a screen reader reads each part of a styled line separately.
+function showSummary() {
+    const shown = id => byId(id).textContent;
+    const test = byId('testing').hidden ? '' : ', keyboard test running';
+    const keys = ['no key', '–'].includes(shown('held-now')) ? '' : `, held now: ${shown('held-now')}`;
+    showText(byId('device-sentence'), `Model ${shown('device-model')}, state ${shown('device-state')}, `
+        + `daemon ${shown('device-status')}${test}${keys}.`);
+}
+
 function showDevice() {
     const isConnected = connection === 'open';
     const isHung = device.status === 'ready' && device.answering === false;
@@ -346,6 +395,7 @@ function showDevice() {
     byId('daemon-lamp').dataset.status = !isConnected ? 'lost' : isHung ? 'hung' : device.status;
     byId('testing').hidden = !isConnected || !device.testing;
     byId('ended').hidden = !isConnected || device.status !== 'ended';
+    showSummary();
     byId('ended-reason').textContent = device.reason ?? '';
     markChoice('states', state);
     markChoice('models', model);
@@ -361,7 +411,7 @@ function onDevice({ status, model, state, reason }) {
 
 function reportDevice({ status, model, reason }) {
     if (status === 'ended') {
-        complain(reason ?? 'The daemon has ended.');
+        complain(`${reason ?? 'The daemon has ended.'} "Restart the device" is at the top of the page.`);
     } else {
         tell(status === 'ready' ? `The daemon is ready, on model ${model}.` : 'The device restarts.', 'event');
     }
@@ -420,7 +470,7 @@ const speechText = ({ text, observation }) => text || observation.replace(/^spea
 
 function describeAnnouncement({ action, keys, receiver, sender }) {
     return element('p', { className: 'announcement' },
-        element('strong', { textContent: action }), ' ', ...keysOf(keys),
+        element('span', { className: 'action', textContent: action }), ' ', ...keysOf(keys),
         element('span', { textContent: `to ${receiver || 'no service'} ${sender ? `from ${sender}` : 'without a sender'}` }));
 }
 
@@ -512,9 +562,9 @@ const entriesOf = (state, kind) => state.entries.filter(entry => entry.kind === 
 
 function describeNow({ keys, how, holdMs, action, receivers, notes = [] }) {
     return element('li', {},
-        element('span', { className: 'what' }, ...keysOf(keys), element('strong', { textContent: action }),
-            ` to ${receivers.join(' and ')}${holdMs ? `, ${seconds(holdMs)}` : ''}`),
-        element('span', { className: 'how', textContent: [how, ...notes].join(' ') }));
+        element('p', {}, ...keysOf(keys), element('span', { className: 'action', textContent: action }),
+            ` to ${receivers.join(' and ')}${holdMs ? `, ${seconds(holdMs)}` : ''}.`),
+        element('p', { className: 'how', textContent: [how, ...notes].join(' ') }));
 }
 
 /// Why it is not known, or nothing at all, what leads to an action; empty when keys do.
@@ -553,16 +603,19 @@ function nowText(state) {
         return testText(state);
     }
     const text = state?.entries.length ? `In the state ${device.state}, on model ${device.model}.`
-        : `In the state ${device.state} no key leads to an action.`;
-    const test = device.testing ? [`The keyboard test counts no keys in ${device.state}.`] : [];
-    return [text, ...test, ...state?.notes ?? []].join(' ');
+        : [`In the state ${device.state} no key leads to an action.`, ...state?.notes ?? []].join(' ');
+    return device.testing ? `${text} The keyboard test counts no keys in ${device.state}.` : text;
 }
 
 function showNow() {
     const state = card.states.find(each => each.state === device.state);
     const isShown = kind => isPart(state, kind) && !(kind === 'single' && isTested());
     const shown = !whyNothingNow() && state ? [...kinds].filter(([kind]) => isShown(kind)) : [];
+    const number = shown.reduce((sum, [kind]) => sum + entriesOf(state, kind).length, 0);
     byId('now-state').textContent = nowText(state);
+    byId('now-details').hidden = number === 0;
+    byId('now-count').textContent = count(number, 'action');
+    byId('now-notes').textContent = number > 0 ? (state.notes ?? []).join(' ') : '';
     byId('now').replaceChildren(...shown.map(([kind, title]) => element('div', {},
         element('h4', { textContent: title }),
         element('ul', {}, ...entriesOf(state, kind).map(describeNow)))));
@@ -653,15 +706,32 @@ function setUpCard() {
 const listFields = [...document.querySelectorAll('[data-file]')];
 const loadedLists = new Map(); // text area -> its content as the daemon has it
 
+function faultText({ line: number, column, text }) {
+    return `Not JSON: line ${number}, column ${column}: ${text}.`;
+}
+
+/// Comes back with the fault that is shown, if any.
 function checkList(field) {
-    let fault = '';
-    try {
-        JSON.parse(field.value);
-    } catch (error) {
-        fault = `This is no JSON: ${error.message}`;
-    }
-    byId(`${field.id}-note`).textContent = fault;
-    field.setAttribute('aria-invalid', String(fault !== ''));
+    const fault = jsonFault(field.value);
+    const text = fault ? faultText(fault) : '';
+    byId(`${field.id}-note`).textContent = text;
+    field.setAttribute('aria-invalid', String(Boolean(fault)));
+    return text;
+}
+
+const typingPause = 1000; // milliseconds
+const typingTimers = new Map(); // text area -> its timer
+
+// A fault while a word is typed is none yet.
+function checkAfterTyping(field) {
+    clearTimeout(typingTimers.get(field));
+    typingTimers.set(field, setTimeout(() => {
+        const former = byId(`${field.id}-note`).textContent;
+        const text = checkList(field);
+        if (text || former) {
+            announce(text || `${field.dataset.file} is JSON now.`, 'reply');
+        }
+    }, typingPause));
 }
 
 function fillList(field, text) {
@@ -705,25 +775,36 @@ function takeLists(event) {
     restartWith(Object.fromEntries(listFields.map(field => [field.dataset.file, field.value])));
 }
 
+const listsRead = 'The daemon has read all three lists.';
 let lastStart = 0; // the id of its entry
 
 function reportQuietLists(part) {
     if (device.status === 'ready' && !byId('list-log').querySelector('p')) {
-        part.append(line('Nothing: it has read all three.'));
+        part.append(line(listsRead));
+    }
+}
+
+function reportLists() {
+    reportQuietLists(logs.lists.live);
+    if (isView('lists')) {
+        [...logs.lists.live.children].forEach(each => announce(each.textContent, 'reply'));
     }
 }
 
 // The daemon's log and its readiness come by different ways, so silence counts only after a while.
 function awaitListLog() {
     const start = lastStart;
-    setTimeout(() => start === lastStart && reportQuietLists(logs.lists.live), 500);
+    setTimeout(() => start === lastStart && reportLists(), 500);
 }
 
 function setUpLists() {
     byId('lists-form').addEventListener('submit', takeLists);
     byId('default-lists').addEventListener('click', () => restartWith(null));
     for (const field of listFields) {
-        field.addEventListener('input', () => checkList(field));
+        field.addEventListener('input', () => checkAfterTyping(field));
+        // A description that changes under the focus would be read as well as the announcement.
+        field.addEventListener('input', () => field.removeAttribute('aria-describedby'));
+        field.addEventListener('blur', () => field.setAttribute('aria-describedby', `${field.id}-note`));
     }
     for (const input of document.querySelectorAll('[data-list]')) {
         input.addEventListener('change', () => attempt(loadListFile(input)));
@@ -766,6 +847,10 @@ function showReplay(entry) {
     }
 }
 
+function announceReplay(entry) {
+    [replayText(entry), ...entry.differences ?? []].forEach(text => announce(text, 'event'));
+}
+
 async function startReplay(event) {
     event.preventDefault();
     try {
@@ -773,7 +858,9 @@ async function startReplay(event) {
         await post('/api/replay', await file.text(), { 'Content-Type': 'text/plain' });
     } catch (fault) {
         const { lines = [] } = fault;
-        showLines('replay-result', lines.length ? 'The script is faulty:' : fault.message, lines);
+        const title = lines.length ? 'The script is faulty:' : fault.message;
+        showLines('replay-result', title, lines);
+        [title, ...lines].forEach(text => announce(text, 'fault'));
     }
 }
 
@@ -793,13 +880,13 @@ function setUpRecording() {
 
 const isNested = value => typeof value === 'object' && value !== null;
 
-function describeResponse({ text, response }) {
+function describeResponse({ text, response, command }) {
     if (!response || !Object.values(response).some(isNested)) {
         return [line(text, 'answer')];
     }
     const plain = Object.entries(response).map(([key, value]) => `${key}=${isNested(value) ? '…' : value}`);
     return [line(`answer ${plain.join(' ')}`, 'answer'), element('details', {},
-        element('summary', { textContent: 'The whole answer' }),
+        element('summary', { textContent: `Whole answer to ${command || 'a command'}` }),
         element('pre', { tabIndex: 0, textContent: JSON.stringify(response, null, 2) }))];
 }
 
@@ -864,14 +951,13 @@ const usualSender = 'KeyboardHandler';
 const usualHold = 500; // milliseconds; a key that another page or a script holds for less is a tap
 
 let lastSentence = '';          // what the device spoke last
-const sentCommands = [];        // commands without an answer yet; answers come in their order
 const holdsElsewhere = new Map(); // "device key", down but not held by this page -> its timer; no timer: announced
 
 function actionSentence({ action, keys, receiver, sender }) {
-    const what = action === 'SingleKey' ? [keys.join(' '), 'single key']
-        : [action, ...(keys.length ? [keys.join(' ')] : [])];
-    const from = sender ? `from ${sender}` : 'without a sender';
-    return [...what, `to ${receiver}`, ...(sender === usualSender ? [] : [from])].join(', ');
+    const names = keys.join(' ');
+    const what = action === 'SingleKey' ? [names, 'single key'] : [action, names === action ? '' : names];
+    const from = sender && sender !== usualSender ? `from ${sender}` : '';
+    return [...what, `to ${receiver}`, from].filter(Boolean).join(', ');
 }
 
 function announceSpeech(entry) {
@@ -889,11 +975,11 @@ function announceRefusal(entry) {
     }
 }
 
-function announceAnswer(entry) {
-    const command = sentCommands.shift() ?? '';
-    if (isView('commands')) {
-        announce(`Answer to ${command.split(' ')[0]}: ${entry.text}`, 'reply');
-    }
+function answerSentence({ command, text, response }) {
+    const { resultId, errorId, ...values } = response ?? { resultId: text };
+    const words = Object.entries(values).map(([key, value]) => (isNested(value) ? `${key} below` : `${key} ${value}`));
+    const fault = errorId === 'Undefined' ? undefined : errorId;
+    return `${command || 'Command'}: ${[resultId, fault, ...words].filter(word => word !== undefined).join(', ')}.`;
 }
 
 function announceKey({ device: number, key, value }) {
@@ -905,12 +991,19 @@ function announceKey({ device: number, key, value }) {
             announce(`${name} is released elsewhere.`, 'event');
         }
         holdsElsewhere.delete(id);
-    } else if (value === 1 && !held.has(id)) {
+    } else if (value === 1 && !pressedHere.has(id)) {
         clearTimeout(holdsElsewhere.get(id));
         holdsElsewhere.set(id, setTimeout(() => {
             holdsElsewhere.set(id, undefined);
             announce(`${name} is held elsewhere.`, 'event');
         }, usualHold));
+    }
+}
+
+// A refusal is announced in words.
+function announceConsole({ text }) {
+    if (isView('commands') && !text.startsWith('KeyboardManager::onEvent WARN')) {
+        announce(text.replaceAll(/={3,}/g, '').trim(), 'reply');
     }
 }
 
@@ -920,9 +1013,10 @@ function announceEntry(entry) {
     case 'refusal': return announceRefusal(entry);
     case 'speech': return announceSpeech(entry);
     case 'key': return announceKey(entry);
-    case 'command': sentCommands.push(entry.text); return undefined;
-    case 'answer': return announceAnswer(entry);
-    case 'output': return isView('commands') && announce(entry.text, 'reply');
+    case 'answer': return isView('commands') && announce(answerSentence(entry), 'reply');
+    case 'log':
+    case 'output': return announceConsole(entry);
+    case 'replay': return announceReplay(entry);
     default: return undefined;
     }
 }
@@ -947,13 +1041,37 @@ function showView() {
     followConsole();
 }
 
+/// Disclosures stay as the user left them.
+function setUpDisclosures() {
+    for (const details of document.querySelectorAll('details[id]')) {
+        const name = `${details.id} is open`;
+        details.open = localStorage.getItem(name) === 'true';
+        details.addEventListener('toggle', () => localStorage.setItem(name, String(details.open)));
+    }
+}
+
+function onViewChange() {
+    releaseMomentary();
+    showView();
+    currentView().querySelector('h2').focus();
+}
+
+// A browser that jumps to a fragment has a screen reader read where it was before, too.
+function onViewLink(event) {
+    if (event.ctrlKey || event.shiftKey || event.metaKey || event.altKey) {
+        return; // to open another page
+    }
+    event.preventDefault();
+    history.pushState(null, '', event.currentTarget.hash);
+    onViewChange();
+}
+
 function setUpViews() {
     showView();
-    window.addEventListener('hashchange', () => {
-        releaseMomentary();
-        showView();
-        currentView().querySelector('h2').focus();
-    });
+    window.addEventListener('popstate', onViewChange);
+    for (const link of document.querySelectorAll('nav a')) {
+        link.addEventListener('click', onViewLink);
+    }
     byId('skip-link').addEventListener('click', event => {
         event.preventDefault(); // the address keeps the view
         currentView().querySelector('h2').focus();
@@ -965,12 +1083,20 @@ function setUpViews() {
 const retryTime = 3000; // milliseconds
 const mostStreams = 5; // a browser has six connections to a server, for all its pages and requests
 
-const timeline = new Timeline(byId('timeline-chart'));
+const timeline = new Timeline(byId('timeline-chart'), text => announce(text, 'reply'));
 let lastId = 0;
+
+const sentCommands = []; // the names of those without an answer; answers come in their order
+
+function learnAnswer(entry) {
+    entry.command = sentCommands.shift() ?? '';
+}
 
 /// What the page must know of an entry, old or new.
 function learn(entry) {
     switch (entry.type) {
+    case 'command': sentCommands.push(entry.text.split(' ')[0]); return undefined;
+    case 'answer': return learnAnswer(entry);
     case 'device': return onDevice(entry);
     case 'key': return onKey(entry);
     case 'state': device.state = entry.state; return undefined;
@@ -1129,6 +1255,7 @@ async function connectInTurn() {
 }
 
 setUpAnnouncer();
+setUpDisclosures();
 setUpViews();
 setUpKeys();
 setUpDevice();

@@ -990,9 +990,12 @@ export class Timeline {
     #lastTable = 0;
     #rows = new Map();
     #parts;
+    #announce;
     #calm = matchMedia('(prefers-reduced-motion: reduce)');
 
-    constructor(container) {
+    /// `announce` is given what is shown when a key or a button has changed it.
+    constructor(container, announce = () => {}) {
+        this.#announce = announce;
         this.#parts = buildParts(container);
         this.#connect();
         new ResizeObserver(() => this.#draw()).observe(this.#parts.frame);
@@ -1059,11 +1062,12 @@ export class Timeline {
     #connect() {
         const { buttons, frame, position, details } = this.#parts;
         buttons.pause.addEventListener('click', () => (this.#shown ? this.#resume() : this.#pause()));
-        buttons.zoomIn.addEventListener('click', () => this.#zoom(0.5));
-        buttons.zoomOut.addEventListener('click', () => this.#zoom(2));
-        buttons.fit.addEventListener('click', () => this.#fit());
-        buttons.earlier.addEventListener('click', () => this.#move(-moveBy));
-        buttons.later.addEventListener('click', () => this.#move(moveBy));
+        const onClick = (button, change) => button.addEventListener('click', () => this.#change(change));
+        onClick(buttons.zoomIn, () => this.#zoom(0.5));
+        onClick(buttons.zoomOut, () => this.#zoom(2));
+        onClick(buttons.fit, () => this.#fit());
+        onClick(buttons.earlier, () => this.#move(-moveBy));
+        onClick(buttons.later, () => this.#move(moveBy));
         buttons.save.addEventListener('click', () => this.#save());
         position.addEventListener('input', () => this.#showUpTo(Number(position.value)));
         frame.addEventListener('keydown', event => this.#onKey(event));
@@ -1084,8 +1088,19 @@ export class Timeline {
         };
         if (Object.hasOwn(actions, event.key) && !event.ctrlKey && !event.altKey && !event.metaKey) {
             event.preventDefault();
-            actions[event.key]();
+            this.#change(actions[event.key]);
         }
+    }
+
+    #change(change) {
+        change();
+        this.#announce(this.#sight());
+    }
+
+    #sight() {
+        const before = Math.max(this.#model.to - this.#view.to, 0);
+        const end = before > 0 ? `${seconds(before, 1)} before the end` : 'the end';
+        return `${seconds(this.#span(), 1)} up to ${end}`;
     }
 
     #span() {
@@ -1237,9 +1252,7 @@ export class Timeline {
         position.min = last - Math.ceil((last - this.#model.from) / step) * step; // the last position is on a step
         position.step = step;
         position.value = Math.round(this.#view.to);
-        const before = Math.max(this.#model.to - this.#view.to, 0);
-        const end = before > 0 ? `${seconds(before, 1)} before the end` : 'the end';
-        position.setAttribute('aria-valuetext', `${seconds(this.#span(), 1)} up to ${end}`);
+        position.setAttribute('aria-valuetext', this.#sight());
     }
 
     #fillTable() {
@@ -1311,8 +1324,9 @@ function buildParts(container) {
     const frame = htmlElement('div', {
         class: 'timeline-frame',
         tabindex: '0',
-        role: 'group',
-        'aria-label': 'Timeline: arrow keys move, plus and minus zoom, 0 fits',
+        role: 'application', // so that a screen reader leaves the arrow keys to it
+        'aria-label': 'Drawing',
+        'aria-description': 'Arrow keys move, plus and minus zoom, 0 fits.',
     });
     frame.append(svg);
     const note = htmlElement('p', { class: 'fault', hidden: '' });
