@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+import { readFile } from 'node:fs/promises';
+
+import { eventually } from '../browser/eventually.mjs';
+import { installed } from '../browser/panelSession.mjs';
+import { Relay } from '../browser/relay.mjs';
+import { Simulator } from '../browser/simulator.mjs';
+import { Desktop } from './desktop.mjs';
+import { ScreenReader } from './screenReader.mjs';
+
+const emptyPage = 'data:text/html,<title>Empty</title><h1>Empty</h1>';
+const browserOptions = [
+    '--no-sandbox',
+    '--force-renderer-accessibility',
+    '--disable-gpu',
+    '--disable-dev-shm-usage',
+    '--disable-component-update',
+    '--no-first-run',
+    '--window-size=1280,1000',
+    '--remote-debugging-port=0',
+    `--app=${emptyPage}`,
+];
+/// How far the clock of the page is put forward at a time: further than any of its timers.
+const clockStep = 3000; // milliseconds
+
+/// A user of the page with a screen reader and a keyboard. The clock of the page stands still, but for the steps of
+/// `hears`, and the page gets the device's events with `until` only: what is heard does not depend on how long the
+/// device, the browser and the screen reader take.
+export class Listener {
+    static async begin() {
+        const listener = new Listener();
+        [listener.simulator, listener.desktop] = await Promise.all([Simulator.start(), Desktop.start()]);
+        listener.relay = await Relay.to(listener.simulator.url);
+        listener.reader = await ScreenReader.start(listener.desktop);
+        await listener.#openBrowser();
+        return listener;
+    }
+
+    async end() {
+        this.observer?.close();
+        await this.browser?.close();
+        await this.relay?.close();
+        await this.reader?.end();
+        await this.desktop?.end();
+        await this.simulator?.stop();
+    }
+
+    /// Brings the device to Idle, with the installed lists and nothing under way, and forgets what the page has kept.
+    async prepare() {
+        this.observer?.close();
+        await this.relay.close();
+        await this.relay.mend();
+        await this.simulator.restart({ model: 'Pellit', state: 'Idle', keyLists: null });
+        const session = await this.page.context().newCDPSession(this.page);
+        await session.send('Storage.clearDataForOrigin', { origin: new URL(this.relay.url).origin, storageTypes: 'local_storage' });
+        this.observer = await this.simulator.observe();
+        this.latest = 0;
+    }
+
+    async open(view = '') {
+        await this.page.goto(emptyPage);
+        await this.reader.heard(this.page);
+        await this.page.goto(new URL(view, this.relay.url).href);
+        await this.page.locator('#device-status').getByText('ready').waitFor();
+        await this.page.locator('#card-tables > *').first().waitFor({ state: 'attached' });
+    }
+
+    /// A key of the keyboard, in the words of xdotool: "Tab", "shift+Tab", "ctrl+Home".
+    keyboard(verb, key) {
+        return this.desktop.run('xdotool', verb, key);
+    }
+
+    /// What happens from now on belongs together: the order in which `until` is called for it does not matter.
+    beginStep() {
+        this.former = this.latest;
+        this.awaited = new Set();
+    }
+
+    /// Waits until the device has reported this, such as "announcement SingleKey Up", since the step before. The page
+    /// learns of it, and of all before it, but not of what comes after it.
+    async until(words) {
+        const entry = await eventually(() => this.#find(words));
+        this.awaited.add(entry);
+        this.latest = Math.max(this.latest, entry.id);
+        await this.page.waitForFunction(id => window.latestEntry >= id, entry.id, { polling: 20 });
+        await this.page.evaluate(id => window.letIn(id), this.latest);
+    }
+
+    #find(words) {
+        const entries = this.observer.entries.filter(({ id, value }) => id > this.former && value !== 2);
+        const found = entries.find(entry => describe(entry).startsWith(words) && !this.awaited.has(entry));
+        if (!found) {
+            throw new Error(`${words} did not come, but:\n${entries.map(describe).join('\n')}`);
+        }
+        return found;
+    }
+
+    async hears() {
+        const all = [await this.reader.heard(this.page)];
+        do {
+            await this.page.clock.runFor(clockStep);
+            all.push(await this.reader.heard(this.page));
+        } while (all.at(-1).length > 0);
+        return all.flat();
+    }
+
+    async #openBrowser() {
+        const profile = this.desktop.path('chromium');
+        this.desktop.start('chromium', ...browserOptions, `--user-data-dir=${profile}`);
+        const port = await eventually(async () =>
+            (await readFile(`${profile}/DevToolsActivePort`, 'utf8')).split('\n')[0],
+        );
+        this.browser = await installed('playwright-core').chromium.connectOverCDP(`http://127.0.0.1:${port}`);
+        [this.page] = this.browser.contexts()[0].pages();
+        this.page.setDefaultTimeout(0);
+        await this.page.addInitScript(holdEntries);
+        await this.page.clock.install();
+        await this.page.clock.pauseAt(Date.now() + clockStep);
+    }
+}
+
+/// Keeps the entries that come from the page until `letIn` is called with the number of a later one (runs in the page).
+function holdEntries() {
+    const waiting = [];
+    const { addEventListener } = EventSource.prototype;
+    EventSource.prototype.addEventListener = function add(type, react) {
+        addEventListener.call(this, type, event => {
+            if (type !== 'entry') {
+                react(event);
+                return;
+            }
+            const { id } = JSON.parse(event.data);
+            window.latestEntry = id;
+            waiting.push({ id, takeIn: () => react(event) });
+        });
+    };
+    window.letIn = last => {
+        while (waiting[0]?.id <= last) {
+            waiting.shift().takeIn();
+        }
+    };
+}
+
+function describe({ type, action, keys, receiver, key, value, status, state, text }) {
+    const words = [type, action, keys?.join(' '), receiver && `to ${receiver}`, key, value, status, state, text];
+    return words.filter(word => word !== undefined).join(' ');
+}

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+import { open } from 'node:fs/promises';
+import { setTimeout as delay } from 'node:timers/promises';
+
+// A line at a time is read from the file; the keys that are pressed are known.
+const customizations = `
+import orca.debug
+import orca.settings
+orca.debug.debugFile.reconfigure(line_buffering=True)
+orca.settings.enableKeyEcho = False
+`;
+
+/// Orca says a message of a live region this long after it came, and one in this time. With its waiting time over, a
+/// message comes before any later change.
+const messageTime = 150; // milliseconds
+const pollTime = 30;
+/// Before another change is made.
+const pollsForMark = 30;
+
+const spokenLine = /^[\d:.]+ - SPEECH OUTPUT: '(.*?)'(\[?\{.*)?$/;
+/// Said when the browser takes some time to load a page.
+const busy = 'Loading.  Please wait.';
+const markLine = /OBJECT EVENT: object:property-change:accessible-description \(0, 0, mark (\d+)\)$/;
+const queueLine = /LIVE REGIONS: messages in queue: (\d+)$/;
+
+/// Orca without a synthesiser: what it would say is in its debug file.
+export class ScreenReader {
+    #file;
+    #rest = '';       // of a line that is not whole yet
+    #spoken = [];
+    #heard = 0;       // of those
+    #sentMark = 0;    // the latest change of the page that was made for Orca
+    #mark = 0;        // the latest one that it has taken in
+    #messages = 0;    // of live regions, which it has not said yet
+
+    static async start(desktop) {
+        const reader = new ScreenReader();
+        await desktop.write('.local/share/orca/orca-customizations.py', customizations);
+        await desktop.write('orca', '');
+        reader.#file = await open(desktop.path('orca'));
+        desktop.start('orca', '--replace', '--debug', `--debug-file=${desktop.path('orca')}`);
+        await reader.#until(() => reader.#spoken.includes('Screen reader on.'));
+        return reader;
+    }
+
+    end() {
+        return this.#file.close();
+    }
+
+    /// What it has said since the last call, once it has taken in all that the page has reported to it.
+    async heard(page) {
+        do {
+            await this.#takesIn(page);
+            await delay(messageTime);
+            await this.#takesIn(page);
+        } while (this.#messages > 0);
+        const news = this.#spoken.slice(this.#heard);
+        this.#heard = this.#spoken.length;
+        return news;
+    }
+
+    /// Waits until Orca has taken in a change of the page that it does not speak of. It takes changes in their order, but
+    /// ignores some when many come: then another change is made.
+    async #takesIn(page) {
+        const first = this.#sentMark + 1;
+        while (this.#mark < first) {
+            await page.evaluate(setMark, `mark ${++this.#sentMark}`);
+            for (let times = 0; times < pollsForMark && this.#mark < first; ++times) {
+                await delay(pollTime);
+                await this.#read();
+            }
+        }
+        await page.evaluate(setMark, '');
+    }
+
+    async #until(holds) {
+        await this.#read();
+        while (!holds()) {
+            await delay(pollTime);
+            await this.#read();
+        }
+    }
+
+    async #read() {
+        const lines = (this.#rest + (await this.#file.readFile('utf8'))).split('\n');
+        this.#rest = lines.pop();
+        lines.forEach(line => this.#take(line));
+    }
+
+    #take(line) {
+        const text = spokenLine.exec(line)?.[1].trim();
+        if (text && text !== busy && !text.startsWith('mark ')) {
+            this.#spoken.push(text);
+        }
+        this.#mark = Number(markLine.exec(line)?.[1] ?? this.#mark);
+        this.#messages = Number(queueLine.exec(line)?.[1] ?? this.#messages);
+    }
+}
+
+/// The page's title changes its description (runs in the page).
+function setMark(text) {
+    document.querySelector('h1').setAttribute('aria-description', text);
+}
