@@ -416,7 +416,9 @@ void DeviceSession::beginRecording()
         m_formerRecording = m_recording;
     }
     m_recording.begin(m_options.model, m_options.state, m_options.keyLists, m_options.services);
-    add({{typeKey, QStringLiteral("recording")}, {statusKey, QStringLiteral("recording")}});
+    add({{typeKey, QStringLiteral("recording")},
+         {statusKey, QStringLiteral("recording")},
+         {QStringLiteral("former"), m_formerRecording.isStarted()}});
 }
 
 void DeviceSession::watchRecording()

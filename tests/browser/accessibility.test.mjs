@@ -69,6 +69,51 @@ test('a page whose daemon has ended has no fault that axe knows', async () => {
     assert.deepEqual(await violations(panel), []);
 });
 
+test('a page whose daemon hangs has no fault that axe knows', async () => {
+    const panel = await fixture.open();
+    await fixture.simulator.hangDaemon();
+    await panel.showsText('#device-status', 'not answering');
+    await fixture.simulator.take('command GetLastKey');
+    await panel.goTo('Commands');
+    await panel.page.locator('#answers .fault').waitFor();
+    assert.deepEqual(await violations(panel), []);
+    await fixture.simulator.resumeDaemon();
+});
+
+for (const view of ['Panel', 'Timeline']) {
+    test(`the view ${view} without a connection has no fault that axe knows`, async () => {
+        const relay = await fixture.relay();
+        const panel = await fixture.open({ url: relay.url });
+        await panel.goTo(view);
+        await relay.cut();
+        await panel.showsText('#device-status', 'not connected');
+        assert.deepEqual(await violations(panel), []);
+    });
+}
+
+for (const [name, options] of [
+    ['in light colours', { colorScheme: 'light' }],
+    ['in dark colours', { colorScheme: 'dark' }],
+    ['on a narrow page', { viewport: { width: 320, height: 640 } }],
+]) {
+    test(`faults of lists, and a question, have no fault that axe knows, ${name}`, async () => {
+        const panel = await fixture.open({ view: '#lists', ...options });
+        const list = panel.page.getByLabel('Combinations: modifierKeyList.json');
+        await list.fill('{');
+        await panel.button('Check and restart').click();
+        await panel.page.locator('#list-log .fault').waitFor();
+        assert.deepEqual(await violations(panel), []);
+        await list.fill('[');
+        await panel.button('Back to the installed lists').click();
+        await panel.question.waitFor();
+        assert.deepEqual(await violations(panel), []);
+        assert.deepEqual(await panel.page.evaluate(outOfSight), []);
+        assert.equal(await focused(panel), 'button "Cancel"');
+        await panel.reply('Take the installed lists');
+        await panel.showsText('#list-log', 'The daemon has read all three lists.');
+    });
+}
+
 /// The element with the focus as assistive technology has it, such as `button "Up"`.
 async function focused(panel) {
     const focus = panel.page.locator(':focus');
@@ -148,17 +193,20 @@ for (const [view, hash, stops] of [
         [
             'textbox "Long presses: longKeyList.json"',
             'button "Load longKeyList.json from a file"',
+            ...buttons('Save longKeyList.json'),
             'textbox "Combinations: modifierKeyList.json"',
             'button "Load modifierKeyList.json from a file"',
+            ...buttons('Save modifierKeyList.json'),
             'textbox "Shortcuts: shortcutKeyList.json"',
             'button "Load shortcutKeyList.json from a file"',
+            ...buttons('Save shortcutKeyList.json'),
             ...buttons('Check and restart', 'Back to the installed lists'),
         ],
     ],
     [
         'Recording', '#record',
         [
-            ...buttons('Start the recording anew', 'Download the recording'),
+            ...buttons('Start the recording anew', 'Download the recording', 'Download the former recording'),
             'button "Key script"',
             ...buttons('Replay the script', 'Stop the replay'),
         ],
@@ -189,6 +237,7 @@ for (const [view, hash, stops] of [
     ],
 ]) {
     test(`Tab goes through the view ${view} in the order in which it is read`, async () => {
+        await fixture.simulator.restart(); // so that there is a former recording
         const panel = await fixture.open({ view: hash });
         await panel.disclose('sound');
         await panel.page.locator('#skip-link').focus();

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The view "Key lists": other lists for the device, and what its daemon says of them.
 import assert from 'node:assert/strict';
+import { readFile } from 'node:fs/promises';
 import { test } from 'node:test';
 
+import { eventually } from './eventually.mjs';
 import { panelFixture } from './panelFixture.mjs';
 
 const fixture = panelFixture();
@@ -45,6 +47,7 @@ test('an edited list counts after the restart, in the card as well', async () =>
     await combinations(panel).fill(combination('Swap', 'Up', 'Down'));
     await checkAndRestart(panel);
     await panel.showsText('#list-log', 'The daemon has read all three lists.');
+    await panel.showsText('#status', /^The daemon has read all three lists\. The daemon is ready/);
     await fixture.simulator.take('tap Up Down');
     await panel.isTold('Swap Up Down to UserMenu');
     await panel.goTo('Key card');
@@ -84,6 +87,109 @@ test('a list that is no JSON is marked, and the daemon says what it made of it',
         .locator('#list-log')
         .getByText('ModifierKey::load ERROR: value list ModifierKeys not found!.')
         .waitFor();
+});
+
+/// What is told of lists with a fault once the daemon is ready, and everything that was told until then.
+async function toldOf(panel, text) {
+    await combinations(panel).fill(text);
+    await checkAndRestart(panel);
+    await panel.showsText('#alert', /The daemon runs without what it could not read, on model Pellit\./);
+    const announced = (await panel.page.locator('#announcements').textContent()).replaceAll('\u00a0', ' ');
+    return { alert: (await panel.page.locator('#alert').innerText()).trim(), announced };
+}
+
+for (const [name, text, first] of [
+    ['no JSON', '{\n  "ModifierKeys": [}', /^modifierKeyList\.json: Not JSON: line 2, column 20: /],
+    ['another list', '{"Wrong": []}', /^modifierKeyList\.json has no list that can be read/],
+]) {
+    test(`the faults of a file with ${name} are told first, and no success`, async () => {
+        const panel = await openLists();
+        const { alert, announced } = await toldOf(panel, text);
+        assert.match(alert, first);
+        assert.match(alert, /ModifierKey::load ERROR: value list ModifierKeys not found!\./);
+        assert.doesNotMatch(announced, /is ready|all three/);
+        assert.match((await panel.texts('#list-log p'))[0], first);
+        const later = await fixture.open({ view: '#lists' });
+        await later.page.locator('#list-log .fault').first().waitFor();
+        assert.match((await later.texts('#list-log p'))[0], first);
+        await fixture.simulator.restart({ keyLists: null });
+        await panel.showsText('#list-log', 'The daemon has read all three lists.');
+    });
+}
+
+test('what is typed outlives a reload and another model, and is given up once it is in use', async () => {
+    const panel = await openLists();
+    const typed = combination('Draft', 'Up', 'Down');
+    await combinations(panel).fill(typed);
+    await panel.page.reload();
+    await panel.showsText('#device-status', 'ready');
+    await eventually(async () => assert.equal(await combinations(panel).inputValue(), typed));
+    await fixture.simulator.restart({ model: 'Orvane' });
+    await panel.showsText('#device-model', 'Orvane');
+    await panel.page.reload();
+    await eventually(async () => assert.equal(await combinations(panel).inputValue(), typed));
+    await panel.showsText('#device-status', 'ready');
+    await checkAndRestart(panel);
+    await fixture.simulator.restart({ keyLists: null, model: 'Pellit' });
+    await panel.showsText('#device-model', 'Pellit');
+    await panel.page.reload();
+    await eventually(async () => assert.match(await combinations(panel).inputValue(), /PaperStatus/));
+});
+
+test('a list is saved to a file as it stands in its field', async () => {
+    const panel = await openLists();
+    await combinations(panel).fill(combination('Saved', 'Up', 'Down'));
+    const download = panel.page.waitForEvent('download');
+    await panel.button('Save modifierKeyList.json').click();
+    assert.equal((await download).suggestedFilename(), 'modifierKeyList.json');
+    const saved = await readFile(await (await download).path(), 'utf8');
+    assert.equal(saved, combination('Saved', 'Up', 'Down'));
+});
+
+test('the installed lists take the place of what is typed only if that is wanted, and it can be brought back', async () => {
+    const panel = await openLists();
+    const typed = combination('Draft', 'Up', 'Down');
+    await combinations(panel).fill(typed);
+    await panel.button('Back to the installed lists').click();
+    await panel.question.getByText(/^What you have typed in modifierKeyList\.json is not in use yet\./).waitFor();
+    assert.equal(await panel.page.locator(':focus').innerText(), 'Cancel');
+    await panel.page.keyboard.press('Escape');
+    await panel.question.waitFor({ state: 'hidden' });
+    assert.equal(await combinations(panel).inputValue(), typed);
+    const observer = await fixture.simulator.observe();
+    await panel.button('Back to the installed lists').click();
+    await panel.reply('Take the installed lists');
+    await observer.sees({ type: 'device', status: 'ready' });
+    observer.close();
+    await eventually(async () => assert.match(await combinations(panel).inputValue(), /PaperStatus/));
+    await panel.page.reload();
+    await panel.button('Bring back the former texts').click();
+    await eventually(async () => assert.equal(await combinations(panel).inputValue(), typed));
+    assert.equal(await panel.question.isVisible(), false);
+});
+
+test('lists in use that a replay replaces can be brought back', async () => {
+    const panel = await openLists();
+    const tried = combination('Tried', 'Up', 'Down');
+    await combinations(panel).fill(tried);
+    await checkAndRestart(panel);
+    await fixture.simulator.post('/api/replay', 'state Idle\nwait 10\n', { 'Content-Type': 'text/plain' });
+    await panel.showsText('#status', /The former texts of the key lists can be brought back in the view Key lists\./);
+    assert.match(await combinations(panel).inputValue(), /PaperStatus/);
+    await panel.button('Bring back the former texts').click();
+    assert.equal(await combinations(panel).inputValue(), tried);
+    await fixture.simulator.restart({ keyLists: null });
+});
+
+test('a text that a loaded file replaces can be brought back', async () => {
+    const panel = await openLists();
+    const typed = combination('Draft', 'Up', 'Down');
+    await combinations(panel).fill(typed);
+    const file = asFile('modifierKeyList.json', combination('FromFile', 'Ok', 'Chs'));
+    await panel.page.getByLabel('Load modifierKeyList.json').setInputFiles(file);
+    await eventually(async () => assert.match(await combinations(panel).inputValue(), /FromFile/));
+    await panel.button('Bring back the former texts').click();
+    assert.equal(await combinations(panel).inputValue(), typed);
 });
 
 test('the installed lists come back', async () => {

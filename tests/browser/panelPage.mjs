@@ -43,6 +43,17 @@ export class PanelPage {
         }
     }
 
+    /// The open question, if any.
+    get question() {
+        return this.page.getByRole('dialog');
+    }
+
+    /// Answers the question with the button of this name.
+    async reply(name) {
+        await this.question.getByRole('button', { name, exact: true }).click();
+        await this.question.waitFor({ state: 'hidden' });
+    }
+
     async goTo(view) {
         await this.page.getByRole('navigation').getByRole('link', { name: view, exact: true }).click();
         await this.page.getByRole('heading', { name: view, level: 2, exact: true }).waitFor();

@@ -17,15 +17,31 @@ async function openRecording() {
 
 const asFile = text => ({ name: 'script.keys', mimeType: 'text/plain', buffer: Buffer.from(text) });
 
+/// Replays the script; a recording that was not downloaded may go.
 async function replay(panel, text) {
     await panel.page.getByLabel('Key script').setInputFiles(asFile(text));
     await panel.button('Replay the script').click();
+    await confirm(panel, 'Replay the script');
+}
+
+/// Confirms the question with the button `name` if it is asked, as it is after all that is done at the device.
+async function confirm(panel, name) {
+    if (await panel.question.isVisible()) {
+        await panel.reply(name);
+    }
+}
+
+async function downloaded(panel, name) {
+    const download = panel.page.waitForEvent('download');
+    await panel.button(name).click();
+    return readFile(await (await download).path(), 'utf8');
 }
 
 /// Records two keys from the beginning and replays them; comes back with what came otherwise.
 async function recordAndReplay(panel) {
     const observer = await fixture.simulator.observe();
     await panel.button('Start the recording anew').click();
+    await confirm(panel, 'Start anew');
     await observer.sees({ type: 'device', status: 'ready' });
     await panel.showsText('#device-status', 'ready');
     await panel.goTo('Panel');
@@ -57,6 +73,45 @@ test('what is done is recorded, downloaded and replayed as it came', async () =>
     }
     assert.deepEqual(differences, []);
     await panel.showsText('#replay-result', /^Everything came as written: [1-9]\d* expectations\.$/);
+});
+
+for (const [what, button] of [
+    ['A replay', 'Replay the script'],
+    ['A new recording', 'Start the recording anew'],
+]) {
+    test(`${what} asks before it ends a recording that was not downloaded, and then only`, async () => {
+        const panel = await openRecording();
+        await fixture.simulator.take('tap Chs');
+        await panel.isTold('SingleKey Chs to UserMenu');
+        await panel.page.getByLabel('Key script').setInputFiles(asFile('state Idle\nwait 10\n'));
+        const observer = await fixture.simulator.observe();
+        await panel.button(button).click();
+        await panel.question.getByText(/^The recording is not downloaded\./).waitFor();
+        await panel.reply('Cancel');
+        await fixture.simulator.take('tap Down');
+        await observer.sees({ type: 'key', key: 'Down', value: 0 });
+        assert.equal(observer.entries.some(({ type }) => type === 'device'), false);
+        assert.match(await downloaded(panel, 'Download the recording'), /^press Chs$[^]*^press Down$/m);
+        await panel.button(button).click();
+        await observer.sees({ type: 'device', status: 'ready' });
+        assert.equal(await panel.question.isVisible(), false);
+        observer.close();
+        await panel.showsText('#device-status', 'ready');
+        assert.match(await downloaded(panel, 'Download the former recording'), /^press Chs$[^]*^press Down$/m);
+    });
+}
+
+test('another model leaves the recording to be downloaded, and says so', async () => {
+    const panel = await fixture.open();
+    await panel.key('Chs').click();
+    await panel.isTold('SingleKey Chs to UserMenu');
+    await panel.button('Orvane').click();
+    await panel.showsText('#status', /The former recording can be downloaded in the view Recording\.$/);
+    await panel.goTo('Recording');
+    assert.match(await downloaded(panel, 'Download the former recording'), /^press Chs$/m);
+    const later = await fixture.open({ view: '#record' });
+    await later.button('Download the former recording').waitFor();
+    await fixture.simulator.restart({ model: 'Pellit' });
 });
 
 test('a replay shows what came otherwise', async () => {

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The front panel: sends what is done on the page as key-script statements and shows what comes of it.
 import { Announcer } from './announcer.js';
+import { Drafts } from './drafts.js';
 import { jsonFault } from './jsonFault.js';
 import { OpenCommands, answerPatience } from './openCommands.js';
+import { ask } from './question.js';
+import { RecordingWatch } from './recordingWatch.js';
 import { Timeline } from './timeline.js';
 
 const byId = id => document.getElementById(id);
@@ -120,7 +123,11 @@ function restart(changes) {
 }
 
 async function download(path, fileName) {
-    const url = URL.createObjectURL(await (await request(path)).blob());
+    saveFile(await (await request(path)).blob(), fileName);
+}
+
+function saveFile(blob, fileName) {
+    const url = URL.createObjectURL(blob);
     element('a', { href: url, download: fileName }).click();
     setTimeout(() => URL.revokeObjectURL(url), answerTime);
 }
@@ -409,12 +416,12 @@ function onDevice({ status, model, state, reason }) {
     forgetHeldKeys();
 }
 
-function reportDevice({ status, model, reason }) {
+function reportDevice({ status, reason }) {
     if (status === 'ended') {
         complain(`${reason ?? 'The daemon has ended.'} "Restart the device" is at the top of the page.`);
-    } else {
-        tell(status === 'ready' ? `The daemon is ready, on model ${model}.` : 'The device restarts.', 'event');
-    }
+    } else if (status === 'starting') {
+        tell('The device restarts.', 'event');
+    } // what is ready is told with what is known of the lists
 }
 
 function setUpDevice() {
@@ -705,6 +712,8 @@ function setUpCard() {
 
 const listFields = [...document.querySelectorAll('[data-file]')];
 const loadedLists = new Map(); // text area -> its content as the daemon has it
+const drafts = new Drafts(localStorage);
+let daemonLists = {}; // file name -> its content, as the daemon has read it
 
 function faultText({ line: number, column, text }) {
     return `Not JSON: line ${number}, column ${column}: ${text}.`;
@@ -734,20 +743,71 @@ function checkAfterTyping(field) {
     }, typingPause));
 }
 
+/// Sentences about the lists that the daemon could not read. Where the JSON is right, the card knows more.
+function unreadLists() {
+    return listFields.map(({ dataset: { file } }) => {
+        const fault = file in daemonLists ? jsonFault(daemonLists[file]) : null;
+        return fault ? `${file}: ${faultText(fault)}` : (card.notes ?? []).find(note => note.startsWith(`${file} `));
+    }).filter(Boolean);
+}
+
 function fillList(field, text) {
     field.value = text;
     checkList(field);
 }
 
-/// What somebody is typing stays.
-async function loadLists() {
-    const lists = await (await request('/api/key-lists')).json();
+const isDraft = field => field.value !== loadedLists.get(field);
+
+/// Keeps what is typed, as long as the daemon does not have it.
+function keepDraft(field) {
+    if (isDraft(field)) {
+        drafts.set('draft', field.dataset.file, field.value);
+    } else {
+        drafts.remove('draft', field.dataset.file);
+    }
+}
+
+/// Puts `text` in the place of what stands in the field, which can be brought back.
+function replaceText(field, text) {
+    if (field.value !== text) {
+        drafts.set('former', field.dataset.file, field.value);
+        fillList(field, text);
+        news.add('The former texts of the key lists can be brought back in the view Key lists.');
+    }
+    showFormer();
+}
+
+function showFormer() {
+    byId('former-lists').hidden = !listFields.some(each => drafts.get('former', each.dataset.file) !== undefined);
+}
+
+function bringBackFormer() {
     for (const field of listFields) {
-        if (field.value === (loadedLists.get(field) ?? '')) {
-            fillList(field, lists[field.dataset.file] ?? '');
-            loadedLists.set(field, field.value);
+        const former = drafts.get('former', field.dataset.file);
+        if (former !== undefined) {
+            drafts.remove('former', field.dataset.file);
+            replaceText(field, former);
+            keepDraft(field);
         }
     }
+    tell('The former texts stand in the fields again. They count after "Check and restart".');
+}
+
+/// What is typed stays, also over a reload.
+async function loadLists() {
+    daemonLists = await (await request('/api/key-lists')).json();
+    for (const field of listFields) {
+        const text = (daemonLists[field.dataset.file] ?? '').replace(/\r\n?/g, '\n'); // as a text area has it
+        if (!loadedLists.has(field)) {
+            loadedLists.set(field, text);
+            fillList(field, drafts.get('draft', field.dataset.file) ?? text);
+        } else if (!isDraft(field)) {
+            loadedLists.set(field, text);
+            replaceText(field, text);
+        }
+        keepDraft(field);
+    }
+    showFormer();
 }
 
 async function loadListFile(input) {
@@ -756,9 +816,19 @@ async function loadListFile(input) {
         return;
     }
     const field = listFields.find(each => each.dataset.file === file.name) ?? byId(input.dataset.list);
-    fillList(field, await file.text());
+    replaceText(field, await file.text());
+    keepDraft(field);
     input.value = '';
     tell(`${file.name} stands in the field of ${field.dataset.file} now. It counts after "Check and restart".`);
+}
+
+async function backToInstalled() {
+    const names = listFields.filter(isDraft).map(field => field.dataset.file);
+    const question = `What you have typed in ${names.join(' and ')} is not in use yet. `
+        + 'The installed lists take its place. It can be brought back in this browser.';
+    if (names.length === 0 || await ask(byId('question'), question, 'Take the installed lists')) {
+        await restartWith(null);
+    }
 }
 
 /// What is typed is given up for what the daemon has then, but only if it restarts.
@@ -776,31 +846,56 @@ function takeLists(event) {
 }
 
 const listsRead = 'The daemon has read all three lists.';
-let lastStart = 0; // the id of its entry
+const logTime = 500; // milliseconds; the daemon's log and its readiness come by different ways
+const news = new Set(); // sentences that are told with the readiness
+let lastStart = {}; // another object at each start
 
-function reportQuietLists(part) {
-    if (device.status === 'ready' && !byId('list-log').querySelector('p')) {
-        part.append(line(listsRead));
+/// What is known of the lists that the daemon has: the faults of the files first, then its log. Shows that, and comes
+/// back with the faults.
+function showListFaults() {
+    const logged = [...byId('list-log').querySelectorAll('p.log')].map(each => each.textContent);
+    const unread = unreadLists();
+    if (unread.length + logged.length > 0) {
+        logs.lists.earlier.prepend(...unread.map(text => line(text, 'fault')));
+    } else if (device.status === 'ready') {
+        logs.lists.earlier.append(line(listsRead));
     }
+    return [...unread, ...logged];
 }
 
-function reportLists() {
-    reportQuietLists(logs.lists.live);
-    if (isView('lists')) {
-        [...logs.lists.live.children].forEach(each => announce(each.textContent, 'reply'));
-    }
-}
-
-// The daemon's log and its readiness come by different ways, so silence counts only after a while.
-function awaitListLog() {
+async function reportReady() {
     const start = lastStart;
-    setTimeout(() => start === lastStart && reportLists(), 500);
+    const isLoaded = loadDeviceFiles();
+    await new Promise(resolve => { setTimeout(resolve, logTime); });
+    await isLoaded;
+    if (start !== lastStart || device.status !== 'ready') {
+        return;
+    }
+    const faults = showListFaults();
+    const sentences = [...news];
+    news.clear();
+    if (faults.length > 0) {
+        complain([...faults, `The daemon runs without what it could not read, on model ${device.model}.`, ...sentences].join(' '));
+    } else {
+        const read = isView('lists') ? [listsRead] : [];
+        tell([...read, `The daemon is ready, on model ${device.model}.`, ...sentences].join(' '), 'event');
+    }
+}
+
+function saveList({ currentTarget }) {
+    const field = byId(currentTarget.dataset.save);
+    saveFile(new Blob([field.value], { type: 'application/json' }), field.dataset.file);
 }
 
 function setUpLists() {
     byId('lists-form').addEventListener('submit', takeLists);
-    byId('default-lists').addEventListener('click', () => restartWith(null));
+    byId('default-lists').addEventListener('click', backToInstalled);
+    byId('former-lists').addEventListener('click', bringBackFormer);
+    for (const button of document.querySelectorAll('[data-save]')) {
+        button.addEventListener('click', saveList);
+    }
     for (const field of listFields) {
+        field.addEventListener('input', () => keepDraft(field));
         field.addEventListener('input', () => checkAfterTyping(field));
         // A description that changes under the focus would be read as well as the announcement.
         field.addEventListener('input', () => field.removeAttribute('aria-describedby'));
@@ -815,7 +910,10 @@ function setUpLists() {
 
 let shownReplay = 0; // the id of its entry
 
+const recordingWatch = new RecordingWatch();
+
 function showRecording(status) {
+    byId('download-former').hidden = !device.formerRecording;
     byId('recording-status').textContent = status === 'full'
         ? 'The recording is full: what happens now is not in it.' : 'The device is being recorded.';
 }
@@ -851,8 +949,18 @@ function announceReplay(entry) {
     [replayText(entry), ...entry.differences ?? []].forEach(text => announce(text, 'event'));
 }
 
+/// Asks before a recording that was not downloaded ends. Comes back with whether it may.
+async function maySupersedeRecording(answer) {
+    const question = 'The recording is not downloaded. A new one begins now. '
+        + 'Until the next restart this one can be downloaded as the former recording.';
+    return !recordingWatch.isUnsaved || ask(byId('question'), question, answer);
+}
+
 async function startReplay(event) {
     event.preventDefault();
+    if (!await maySupersedeRecording('Replay the script')) {
+        return;
+    }
     try {
         const [file] = byId('replay-file').files;
         await post('/api/replay', await file.text(), { 'Content-Type': 'text/plain' });
@@ -866,12 +974,17 @@ async function startReplay(event) {
 
 function setUpRecording() {
     byId('restart-recording').addEventListener('click', async () => {
-        if (await attempt(post('/api/recording'))) {
+        if (await maySupersedeRecording('Start anew') && await attempt(post('/api/recording'))) {
             tell('The recording begins anew.');
         }
     });
-    byId('download-recording').addEventListener('click',
-        () => attempt(download('/api/recording.keys', 'recording.keys')));
+    byId('download-recording').addEventListener('click', async () => {
+        if (await attempt(download('/api/recording.keys', 'recording.keys'))) {
+            recordingWatch.save();
+        }
+    });
+    byId('download-former').addEventListener('click',
+        () => attempt(download('/api/former-recording.keys', 'former-recording.keys')));
     byId('replay-form').addEventListener('submit', startReplay);
     byId('stop-replay').addEventListener('click', () => attempt(post('/api/replay/stop')));
 }
@@ -1094,6 +1207,10 @@ function learnAnswer(entry) {
 
 /// What the page must know of an entry, old or new.
 function learn(entry) {
+    if (entry.type === 'recording' && entry.former && recordingWatch.isUnsaved) {
+        news.add('The former recording can be downloaded in the view Recording.');
+    }
+    recordingWatch.take(entry);
     switch (entry.type) {
     case 'command': sentCommands.push(entry.text.split(' ')[0]); return undefined;
     case 'answer': return learnAnswer(entry);
@@ -1115,6 +1232,11 @@ function reactToAnswering({ answering }) {
     }
 }
 
+function onRecording({ status, former }) {
+    device.formerRecording = former ?? device.formerRecording;
+    showRecording(status);
+}
+
 function reactToTest({ running }) {
     showDevice();
     tell(running ? 'The keyboard test is running.' : 'The keyboard test has ended.', 'event');
@@ -1128,7 +1250,7 @@ function react(entry) {
     case 'key': return showKeys();
     case 'daemon': return reactToAnswering(entry);
     case 'test': return reactToTest(entry);
-    case 'recording': return showRecording(entry.status);
+    case 'recording': return onRecording(entry);
     case 'replay': return showReplay(entry);
     case 'speech':
     case 'cancel': return speakAloud(entry);
@@ -1143,17 +1265,15 @@ function reactToDevice(entry) {
     showDevice();
     reportDevice(entry);
     if (entry.status === 'starting') {
-        lastStart = entry.id;
+        lastStart = {};
         logs.lists.reset([]);
     } else if (entry.status === 'ready') {
-        awaitListLog();
-        loadDeviceFiles();
+        reportReady();
     }
 }
 
 function loadDeviceFiles() {
-    attempt(loadCard());
-    attempt(loadLists());
+    return Promise.all([attempt(loadCard()), attempt(loadLists())]);
 }
 
 function sinceLastStart(history) {
@@ -1171,6 +1291,7 @@ function takeSnapshot(snapshot) {
     down.clear();
     held.clear();
     history.forEach(learn);
+    news.clear();
     device = { reason: device.reason, ...snapshot.device };
     down.clear(); // the history may not reach back to each press
     device.held.forEach(hold => down.add(`${hold.device} ${hold.key}`));
@@ -1180,7 +1301,6 @@ function takeSnapshot(snapshot) {
     logs.answers.reset(openCommands.reset(history, snapshot.at, performance.now()));
     watchAnswers();
     logs.lists.reset(sinceLastStart(history));
-    reportQuietLists(logs.lists.earlier);
     timeline.reset(history, snapshot.at);
     if (connection === 'lost') {
         tell('Connected again.', 'fault');
@@ -1190,7 +1310,8 @@ function takeSnapshot(snapshot) {
     showDevice();
     showKeys();
     followConsole();
-    loadDeviceFiles();
+    const start = lastStart = {};
+    loadDeviceFiles().then(() => start === lastStart && showListFaults());
 }
 
 function takeEntry(entry) {
