@@ -157,7 +157,7 @@ test('all latched keys can be released at once, and by leaving the latch mode', 
     await panel.key('Ok').click();
     await latch.click();
     await deviceGot(observer, 'Help 1', 'Up 1', 'Help 0', 'Up 0', 'Ok 1', 'Ok 0');
-    await eventually(async () => assert.equal(await panel.key('Ok').getAttribute('aria-pressed'), 'false'));
+    assert.equal(await panel.key('Ok').getAttribute('aria-pressed'), null);
 });
 
 test('the keys come from the input device that is chosen', async () => {
