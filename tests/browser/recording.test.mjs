@@ -105,6 +105,7 @@ test('another model leaves the recording to be downloaded, and says so', async (
     const panel = await fixture.open();
     await panel.key('Chs').click();
     await panel.isTold('SingleKey Chs to UserMenu');
+    await panel.disclose('setup');
     await panel.button('Orvane').click();
     await panel.showsText('#status', /The former recording can be downloaded in the view Recording\.$/);
     await panel.goTo('Recording');
