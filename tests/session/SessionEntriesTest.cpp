@@ -189,7 +189,7 @@ void SessionEntriesTest::anActionForAnEmptyStateIsRefused()
         QByteArray(undefinedRow).replace(R"("Undefined")", R"("UserMenu")").replace(R"("Idle")", R"("")"));
     QVERIFY(launch());
     QCOMPARE(take("press Help; wait 50; tap Up; release Help"), QString());
-    QTRY_COMPARE(entries("refusal").size(), 1);
+    WAIT_FOR_EQUAL(entries("refusal").size(), 1);
     const QJsonObject refusal = entries("refusal").first();
     QCOMPARE(refusal.value("expected"), QJsonValue(""));
     QCOMPARE(refusal.value("current").toString(), QStringLiteral("Idle"));

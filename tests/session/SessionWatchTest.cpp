@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/session/SessionTest.h"
+#include "tests/support/Waiting.h"
 
 #include <signal.h>
 #include <sys/ptrace.h>
@@ -76,14 +77,14 @@ void SessionWatchTest::theQuestionsLeaveTheSenderOfTheNextAnnouncement()
 {
     QVERIFY(launch());
     QCOMPARE(take("command GetLastKey as WwwApi"), QString());
-    QTRY_COMPARE(entries("answer").size(), 1);
+    WAIT_FOR_EQUAL(entries("answer").size(), 1);
     // Between these two entries a question was asked and answered.
     QVERIFY(stop());
     QVERIFY(awaitEntry("daemon", "answering", "false"));
     QVERIFY(resume());
     QVERIFY(awaitEntry("daemon", "answering", "true"));
     QCOMPARE(take("tap Menu; wait 100; tap Menu"), QString());
-    QTRY_COMPARE(members("announcement", "sender"), QStringList({"WwwApi", "KeyboardHandler"}));
+    WAIT_FOR_EQUAL(members("announcement", "sender"), QStringList({"WwwApi", "KeyboardHandler"}));
 }
 
 void SessionWatchTest::aNewDaemonIsAskedAfterOneThatDidNotAnswer()
