@@ -98,6 +98,7 @@ export class Listener {
     async hears() {
         const all = [await this.reader.heard(this.page)];
         do {
+            await this.page.waitForFunction(() => !window.openRequests, null, { polling: 20 });
             await this.page.clock.runFor(clockStep);
             all.push(await this.reader.heard(this.page));
         } while (all.at(-1).length > 0);
@@ -114,6 +115,7 @@ export class Listener {
         [this.page] = this.browser.contexts()[0].pages();
         this.page.setDefaultTimeout(0);
         await this.page.addInitScript(holdEntries);
+        await this.page.addInitScript(countRequests);
         await this.page.clock.install();
         await this.page.clock.pauseAt(Date.now() + clockStep);
     }
@@ -137,6 +139,22 @@ function holdEntries() {
     window.letIn = last => {
         while (waiting[0]?.id <= last) {
             waiting.shift().takeIn();
+        }
+    };
+}
+
+/// Keeps the number of requests that have no whole answer yet (runs in the page).
+function countRequests() {
+    const { fetch } = window;
+    window.openRequests = 0;
+    window.fetch = async (...words) => {
+        ++window.openRequests;
+        try {
+            const answer = await fetch(...words);
+            await answer.clone().arrayBuffer();
+            return answer;
+        } finally {
+            --window.openRequests;
         }
     };
 }
