@@ -75,9 +75,9 @@ test('what is done is recorded, downloaded and replayed as it came', async () =>
     await panel.showsText('#replay-result', /^Everything came as written: [1-9]\d* expectations\.$/);
 });
 
-for (const [what, button] of [
-    ['A replay', 'Replay the script'],
-    ['A new recording', 'Start the recording anew'],
+for (const [what, button, end] of [
+    ['A replay', 'Replay the script', { type: 'replay', status: 'finished' }],
+    ['A new recording', 'Start the recording anew', { type: 'device', status: 'ready' }],
 ]) {
     test(`${what} asks before it ends a recording that was not downloaded, and then only`, async () => {
         const panel = await openRecording();
@@ -93,7 +93,7 @@ for (const [what, button] of [
         assert.equal(observer.entries.some(({ type }) => type === 'device'), false);
         assert.match(await downloaded(panel, 'Download the recording'), /^press Chs$[^]*^press Down$/m);
         await panel.button(button).click();
-        await observer.sees({ type: 'device', status: 'ready' });
+        await observer.sees(end);
         assert.equal(await panel.question.isVisible(), false);
         observer.close();
         await panel.showsText('#device-status', 'ready');
