@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr Measurements::Extent wholeExtent{30, 1000, 5, 20'000, 10, 100, 600};
-constexpr Measurements::Extent shortExtent{1, 20, 1, 500, 1, 10, 20};
+constexpr Measurements::Extent wholeExtent{30, 1000, 5, 20'000, 10, 30, 100, 600};
+constexpr Measurements::Extent shortExtent{1, 20, 1, 500, 1, 1, 10, 20};
 
 Measurements::Programs makePrograms()
 {
@@ -32,6 +32,7 @@ Measurements::Programs makePrograms()
 QJsonObject measure(const Measurements::Extent& extent)
 {
     Measurements::Programs programs = makePrograms();
+    MeasuredProgram& daemon = *programs.front(); // before they are shuffled
     Measurements::Figures figures;
     Measurements::start(programs, extent, figures);
     for (const auto& program : programs) {
@@ -44,6 +45,7 @@ QJsonObject measure(const Measurements::Extent& extent)
     for (const auto& program : programs) {
         program->stop();
     }
+    Measurements::waiting(daemon, extent, figures);
     Measurements::instructions(programs, extent, figures);
 
     QJsonObject result;

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <optional>
 #include <stdexcept>
+#include <thread>
 
 #include <fcntl.h>
 #include <linux/input.h>
@@ -25,6 +26,8 @@ using std::chrono::system_clock;
 namespace {
 
 constexpr int startPatienceMs = 60'000; // a program that is counted starts slowly
+const QStringList awaitedServices{QStringLiteral("state-handler"), QStringLiteral("speechd")};
+constexpr auto betweenServices = std::chrono::milliseconds(100);
 // The device gives a program this folder to write in.
 constexpr char writableFolder[] = "/run";
 constexpr char readinessSocket[] = "/run/readiness";
@@ -86,8 +89,8 @@ void write(int device, const Report& report)
 MeasuredProgram::MeasuredProgram(const QString& name, const QString& executable)
     : m_name(name), m_executable(executable), m_options(printingDevice()), m_folder(m_options)
 {
-    for (const char* dependency : {"state-handler", "speechd"}) {
-        m_folder.setReady(QLatin1String(dependency), true);
+    for (const QString& service : awaitedServices) {
+        m_folder.setReady(service, true);
     }
     requireNone(m_folder.errorString());
     m_input = ::open(QFile::encodeName(m_folder.inputDevice(0)).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
@@ -110,8 +113,28 @@ MeasuredProgram::~MeasuredProgram()
 
 nanoseconds MeasuredProgram::start()
 {
-    const ReadinessSocket::Time ready = run({m_executable});
+    run({m_executable});
+    const ReadinessSocket::Time ready = awaitReadiness();
     return ready - launchTime();
+}
+
+void MeasuredProgram::startEarly()
+{
+    for (const QString& service : awaitedServices) {
+        m_folder.setReady(service, false);
+    }
+    run({m_executable});
+}
+
+nanoseconds MeasuredProgram::declareServices()
+{
+    nanoseconds declared{};
+    for (const QString& service : awaitedServices) {
+        std::this_thread::sleep_for(betweenServices);
+        declared = system_clock::now().time_since_epoch();
+        m_folder.setReady(service, true);
+    }
+    return awaitReadiness() - declared;
 }
 
 void MeasuredProgram::startCounting()
@@ -119,6 +142,7 @@ void MeasuredProgram::startCounting()
     m_instructions = -1;
     run({QStringLiteral("/usr/bin/valgrind"), QStringLiteral("--tool=callgrind"),
          QStringLiteral("--callgrind-out-file=/dev/null"), m_executable});
+    awaitReadiness();
 }
 
 void MeasuredProgram::stop()
@@ -163,12 +187,15 @@ bool MeasuredProgram::hasReadAll() const
     return ::ioctl(m_input, FIONREAD, &pending) == 0 && pending == 0;
 }
 
-ReadinessSocket::Time MeasuredProgram::run(const QStringList& command)
+void MeasuredProgram::run(const QStringList& command)
 {
     m_options.daemon = QCoreApplication::applicationFilePath();
     m_options.daemonArguments = QStringList(QLatin1String(launchOption)) + command;
     requireNone(m_process.start(m_folder, m_options));
+}
 
+ReadinessSocket::Time MeasuredProgram::awaitReadiness()
+{
     pollfd pollers[] = {{m_readiness->descriptor(), POLLIN, 0}, {m_services->descriptor(), POLLIN, 0}};
     std::optional<ReadinessSocket::Time> ready;
     while (!ready) {

@@ -21,6 +21,7 @@ namespace {
 constexpr int warmUpStarts = 1; // files come from the disk
 constexpr int warmUpKeys = 20;
 constexpr auto betweenEvents = 2ms; // the program has done with a press before the release comes
+constexpr auto startTime = 500ms;   // until a program that is started early only waits
 constexpr auto settlingTime = 2s;   // longer than any timer that a key starts
 constexpr int burstPatienceMs = 10'000;
 constexpr int recordsPerKey = 4;
@@ -175,6 +176,28 @@ void idleness(const Programs& programs, const Extent& extent, Figures& figures)
         const int after = ProcessFigures::voluntarySwitches(program->processId());
         figures[program->name()].insert(QStringLiteral("idleWakeUps"), after - before.value(program->name()));
     }
+}
+
+void waiting(MeasuredProgram& daemon, const Extent& extent, Figures& figures)
+{
+    QJsonObject& own = figures[daemon.name()];
+    Times times;
+    for (int i = 0; i < extent.waits; ++i) {
+        daemon.startEarly();
+        std::this_thread::sleep_for(startTime);
+        if (i == 0) {
+            const qint64 process = daemon.processId();
+            const int wakeUps = ProcessFigures::voluntarySwitches(process);
+            const int busyMs = ProcessFigures::processorMs(process);
+            std::this_thread::sleep_for(std::chrono::seconds(extent.idleSeconds));
+            own.insert(QStringLiteral("waitingWakeUps"),
+                       double(ProcessFigures::voluntarySwitches(process) - wakeUps) / extent.idleSeconds);
+            own.insert(QStringLiteral("waitingMs"), ProcessFigures::processorMs(process) - busyMs);
+        }
+        times.push_back(microseconds(daemon.declareServices()));
+        daemon.stop();
+    }
+    own.insert(QStringLiteral("servicesUs"), summary(times));
 }
 
 void memory(const Programs& programs, Figures& figures)

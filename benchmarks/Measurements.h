@@ -24,6 +24,7 @@ struct Extent
     int bursts;
     int burstKeys;
     int idleSeconds;
+    int waits;
     int fewCountedKeys;
     int manyCountedKeys;
 };
@@ -34,6 +35,9 @@ void start(Programs& programs, const Extent& extent, Figures& figures);
 void keys(Programs& programs, const Extent& extent, Figures& figures);
 /// Leaves running programs alone for a while.
 void idleness(const Programs& programs, const Extent& extent, Figures& figures);
+/// Starts the daemon before the services that it waits for, and leaves it waiting for a while; then these
+/// become ready.
+void waiting(MeasuredProgram& daemon, const Extent& extent, Figures& figures);
 /// Looks at the memory of running programs.
 void memory(const Programs& programs, Figures& figures);
 /// Presses many keys at once in running programs.

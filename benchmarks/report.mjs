@@ -23,6 +23,10 @@ const rows = [
     ['anonymous memory', own => own.anonymousKib, kib, { leastQt: 1.25 }],
     ['memory (PSS)', own => own.pssKib, kib],
     ['wake-ups when idle', own => own.idleWakeUps, count, { most: 0 }],
+    ['wake-ups in a second of waiting for services', own => own.waitingWakeUps, value => value.toFixed(1), { most: 4 }],
+    ['processor time of ten such seconds', own => own.waitingMs, value => `${value} ms`],
+    ['last service ready to ready, p50', own => own.servicesUs?.p50, ms],
+    ['last service ready to ready, longest', own => own.servicesUs?.max, ms, { most: 20_000 }],
     ['burst: records drained a second', own => own.recordsPerSecond, count],
     ['burst: announcements delivered a second', own => own.announcementsPerSecond, count],
 ];
@@ -45,15 +49,16 @@ function table(heads, body) {
     return [line(heads), line(heads.map(() => '---')), ...body.map(line)].join('\n');
 }
 
-function goalText({ reference, limit, reached, met }) {
-    const times = reference === 'most' ? `${limit}` : `${limit} × ${reference === 'leastQt' ? 'Qt' : 'C'}`;
+function goalText({ reference, limit, reached, met }, format) {
+    const times = reference === 'most' ? format(limit) : `${limit} × ${reference === 'leastQt' ? 'Qt' : 'C'}`;
     return `${times}: ${met ? 'met' : 'not met'}${reference === 'most' ? '' : ` (${reached.toFixed(2)})`}`;
 }
 
 function deviceTable(measured) {
     return table(['', 'daemon', 'relaying Qt', 'least Qt', 'least C', 'goal'],
         measured.map(({ name, values, format, goals }) =>
-            [name, ...programs.map(program => format(values[program])), goals.map(goalText).join(', ')]));
+            [name, ...programs.map(program => values[program] === undefined ? '' : format(values[program])),
+                goals.map(goal => goalText(goal, format)).join(', ')]));
 }
 
 /// Nanoseconds of each event by the number of rows, the median of the repetitions.
