@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+import assert from 'node:assert/strict';
 import { readFile } from 'node:fs/promises';
 
 import { eventually } from '../browser/eventually.mjs';
@@ -65,9 +66,21 @@ export class Listener {
         await this.page.locator('#card-tables > *').first().waitFor({ state: 'attached' });
     }
 
-    /// A key of the keyboard, in the words of xdotool: "Tab", "shift+Tab", "ctrl+Home".
+    /// A key of the keyboard, in the words of xdotool: "Tab", "shift+Tab". `verb` is "key", "keydown" or "keyup".
     keyboard(verb, key) {
-        return this.desktop.run('xdotool', verb, key);
+        return this.#untilTaken(verb === 'keydown' ? 'keydown' : 'keyup', 1, () => this.desktop.run('xdotool', verb, key));
+    }
+
+    type(text) {
+        return this.#untilTaken('keyup', text.length, () => this.desktop.run('xdotool', 'type', '--delay', '20', text));
+    }
+
+    /// Does `work` and waits until the page has got so many keys of it.
+    async #untilTaken(event, number, work) {
+        const taken = () => this.page.evaluate(name => window.takenKeys[name], event);
+        const former = await taken();
+        await work();
+        await eventually(async () => assert((await taken()) >= former + number, 'The page did not get the keys.'));
     }
 
     /// What happens from now on belongs together: the order in which `until` is called for it does not matter.
@@ -116,6 +129,7 @@ export class Listener {
         this.page.setDefaultTimeout(0);
         await this.page.addInitScript(holdEntries);
         await this.page.addInitScript(countRequests);
+        await this.page.addInitScript(countKeys);
         await this.page.clock.install();
         await this.page.clock.pauseAt(Date.now() + clockStep);
     }
@@ -141,6 +155,20 @@ function holdEntries() {
             waiting.shift().takeIn();
         }
     };
+}
+
+/// Keeps the numbers of keys that the page has got, modifiers apart (runs in the page).
+function countKeys() {
+    window.takenKeys = { keydown: 0, keyup: 0 };
+    for (const name of ['keydown', 'keyup']) {
+        window.addEventListener(
+            name,
+            ({ key, repeat }) => {
+                window.takenKeys[name] += ['Shift', 'Control'].includes(key) || repeat ? 0 : 1;
+            },
+            true,
+        );
+    }
 }
 
 /// Keeps the number of requests that have no whole answer yet (runs in the page).

@@ -97,7 +97,8 @@ export class ScreenReader {
     }
 }
 
-/// The page's title changes its description (runs in the page).
+/// The title of the page, or the text of an open dialog, which hides the page, changes its description (runs in the page).
 function setMark(text) {
-    document.querySelector('h1').setAttribute('aria-description', text);
+    const place = document.querySelector('dialog[open] p') ?? document.querySelector('h1');
+    place.setAttribute('aria-description', text);
 }

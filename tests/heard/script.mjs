@@ -10,7 +10,7 @@ const verbs = {
     },
     'hold': (listener, key) => listener.keyboard('keydown', key),
     'let go': (listener, key) => listener.keyboard('keyup', key),
-    'type': (listener, text) => listener.desktop.run('xdotool', 'type', '--delay', '50', text),
+    'type': (listener, text) => listener.type(text),
     'go to': (listener, what) => control(listener, what).focus(),
     'choose': (listener, words) => {
         const [, option, what] = /^(.*) in (.*)$/.exec(words);
