@@ -134,10 +134,13 @@ void DaemonProcess::stop()
     if (!isRunning()) {
         return;
     }
-    kill(pid_t(m_processId), SIGTERM);
-    if (!m_process->waitForFinished(endTimeoutMs)) {
-        kill(pid_t(m_processId), SIGKILL);
-        m_process->waitForFinished(endTimeoutMs);
+    // Without a daemon its process id is 0, and a signal to that is for all processes of this group.
+    if (m_processId != 0) {
+        kill(pid_t(m_processId), SIGTERM);
+        if (!m_process->waitForFinished(endTimeoutMs)) {
+            kill(pid_t(m_processId), SIGKILL);
+            m_process->waitForFinished(endTimeoutMs);
+        }
     }
     m_process->end();
 }
