@@ -25,6 +25,7 @@ const queueLine = /LIVE REGIONS: messages in queue: (\d+)$/;
 
 /// Orca without a synthesiser: what it would say is in its debug file.
 export class ScreenReader {
+    #process;
     #file;
     #rest = '';       // of a line that is not whole yet
     #spoken = [];
@@ -38,7 +39,9 @@ export class ScreenReader {
         await desktop.write('.local/share/orca/orca-customizations.py', customizations);
         await desktop.write('orca', '');
         reader.#file = await open(desktop.path('orca'));
-        desktop.start('orca', '--replace', '--debug', `--debug-file=${desktop.path('orca')}`);
+        // Orca refuses to start, or ends another one, where it sees one among the processes of its user.
+        reader.#process = desktop.start('bwrap', '--die-with-parent', '--dev-bind', '/', '/', '--unshare-pid', '--proc', '/proc',
+            'orca', '--debug', `--debug-file=${desktop.path('orca')}`);
         await reader.#until(() => reader.#spoken.includes('Screen reader on.'));
         return reader;
     }
@@ -82,6 +85,9 @@ export class ScreenReader {
     }
 
     async #read() {
+        if (this.#process.exitCode !== null || this.#process.signalCode !== null) {
+            throw new Error('Orca has ended.');
+        }
         const lines = (this.#rest + (await this.#file.readFile('utf8'))).split('\n');
         this.#rest = lines.pop();
         lines.forEach(line => this.#take(line));
