@@ -39,9 +39,7 @@ export class ScreenReader {
         await desktop.write('.local/share/orca/orca-customizations.py', customizations);
         await desktop.write('orca', '');
         reader.#file = await open(desktop.path('orca'));
-        // Orca refuses to start, or ends another one, where it sees one among the processes of its user.
-        reader.#process = desktop.start('bwrap', '--die-with-parent', '--dev-bind', '/', '/', '--unshare-pid', '--proc', '/proc',
-            'orca', '--debug', `--debug-file=${desktop.path('orca')}`);
+        reader.#process = desktop.start('orca', '--debug', `--debug-file=${desktop.path('orca')}`);
         await reader.#until(() => reader.#spoken.includes('Screen reader on.'));
         return reader;
     }

@@ -1,14 +1,16 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Nothing is left of a test that is killed: its /tmp goes with it, and each test that may write there has such a one.
-# Usage: left-nothing.sh BUILD_FOLDER PRIVATE_TMP..., the command that runs another one with a private /tmp
+# Nothing is left of a test that is killed: its /tmp and its processes go with it, and each test that may leave any is
+# started like that. Usage: left-nothing.sh BUILD_FOLDER PRIVATE_TMP..., the command that starts another one so
 set -eu
 build=$1
 shift
 
 name=left-by-a-killed-test-$$
+seconds=86400.$$
 # shellcheck disable=SC2016
-written=$("$@" sh -c 'cd "$(mktemp -d)" && touch "/tmp/$1" && ls /tmp && kill -KILL $$' sh "$name" 2>/dev/null) || true
+written=$("$@" sh -c 'sleep "$2" >/dev/null & touch "/tmp/$1" && ls /tmp && kill -KILL $$' sh "$name" "$seconds" 2>/dev/null) ||
+    true
 case $written in
 *"$name"*) ;;
 *) echo "the killed process wrote nothing: $written" && exit 1 ;;
@@ -16,6 +18,11 @@ esac
 if [ -e "/tmp/$name" ]; then
     rm "/tmp/$name"
     echo "a file of a killed process is left in /tmp"
+    exit 1
+fi
+if pgrep -f "^sleep $seconds" >/dev/null; then
+    pkill -f "^sleep $seconds"
+    echo "a child of a killed process runs on"
     exit 1
 fi
 

@@ -451,14 +451,15 @@ void PanelApiTest::theSessionGoesOnWhileACardIsMade()
         client->send("GET /api/card.brf HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(port()) +
                      "\r\n\r\n");
     }
-    const HttpReply reply = first.reply();
-    QCOMPARE(reply.status, 200);
-    HttpReply other = second.reply();
-    while (other.status == 503) {
-        // It was not its turn within the time that the server lets it wait.
-        other = get("/api/card.brf");
+    QVector<HttpReply> replies{first.reply(), second.reply()};
+    for (HttpReply& reply : replies) {
+        while (reply.status == 503) {
+            // It was not its turn within the time that the server lets it wait.
+            reply = get("/api/card.brf");
+        }
     }
-    QCOMPARE(other.body, reply.body);
+    QCOMPARE(replies.first().status, 200);
+    QCOMPARE(replies.last().body, replies.first().body);
     const qint64 all = processorTime(CLOCK_PROCESS_CPUTIME_ID) - before;
     QVERIFY2(longest * 4 < all, qPrintable(QStringLiteral("%1 of %2 us").arg(longest).arg(all)));
 }
