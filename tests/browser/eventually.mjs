@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+import { AssertionError } from 'node:assert/strict';
 import { setTimeout as delay } from 'node:timers/promises';
 
 const reminderTime = 10000;
@@ -9,18 +10,24 @@ export function remind(missing) {
     return () => clearInterval(timer);
 }
 
-/// Tries `check` until it does not throw any more, however long that takes; comes back with its result.
+/// Tries `check` until it does not throw any more, however long that takes; comes back with its result. What can never
+/// come right, a closed page or a process that has ended, fails at once.
 export async function eventually(check) {
-    let last;
-    const stop = remind(() => last.stack);
-    for (;;) {
-        try {
-            const result = await check();
-            stop();
-            return result;
-        } catch (fault) {
-            last = fault;
+    let last = 'the first answer';
+    const stop = remind(() => last);
+    try {
+        for (;;) {
+            try {
+                return await check();
+            } catch (fault) {
+                if (!(fault instanceof AssertionError) && / has (been closed|ended)\b/.test(fault.message)) {
+                    throw fault;
+                }
+                last = fault.stack;
+            }
+            await delay(20);
         }
-        await delay(20);
+    } finally {
+        stop();
     }
 }

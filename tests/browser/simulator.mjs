@@ -110,6 +110,9 @@ export class Simulator {
         }
         await eventually(() => {
             this.url = /http:\/\/\S+/.exec(this.output)?.[0];
+            if (this.#process.exitCode !== null) {
+                throw new Error(`The simulator has ended:\n${this.output}`);
+            }
             if (!this.url) {
                 throw new Error(`The simulator names no address:\n${this.output}`);
             }
