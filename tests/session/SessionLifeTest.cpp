@@ -359,12 +359,18 @@ void SessionLifeTest::aHelperThatFailsIsTold_data()
     QTest::addColumn<QString>("helper");
     QTest::addColumn<QString>("other");
     QTest::addColumn<QString>("begin");
+    QTest::addColumn<QByteArray>("script");
+    const QByteArray hangsMutely = R"(exec /bin/bash -c 'while [ "$1" != --info-fd ]; do shift; done
+eval "exec $2>&-"; exec /bin/sleep 3600' bash "$@")";
     QTest::newRow("the sandbox") << "bwrap"
                                  << "dbus-daemon"
-                                 << "bwrap does not start the daemon: ";
+                                 << "bwrap does not start the daemon: " << QByteArray("exit 1");
+    QTest::newRow("a sandbox that hangs") << "bwrap"
+                                          << "dbus-daemon"
+                                          << "bwrap does not start the daemon: " << hangsMutely;
     QTest::newRow("the bus") << "dbus-daemon"
                              << "bwrap"
-                             << "dbus-daemon does not start: ";
+                             << "dbus-daemon does not start: " << QByteArray("exit 1");
 }
 
 void SessionLifeTest::aHelperThatFailsIsTold()
@@ -372,9 +378,10 @@ void SessionLifeTest::aHelperThatFailsIsTold()
     QFETCH(QString, helper);
     QFETCH(QString, other);
     QFETCH(QString, begin);
+    QFETCH(QByteArray, script);
     {
         SearchPath path;
-        path.add(helper, "exit 1");
+        path.add(helper, script);
         path.link(other, "/usr/bin/" + other);
         session().start();
         QVERIFY(awaitEntry("device", "status", "ended"));
