@@ -66,7 +66,8 @@ void HttpClient::flush()
 
 void HttpClient::endSending()
 {
-    flush();
+    // With the event loop: the server does not read what it has not accepted yet.
+    WAIT_FOR((received(), m_socket.bytesToWrite() == 0 || !isConnected()));
     shutdown(int(m_socket.socketDescriptor()), SHUT_WR);
 }
 
