@@ -36,7 +36,7 @@ struct RawRecord
     qint32 value = 0;
 };
 
-/// What happens to a service beside the daemon. Each is declared ready, whatever happens to it.
+/// The fault of a service that the daemon uses. Each service is declared ready, even if it fails.
 struct ServiceChange
 {
     /// On the bus and at work; on the bus, but without doing anything; not on the bus.

@@ -16,7 +16,7 @@ public:
     virtual void record(int device, const RawRecord& record) = 0;
     /// The state handler announces `state`, an identifier of `ls::StateId`.
     virtual void setState(const QString& state) = 0;
-    /// A service beside the daemon fails, or comes back.
+    /// A service that the daemon uses fails or comes back.
     virtual void setService(const ServiceChange& change) = 0;
     /// Sends `command` to the keyboard service without waiting for the answer.
     virtual void sendCommand(const QVariantMap& command) = 0;

@@ -5,7 +5,7 @@
 
 #include <QStringList>
 
-/// What happens to a service beside the daemon as the words of a script line: SERVICE stop|silent|start.
+/// The fault of a service that the daemon uses, as the words of a script line: SERVICE stop|silent|start.
 namespace ServiceWords {
 
 struct Parsed

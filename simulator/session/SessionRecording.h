@@ -12,7 +12,8 @@
 class SessionRecording
 {
 public:
-    /// Begins anew: the daemon of a device with this model, state, key lists and services is ready now.
+    /// Starts a new recording: the daemon of a device with this model, state, key lists and services is ready
+    /// now.
     void begin(const QString& model, const QString& state, const QMap<QString, QByteArray>& keyLists,
                const QMap<QString, ServiceChange::Condition>& services);
     /// Nothing more happens at the device.

@@ -166,7 +166,7 @@ function showKeys() {
     showHeld();
 }
 
-/// All keys that are down, whoever holds them, in the header of each view.
+/// All keys that are down, here and elsewhere, in the header of each view.
 function showHeld() {
     const names = keyButtons().map(({ dataset }) => dataset.key).flatMap(key => [
         ...isDown(`0 ${key}`) ? [key] : [],
