@@ -84,6 +84,7 @@ test('another button of the mouse presses nothing', async () => {
 });
 
 test('two fingers press a chord', async () => {
+    await fixture.simulator.outlastWindow();
     const { panel, observer } = await openObserved({ hasTouch: true });
     await panel.touch('Function', 'Up');
     await panel.isTold('VolumeUp Function Up to UserMenu');
@@ -132,6 +133,7 @@ test('a click of assistive technology is a press and a release', async () => {
 });
 
 test('latched keys stay down until they are pressed again', async () => {
+    await fixture.simulator.outlastWindow();
     const { panel, observer } = await openObserved();
     await panel.page.getByRole('switch', { name: 'Latch keys' }).click();
     await panel.key('Function').click();

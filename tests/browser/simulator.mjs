@@ -59,6 +59,15 @@ export class Simulator {
         observer.close();
     }
 
+    /// Waits for the end of the window that earlier keys have opened: it would cut a chord off. A lone key is announced
+    /// at that end.
+    async outlastWindow() {
+        const observer = await this.observe();
+        await this.take('tap Up');
+        await observer.sees({ type: 'announcement', keys: ['Up'] });
+        observer.close();
+    }
+
     /// Changes the state and waits until the daemon knows it: the answer to a command comes behind the change.
     async enter(state) {
         const observer = await this.observe();
