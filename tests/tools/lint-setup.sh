@@ -14,7 +14,7 @@ fail() {
 mkdir -p "$folder/bin" "$folder/project/tools" "$folder/project/build/dev"
 cp "$source/tools/lint" "$source/tools/setup" "$folder/project/tools"
 echo '[]' >"$folder/project/build/dev/compile_commands.json"
-for tool in cat chmod dirname grep id sh xargs; do
+for tool in cat chmod dirname grep id mkdir sed sh xargs; do
     ln -s "$(command -v "$tool")" "$folder/bin/$tool"
 done
 # A machine on which nothing is installed, and an archive that has all.
