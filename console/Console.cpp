@@ -2,7 +2,7 @@
 #include "console/Console.h"
 
 #include "service/KeyboardHandler.h"
-#include "service/Vocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/ConsoleReader.h>
 #include <ls/Identifiers.h>

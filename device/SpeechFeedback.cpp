@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "device/SpeechFeedback.h"
 
-#include "service/Vocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <speech/Speech.h>
 #include <vantre/Singleton.h>

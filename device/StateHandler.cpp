@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "device/StateHandler.h"
 
-#include "service/Vocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/DBusService.h>
 #include <ls/DBusServiceStore.h>

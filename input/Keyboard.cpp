@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "input/Keyboard.h"
 
-#include "service/Vocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/Identifiers.h>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "input/Keyboard.h"
-#include "service/Vocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/EnumKey.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "keys/KeyListFile.h"
 
-#include "service/Vocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/IReader.h>
 

@@ -2,7 +2,7 @@
 #include "keys/LongKey.h"
 
 #include "keys/KeyListFile.h"
-#include "service/Vocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/Identifiers.h>
 #include <ls/MessageKeys.h>

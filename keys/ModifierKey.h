@@ -2,7 +2,7 @@
 #pragma once
 
 #include "keys/KeyEntry.h"
-#include "service/Vocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <QList>
 #include <QObject>

@@ -6,7 +6,7 @@
 #include "keys/LongKey.h"
 #include "keys/ModifierKey.h"
 #include "keys/ShortcutKey.h"
-#include "service/Vocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/Identifiers.h>
 #include <ls/JFile.h>

@@ -2,7 +2,7 @@
 #include "simulator/card/CardLists.h"
 
 #include "keys/KeyListFile.h"
-#include "service/Vocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

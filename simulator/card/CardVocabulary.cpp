@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/card/CardVocabulary.h"
 
-#include "service/Vocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/Identifiers.h>
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/card/KeyCard.h"
 
-#include "service/Vocabulary.h"
 #include "simulator/card/CardLists.h"
 #include "simulator/card/CardSentences.h"
 #include "simulator/card/CardVocabulary.h"
 #include "simulator/card/RowFate.h"
 #include "simulator/script/Autorepeat.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/Identifiers.h>
 

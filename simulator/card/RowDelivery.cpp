@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/card/RowDelivery.h"
 
-#include "service/Vocabulary.h"
 #include "simulator/card/CardVocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/Identifiers.h>
 

@@ -2,8 +2,8 @@
 #include "tests/card/CardDevice.h"
 
 #include "service/KeyboardHandler.h"
-#include "service/Vocabulary.h"
 #include "simulator/card/CardVocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/Identifiers.h>
 #include <ls/MessageKeys.h>

@@ -6,7 +6,7 @@ cd "$1"
 
 texts=$(grep -rhozP --include='*.cpp' \
     '(?:LOG_(?:ERROR|WARNING)\(\)(?:\.noquote\(\))?|qCritical\(\)|qWarning\(\)|\berror\(\w*\)(?:\.noquote\(\))?)\s*<<\s*(?:[A-Za-z:]+\s*<<\s*)?"\K[^"\\]+' \
-    app console device input keys service platform | tr '\0' '\n'
+    app console device input keys service vocabulary platform | tr '\0' '\n'
 grep -rhoP --include='*.cpp' 'describe\("\K[^"%]+' input)
 
 count=0

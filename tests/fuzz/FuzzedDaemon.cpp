@@ -3,9 +3,9 @@
 
 #include "console/Console.h"
 #include "service/KeyboardHandler.h"
-#include "service/Vocabulary.h"
 #include "tests/fakes/FakeSpeech.h"
 #include "tests/fuzz/Log.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/DBusService.h>
 #include <ls/DBusServiceStore.h>

@@ -7,7 +7,6 @@
 #include "keys/ShortcutKey.h"
 #include "service/BusValue.h"
 #include "service/KeyboardHandler.h"
-#include "service/Vocabulary.h"
 #include "tests/fakes/FakeStateHandler.h"
 #include "tests/fuzz/FuzzedDaemon.h"
 #include "tests/fuzz/LocalBus.h"
@@ -15,6 +14,7 @@
 #include "tests/fuzz/Resources.h"
 #include "tests/fuzz/Target.h"
 #include "tests/virtual/MapReader.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/Identifiers.h>
 #include <ls/JFile.h>

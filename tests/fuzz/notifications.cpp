@@ -2,12 +2,12 @@
 // The state handler: its notifications and its answer to the question for the state, of any content.
 #include "device/StateHandler.h"
 #include "service/KeyboardHandler.h"
-#include "service/Vocabulary.h"
 #include "tests/fuzz/BusValues.h"
 #include "tests/fuzz/FuzzedDaemon.h"
 #include "tests/fuzz/LocalBus.h"
 #include "tests/fuzz/Log.h"
 #include "tests/fuzz/Target.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/BusNames.h>
 #include <ls/DBusService.h>

@@ -3,10 +3,10 @@
 
 #include "console/Console.h"
 #include "service/KeyboardHandler.h"
-#include "service/Vocabulary.h"
 #include "simulator/script/ObservationText.h"
 #include "tests/fakes/FakeSpeech.h"
 #include "tests/fakes/FakeStateHandler.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <QCoreApplication>
 #include <QDir>

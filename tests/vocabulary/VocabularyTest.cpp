@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "service/Vocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 #include "tests/support/LogRecorder.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "service/Vocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/Identifiers.h>
 #include <ls/MessageKeys.h>
