@@ -3,6 +3,7 @@
 // its own.
 #include "device/StateHandler.h"
 #include "input/KeyboardManager.h"
+#include "keys/KeyListFile.h"
 #include "keys/LongKey.h"
 #include "keys/ModifierKey.h"
 #include "keys/ShortcutKey.h"
@@ -35,17 +36,17 @@ QList<QStringList> rowsOf(int count)
     return rows;
 }
 
-MapReader list(const char* section, int count)
+MapReader list(EnumDetail::RowKeyList section, int count)
 {
     QVariantList rows;
     const QList<QStringList> keysOfRows = rowsOf(count);
     for (const QStringList& keys : keysOfRows) {
-        rows.append(QVariantMap{{QStringLiteral("keys"), keys},
-                                {QStringLiteral("eAction"), QStringLiteral("VolumeUp")},
-                                {QStringLiteral("receiverService"), ls::ServiceId::UserMenu},
-                                {QStringLiteral("validOnState"), ls::StateId::Print}});
+        rows.append(QVariantMap{{KeyListFields::keys, keys},
+                                {KeyListFields::eAction, QStringLiteral("VolumeUp")},
+                                {KeyListFields::receiverService, ls::ServiceId::UserMenu},
+                                {KeyListFields::validOnState, ls::StateId::Print}});
     }
-    return MapReader({{QLatin1String(section), rows}});
+    return MapReader({{KeyListFile::sectionName(section), rows}});
 }
 
 /// The router of a printing device, with as many rows in each list.
@@ -53,9 +54,9 @@ class Router
 {
 public:
     explicit Router(int rows)
-        : m_modifierList(list("ModifierKeys", rows))
-        , m_shortcutList(list("ShortcutKeys", rows))
-        , m_longList(list("LongKeys", rows))
+        : m_modifierList(list(EnumDetail::RowKeyList::ModifierKeys, rows))
+        , m_shortcutList(list(EnumDetail::RowKeyList::ShortcutKeys, rows))
+        , m_longList(list(EnumDetail::RowKeyList::LongKeys, rows))
     {}
 
     void press(const QString& key) { m_manager.simulateKey(key, QStringLiteral("Pressed")); }

@@ -15,14 +15,6 @@ Q_LOGGING_CATEGORY(speakCategory, "SpeechFeedback.speak", QtCriticalMsg)
 // Reserved for synchronous speech, so that logging rules which name it keep their meaning.
 Q_LOGGING_CATEGORY(syncCategory, "SpeechFeedback.sync", QtCriticalMsg)
 
-namespace {
-
-constexpr int coreFile = 0;
-constexpr int errorFile = 1;
-constexpr int menuFile = 2;
-
-} // namespace
-
 namespace detail {
 
 using libspeech::detail::Speech;
@@ -47,17 +39,17 @@ SpeechFeedback::SpeechFeedback(QObject* parent)
 
 void SpeechFeedback::speakFromId(EmbosserCore id, const QStringList& arguments)
 {
-    speak(id, coreFile, arguments);
+    speak(id, vocabulary::coreSentences, arguments);
 }
 
 void SpeechFeedback::speakFromId(EmbosserError id, const QStringList& arguments)
 {
-    speak(id, errorFile, arguments);
+    speak(id, vocabulary::errorSentences, arguments);
 }
 
 void SpeechFeedback::speakFromId(EmbosserMenu id, const QStringList& arguments)
 {
-    speak(id, menuFile, arguments);
+    speak(id, vocabulary::menuSentences, arguments);
 }
 
 void SpeechFeedback::cancelAll()

@@ -4,6 +4,7 @@
 #include "device/Embosser.h"
 #include "device/SpeechFeedback.h"
 #include "device/StateHandler.h"
+#include "keys/KeyRules.h"
 #include "keys/LongKey.h"
 #include "keys/ModifierKey.h"
 #include "keys/ShortcutKey.h"
@@ -15,32 +16,21 @@
 
 #include <QLoggingCategory>
 
-#include <chrono>
-
 Q_LOGGING_CATEGORY(managerCategory, "KeyboardManager", QtCriticalMsg)
 
-using namespace std::chrono_literals;
 using libtranslation::Sid::EmbosserCore;
 using libtranslation::Sid::EmbosserError;
 using libtranslation::Sid::EmbosserMenu;
 
 namespace {
 
-constexpr auto singleKeyInterval = 1500ms;
-constexpr auto factoryResetHold = 5000ms;
 const QString firstDeviceNode = QStringLiteral("/dev/input/event0");
 const QString secondDeviceNode = QStringLiteral("/dev/input/event1");
 
 QVariantMap withInterval(QVariantMap list)
 {
-    list.insert(ls::keyTimeouts, static_cast<int>(singleKeyInterval.count()));
+    list.insert(ls::keyTimeouts, static_cast<int>(KeyRules::singleKeyInterval.count()));
     return list;
-}
-
-bool isMachineKey(const ls::EnumKey& key)
-{
-    return key == ls::KeyId::Feed || key == ls::KeyId::Function || key == ls::KeyId::On ||
-           key == ls::KeyId::Off || key == ls::KeyId::Ten;
 }
 
 } // namespace
@@ -181,7 +171,7 @@ void KeyboardManager::openDevices()
 void KeyboardManager::connectSources(StateHandler& stateHandler)
 {
     m_singleKeyTimer.setTimerType(Qt::PreciseTimer);
-    m_singleKeyTimer.setInterval(singleKeyInterval);
+    m_singleKeyTimer.setInterval(KeyRules::singleKeyInterval);
     connect(&m_singleKeyTimer, &QTimer::timeout, this, &KeyboardManager::onSingleKeyTimeout);
     connect(&m_modifierKey, &ModifierKey::doubleModifier, this, &KeyboardManager::onEvent);
     connect(&m_shortcutKey, &ShortcutKey::doubleShortcut, this, &KeyboardManager::onEvent);
@@ -197,7 +187,7 @@ void KeyboardManager::onPress(const ls::EnumKey& key)
 {
     qCDebug(managerCategory) << "Key" << key << "pressed.";
     if (key == ls::KeyId::FactoryReset) {
-        m_factoryResetTimer.start(factoryResetHold);
+        m_factoryResetTimer.start(KeyRules::factoryResetHold);
     }
     m_shortcutKey.process(key);
     m_longKey.stop();
@@ -235,7 +225,7 @@ void KeyboardManager::onIdleRelease(const ls::EnumKey& previousKey)
 {
     if (isLastKeyMenu() && previousKey != ls::KeyId::Help) {
         sendSingleKey();
-    } else if (!m_gestureSeen && !isFunctionKeySilent()) {
+    } else if (!m_gestureSeen && !KeyRules::isSilent(m_lastKey, m_isOrvane)) {
         speakLastKey();
     }
 }
@@ -275,28 +265,11 @@ void KeyboardManager::onFactoryResetTimeout()
 void KeyboardManager::sendSingleKey()
 {
     const QVariantMap message{{ls::firstKeyKey, m_lastKey}};
-    const QStringList receivers = singleKeyReceivers();
+    const QStringList receivers = KeyRules::singleKeyReceivers(m_lastKey, m_currentState);
     for (const QString& receiver : receivers) {
         onEvent(ls::KeyboardActionId::SingleKey, receiver, m_currentState, message);
     }
     resetKeys();
-}
-
-QStringList KeyboardManager::singleKeyReceivers() const
-{
-    if (m_currentState == ls::StateId::Print || m_currentState == ls::StateId::PrintOff) {
-        return {ls::ServiceId::PrintManager};
-    }
-    if (m_currentState == ls::StateId::Error) {
-        return {ls::ServiceId::ErrorHandler};
-    }
-    if (m_currentState == ls::StateId::Update) {
-        return {ls::ServiceId::UpdateManager};
-    }
-    if (isMachineKey(m_lastKey)) {
-        return {ls::ServiceId::PrintManager, ls::ServiceId::UserMenu};
-    }
-    return {ls::ServiceId::UserMenu};
 }
 
 void KeyboardManager::resetKeys()
@@ -317,9 +290,4 @@ void KeyboardManager::speakLastKey()
 bool KeyboardManager::isLastKeyMenu() const
 {
     return m_lastKey == ls::KeyId::Menu;
-}
-
-bool KeyboardManager::isFunctionKeySilent() const
-{
-    return !m_isOrvane && m_lastKey == ls::KeyId::Function;
 }

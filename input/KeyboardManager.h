@@ -70,11 +70,9 @@ private:
     void onSingleKeyTimeout();
     void onFactoryResetTimeout();
     void sendSingleKey();
-    QStringList singleKeyReceivers() const;
     void resetKeys();
     void speakLastKey();
     bool isLastKeyMenu() const;
-    bool isFunctionKeySilent() const;
 
     QTimer m_factoryResetTimer;
     ModifierKey& m_modifierKey;

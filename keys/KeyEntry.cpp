@@ -3,6 +3,12 @@
 
 #include <ls/Identifiers.h>
 
+namespace {
+
+constexpr int pairSize = 2;
+
+} // namespace
+
 KeyEntry::KeyEntry(const QStringList& keys, const ls::EnumKey& eAction, int timeout,
                    const ls::EnumKey& receiverService, const ls::EnumKey& validOnState)
     : m_keys(keys)
@@ -25,6 +31,11 @@ ls::EnumKey KeyEntry::lastKey() const
 int KeyEntry::keyCount() const
 {
     return m_keys.size();
+}
+
+bool KeyEntry::isSequence() const
+{
+    return m_keys.size() > pairSize;
 }
 
 bool KeyEntry::isValid() const

@@ -25,6 +25,9 @@ public:
     /// The key that closes the gesture; empty when the row has no keys.
     ls::EnumKey lastKey() const;
     int keyCount() const;
+    /// Whether a combination of these keys is matched by the whole sequence: it has three keys or more. A
+    /// shorter one is matched by its first and last key.
+    bool isSequence() const;
     /// Whether the row has keys: a row without any can never be matched.
     bool isValid() const;
 

@@ -15,13 +15,6 @@ namespace {
 constexpr int millisecondsPerSecond = 1000;
 constexpr int maximumSeconds = std::numeric_limits<int>::max() / millisecondsPerSecond;
 
-QString sectionName(EnumDetail::RowKeyList section)
-{
-    const QMetaObject& details = EnumDetail::staticMetaObject;
-    const QMetaEnum sections = details.enumerator(details.indexOfEnumerator("RowKeyList"));
-    return QString::fromLatin1(sections.valueToKey(static_cast<int>(section)));
-}
-
 /// Limited to what a 32-bit number of milliseconds can hold, for a file may name any number.
 int toMilliseconds(const QVariant& seconds)
 {
@@ -48,31 +41,30 @@ bool read(ls::IReader& reader, const QString& path, QVariantMap& content, const 
     return reader.read(path, content);
 }
 
-KeyEntry entryOf(const QVariantMap& row, KeyListFile::Timeouts timeouts)
+KeyEntry entryOf(const QVariantMap& row, EnumDetail::RowKeyList section)
 {
-    const bool isTimed = timeouts == KeyListFile::Timeouts::Read;
-    return KeyEntry(row.value(QStringLiteral("keys")).toStringList(),
-                    row.value(QStringLiteral("eAction")).toString(),
-                    isTimed ? toMilliseconds(row.value(QStringLiteral("timeout"))) : 0,
-                    row.value(QStringLiteral("receiverService")).toString(),
-                    row.value(QStringLiteral("validOnState")).toString());
+    const bool isTimed = section == EnumDetail::RowKeyList::LongKeys;
+    return KeyEntry(row.value(KeyListFields::keys).toStringList(),
+                    row.value(KeyListFields::eAction).toString(),
+                    isTimed ? toMilliseconds(row.value(KeyListFields::timeout)) : 0,
+                    row.value(KeyListFields::receiverService).toString(),
+                    row.value(KeyListFields::validOnState).toString());
 }
 
 } // namespace
 
 KeyListFile KeyListFile::load(ls::IReader& reader, const QString& fileName, EnumDetail::RowKeyList section,
-                              Timeouts timeouts, const char* loader)
+                              const char* loader)
 {
     const QString path = QStringLiteral("%1/%2").arg(vocabulary::dataDirectory, fileName);
     QVariantMap content;
     if (!read(reader, path, content, loader)) {
         error(loader) << "reading" << path << "failed.";
     }
-    return take(content, section, timeouts, loader);
+    return take(content, section, loader);
 }
 
-KeyListFile KeyListFile::take(const QVariantMap& content, EnumDetail::RowKeyList section, Timeouts timeouts,
-                              const char* loader)
+KeyListFile KeyListFile::take(const QVariantMap& content, EnumDetail::RowKeyList section, const char* loader)
 {
     const QString name = sectionName(section);
     const auto value = content.constFind(name);
@@ -89,8 +81,15 @@ KeyListFile KeyListFile::take(const QVariantMap& content, EnumDetail::RowKeyList
     const QVariantList elements = value->toList();
     for (const QVariant& element : elements) {
         if (element.canConvert(QMetaType::QVariantMap)) {
-            rows.append(entryOf(element.toMap(), timeouts));
+            rows.append(entryOf(element.toMap(), section));
         }
     }
     return {rows, content};
+}
+
+QString KeyListFile::sectionName(EnumDetail::RowKeyList section)
+{
+    const QMetaObject& details = EnumDetail::staticMetaObject;
+    const QMetaEnum sections = details.enumerator(details.indexOfEnumerator("RowKeyList"));
+    return QString::fromLatin1(sections.valueToKey(static_cast<int>(section)));
 }

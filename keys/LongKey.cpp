@@ -2,6 +2,7 @@
 #include "keys/LongKey.h"
 
 #include "keys/KeyListFile.h"
+#include "keys/KeyRules.h"
 #include "vocabulary/Vocabulary.h"
 
 #include <ls/Identifiers.h>
@@ -11,7 +12,6 @@
 
 namespace {
 
-constexpr QChar stateSeparator = QLatin1Char('|');
 constexpr qint64 helpTimeFactor = 3;
 
 int reportedTimeout(const KeyEntry& entry)
@@ -65,8 +65,8 @@ void LongKey::stop()
 
 void LongKey::load(ls::IReader& reader)
 {
-    const auto file = KeyListFile::load(reader, vocabulary::longKeyListFile, EnumDetail::RowKeyList::LongKeys,
-                                        KeyListFile::Timeouts::Read, Q_FUNC_INFO);
+    const auto file =
+        KeyListFile::load(reader, vocabulary::longKeyListFile, EnumDetail::RowKeyList::LongKeys, Q_FUNC_INFO);
     m_entries = file.rows;
 }
 
@@ -79,18 +79,13 @@ void LongKey::onExpired()
         return;
     }
     const QVariantMap parameters{{ls::firstKeyKey, entry.firstKey()}};
-    // Deliberate: a single state is passed on untouched, blanks included; only joined ones are trimmed.
-    if (!entry.validOnState().contains(stateSeparator)) {
-        Q_EMIT longPress(entry.eAction(), entry.receiverService(), entry.validOnState(), parameters);
-        return;
-    }
-    const QStringList states = entry.validOnState().split(stateSeparator, Qt::KeepEmptyParts);
-    // A guard only, for a split that keeps empty parts is never empty; its text is spelt as logs have it.
+    const QStringList states = KeyRules::longPressStates(entry.validOnState());
+    // A guard only: there is always a state. Technicians search their logs for its very spelling.
     if (states.isEmpty()) {
         vocabulary::logLine("operator()", "LongKey::LongKey(ls::IReader&, QObject*)::<lambda()>", "ERROR:")
             << "retreiving valid states for" << entry.eAction() << "failed!";
     }
     for (const QString& state : states) {
-        Q_EMIT longPress(entry.eAction(), entry.receiverService(), state.simplified(), parameters);
+        Q_EMIT longPress(entry.eAction(), entry.receiverService(), state, parameters);
     }
 }

@@ -8,13 +8,6 @@
 #include <ls/MessageKeys.h>
 #include <vantre/Singleton.h>
 
-namespace {
-
-/// Rows with more keys are matched by the whole sequence, the others by their first and last key.
-constexpr int pairSize = 2;
-
-} // namespace
-
 ModifierKey::ModifierKey(ls::IReader& reader, QObject* parent) : QObject(parent)
 {
     load(reader);
@@ -32,7 +25,7 @@ void ModifierKey::process(const ls::EnumKey& key)
                 append(key);
                 return;
             }
-        } else if (entry.keyCount() > pairSize) {
+        } else if (entry.isSequence()) {
             // Deliberate: each longer row that is visited takes the key once more, and one that does not
             // match (yet) hides the rows behind it.
             append(key);
@@ -55,9 +48,8 @@ void ModifierKey::reset()
 
 void ModifierKey::load(ls::IReader& reader)
 {
-    const auto file =
-        KeyListFile::load(reader, vocabulary::modifierKeyListFile, EnumDetail::RowKeyList::ModifierKeys,
-                          KeyListFile::Timeouts::Ignored, Q_FUNC_INFO);
+    const auto file = KeyListFile::load(reader, vocabulary::modifierKeyListFile,
+                                        EnumDetail::RowKeyList::ModifierKeys, Q_FUNC_INFO);
     m_entries = file.rows;
     m_fileMap = file.content;
     for (const KeyEntry& entry : qAsConst(m_entries)) {
@@ -77,7 +69,7 @@ void ModifierKey::complete(const KeyEntry& entry)
 {
     auto* speech = libvantre::Singleton<detail::SpeechFeedback>::instance();
     // Deliberate: only a longer row cuts off the names of the keys before.
-    if (entry.keyCount() > pairSize) {
+    if (entry.isSequence()) {
         speech->cancelAll();
     }
     // Deliberately this copy of the names on every model: a combination that Function closes is spoken as

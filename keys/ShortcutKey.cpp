@@ -40,9 +40,8 @@ void ShortcutKey::reset()
 
 void ShortcutKey::load(ls::IReader& reader)
 {
-    const auto file =
-        KeyListFile::load(reader, vocabulary::shortcutKeyListFile, EnumDetail::RowKeyList::ShortcutKeys,
-                          KeyListFile::Timeouts::Ignored, Q_FUNC_INFO);
+    const auto file = KeyListFile::load(reader, vocabulary::shortcutKeyListFile,
+                                        EnumDetail::RowKeyList::ShortcutKeys, Q_FUNC_INFO);
     m_entries = file.rows;
     m_fileMap = file.content;
 }

@@ -26,6 +26,10 @@ inline const QString shortcutKeyListFile = QStringLiteral("shortcutKeyList.json"
 inline const QString speechServiceIdKey = QStringLiteral("serviceId");
 inline const QString speechSentenceIdKey = QStringLiteral("sentenceId");
 inline const QString speechArgumentsKey = QStringLiteral("arguments");
+/// The translation files' numbers in a speech request.
+constexpr int coreSentences = 0;
+constexpr int errorSentences = 1;
+constexpr int menuSentences = 2;
 
 using KeyNames = QMap<ls::EnumKey, libtranslation::Sid::EmbosserCore>;
 

@@ -31,10 +31,8 @@ private:
 QList<KeyEntry> rowsOf(const QByteArray& content, const QString& name, EnumDetail::RowKeyList section,
                        QStringList& notes)
 {
-    const auto timeouts = section == EnumDetail::RowKeyList::LongKeys ? KeyListFile::Timeouts::Read
-                                                                      : KeyListFile::Timeouts::Ignored;
     const QuietLog quiet;
-    const auto file = KeyListFile::take(mapOf(content), section, timeouts, Q_FUNC_INFO);
+    const auto file = KeyListFile::take(mapOf(content), section, Q_FUNC_INFO);
     if (file.content.isEmpty()) {
         notes.append(QStringLiteral("%1 has no list that can be read, so none of its rows count.").arg(name));
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/card/CardSentences.h"
 
+#include "keys/KeyRules.h"
 #include "vocabulary/Vocabulary.h"
 
 #include <ls/Identifiers.h>
@@ -28,6 +29,12 @@ QString enumeration(const QStringList& words, const QString& conjunction)
 QString seconds(int milliseconds)
 {
     return QString::number(milliseconds / 1000.0, 'f', milliseconds % 1000 == 0 ? 0 : 2);
+}
+
+/// `text` with the time for which a released key waits, in the place of %1.
+QString withWait(const QString& text)
+{
+    return text.arg(QStringLiteral("%1 ms").arg(KeyRules::singleKeyInterval.count()));
 }
 
 QString combination(const QStringList& keys)
@@ -146,17 +153,17 @@ QStringList CardSentences::singleNotes(const QString& key, const QString& state,
         return {QStringLiteral("Announced at the release, not spoken.")};
     }
     if (key == ls::KeyId::Menu) {
-        return {
-            QStringLiteral("Announced at the release, not spoken; within 1500 ms after Help it is spoken and "
-                           "waits like other keys.")};
+        return {withWait(
+            QStringLiteral("Announced at the release, not spoken; within %1 after Help it is spoken and "
+                           "waits like other keys."))};
     }
-    if (key == ls::KeyId::Function && !isOrvane) {
-        return {QStringLiteral("Announced 1500 ms after the release, not spoken.")};
+    if (KeyRules::isSilent(key, isOrvane)) {
+        return {withWait(QStringLiteral("Announced %1 after the release, not spoken."))};
     }
     if (!vocabulary::keyNames().contains(key)) {
-        return {QStringLiteral("Spoken as sentence 0 at the release, announced 1500 ms later.")};
+        return {withWait(QStringLiteral("Spoken as sentence 0 at the release, announced %1 later."))};
     }
-    return {QStringLiteral("Spoken at the release, announced 1500 ms later.")};
+    return {withWait(QStringLiteral("Spoken at the release, announced %1 later."))};
 }
 
 QStringList CardSentences::entryNotes(const KeyCardEntry& entry, const QString& state, int timesAnnounced)
@@ -185,15 +192,15 @@ QStringList CardSentences::stateNotes(const KeyCardState& state)
         return {};
     }
     QStringList notes{
-        QStringLiteral("A single key is announced only if no other key is released while it waits. "
-                       "Within 1500 ms after the last release of another action, single keys but Menu "
-                       "are lost.")};
+        withWait(QStringLiteral("A single key is announced only if no other key is released while it waits. "
+                                "Within %1 after the last release of another action, single keys but Menu "
+                                "are lost."))};
     const auto isCombination = [](const KeyCardEntry& entry) {
         return entry.kind == KeyCardKind::Combination;
     };
     if (std::any_of(state.entries.cbegin(), state.entries.cend(), isCombination)) {
-        notes.append(
-            QStringLiteral("In a combination, each key is released within 1500 ms after the one before."));
+        notes.append(withWait(
+            QStringLiteral("In a combination, each key is released within %1 after the one before.")));
     }
     return notes;
 }

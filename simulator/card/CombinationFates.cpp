@@ -11,18 +11,12 @@
 
 namespace {
 
-constexpr int pairSize = 2;
 /// A pair may come with the keys of another row; so many are shown with each such pair at most.
 constexpr int maxSharedKeys = 100;
 
 bool isIdle(const QString& state)
 {
     return state == ls::StateId::Idle;
-}
-
-bool isLonger(const KeyEntry& row)
-{
-    return row.keyCount() > pairSize;
 }
 
 QString number(int index)
@@ -99,7 +93,7 @@ CombinationList::CombinationList(const QList<KeyEntry>& rows)
 int CombinationList::nextLonger(int from) const
 {
     int index = from;
-    while (index < m_rows.size() && !isLonger(m_rows.at(index))) {
+    while (index < m_rows.size() && !m_rows.at(index).isSequence()) {
         ++index;
     }
     return index;
@@ -204,7 +198,7 @@ Way CombinationList::behindLonger(int index) const
     const KeyEntry& row = m_rows.at(index);
     const KeyEntry& longer = m_rows.at(m_firstLonger);
     const QString longerNumber = number(m_firstLonger);
-    if (isLonger(row)) {
+    if (row.isSequence()) {
         return blocked(
             QStringLiteral("Only the first row of three or more keys can match, and that is row %1.")
                 .arg(longerNumber));

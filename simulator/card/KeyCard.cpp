@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/card/KeyCard.h"
 
+#include "keys/KeyRules.h"
 #include "simulator/card/CardLists.h"
 #include "simulator/card/CardSentences.h"
 #include "simulator/card/CardVocabulary.h"
@@ -18,7 +19,7 @@ namespace {
 
 /// The time of a long press begins with the first repetition.
 constexpr int repeatDelayMs = int(Autorepeat::delay.count());
-constexpr int factoryResetHoldMs = 5000;
+constexpr int factoryResetHoldMs = int(KeyRules::factoryResetHold.count());
 
 /// A row of one of the lists, and what becomes of it.
 struct JudgedRow
@@ -47,28 +48,13 @@ JudgedRows judge(const CardLists& lists)
     return rows;
 }
 
-QStringList singleKeyReceivers(const QString& key, const QString& state)
-{
-    static const QMap<QString, QString> inCharge{{ls::StateId::Print, ls::ServiceId::PrintManager},
-                                                 {ls::StateId::PrintOff, ls::ServiceId::PrintManager},
-                                                 {ls::StateId::Update, ls::ServiceId::UpdateManager},
-                                                 {ls::StateId::Error, ls::ServiceId::ErrorHandler}};
-    static const QStringList machineKeys{ls::KeyId::Feed, ls::KeyId::Function, ls::KeyId::On, ls::KeyId::Off,
-                                         ls::KeyId::Ten};
-    if (inCharge.contains(state)) {
-        return {inCharge.value(state)};
-    }
-    return machineKeys.contains(key) ? QStringList{ls::ServiceId::PrintManager, ls::ServiceId::UserMenu}
-                                     : QStringList{ls::ServiceId::UserMenu};
-}
-
 KeyCardEntry singleKey(const QString& key, const QString& state, bool isOrvane)
 {
     return {KeyCardKind::Single,
             {key},
             0,
             ls::KeyboardActionId::SingleKey,
-            singleKeyReceivers(key, state),
+            KeyRules::singleKeyReceivers(key, state),
             CardSentences::singleNotes(key, state, isOrvane)};
 }
 

@@ -1,25 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include "keys/KeyRules.h"
 #include "simulator/card/CardVocabulary.h"
 #include "simulator/card/RowDelivery.h"
 
 #include <QHash>
 
 namespace {
-
-constexpr QLatin1Char separator('|');
-
-/// As the recogniser has it: only joined states are trimmed.
-QStringList namedStates(const KeyEntry& row)
-{
-    if (!row.validOnState().contains(separator)) {
-        return {row.validOnState()};
-    }
-    QStringList states = row.validOnState().split(separator, Qt::KeepEmptyParts);
-    for (QString& state : states) {
-        state = state.simplified();
-    }
-    return states;
-}
 
 RowFate fateOf(const KeyEntry& row, bool decides, int decidingNumber)
 {
@@ -32,7 +18,7 @@ RowFate fateOf(const KeyEntry& row, bool decides, int decidingNumber)
         return RowDelivery::never(QStringLiteral("The last row for a key decides, and for %1 that is row %2.")
                                       .arg(keys.first(), QString::number(decidingNumber)));
     }
-    return RowDelivery::of(row, keys, namedStates(row), CardVocabulary::hasKeys);
+    return RowDelivery::of(row, keys, KeyRules::longPressStates(row.validOnState()), CardVocabulary::hasKeys);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/card/RowDelivery.h"
 
+#include "keys/KeyRules.h"
 #include "simulator/card/CardVocabulary.h"
 #include "vocabulary/Vocabulary.h"
 
@@ -17,7 +18,7 @@ QString whyNotIn(const QString& state)
         return QStringLiteral("No combination can begin in %1: each key is announced and forgotten there.")
             .arg(state);
     }
-    if (state.contains(QLatin1Char('|'))) {
+    if (state.contains(KeyRules::stateSeparator)) {
         return QStringLiteral("Only a long press can join states: there is no state \"%1\".").arg(state);
     }
     return QStringLiteral("There is no state \"%1\".").arg(state);

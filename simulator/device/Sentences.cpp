@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/device/Sentences.h"
 
-#include "simulator/script/SentenceFiles.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <translation/Sid.h>
 
@@ -53,10 +53,10 @@ namespace Sentences {
 
 QString textOf(int file, int sentence)
 {
-    static const QHash<QString, Texts> files{{QStringLiteral("EmbosserCore"), coreTexts()},
-                                             {QStringLiteral("EmbosserError"), errorTexts()},
-                                             {QStringLiteral("EmbosserMenu"), menuTexts()}};
-    return files.value(SentenceFiles::nameOf(file)).value(sentence);
+    static const QHash<int, Texts> files{{vocabulary::coreSentences, coreTexts()},
+                                         {vocabulary::errorSentences, errorTexts()},
+                                         {vocabulary::menuSentences, menuTexts()}};
+    return files.value(file).value(sentence);
 }
 
 } // namespace Sentences

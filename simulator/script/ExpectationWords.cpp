@@ -4,6 +4,7 @@
 #include "simulator/script/ObservationText.h"
 #include "simulator/script/ScriptWords.h"
 #include "simulator/script/SentenceFiles.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/Identifiers.h>
 
@@ -34,7 +35,7 @@ QString checkAnnouncement(const QStringList& words)
     }
     // A key code that no identifier has is announced under this name.
     QStringList keys = words.mid(3);
-    keys.removeAll(QStringLiteral("Undefined"));
+    keys.removeAll(vocabulary::undefined);
     return fault.isEmpty() ? ScriptWords::checkKeys(keys) : fault;
 }
 

@@ -2,14 +2,11 @@
 #include "simulator/script/KeyDevice.h"
 
 #include "simulator/script/Autorepeat.h"
+#include "simulator/script/KeyValue.h"
 
 #include <time.h>
 
 namespace {
-
-constexpr qint32 released = 0;
-constexpr qint32 pressed = 1;
-constexpr qint32 repeated = 2;
 
 input_event stamped(quint16 type, quint16 code, qint32 value)
 {
@@ -41,7 +38,7 @@ void KeyDevice::press(quint16 code)
     m_down.insert(code);
     m_repeating = code;
     m_repeatTimer.start(Autorepeat::delay);
-    report(EV_KEY, code, pressed);
+    report(EV_KEY, code, KeyValue::pressed);
 }
 
 void KeyDevice::release(quint16 code)
@@ -50,7 +47,7 @@ void KeyDevice::release(quint16 code)
         return;
     }
     m_repeatTimer.stop();
-    report(EV_KEY, code, released);
+    report(EV_KEY, code, KeyValue::released);
 }
 
 void KeyDevice::report(quint16 type, quint16 code, qint32 value)
@@ -62,7 +59,7 @@ void KeyDevice::report(quint16 type, quint16 code, qint32 value)
 void KeyDevice::repeat()
 {
     m_repeatTimer.start(Autorepeat::period);
-    write(EV_KEY, m_repeating, repeated);
+    write(EV_KEY, m_repeating, KeyValue::repeated);
     // The kernel marks the report of a repetition with 1.
     write(EV_SYN, SYN_REPORT, 1);
 }

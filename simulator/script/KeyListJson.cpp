@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/script/KeyListJson.h"
 
+#include "keys/KeyListFile.h"
+#include "keys/KeyRules.h"
 #include "simulator/script/KeyRowWords.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,64 +16,51 @@
 
 namespace {
 
-constexpr QChar stateSeparator = QLatin1Char('|');
 // One byte more than the daemon reads: it must see that the file is too long.
-constexpr qint64 maxBytes = 1024 * 1024 + 1;
+constexpr qint64 maxBytes = KeyListFile::maxSize + 1;
 
-const QString keysField = QStringLiteral("keys");
-const QString actionField = QStringLiteral("eAction");
-const QString receiverField = QStringLiteral("receiverService");
-const QString statesField = QStringLiteral("validOnState");
-const QString timeField = QStringLiteral("timeout");
-
-struct KeyListFile
+struct KeyList
 {
     KeyRow::Kind kind;
-    const char* name;
-    const char* section;
+    QString fileName;
+    QString section;
 };
 
-constexpr KeyListFile keyListFiles[] = {
-    {KeyRow::Kind::Long, "longKeyList.json", "LongKeys"},
-    {KeyRow::Kind::Modifier, "modifierKeyList.json", "ModifierKeys"},
-    {KeyRow::Kind::Shortcut, "shortcutKeyList.json", "ShortcutKeys"},
-};
+const QVector<KeyList>& keyLists()
+{
+    using Section = EnumDetail::RowKeyList;
+    static const QVector<KeyList> lists{
+        {KeyRow::Kind::Long, vocabulary::longKeyListFile, KeyListFile::sectionName(Section::LongKeys)},
+        {KeyRow::Kind::Modifier, vocabulary::modifierKeyListFile,
+         KeyListFile::sectionName(Section::ModifierKeys)},
+        {KeyRow::Kind::Shortcut, vocabulary::shortcutKeyListFile,
+         KeyListFile::sectionName(Section::ShortcutKeys)}};
+    return lists;
+}
 
 QJsonObject toJson(const KeyRow& row)
 {
-    QJsonObject object{{keysField, QJsonArray::fromStringList(row.keys)},
-                       {actionField, row.action},
-                       {receiverField, row.receiver},
-                       {statesField, row.validOnState}};
+    QJsonObject object{{KeyListFields::keys, QJsonArray::fromStringList(row.keys)},
+                       {KeyListFields::eAction, row.action},
+                       {KeyListFields::receiverService, row.receiver},
+                       {KeyListFields::validOnState, row.validOnState}};
     if (row.kind == KeyRow::Kind::Long) {
-        object.insert(timeField, row.seconds);
+        object.insert(KeyListFields::timeout, row.seconds);
     }
     return object;
-}
-
-/// The daemon passes over the blanks around states that are joined, and around those alone.
-QString withoutBlanks(const QString& states)
-{
-    QStringList parts = states.split(stateSeparator);
-    for (QString& part : parts) {
-        part = part.simplified();
-    }
-    return parts.join(stateSeparator);
 }
 
 KeyRow toRow(KeyRow::Kind kind, const QVariantMap& fields)
 {
     KeyRow row{kind,
-               fields.value(actionField).toString(),
-               fields.value(receiverField).toString(),
-               fields.value(statesField).toString(),
+               fields.value(KeyListFields::eAction).toString(),
+               fields.value(KeyListFields::receiverService).toString(),
+               fields.value(KeyListFields::validOnState).toString(),
                0,
-               fields.value(keysField).toStringList()};
+               fields.value(KeyListFields::keys).toStringList()};
     if (kind == KeyRow::Kind::Long) {
-        row.seconds = fields.value(timeField).toInt();
-        if (row.validOnState.contains(stateSeparator)) {
-            row.validOnState = withoutBlanks(row.validOnState);
-        }
+        row.seconds = fields.value(KeyListFields::timeout).toInt();
+        row.validOnState = KeyRules::longPressStates(row.validOnState).join(KeyRules::stateSeparator);
     }
     return row;
 }
@@ -83,18 +73,18 @@ QString loss(const KeyRow& row, QJsonObject object)
     if (!parsed.fault.isEmpty()) {
         return parsed.fault;
     }
-    if (object.value(statesField).isString()) {
-        object.insert(statesField, row.validOnState);
+    if (object.value(KeyListFields::validOnState).isString()) {
+        object.insert(KeyListFields::validOnState, row.validOnState);
     }
     const bool same = toJson(row) == object && toJson(parsed.row) == object;
     return same ? QString() : QStringLiteral("A row of a script has other fields, or no blanks in them.");
 }
 
-void addRows(const KeyListFile& file, const QJsonArray& list, KeyListJson::Parsed& result)
+void addRows(const KeyList& keyList, const QJsonArray& list, KeyListJson::Parsed& result)
 {
     for (int i = 0; i < list.size(); ++i) {
         const QJsonValue value = list.at(i);
-        const KeyRow row = toRow(file.kind, value.toObject().toVariantMap());
+        const KeyRow row = toRow(keyList.kind, value.toObject().toVariantMap());
         const QString fault =
             value.isObject() ? loss(row, value.toObject()) : QStringLiteral("It is no object.");
         if (value.isObject()) {
@@ -103,22 +93,20 @@ void addRows(const KeyListFile& file, const QJsonArray& list, KeyListJson::Parse
         if (!fault.isEmpty()) {
             result.faults << QStringLiteral("Row %1 of %2 cannot be written in a script: %3")
                                  .arg(i + 1)
-                                 .arg(QLatin1String(file.name), fault);
+                                 .arg(keyList.fileName, fault);
         }
     }
 }
 
-void addFile(const KeyListFile& file, const KeyListJson::Files& files, KeyListJson::Parsed& result)
+void addFile(const KeyList& keyList, const KeyListJson::Files& files, KeyListJson::Parsed& result)
 {
-    const QString name = QLatin1String(file.name);
-    const QString section = QLatin1String(file.section);
-    const QJsonObject content = QJsonDocument::fromJson(files.value(name)).object();
-    if (!content.value(section).isArray() || content.size() != 1) {
+    const QJsonObject content = QJsonDocument::fromJson(files.value(keyList.fileName)).object();
+    if (!content.value(keyList.section).isArray() || content.size() != 1) {
         result.faults << QStringLiteral(
                              "%1 cannot be written in a script: it is no JSON object of just the list %2.")
-                             .arg(name, section);
+                             .arg(keyList.fileName, keyList.section);
     }
-    addRows(file, content.value(section).toArray(), result);
+    addRows(keyList, content.value(keyList.section).toArray(), result);
 }
 
 } // namespace
@@ -128,8 +116,8 @@ namespace KeyListJson {
 QStringList fileNames()
 {
     QStringList names;
-    for (const KeyListFile& file : keyListFiles) {
-        names << QLatin1String(file.name);
+    for (const KeyList& keyList : keyLists()) {
+        names << keyList.fileName;
     }
     return names;
 }
@@ -137,15 +125,15 @@ QStringList fileNames()
 Files filesOf(const QVector<KeyRow>& rows)
 {
     Files files;
-    for (const KeyListFile& file : keyListFiles) {
+    for (const KeyList& keyList : keyLists()) {
         QJsonArray list;
         for (const KeyRow& row : rows) {
-            if (row.kind == file.kind) {
+            if (row.kind == keyList.kind) {
                 list.append(toJson(row));
             }
         }
-        const QJsonObject content{{QLatin1String(file.section), list}};
-        files.insert(QLatin1String(file.name), QJsonDocument(content).toJson());
+        const QJsonObject content{{keyList.section, list}};
+        files.insert(keyList.fileName, QJsonDocument(content).toJson());
     }
     return files;
 }
@@ -153,8 +141,8 @@ Files filesOf(const QVector<KeyRow>& rows)
 Parsed rowsOf(const Files& files)
 {
     Parsed result;
-    for (const KeyListFile& file : keyListFiles) {
-        addFile(file, files, result);
+    for (const KeyList& keyList : keyLists()) {
+        addFile(keyList, files, result);
     }
     if (result.rows.isEmpty() && result.faults.isEmpty()) {
         result.faults << QStringLiteral("Key lists without any row cannot be written in a script.");
@@ -165,8 +153,7 @@ Parsed rowsOf(const Files& files)
 Files read(const QString& folder)
 {
     Files files;
-    for (const KeyListFile& list : keyListFiles) {
-        const QString name = QLatin1String(list.name);
+    for (const QString& name : fileNames()) {
         QFile file(QDir(folder).filePath(name));
         if (file.open(QIODevice::ReadOnly)) {
             files.insert(name, file.read(maxBytes));

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/script/KeyRowWords.h"
 
+#include "keys/KeyRules.h"
 #include "simulator/script/ScriptWords.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <limits>
 
@@ -21,14 +23,14 @@ const QMap<QString, KeyRow::Kind>& kinds()
 QString checkReceiver(const QString& receiver)
 {
     // The receiver that no action is ever announced to.
-    return receiver == QLatin1String("Undefined") ? QString() : ScriptWords::checkService(receiver);
+    return receiver == vocabulary::undefined ? QString() : ScriptWords::checkService(receiver);
 }
 
 QString checkStates(const QString& states)
 {
-    const QStringList parts = states.split('|', Qt::SkipEmptyParts);
+    const QStringList parts = KeyRules::longPressStates(states);
     for (const QString& state : parts) {
-        const QString fault = ScriptWords::checkState(state);
+        const QString fault = state.isEmpty() ? QString() : ScriptWords::checkState(state);
         if (!fault.isEmpty()) {
             return fault;
         }

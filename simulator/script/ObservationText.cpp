@@ -2,6 +2,7 @@
 #include "simulator/script/ObservationText.h"
 
 #include "simulator/script/SentenceFiles.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/Identifiers.h>
 #include <ls/MessageKeys.h>
@@ -73,13 +74,13 @@ QString announcement(const QVariantMap& notification)
 
 QString speech(const QVariantMap& request)
 {
-    const QString file = SentenceFiles::nameOf(request.value(QStringLiteral("serviceId"), -1).toInt());
-    if (file.isEmpty() || !request.contains(QStringLiteral("sentenceId"))) {
+    const QString file = SentenceFiles::nameOf(request.value(vocabulary::speechServiceIdKey, -1).toInt());
+    if (file.isEmpty() || !request.contains(vocabulary::speechSentenceIdKey)) {
         return QStringLiteral("speak ") + compactJson(request);
     }
-    QStringList words{QStringLiteral("speak"), file, word(request.value(QStringLiteral("sentenceId")))};
-    if (request.contains(QStringLiteral("arguments"))) {
-        words << word(request.value(QStringLiteral("arguments")));
+    QStringList words{QStringLiteral("speak"), file, word(request.value(vocabulary::speechSentenceIdKey))};
+    if (request.contains(vocabulary::speechArgumentsKey)) {
+        words << word(request.value(vocabulary::speechArgumentsKey));
     }
     return words.join(' ');
 }

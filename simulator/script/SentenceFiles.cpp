@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/script/SentenceFiles.h"
 
-#include <QStringList>
+#include "vocabulary/Vocabulary.h"
 
 namespace {
 
-const QStringList& names()
+const QMap<int, QString>& names()
 {
-    static const QStringList list{QStringLiteral("EmbosserCore"), QStringLiteral("EmbosserError"),
-                                  QStringLiteral("EmbosserMenu")};
-    return list;
+    static const QMap<int, QString> byNumber{{vocabulary::coreSentences, QStringLiteral("EmbosserCore")},
+                                             {vocabulary::errorSentences, QStringLiteral("EmbosserError")},
+                                             {vocabulary::menuSentences, QStringLiteral("EmbosserMenu")}};
+    return byNumber;
 }
 
 } // namespace
@@ -23,7 +24,7 @@ QString nameOf(int number)
 
 bool isKnown(const QString& name)
 {
-    return names().contains(name);
+    return names().values().contains(name);
 }
 
 } // namespace SentenceFiles

@@ -4,9 +4,10 @@
 #include "simulator/device/Sentences.h"
 #include "simulator/device/SimulatedDevice.h"
 #include "simulator/script/CommandWords.h"
+#include "simulator/script/KeyValue.h"
 #include "simulator/script/ObservationText.h"
-#include "simulator/script/SentenceFiles.h"
 #include "simulator/script/ServiceWords.h"
+#include "vocabulary/Vocabulary.h"
 
 #include <ls/MessageKeys.h>
 #include <translation/Sid.h>
@@ -17,7 +18,6 @@
 
 namespace {
 
-constexpr qint32 lastKeyValue = 2;
 const QString typeKey = QStringLiteral("type");
 const QString textKey = QStringLiteral("text");
 const QString busErrorKey = QStringLiteral("busError");
@@ -30,7 +30,8 @@ QJsonObject textEntry(const QString& type, const QString& text)
 
 QString keyOf(const RawRecord& record)
 {
-    const bool isKey = record.type == EV_KEY && record.value >= 0 && record.value <= lastKeyValue;
+    const bool isKey =
+        record.type == EV_KEY && record.value >= KeyValue::released && record.value <= KeyValue::repeated;
     return isKey ? ls::KeyId::meta.key(record.code) : QString();
 }
 
@@ -56,9 +57,9 @@ QJsonArray keysOf(const QVariantMap& notification)
 
 bool isRefusalToStart(const QVariantMap& request)
 {
-    return SentenceFiles::nameOf(request.value(QStringLiteral("serviceId"), -1).toInt()) ==
-               QLatin1String("EmbosserError") &&
-           request.value(QStringLiteral("sentenceId")) == int(libtranslation::Sid::EmbosserError::StartingUp);
+    return request.value(vocabulary::speechServiceIdKey, -1).toInt() == vocabulary::errorSentences &&
+           request.value(vocabulary::speechSentenceIdKey) ==
+               int(libtranslation::Sid::EmbosserError::StartingUp);
 }
 
 } // namespace
@@ -141,8 +142,8 @@ void DeviceEvents::onAnnounced(const QVariantMap& notification)
 
 void DeviceEvents::onSpoken(const QVariantMap& request)
 {
-    const QString sentence = Sentences::textOf(request.value(QStringLiteral("serviceId"), -1).toInt(),
-                                               request.value(QStringLiteral("sentenceId")).toInt());
+    const QString sentence = Sentences::textOf(request.value(vocabulary::speechServiceIdKey, -1).toInt(),
+                                               request.value(vocabulary::speechSentenceIdKey).toInt());
     const QString text = ObservationText::speech(request);
     QJsonObject entry = textEntry(QStringLiteral("speech"), sentence);
     entry.insert(observationKey, text);

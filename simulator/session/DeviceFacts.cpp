@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/session/DeviceFacts.h"
 
+#include "simulator/script/KeyValue.h"
+
 #include <ls/Identifiers.h>
 #include <ls/MessageKeys.h>
 
@@ -9,8 +11,6 @@
 #include <algorithm>
 
 namespace {
-
-constexpr int released = 0;
 
 QString textOf(const QJsonObject& entry, const char* member)
 {
@@ -58,7 +58,7 @@ QJsonObject DeviceFacts::toJson() const
 void DeviceFacts::noteKey(const QJsonObject& entry)
 {
     const QPair<int, QString> key(entry.value(QLatin1String("device")).toInt(), textOf(entry, "key"));
-    if (entry.value(QLatin1String("value")).toInt() == released) {
+    if (entry.value(QLatin1String("value")).toInt() == KeyValue::released) {
         m_held.remove(key);
     } else {
         m_held.insert(key);

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/session/RefusalFinder.h"
 
+#include "keys/KeyRules.h"
+#include "simulator/script/KeyValue.h"
+#include "vocabulary/Vocabulary.h"
+
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -8,11 +12,8 @@
 namespace {
 
 /// Longer than the daemon remembers released keys.
-constexpr qint64 restMs = 2000;
-constexpr qint32 released = 0;
-constexpr qint32 pressed = 1;
+constexpr qint64 restMs = KeyRules::singleKeyInterval.count() + 500;
 
-const QString undefinedReceiver = QStringLiteral("Undefined");
 const QString undefinedReceiverLine =
     QStringLiteral("KeyboardManager::onEvent WARN: Invalid event, receiver service is undefined!");
 const QString undefinedReceiverReason =
@@ -32,7 +33,7 @@ std::optional<Refusal> stateRefusal(const QString& line)
 
 bool isFor(const KeyRow& row, const QString& state)
 {
-    return row.kind == KeyRow::Kind::Long ? row.validOnState.split('|').contains(state)
+    return row.kind == KeyRow::Kind::Long ? KeyRules::longPressStates(row.validOnState).contains(state)
                                           : row.validOnState == state;
 }
 
@@ -43,11 +44,11 @@ RefusalFinder::RefusalFinder(const QVector<KeyRow>& rows) : m_rows(rows) {}
 void RefusalFinder::noteKey(int device, const QString& key, int value)
 {
     forgetBeforeRest();
-    if (value == pressed) {
+    if (value == KeyValue::pressed) {
         m_down.insert({device, key});
         m_pressed.insert(key);
         m_repeated.remove(key);
-    } else if (value == released) {
+    } else if (value == KeyValue::released) {
         m_down.remove({device, key});
         m_released.insert(key);
         m_sinceRelease.start();
@@ -67,7 +68,8 @@ void RefusalFinder::noteSimulated(const QStringList& keys)
 std::optional<Refusal> RefusalFinder::find(const QString& logLine) const
 {
     if (logLine == undefinedReceiverLine) {
-        const KeyRow* meant = onlyRow([](const KeyRow& row) { return row.receiver == undefinedReceiver; });
+        const KeyRow* meant =
+            onlyRow([](const KeyRow& row) { return row.receiver == vocabulary::undefined; });
         return Refusal{undefinedReceiverReason, {}, {}, meant ? meant->action : QString()};
     }
     std::optional<Refusal> refusal = stateRefusal(logLine);
@@ -75,7 +77,7 @@ std::optional<Refusal> RefusalFinder::find(const QString& logLine) const
         return std::nullopt;
     }
     const KeyRow* meant = onlyRow([&](const KeyRow& row) {
-        return isFor(row, *refusal->expected) && row.receiver != undefinedReceiver;
+        return isFor(row, *refusal->expected) && row.receiver != vocabulary::undefined;
     });
     // A long press is tried in each of its states; one of them was the current one.
     if (meant && isFor(*meant, refusal->current)) {

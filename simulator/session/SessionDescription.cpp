@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/session/SessionDescription.h"
 
+#include "keys/KeyRules.h"
+#include "simulator/script/Autorepeat.h"
 #include "simulator/script/ScriptWords.h"
 
 #include <algorithm>
@@ -27,6 +29,13 @@ QJsonArray without(QStringList names, const QString& name)
     return QJsonArray::fromStringList(names);
 }
 
+QJsonObject timesOfKeys()
+{
+    return {{QStringLiteral("singleKeyMs"), qint64(KeyRules::singleKeyInterval.count())},
+            {QStringLiteral("factoryResetMs"), qint64(KeyRules::factoryResetHold.count())},
+            {QStringLiteral("repeatDelayMs"), qint64(Autorepeat::delay.count())}};
+}
+
 } // namespace
 
 namespace SessionDescription {
@@ -40,6 +49,7 @@ QJsonObject ofVocabulary()
             {QStringLiteral("commands"),
              without(inOrder(ls::KeyboardHandlerCmdId::meta), ls::KeyboardHandlerCmdId::GetKeyList)},
             {QStringLiteral("actions"), QJsonArray::fromStringList(inOrder(ls::KeyActionId::meta))},
+            {QStringLiteral("times"), timesOfKeys()},
             {QStringLiteral("version"), QStringLiteral(KEYBOARD_HANDLER_VERSION)}};
 }
 

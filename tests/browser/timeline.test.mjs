@@ -5,9 +5,9 @@ import { describe, test } from 'node:test';
 
 import { pageModule } from './pageModule.mjs';
 
-const { factoryResetTime, longTimesOf, singleKeyWindow, timelineModel, timelineRows } =
-    await pageModule('timeline.js');
+const { longTimesOf, timelineModel, timelineRows } = await pageModule('timeline.js');
 
+const deviceTimes = { singleKeyMs: 1500, factoryResetMs: 5000, repeatDelayMs: 250 };
 const longTimes = { Help: 2000, Menu: 2000, Feed: 0 };
 let lastId = 0;
 
@@ -33,8 +33,8 @@ const simulate = (at, action, name, resultId = 'Success') => [
     entry('answer', at + 1, { text: 'answer', response: { resultId } }),
 ];
 
-function modelOf(entries, end) {
-    return timelineModel(entries.flat(), longTimes, end);
+function modelOf(entries, end, times = deviceTimes) {
+    return timelineModel(entries.flat(), times, longTimes, end);
 }
 
 /** The chosen members of each item, so that a comparison says what a test is about. */
@@ -138,8 +138,13 @@ describe('bars of the keys', () => {
 describe('the window for more keys', () => {
     test('begins with a release and ends 1500 ms later', () => {
         assert.deepEqual(times(modelOf([ready(), tap(50, 'Up')], 5000).windows), [
-            [100, 100 + singleKeyWindow],
+            [100, 1600],
         ]);
+    });
+    test('is as long as the device says', () => {
+        const model = modelOf([ready(), tap(50, 'Up')], 5000, { ...deviceTimes, singleKeyMs: 700 });
+        assert.deepEqual(times(model.windows), [[100, 800]]);
+        assert.equal(model.windowMs, 700);
     });
     test('begins anew with each release until then, of any key on any device', () => {
         const model = modelOf([ready(), tap(50, 'Up'), tap(1000, 'Down', 1), tap(2499, 'Ok')], 9000);
@@ -383,8 +388,13 @@ describe('the hold of the factory reset', () => {
             6000,
         );
         assert.deepEqual(pick(holdsOf(model, 'FactoryReset'), 'from', 'to', 'due', 'outcome'), [
-            { from: 100, to: 5101, due: 100 + factoryResetTime, outcome: 'fired' },
+            { from: 100, to: 5101, due: 5100, outcome: 'fired' },
         ]);
+    });
+    test('is as long as the device says', () => {
+        const slow = { ...deviceTimes, factoryResetMs: 3000 };
+        const model = modelOf([ready(), press(100, 'FactoryReset')], 6000, slow);
+        assert.deepEqual(pick(holdsOf(model, 'FactoryReset'), 'due'), [{ due: 3100 }]);
     });
     test('is stopped by its own release, on either device', () => {
         const model = modelOf([ready(), press(100, 'FactoryReset'), release(4000, 'FactoryReset', 1)], 6000);
@@ -511,7 +521,7 @@ describe('moments, states and runs', () => {
         ]);
     });
     test('no entries at all are an empty model', () => {
-        assert.deepEqual(pick([timelineModel([], {})], 'from', 'to', 'lanes', 'runs'), [
+        assert.deepEqual(pick([timelineModel([])], 'from', 'to', 'lanes', 'runs'), [
             { from: 0, to: 0, lanes: [], runs: [] },
         ]);
     });
@@ -534,7 +544,9 @@ describe('the key card', () => {
             ],
             never: [row('long', 3250, 'Off')],
         };
-        assert.deepEqual(longTimesOf(card), { Help: 2000, Ok: 1000, Off: 3000 });
+        assert.deepEqual(longTimesOf(card, deviceTimes), { Help: 2000, Ok: 1000, Off: 3000 });
+        const slow = { ...deviceTimes, repeatDelayMs: 500 };
+        assert.deepEqual(longTimesOf(card, slow), { Help: 1750, Ok: 750, Off: 2750 });
     });
 });
 

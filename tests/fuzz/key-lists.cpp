@@ -117,9 +117,7 @@ void KeyLists::readContent()
 Rows KeyLists::rowsOf(EnumDetail::RowKeyList section) const
 {
     MapReader reader(m_content);
-    Rows rows = KeyListFile::load(reader, vocabulary::longKeyListFile, section, KeyListFile::Timeouts::Read,
-                                  Q_FUNC_INFO)
-                    .rows;
+    Rows rows = KeyListFile::load(reader, vocabulary::longKeyListFile, section, Q_FUNC_INFO).rows;
     rows.erase(std::remove_if(rows.begin(), rows.end(), [](const KeyEntry& row) { return !row.isValid(); }),
                rows.end());
     return rows;

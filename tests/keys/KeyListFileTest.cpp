@@ -11,7 +11,6 @@
 #include <sys/stat.h>
 
 using Section = EnumDetail::RowKeyList;
-using Timeouts = KeyListFile::Timeouts;
 
 namespace {
 
@@ -47,6 +46,7 @@ private Q_SLOTS:
     void fieldsOfOtherTypesAreConverted();
     void timeoutIsInSecondsAndStaysWithin32Bits_data();
     void timeoutIsInSecondsAndStaysWithin32Bits();
+    void timeoutIsIgnoredWhereItHasNoMeaning_data();
     void timeoutIsIgnoredWhereItHasNoMeaning();
     void contentIsTheWholeFile();
     void filesOverTheLimitAreNotRead_data();
@@ -54,17 +54,17 @@ private Q_SLOTS:
     void aFifoIsLeftToTheReader();
 
 private:
-    KeyListFile loaded(const QVariantMap& content, Timeouts timeouts = Timeouts::Read);
+    KeyListFile loaded(const QVariantMap& content, Section section = Section::LongKeys);
     QVariant row(const QVariant& timeout)
     {
         return QVariantMap{{"keys", QStringList{"Up"}}, {"timeout", timeout}};
     }
 };
 
-KeyListFile KeyListFileTest::loaded(const QVariantMap& content, Timeouts timeouts)
+KeyListFile KeyListFileTest::loaded(const QVariantMap& content, Section section)
 {
     MapReader reader(content);
-    return KeyListFile::load(reader, QStringLiteral("longKeyList.json"), Section::LongKeys, timeouts,
+    return KeyListFile::load(reader, QStringLiteral("longKeyList.json"), section,
                              "void LongKey::load(ls::IReader&)");
 }
 
@@ -208,10 +208,18 @@ void KeyListFileTest::timeoutIsInSecondsAndStaysWithin32Bits()
     QTEST(file.rows.value(0).timeout(), "milliseconds");
 }
 
+void KeyListFileTest::timeoutIsIgnoredWhereItHasNoMeaning_data()
+{
+    QTest::addColumn<Section>("section");
+    QTest::newRow("ModifierKeys") << Section::ModifierKeys;
+    QTest::newRow("ShortcutKeys") << Section::ShortcutKeys;
+}
+
 void KeyListFileTest::timeoutIsIgnoredWhereItHasNoMeaning()
 {
-    const QVariantMap content{{"LongKeys", QVariantList{row(3)}}};
-    const KeyListFile file = loaded(content, Timeouts::Ignored);
+    QFETCH(Section, section);
+    const QVariantMap content{{QTest::currentDataTag(), QVariantList{row(3)}}};
+    const KeyListFile file = loaded(content, section);
     QCOMPARE(file.rows.value(0).timeout(), 0);
     QCOMPARE(file.content, content);
 }

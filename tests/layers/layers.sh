@@ -34,6 +34,8 @@ forbid "key rows and recognisers know the vocabulary and the speech only" \
     "(app|service|input|console)/|device/(StateHandler|Embosser)" keys
 forbid "device/ knows the vocabulary only" "(app|service|input|keys|console)/" device
 forbid "an input device knows the vocabulary only" "(app|service|keys|device|console)/" input/Keyboard.h input/Keyboard.cpp
+forbid "the simulator knows the vocabulary, the key lists and the rules of keys only" \
+    "(app|service|input|device|console)/|keys/(LongKey|ModifierKey|ShortcutKey)" simulator
 forbid "only app/ builds the service object and the console" "app/" service input keys device console vocabulary
 
 # Waits with a limit of time fail on a busy machine. The clock of the booted target does not depend on the machine.

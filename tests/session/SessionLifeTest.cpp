@@ -108,6 +108,8 @@ void SessionLifeTest::aDeviceStarts()
     QCOMPARE(description.value("keys").toArray().size(), 15);
     QCOMPARE(description.value("commands").toArray().size(), 9);
     QVERIFY(!description.value("commands").toArray().contains("GetKeyList"));
+    QCOMPARE(description.value("times").toObject(),
+             QJsonObject({{"singleKeyMs", 1500}, {"factoryResetMs", 5000}, {"repeatDelayMs", 250}}));
     QVERIFY(description.value("recording").toBool());
     QVERIFY(!description.value("replaying").toBool());
 }

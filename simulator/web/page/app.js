@@ -1301,6 +1301,7 @@ function takeSnapshot(snapshot) {
     logs.answers.reset(openCommands.reset(history, snapshot.at, performance.now()));
     watchAnswers();
     logs.lists.reset(sinceLastStart(history));
+    timeline.setTimes(device.times);
     timeline.reset(history, snapshot.at);
     if (connection === 'lost') {
         tell('Connected again.', 'fault');

@@ -3,12 +3,11 @@
 
 // ---------------------------------------------------------------- the model: what the picture and the table say
 
-export const singleKeyWindow = 1500;
-export const factoryResetTime = 5000;
 export const maximumEntries = 10000;
 
-/// The kernel repeats a held key for the first time after this time; the card counts from the press.
-const repeatDelay = 250;
+/// Until the device describes itself: how long a released key waits for others, how long FactoryReset is held, and
+/// when the kernel first repeats a held key.
+const unknownTimes = { singleKeyMs: 0, factoryResetMs: 0, repeatDelayMs: 0 };
 /// Milliseconds between two runs of the device, whose clocks both begin at 0.
 const gapBetweenRuns = 500;
 /// An announcement may be noted this much earlier or later than its time is up by the clock of the entries.
@@ -22,19 +21,20 @@ const simulatedValues = { Released: 0, Pressed: 1, Repeated: 2 };
 /// Where keys come from that the command SimulateKey stands for.
 const commandDevice = 'command';
 
-/// The time of the long press of each key in milliseconds, from its first repetition, as the key card tells.
-export function longTimesOf(card) {
+/// The time of the long press of each key in milliseconds, from its first repetition; the card counts from the press.
+export function longTimesOf(card, { repeatDelayMs }) {
     const groups = [...(card?.states ?? []).map(state => state.entries), card?.never ?? []];
-    const rows = groups.flat().filter(row => row.kind === 'long' && row.holdMs >= repeatDelay);
-    return Object.fromEntries(rows.map(row => [row.keys[0], row.holdMs - repeatDelay]));
+    const rows = groups.flat().filter(row => row.kind === 'long' && row.holdMs >= repeatDelayMs);
+    return Object.fromEntries(rows.map(row => [row.keys[0], row.holdMs - repeatDelayMs]));
 }
 
 /// What the entries of a session mean, on one line of time in milliseconds: each run of the device follows the one
-/// before. `longTimes` has the time of each key's long press, unless a `device` entry brings its own `longTimes`.
+/// before. `times` are those of the device's description; `longTimes` has the time of each key's long press, unless a
+/// `device` entry brings its own `longTimes`.
 /// `end` is the moment up to which is known, on the clock of the last run; without it the last entry's.
 /// What still goes on there is marked `open`, and so is the model if there is any.
-export function timelineModel(entries, longTimes = {}, end = undefined) {
-    const builder = new ModelBuilder(longTimes);
+export function timelineModel(entries, times = unknownTimes, longTimes = {}, end = undefined) {
+    const builder = new ModelBuilder(times, longTimes);
     for (const entry of entries) {
         builder.add(entry);
     }
@@ -52,6 +52,7 @@ function prolong(model, end) {
 }
 
 class ModelBuilder {
+    #times;
     #longTimes;
     #offset = 0;
     #now = 0;
@@ -78,7 +79,9 @@ class ModelBuilder {
         open: false,
     };
 
-    constructor(longTimes) {
+    constructor(times, longTimes) {
+        this.#times = times;
+        this.#model.windowMs = times.singleKeyMs;
         this.#longTimes = longTimes;
     }
 
@@ -227,7 +230,7 @@ class ModelBuilder {
         }
         if (lane.key === 'FactoryReset') {
             this.#stopReset(at);
-            this.#reset = this.#holdOf(lane, 'reset', entry.id, at, factoryResetTime);
+            this.#reset = this.#holdOf(lane, 'reset', entry.id, at, this.#times.factoryResetMs);
         }
         this.#stopLong(at);
     }
@@ -246,7 +249,7 @@ class ModelBuilder {
             this.#stopReset(at);
         }
         this.#stopLong(at);
-        this.#timerEnd = at + singleKeyWindow;
+        this.#timerEnd = at + this.#times.singleKeyMs;
         if (this.#waitsAfter(lane.key)) {
             this.#lastReleased = lane.key;
             this.#startWindow(entry.id, at);
@@ -817,7 +820,9 @@ class Drawing {
     #drawWindows() {
         const y = this.#y;
         this.#gridLine(`M0,${y}.5H${this.#width}`);
-        this.#label('Window 1.5 s', y + 17);
+        if (this.#model.windowMs > 0) {
+            this.#label(`Window ${this.#model.windowMs / 1000} s`, y + 17);
+        }
         const windows = this.#seen(this.#model.windows);
         this.#bars(windows, y + 6, 14, 'window');
         this.#ticks(
@@ -981,6 +986,7 @@ export class Timeline {
     #lost; // the moment at which the connection was lost
     #fits = false; // whether all is in sight, however long it becomes
     #isNew = true; // whether it was not drawn yet
+    #times = unknownTimes;
     #longTimes = {};
     #model = timelineModel([]);
     #stale = true;
@@ -1025,6 +1031,11 @@ export class Timeline {
         this.#stale = true;
     }
 
+    /// Takes the times from the device's description.
+    setTimes(times) {
+        this.#times = times;
+    }
+
     /// Nothing is known from now on, until `reset`; `note` says so.
     stop(note) {
         this.#lost = this.#liveNow();
@@ -1038,7 +1049,7 @@ export class Timeline {
 
     /// The key card knows the times of the long presses; they count from the last start of the device on.
     setCard(card) {
-        this.#longTimes = longTimesOf(card);
+        this.#longTimes = longTimesOf(card, this.#times);
         const starts = entry => entry.type === 'device' && entry.status === 'starting';
         const last = this.#entries.reduce((found, entry, index) => (starts(entry) ? index : found), -1);
         if (last >= 0) {
@@ -1195,7 +1206,8 @@ export class Timeline {
             prolong(this.#model, Math.max(this.#model.to, this.#now() + run.offset));
             return;
         }
-        this.#model = timelineModel(this.#shown?.entries ?? this.#entries, this.#longTimes, this.#now());
+        const entries = this.#shown?.entries ?? this.#entries;
+        this.#model = timelineModel(entries, this.#times, this.#longTimes, this.#now());
         this.#stale = false;
     }
 
