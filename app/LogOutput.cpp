@@ -20,8 +20,8 @@
 
 namespace {
 
-constexpr int maxWaiting = 1024 * 1024; // bytes
-constexpr int maxDelayAtEnd = 1000;     // milliseconds
+constexpr int maxQueueSize = 1024 * 1024; // bytes
+constexpr int maxDrainTime = 1000;        // milliseconds
 
 class Output
 {
@@ -37,7 +37,7 @@ private:
     QMutex m_mutex;
     QWaitCondition m_changed;
     QByteArray m_queue;
-    int m_waiting = 0; // bytes of the queue, and of what the writer has taken from it and not yet written
+    int m_unwritten = 0; // bytes in the queue or taken by the writer, but not yet written
     int m_dropped = 0;
     bool m_hasWriter = false;
 };
@@ -51,7 +51,7 @@ void write(const char* bytes, int size)
             size -= written;
         } else if (written == 0 || errno != EAGAIN) {
             return; // the line is lost: the reader is gone, or the disk is full
-        } else {    // another process has made it non-blocking
+        } else {    // another process has made standard error non-blocking
             pollfd room{STDERR_FILENO, POLLOUT, 0};
             ::poll(&room, 1, -1);
         }
@@ -61,8 +61,8 @@ void write(const char* bytes, int size)
 void Output::add(QByteArray line)
 {
     const QMutexLocker locker(&m_mutex);
-    if (m_waiting == 0) {
-        // Fails at once where standard error is not a socket.
+    if (m_unwritten == 0) {
+        // send() fails at once if standard error is not a socket.
         const ssize_t sent = ::send(STDERR_FILENO, line.constData(), static_cast<size_t>(line.size()),
                                     MSG_DONTWAIT | MSG_NOSIGNAL);
         line.remove(0, static_cast<int>(std::max<ssize_t>(sent, 0)));
@@ -73,8 +73,8 @@ void Output::add(QByteArray line)
 void Output::drain()
 {
     const QMutexLocker locker(&m_mutex);
-    const QDeadlineTimer deadline(maxDelayAtEnd);
-    while (m_waiting > 0 && m_changed.wait(&m_mutex, deadline)) {
+    const QDeadlineTimer deadline(maxDrainTime);
+    while (m_unwritten > 0 && m_changed.wait(&m_mutex, deadline)) {
     }
 }
 
@@ -84,20 +84,20 @@ void Output::enqueue(const QByteArray& line)
                                   ? QByteArray::number(m_dropped) + " log lines dropped: nobody read them.\n"
                                   : QByteArray();
     const QByteArray text = report + line;
-    if (m_waiting > 0 && m_waiting + text.size() > maxWaiting) {
+    if (m_unwritten > 0 && m_unwritten + text.size() > maxQueueSize) {
         ++m_dropped;
         return;
     }
     m_dropped = 0;
     m_queue += text;
-    m_waiting += text.size();
-    if (m_waiting > 0) {
+    m_unwritten += text.size();
+    if (m_unwritten > 0) {
         startWriter();
         m_changed.wakeAll();
     }
 }
 
-/// Where no thread can be made, lines wait: the next one tries again.
+/// If the thread cannot be created, lines stay in the queue and the next line tries again.
 void Output::startWriter()
 {
     const auto run = [](void* output) -> void* {
@@ -110,24 +110,23 @@ void Output::startWriter()
 
 void Output::writeQueue()
 {
-    // Those of a write among them: neither a terminal that stops its background writers nor the limit of a
-    // file's size may stop the keys.
+    // Neither a terminal that stops background writers nor a file size limit may stop the daemon.
     sigset_t signals;
     sigfillset(&signals);
     ::pthread_sigmask(SIG_SETMASK, &signals, nullptr);
     QMutexLocker locker(&m_mutex);
     while (true) {
         const QByteArray lines = std::exchange(m_queue, {});
-        // One at a time, which a pipe keeps whole among the lines of other writers.
+        // Line by line: a pipe keeps a line whole among those of other writers.
         for (int begin = 0; begin < lines.size();) {
             const int size = lines.indexOf('\n', begin) + 1 - begin;
             locker.unlock();
             write(lines.constData() + begin, size);
             locker.relock();
             begin += size;
-            m_waiting -= size;
+            m_unwritten -= size;
         }
-        if (m_waiting == 0 && m_dropped > 0) {
+        if (m_unwritten == 0 && m_dropped > 0) {
             enqueue({});
         }
         m_changed.wakeAll();
@@ -141,12 +140,12 @@ void Output::writeQueue()
 
 void LogOutput::install()
 {
-    std::signal(SIGPIPE, SIG_IGN); // a reader that went away is an error of the write, not the end
-    // Never destroyed: the writer uses it to the end.
+    std::signal(SIGPIPE, SIG_IGN); // a missing reader is a write error, not the end of the process
+    // Never destroyed, because the writer uses it until the process ends.
     static Output& output = *new Output;
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& text) {
         const QString line = qFormatLogMessage(type, context, text);
-        if (!line.isNull()) { // null is what the pattern filters out
+        if (!line.isNull()) { // null: filtered out by the message pattern
             output.add(line.toLocal8Bit() + '\n');
         }
         if (type == QtFatalMsg) {

@@ -30,7 +30,7 @@ void SystemCheck::run()
 {
     StartupGate& gate = startupGate();
     QMutexLocker locker(&gate.mutex);
-    // No pause here: the watcher holds a "no" back for a moment, which keeps this loop off the processor.
+    // Not a busy loop: the watcher waits up to a second before it answers "no".
     while (!areDependenciesReady()) {
     }
     gate.servicesReady = true;

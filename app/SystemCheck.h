@@ -5,8 +5,8 @@
 #include <QThread>
 #include <QWaitCondition>
 
-/// What the entry point waits at until the services that the daemon depends on are ready. The flag is
-/// read and written under the mutex only.
+/// A gate that opens when the services that the daemon depends on are ready; the entry point waits for it.
+/// The flag is read and written under the mutex only.
 struct StartupGate
 {
     QMutex mutex;
@@ -17,8 +17,8 @@ struct StartupGate
 /// The gate of this process.
 StartupGate& startupGate();
 
-/// The thread that opens the start-up gate once every dependency has been seen ready in one pass. Destruction
-/// waits for its end.
+/// The thread that opens the start-up gate once a single pass has found every dependency ready. The
+/// destructor waits for the thread to end.
 class SystemCheck : public QThread
 {
     Q_OBJECT

@@ -19,13 +19,13 @@ namespace {
 
 const QString serviceName = QStringLiteral("keyboard-handler");
 
-/// Keeps the numbers of the standard streams out of the hands of the next files that are opened: the
-/// console would take its commands from whatever became descriptor 0.
+/// Opens /dev/null for each closed standard stream. Otherwise the next file opened would become descriptor 0,
+/// and the console would read commands from it.
 void fillStandardStreams()
 {
     for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; ++fd) {
         if (::fcntl(fd, F_GETFD) == -1) {
-            ::open("/dev/null", O_RDWR); // takes the lowest free number, which is `fd`
+            ::open("/dev/null", O_RDWR); // returns the lowest free number, which is `fd`
         }
     }
 }
@@ -43,7 +43,7 @@ void waitForServices()
 
 int main(int argc, char* argv[])
 {
-    // Before the first step, so that its failure can be logged.
+    // First, so that a failure of the next step can be logged.
     fillStandardStreams();
     LogOutput::install();
     ServiceWatcher::setReady(serviceName, false);
