@@ -34,7 +34,7 @@ bool equals(const QString& line, const char* text)
     return line.compare(QLatin1String(text), Qt::CaseInsensitive) == 0;
 }
 
-/// Empty for a number that is in no entry.
+/// Empty if `meta` has no such number.
 QString identifierOf(const Meta& meta, int number)
 {
     return meta.key(number);
@@ -52,7 +52,7 @@ void printEmptyLine()
     qDebug() << "";
 }
 
-/// Prints `text` as an error and an empty line; always false, the result of a handler that failed.
+/// Prints `text` as an error and an empty line. Returns false, the result of a handler that fails.
 bool fail(const char* text)
 {
     qCritical() << text;
@@ -85,14 +85,14 @@ void printTable(const char* title, const Meta& meta)
     printEmptyLine();
 }
 
-/// What a number behind a command stands for: the key of the command map, and the family of its identifiers.
+/// A number typed after a command: its key in the command map, and the family that gives its identifier.
 struct Parameter
 {
     QString key;
     const Meta& meta;
 };
 
-/// A command that the console runs; the parameters are in the order in which their numbers are typed.
+/// A command that the console runs; its parameters are typed in this order.
 struct Command
 {
     ls::EnumKey id;
@@ -100,7 +100,7 @@ struct Command
     std::vector<Parameter> parameters;
 };
 
-/// Null for a command that the console does not run.
+/// Null if the console does not run the command.
 const Command* findCommand(const ls::EnumKey& id)
 {
     static const std::vector<Command> commands{
@@ -156,14 +156,14 @@ void printNotification(const QVariantMap& notification)
 {
     if (!notification.contains(ls::notificationIdKey) || !notification.contains(ls::actionIdKey) ||
         !notification.contains(ls::senderIdKey)) {
-        // Named as the function that prints from within the constructor; logs are searched for this prefix.
+        // Deliberate: the prefix names a lambda of the constructor; technicians search logs for it.
         vocabulary::logLine("operator()", "Console::Console(KeyboardHandler*)::<lambda(const QVariantMap&)>",
                             "ERROR:")
             << "Invalid notification received!";
         return;
     }
     qCDebug(consoleCategory) << "----------- Notification -----------";
-    // Deliberate spelling: it is what log readers look for.
+    // Deliberate spelling: technicians search logs for it.
     qCDebug(consoleCategory) << "NotifcationId:" << notification.value(ls::notificationIdKey).toString();
     qCDebug(consoleCategory) << "SenderId:" << notification.value(ls::senderIdKey).toString();
     qCDebug(consoleCategory) << "------------------------------------";
@@ -181,7 +181,8 @@ Console::Console(KeyboardHandler* handler) : QObject(handler), m_handler(handler
 void Console::onTextReceived(const QString& line)
 {
     ls::Timer::start(timerName);
-    // The prefix counts on the line as it was typed: a leading blank makes it no command.
+    // Deliberate: the start is compared before blanks are removed, so a line with a leading blank is not a
+    // command.
     const bool done = (startsWith(line, "HELP") && showHelp(line.simplified())) ||
                       (startsWith(line, "C") && runCommand(line.simplified()));
     if (!done) {
