@@ -5,7 +5,7 @@
 
 namespace detail {
 
-/// The model of this embosser. Reached through `libvantre::Singleton`; asked once, by the router.
+/// The model of this embosser. Accessed through `libvantre::Singleton`; the router asks for it once.
 class Embosser : public QObject
 {
     Q_OBJECT
@@ -13,7 +13,7 @@ class Embosser : public QObject
 public:
     explicit Embosser(QObject* parent);
 
-    /// Whether this is the Orvane model; false for the Pellit model and when the model is not known.
+    /// Whether this is the Orvane model; false for the Pellit model and if the model is unknown.
     bool isOrvane();
 };
 

@@ -12,7 +12,7 @@
 
 Q_LOGGING_CATEGORY(speechCategory, "SpeechFeedback", QtCriticalMsg)
 Q_LOGGING_CATEGORY(speakCategory, "SpeechFeedback.speak", QtCriticalMsg)
-// Reserved for synchronous speech, so that logging rules which name it keep their meaning.
+// Declared for existing logging rules; reserved for synchronous speech.
 Q_LOGGING_CATEGORY(syncCategory, "SpeechFeedback.sync", QtCriticalMsg)
 
 namespace detail {

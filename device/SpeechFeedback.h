@@ -13,8 +13,8 @@ class Speech;
 
 namespace detail {
 
-/// The daemon's one way to the speech daemon. Reached through `libvantre::Singleton`; used by the router and
-/// the modifier recogniser. Requests leave from the event loop, in the order in which they were made.
+/// Sends all speech requests of the daemon. The router and the modifier recogniser access it through
+/// `libvantre::Singleton`. The event loop sends the requests in the order of the calls.
 class SpeechFeedback : public QObject
 {
     Q_OBJECT
@@ -22,17 +22,17 @@ class SpeechFeedback : public QObject
 public:
     explicit SpeechFeedback(QObject* parent);
 
-    /// Asks for a sentence of the translation file that its type names. Never blocks and never fails; any
-    /// number is passed on, also one that the enumeration does not have.
+    /// Speaks a sentence of the translation file that the type of `id` names. Never blocks and never fails; a
+    /// number that the enumeration lacks is sent as well.
     void speakFromId(libtranslation::Sid::EmbosserCore id, const QStringList& arguments = QStringList());
     void speakFromId(libtranslation::Sid::EmbosserError id, const QStringList& arguments = QStringList());
     void speakFromId(libtranslation::Sid::EmbosserMenu id, const QStringList& arguments = QStringList());
 
-    /// Asks to abandon the current and all pending sentences. Never blocks.
+    /// Cancels the current and all pending sentences. Never blocks.
     void cancelAll();
 
 Q_SIGNALS:
-    /// The speech daemon is there, for the first time or again.
+    /// The speech daemon has connected or reconnected.
     void connected();
     void cancelAsync();
     void speakAsync(const QVariantMap& request);

@@ -23,7 +23,7 @@ const ls::EnumKey StateHandler::getState() const
     auto* service = ls::DBusServiceStore::instance()->getService(ls::ServiceId::StateHandler);
     const QVariantMap reply = service->process(request);
 
-    // Deliberate: a reply that names a failure but carries a state is still read on.
+    // Deliberate: the result is not evaluated; a reply that reports a failure may carry a state.
     if (!reply.contains(ls::resultIdKey) || !reply.contains(ls::errorIdKey)) {
         LOG_ERROR() << "invalid result!";
         return vocabulary::undefined;
@@ -42,7 +42,7 @@ const ls::EnumKey StateHandler::getState() const
 
 void StateHandler::onNotification(const QVariantMap& notification)
 {
-    // Deliberate: the action and the sender must be there, but may be anything.
+    // Deliberate: the action and the sender must be present, but may have any value.
     if (!notification.contains(ls::notificationIdKey) || !notification.contains(ls::actionIdKey) ||
         !notification.contains(ls::senderIdKey)) {
         LOG_ERROR() << "Invalid notification!";

@@ -16,12 +16,12 @@ public:
     /// Subscribes to the state-handler service, whether or not it is on the bus now.
     explicit StateHandler(QObject* parent);
 
-    /// Asks the state-handler service and blocks for its answer. Returns an identifier of `ls::StateId`, or
-    /// "Undefined" after a log line when there is no proper answer.
+    /// Asks the state-handler service and blocks until it answers. Returns an identifier of `ls::StateId`, or
+    /// "Undefined" after a log line if the answer is missing or invalid.
     const ls::EnumKey getState() const;
 
 Q_SIGNALS:
-    /// A state was announced, be it a new one or the same again.
+    /// A state was announced, whether or not it differs from the one before.
     void stateChange(ls::EnumKey state);
 
 private Q_SLOTS:
