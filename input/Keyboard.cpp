@@ -96,7 +96,7 @@ bool Keyboard::write(const ls::KeyEvent& event)
         LOG_ERROR().noquote() << m_errorString;
         return false;
     }
-    // Deliberate: success is a count that no record has, so that a written record is always reported.
+    // Deliberate: a record never has the expected size, so that every write is reported as partial.
     if (written != expectedWriteCount) {
         LOG_ERROR().noquote() << QStringLiteral("Partial write to device %1.").arg(m_device);
         return false;
@@ -111,7 +111,7 @@ bool Keyboard::simulateKey(const ls::EnumKey& key, const ls::EnumKey& action)
         LOG_ERROR() << "Key value is invalid!";
         return false;
     }
-    // Deliberate: an unknown key or action is not rejected but passed on with these numbers.
+    // Deliberate: an unknown key or action is not rejected, but emitted with these numbers.
     input_event record{};
     record.type = EV_KEY;
     record.code = static_cast<quint16>(ls::KeyId::meta.value(key, noNumber));
@@ -138,8 +138,8 @@ void Keyboard::readEvents(int fd)
         if (size == -1 && errno == EAGAIN) {
             return;
         }
-        // Deliberate: the device stays watched after an error or an end of file, for it may come back. One
-        // that is gone for good reports itself again and again.
+        // Deliberate: the device stays watched after an error or an end of file, because it may recover. A
+        // device that is gone for good is logged again and again.
         if (size == -1) {
             m_errorString = describe("Error reading from device %1: %2", errno);
             LOG_ERROR().noquote() << m_errorString;

@@ -11,8 +11,8 @@
 
 class QSocketNotifier;
 
-/// One input device of the front panel. Emits every record that it reads, and simulated key events just
-/// like them. Owned by the router.
+/// One input device of the front panel. Emits every record read from it, and simulated key events in the same
+/// way. Owned by the router.
 class Keyboard : public QObject
 {
     Q_OBJECT
@@ -24,31 +24,31 @@ public:
     explicit Keyboard(const QString& device, QObject* parent = nullptr);
     ~Keyboard() override;
 
-    /// The identifier of the event's key: "Unknown" for an event that is about no key, "Undefined" for a
-    /// key that has no identifier.
+    /// The identifier of the event's key; "Unknown" if the event is not a key event, "Undefined" if the key
+    /// has no identifier.
     static ls::EnumKey keyOf(const ls::KeyEvent& event);
 
     bool isOpen() const;
-    /// The last open, read or write error in readable form; empty when there was none.
+    /// The last open, read or write error in readable form; empty before the first error.
     QString errorString() const { return m_errorString; }
-    /// The event that was stored last; an empty event before the first.
+    /// The event stored last; an empty event before the first.
     ls::KeyEvent lastEvent() const { return m_lastEvent; }
     Filter filter() const { return m_filter; }
 
-    /// Names the device node; does not reopen.
+    /// Sets the device node for the next `open()`.
     void setDevice(const QString& device);
-    /// Opens the device node and watches it until destruction. Returns false after a log line when there
-    /// is no name or the node cannot be opened; may then be called again. Must not be called when open.
+    /// Opens the device node and watches it until destruction. Returns false after a log line if the node is
+    /// not set or cannot be opened; may then be called again. Must not be called while open.
     bool open();
     /// Writes the record of `event` to the device. Returns false after a log line unless the device
     /// reports the expected count, which is not the size of a record.
     bool write(const ls::KeyEvent& event);
     /// Emits a key event as if the device had sent it. Returns false after a log line, with nothing
     /// emitted, for an action without an input event value; unknown keys and actions are emitted with
-    /// fall-back numbers.
+    /// fallback numbers.
     bool simulateKey(const ls::EnumKey& key, const ls::EnumKey& action);
     void setLastEvent(const ls::KeyEvent& event);
-    /// Lets through only the records for which `filter` is true; an empty filter lets all through.
+    /// Emits only the records for which `filter` returns true; with an empty filter, all records.
     void setFilter(const Filter& filter);
 
 Q_SIGNALS:

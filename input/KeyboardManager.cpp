@@ -122,7 +122,7 @@ void KeyboardManager::onEvent(const ls::EnumKey& action, const ls::EnumKey& rece
         m_keyboardHandler.sendKeyboardChange(action, receiver, message);
         return;
     }
-    // Deliberate: these texts carry blanks of their own, so that the line has doubled ones.
+    // Deliberate: these texts contain blanks, so that the line has double blanks.
     LOG_WARNING() << "Expected state is: " << validOnState << ", but current"
                   << "state is: " << m_currentState << "!?";
 }
@@ -208,7 +208,7 @@ void KeyboardManager::onRelease(const ls::EnumKey& key)
     if (m_currentState == ls::StateId::Idle) {
         onIdleRelease(previousKey);
     } else if (!m_testMode && m_lastKey != ls::KeyId::Unknown) {
-        // Deliberate: also a release that just completed a combination is a single key in these states.
+        // Deliberate: in these states a release that completes a combination is sent as a single key, too.
         sendSingleKey();
     } else {
         onTestRelease();
@@ -238,7 +238,7 @@ void KeyboardManager::onTestRelease()
     }
     m_testResult.insert(m_lastKey, true);
     if (m_lastKey == ls::KeyId::Ten) {
-        // Deliberate: the key that ends the test confirms it, as Ok would.
+        // Deliberate: the key that ends the test is sent as Ok.
         m_lastKey = ls::KeyId::Ok;
         m_testMode = false;
         sendSingleKey();
@@ -283,7 +283,7 @@ void KeyboardManager::resetKeys()
 
 void KeyboardManager::speakLastKey()
 {
-    // Deliberate: a key without a name is not passed over but spoken as sentence 0.
+    // Deliberate: a key without a name is spoken as sentence 0.
     m_speech->speakFromId(m_keyNames.value(m_lastKey));
 }
 

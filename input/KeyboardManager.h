@@ -29,7 +29,7 @@ class KeyboardManager : public QObject
 
 public:
     /// Opens the devices and asks for the current state, which blocks for a round trip on the bus. The
-    /// service object is also the parent; all arguments must outlive the router.
+    /// service object is also the parent. All arguments must outlive the router.
     KeyboardManager(ModifierKey& modifierKey, ShortcutKey& shortcutKey, LongKey& longKey,
                     StateHandler& stateHandler, KeyboardHandler& keyboardHandler);
 
@@ -37,21 +37,22 @@ public:
     input_event lastEvent() const;
     /// The long-press time of each key in milliseconds.
     QVariantMap longKeysTimeout() const;
-    /// The content of the modifier list and the time in which keys are combined, in milliseconds.
+    /// The content of the modifier list, and in milliseconds the time within which keys are combined.
     QVariantMap modifierKeyList() const;
-    /// The content of the shortcut list and the time in which keys are combined, in milliseconds.
+    /// The content of the shortcut list, and in milliseconds the time within which keys are combined.
     QVariantMap shortcutKeyList() const;
 
-    /// Begins the keyboard test, which a release of the Ten key in any state but Idle ends. Earlier results
-    /// are kept.
+    /// Starts the keyboard test. A release of the Ten key ends it, in any state but Idle. Keeps earlier
+    /// results.
     void startTestMode();
-    /// The number of distinct keys that were released in the test, or were the unknown key; forgets them.
+    /// The number of distinct keys released during the test; releases of the unknown key always count. Clears
+    /// the result.
     int takeTestResult();
-    /// Lets the first device emit a key event; false when the action has no input event value.
+    /// Makes the first device emit a key event. Returns false if the action has no input event value.
     bool simulateKey(const ls::EnumKey& key, const ls::EnumKey& action);
-    /// Hands the keys in order to the modifier recogniser; true.
+    /// Passes the keys in order to the modifier recogniser. Returns true.
     bool simulateModifier(const QStringList& keys);
-    /// Hands the keys in order to the shortcut recogniser; true.
+    /// Passes the keys in order to the shortcut recogniser. Returns true.
     bool simulateShortcut(const QStringList& keys);
 
 private Q_SLOTS:
