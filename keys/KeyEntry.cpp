@@ -46,7 +46,7 @@ bool KeyEntry::isValid() const
 void KeyEntry::clear()
 {
     m_keys.clear();
-    // Deliberately the key "Unknown" where an action stands otherwise: it marks an idle row.
+    // Deliberate: the key "Unknown" as the action marks an idle row.
     m_eAction = ls::KeyId::Unknown;
     m_timeout = 0;
     m_receiverService = ls::ServiceId::KeyboardHandler;

@@ -5,7 +5,7 @@
 
 #include <QStringList>
 
-/// One row of a key-list file. Rows come from the list loader and are kept by the recognisers.
+/// One row of a key-list file. The list loader creates rows, and the recognisers keep them.
 class KeyEntry
 {
 public:
@@ -25,14 +25,14 @@ public:
     /// The key that closes the gesture; empty when the row has no keys.
     ls::EnumKey lastKey() const;
     int keyCount() const;
-    /// Whether a combination of these keys is matched by the whole sequence: it has three keys or more. A
-    /// shorter one is matched by its first and last key.
+    /// Whether the row has three keys or more. A combination of that many is matched by the whole sequence, a
+    /// shorter one by its first and last key.
     bool isSequence() const;
-    /// Whether the row has keys: a row without any can never be matched.
+    /// Whether the row has keys; a row without keys never matches.
     bool isValid() const;
 
-    /// Makes the row idle: without keys and timeout, with action and receiver that stand for none. The valid
-    /// states stay as they are.
+    /// Resets the row to idle: no keys, no timeout, placeholders as action and receiver. Keeps the valid
+    /// states.
     void clear();
 
 private:

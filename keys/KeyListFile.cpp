@@ -13,16 +13,15 @@
 namespace {
 
 constexpr int millisecondsPerSecond = 1000;
-constexpr int maximumSeconds = std::numeric_limits<int>::max() / millisecondsPerSecond;
+constexpr int maxSeconds = std::numeric_limits<int>::max() / millisecondsPerSecond;
 
-/// Limited to what a 32-bit number of milliseconds can hold, for a file may name any number.
+/// Limits the result to 32 bits, because a file may contain any number.
 int toMilliseconds(const QVariant& seconds)
 {
     const bool isReal = seconds.userType() == QMetaType::Double;
-    const qint64 whole =
-        isReal ? qRound64(qBound(-1.0 * maximumSeconds, seconds.toDouble(), 1.0 * maximumSeconds))
-               : seconds.toLongLong();
-    return static_cast<int>(qBound<qint64>(-maximumSeconds, whole, maximumSeconds)) * millisecondsPerSecond;
+    const qint64 whole = isReal ? qRound64(qBound(-1.0 * maxSeconds, seconds.toDouble(), 1.0 * maxSeconds))
+                                : seconds.toLongLong();
+    return static_cast<int>(qBound<qint64>(-maxSeconds, whole, maxSeconds)) * millisecondsPerSecond;
 }
 
 QDebug error(const char* loader)
@@ -30,7 +29,7 @@ QDebug error(const char* loader)
     return vocabulary::logLine("load", loader, "ERROR:");
 }
 
-/// Reads the file unless it is too large, whatever the reader would take.
+/// Checks the size here, because a reader may accept larger files.
 bool read(ls::IReader& reader, const QString& path, QVariantMap& content, const char* loader)
 {
     const qint64 size = QFileInfo(path).size();
@@ -69,7 +68,7 @@ KeyListFile KeyListFile::take(const QVariantMap& content, EnumDetail::RowKeyList
     const QString name = sectionName(section);
     const auto value = content.constFind(name);
     if (value == content.cend()) {
-        // Deliberate punctuation: technicians search their logs for this very text.
+        // Deliberate punctuation: technicians search logs for this text.
         error(loader).noquote() << "value list" << name << "not found!.";
         return {};
     }

@@ -23,23 +23,22 @@ inline const QString validOnState = QStringLiteral("validOnState");
 
 } // namespace KeyListFields
 
-/// What a key-list file says, and how it is loaded: the part that is the same for the three recognisers.
+/// The content of a key-list file, and its loader, which the three recognisers share.
 struct KeyListFile
 {
-    /// In bytes. A larger file is not read: its values could take more memory than the daemon may have.
+    /// In bytes. A larger file is not read, because its values could exceed the memory limit of the daemon.
     static constexpr qint64 maxSize = 1024 * 1024;
 
-    /// Reads `section` of the file `fileName` in the data directory. When the file has no list of rows, log
-    /// lines name the fault and both members are empty. The function `loader` (as the compiler writes its
-    /// signature) is named in these lines.
+    /// Reads `section` of the file `fileName` in the data directory. If the file has no list of rows, logs
+    /// the fault and leaves both members empty. The log lines name the function with the signature `loader`.
     static KeyListFile load(ls::IReader& reader, const QString& fileName, EnumDetail::RowKeyList section,
                             const char* loader);
-    /// The same for content that was read already.
+    /// Like `load`, but for content that has already been read.
     static KeyListFile take(const QVariantMap& content, EnumDetail::RowKeyList section, const char* loader);
     /// The key of the section in the file.
     static QString sectionName(EnumDetail::RowKeyList section);
 
-    /// The rows of the section, in file order and as they are written.
+    /// The rows of the section, in file order and as written.
     QList<KeyEntry> rows;
     /// The whole top-level map of the file.
     QVariantMap content;

@@ -16,7 +16,7 @@ constexpr qint64 helpTimeFactor = 3;
 
 int reportedTimeout(const KeyEntry& entry)
 {
-    // Deliberate: the users of the reported times rely on the Help key's being tripled.
+    // Deliberate: clients rely on the tripled time of the Help key.
     const qint64 factor = entry.firstKey() == ls::KeyId::Help ? helpTimeFactor : 1;
     using Limits = std::numeric_limits<int>;
     return static_cast<int>(qBound<qint64>(Limits::min(), entry.timeout() * factor, Limits::max()));
@@ -48,7 +48,7 @@ void LongKey::start(const ls::EnumKey& key)
     if (m_timer.isActive()) {
         return;
     }
-    // Deliberately no end at the first match: of several rows for one key the last decides time and action.
+    // Deliberate: the loop continues after a match, so that the last row of a key decides time and action.
     for (const KeyEntry& entry : m_entries) {
         if (entry.isValid() && entry.firstKey() == key) {
             m_timer.start(qMax(0, entry.timeout()));
@@ -73,14 +73,14 @@ void LongKey::load(ls::IReader& reader)
 void LongKey::onExpired()
 {
     // A copy, because a receiver of the signal may stop this recogniser. The row stays armed after the
-    // expiry: the next repeat of the held key times it again.
+    // expiry: the next autorepeat of the held key starts its timer again.
     const KeyEntry entry = m_current;
     if (!entry.isValid()) {
         return;
     }
     const QVariantMap parameters{{ls::firstKeyKey, entry.firstKey()}};
     const QStringList states = KeyRules::longPressStates(entry.validOnState());
-    // A guard only: there is always a state. Technicians search their logs for its very spelling.
+    // A guard only: there is always a state. The spelling is deliberate: technicians search logs for it.
     if (states.isEmpty()) {
         vocabulary::logLine("operator()", "LongKey::LongKey(ls::IReader&, QObject*)::<lambda()>", "ERROR:")
             << "retreiving valid states for" << entry.eAction() << "failed!";

@@ -21,17 +21,18 @@ public:
     /// Loads the long-press list through `reader`, which is not kept.
     LongKey(ls::IReader& reader, QObject* parent);
 
-    /// The time in milliseconds for each key of the list; the time of the Help key is given three times as
-    /// long as it is. Empty when the list is.
+    /// The time of each key of the list in milliseconds; for the Help key, three times its time. Empty if the
+    /// list is empty.
     QVariantMap timeouts() const;
 
-    /// Takes an autorepeat of `key`: starts the time of its row unless a time is running already.
+    /// Handles an autorepeat of `key`: starts the timer with the time of its row, unless the timer is
+    /// running.
     void start(const ls::EnumKey& key);
-    /// Forgets the key; called on every press and release.
+    /// Stops the timer and clears the key. Called on every press and release.
     void stop();
 
 Q_SIGNALS:
-    /// The key was held long enough; emitted once for each valid state of the row.
+    /// A key was held long enough. Emitted once for each valid state of the row.
     void longPress(ls::EnumKey action, ls::EnumKey receiver, ls::EnumKey validOnState,
                    QVariantMap parameters);
 

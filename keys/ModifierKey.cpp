@@ -26,15 +26,15 @@ void ModifierKey::process(const ls::EnumKey& key)
                 return;
             }
         } else if (entry.isSequence()) {
-            // Deliberate: each longer row that is visited takes the key once more, and one that does not
-            // match (yet) hides the rows behind it.
+            // Deliberate: each longer row visited appends the key again, and one that does not match (yet)
+            // hides the rows after it.
             append(key);
             if (m_pressedKeys != entry.keys()) {
                 return;
             }
             complete(entry);
         } else if (key == entry.lastKey() && m_firstKey == entry.firstKey()) {
-            // A row of one key is both its own opening and its closing key: it takes two releases.
+            // The key of a row with one key both opens and closes it: the row takes two releases.
             complete(entry);
         }
     }
@@ -53,14 +53,14 @@ void ModifierKey::load(ls::IReader& reader)
     m_entries = file.rows;
     m_fileMap = file.content;
     for (const KeyEntry& entry : qAsConst(m_entries)) {
-        m_longestRow = qMax(m_longestRow, entry.keyCount());
+        m_maxKeyCount = qMax(m_maxKeyCount, entry.keyCount());
     }
 }
 
 void ModifierKey::append(const ls::EnumKey& key)
 {
-    // A sequence longer than every row matches nothing any more; it need not grow without end.
-    if (m_pressedKeys.size() <= m_longestRow) {
+    // Limited, because a sequence longer than every row matches none of them.
+    if (m_pressedKeys.size() <= m_maxKeyCount) {
         m_pressedKeys.append(key);
     }
 }
@@ -68,12 +68,12 @@ void ModifierKey::append(const ls::EnumKey& key)
 void ModifierKey::complete(const KeyEntry& entry)
 {
     auto* speech = libvantre::Singleton<detail::SpeechFeedback>::instance();
-    // Deliberate: only a longer row cuts off the names of the keys before.
+    // Deliberate: only a longer row cancels the names of the keys before.
     if (entry.isSequence()) {
         speech->cancelAll();
     }
-    // Deliberately this copy of the names on every model: a combination that Function closes is spoken as
-    // the plain "Function" sentence also where the router speaks the key in another way.
+    // Deliberate: this copy of the names is the same on every model, even where the router speaks another
+    // sentence for Function.
     speech->speakFromId(m_keyNames.value(entry.lastKey()));
     Q_EMIT doubleModifier(entry.eAction(), entry.receiverService(), entry.validOnState(),
                           {{ls::firstKeyKey, entry.firstKey()}, {ls::secondKeyKey, entry.lastKey()}});

@@ -12,8 +12,8 @@ namespace ls {
 class IReader;
 }
 
-/// Recognises keys that are released one after the other, as the rows of the modifier list name them, and
-/// speaks the name of the closing key. Driven by the router and by the simulation command.
+/// Recognises the combinations of the modifier list, whose keys are released one after the other, and speaks
+/// the name of the closing key. Driven by the router and by the simulation command.
 class ModifierKey : public QObject
 {
     Q_OBJECT
@@ -23,12 +23,12 @@ public:
     /// first key.
     ModifierKey(ls::IReader& reader, QObject* parent);
 
-    /// The whole content of the list file; empty when it could not be read.
+    /// The whole content of the list file; empty if it could not be read.
     QVariantMap keyList() const { return m_fileMap; }
 
-    /// Takes the release of `key`.
+    /// Handles the release of `key`.
     void process(const ls::EnumKey& key);
-    /// Closes the combination under way.
+    /// Clears the keys released so far.
     void reset();
 
 Q_SIGNALS:
@@ -45,6 +45,6 @@ private:
     QStringList m_pressedKeys;
     QList<KeyEntry> m_entries;
     QVariantMap m_fileMap;
-    int m_longestRow = 0;
+    int m_maxKeyCount = 0;
     vocabulary::KeyNames m_keyNames = vocabulary::keyNames();
 };

@@ -11,8 +11,8 @@ namespace ls {
 class IReader;
 }
 
-/// Recognises a key that is pressed while another one is held, as the rows of the shortcut list name them.
-/// Driven by the router and by the simulation command. Gives no speech feedback.
+/// Recognises the shortcuts of the shortcut list: a key pressed while another one is held. Driven by the
+/// router and by the simulation command. Speaks nothing.
 class ShortcutKey : public QObject
 {
     Q_OBJECT
@@ -22,12 +22,12 @@ public:
     /// first key.
     ShortcutKey(ls::IReader& reader, QObject* parent);
 
-    /// The whole content of the list file; empty when it could not be read.
+    /// The whole content of the list file; empty if it could not be read.
     QVariantMap keyList() const { return m_fileMap; }
 
-    /// Takes the press of `key`.
+    /// Handles the press of `key`.
     void process(const ls::EnumKey& key);
-    /// Forgets the held key.
+    /// Clears the held key.
     void reset();
 
 Q_SIGNALS:
