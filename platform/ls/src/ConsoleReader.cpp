@@ -15,13 +15,13 @@ namespace ls {
 namespace {
 
 constexpr int maxLineLength = 64 * 1024;
-// A moment's work of lines, so that keys need not wait for the end of a flood.
+// Small, so that key events are handled between the chunks of a long input.
 constexpr int chunkSize = 256;
 constexpr char lineEnd = '\n';
 constexpr char carriageReturn = '\r';
 
-// Standard input is shared with other processes, which may have taken what was reported as readable;
-// for the same reason it cannot be made non-blocking.
+// Standard input is shared with other processes: it must not be made non-blocking, and another process may
+// already have read the input that the notifier reported.
 bool isReadable()
 {
     pollfd input = {STDIN_FILENO, POLLIN, 0};

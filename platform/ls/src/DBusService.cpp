@@ -17,7 +17,7 @@ namespace ls {
 
 namespace {
 
-// Long enough for a service that is busy starting, short enough not to hold up the start of the caller.
+// Long enough for a service that is busy starting, short enough not to delay the start of the caller.
 constexpr std::chrono::milliseconds replyTimeout = 5s;
 
 std::optional<QVariantMap> firstMap(const QDBusMessage& message)

@@ -14,7 +14,7 @@ namespace ServiceWatcher {
 
 namespace {
 
-/// Limits what a folder in which files come and go all the time can cost.
+/// Limits the wake-ups that a busy folder can cause.
 constexpr auto minWait = 2ms;
 
 } // namespace
@@ -31,8 +31,8 @@ bool FolderWatch::renew()
     if (m_fd == -1) {
         m_fd = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
     }
-    // The folder may have been made just before the one above was watched.
-    return add(m_folder) || (add(m_above) && (add(m_folder) || errno == ENOENT));
+    // The folder may have been created just before its parent was watched.
+    return add(m_folder) || (add(m_parent) && (add(m_folder) || errno == ENOENT));
 }
 
 void FolderWatch::wait(std::chrono::milliseconds time) const
@@ -47,8 +47,8 @@ void FolderWatch::wait(std::chrono::milliseconds time) const
 
 bool FolderWatch::add(const char* folder) const
 {
-    // The first change ends the watch, so that an unread queue does not grow. The end of the folder is
-    // reported without having been asked for.
+    // The first change ends the watch, so that an unread queue does not grow. The kernel always reports the
+    // removal of the folder.
     constexpr uint32_t changes = IN_CREATE | IN_MOVED_TO | IN_MOVE_SELF;
     return ::inotify_add_watch(m_fd, folder, changes | IN_ONESHOT | IN_ONLYDIR) != -1;
 }

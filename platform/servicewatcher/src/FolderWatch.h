@@ -5,28 +5,29 @@
 
 namespace ServiceWatcher {
 
-/// Ends a wait when an entry appears in a folder, which need not exist yet. Closing a watch takes the kernel
-/// some milliseconds, so a thread that waits again and again keeps it.
+/// Waits for a new entry in a folder, which need not exist yet. Closing a watch takes the kernel some
+/// milliseconds, so a thread that waits repeatedly keeps it.
 class FolderWatch
 {
 public:
-    /// Watches nothing yet. `above` is the folder in which `folder` is made; both texts must outlive this.
-    FolderWatch(const char* folder, const char* above) : m_folder(folder), m_above(above) {}
+    /// Watches nothing before `renew()`. `parent` is the folder that will contain `folder`. Both strings must
+    /// outlive this object.
+    FolderWatch(const char* folder, const char* parent) : m_folder(folder), m_parent(parent) {}
     ~FolderWatch();
     FolderWatch(const FolderWatch&) = delete;
     FolderWatch& operator=(const FolderWatch&) = delete;
 
-    /// Watches the folder that is there now, or the one above while there is none: what changes from here on
-    /// ends the next `wait()`. False when the kernel gives no watch, for whatever reason.
+    /// Watches the folder, or its parent while the folder does not exist: any later change ends the next
+    /// `wait()`. Returns false if the kernel provides no watch.
     bool renew();
-    /// Returns when something has changed, and after `time` at the latest.
+    /// Returns after a change, and after `time` at the latest.
     void wait(std::chrono::milliseconds time) const;
 
 private:
     bool add(const char* folder) const;
 
     const char* m_folder;
-    const char* m_above;
+    const char* m_parent;
     int m_fd = -1;
 };
 

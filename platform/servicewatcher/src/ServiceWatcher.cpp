@@ -29,17 +29,17 @@ namespace {
 constexpr char parentFolder[] = "/run";
 constexpr char readinessFolder[] = "/run/service-watcher";
 constexpr mode_t fileMode = 0666;
-constexpr std::chrono::milliseconds maxHold = 1000ms;
-constexpr std::chrono::milliseconds lookInterval = 50ms;
+constexpr std::chrono::milliseconds maxWait = 1000ms;
+constexpr std::chrono::milliseconds pollInterval = 50ms;
 
-// A name with a slash, and a dot name, would reach files outside the folder.
+// A name with a slash, "." and ".." would reach files outside the folder.
 bool isFileName(const QString& name)
 {
     return !name.isEmpty() && name != QLatin1String(".") && name != QLatin1String("..") &&
            !name.contains(QLatin1Char('/')) && !name.contains(QChar::Null);
 }
 
-// Empty for a name that no service can have.
+// Empty for an invalid name.
 QString readinessFile(const QString& name)
 {
     return isFileName(name) ? QLatin1String(readinessFolder) + QLatin1Char('/') + name : QString();
@@ -50,7 +50,7 @@ QString reason(int error)
     return QString::fromLocal8Bit(std::strerror(error));
 }
 
-// The actions on a file return 0 or what went wrong.
+// An action on a file returns 0 or an error number.
 using Action = int (*)(int folder, const char* name);
 
 int createFile(int folder, const char* name)
@@ -60,7 +60,7 @@ int createFile(int folder, const char* name)
         ::close(file);
         return 0;
     }
-    // What has the name already is not opened: a FIFO would wait for a reader.
+    // An existing entry is not opened, because a FIFO would block.
     const int error = errno;
     struct stat status = {};
     const bool isRegular =
@@ -73,7 +73,7 @@ int removeFile(int folder, const char* name)
     return ::unlinkat(folder, name, 0) == 0 ? 0 : errno;
 }
 
-// A folder that is a link is refused, because root would write or remove files in another one.
+// Refuses a link in place of the folder: through it, root would create or remove files elsewhere.
 int inFolder(Action action, const QString& name)
 {
     const int folder = ::open(readinessFolder, O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
@@ -123,9 +123,9 @@ bool isReady(const QString& name)
         return true;
     }
     thread_local FolderWatch watch(readinessFolder, parentFolder);
-    const QDeadlineTimer deadline(maxHold);
+    const QDeadlineTimer deadline(maxWait);
     for (;;) {
-        // The watch comes before the look, so that no file appears unseen between the two.
+        // Watching before checking, so that a file cannot appear unnoticed in between.
         const bool isWatched = watch.renew();
         if (QFile::exists(path)) {
             return true;
@@ -134,7 +134,7 @@ bool isReady(const QString& name)
         if (rest == 0ms) {
             return false;
         }
-        watch.wait(isWatched ? rest : std::min(rest, lookInterval));
+        watch.wait(isWatched ? rest : std::min(rest, pollInterval));
     }
 }
 
@@ -146,7 +146,7 @@ void setReady(const QString& name, bool ready)
         withdraw(name);
     } else {
         declare(name);
-        // Even without the file: the service does run, and the service manager would end it otherwise.
+        // Even without the file: the service is running, and the service manager would stop it otherwise.
         notifyServiceManager();
     }
 }

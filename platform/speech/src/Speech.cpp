@@ -54,8 +54,8 @@ void Speech::watchOwner()
             });
 }
 
-// The answer and the first change of owner may arrive in either order. A change is never older than the
-// answer, and the answer of a change already known changes nothing.
+// The reply and the first change of owner may arrive in either order. A change is never older than the reply,
+// so the reply is ignored after a change.
 void Speech::queryOwner()
 {
     auto* query = new QDBusPendingCallWatcher(QDBusConnection::systemBus().asyncCall(ownerQuery()), this);

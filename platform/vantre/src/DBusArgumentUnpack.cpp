@@ -12,7 +12,7 @@ namespace libvantre {
 
 namespace {
 
-// A key that is a byte would convert to the character of that number.
+// QVariant would convert a byte to the character with that code.
 QString keyText(const QVariant& key)
 {
     if (key.userType() == QMetaType::UChar) {
@@ -21,8 +21,8 @@ QString keyText(const QVariant& key)
     return dbusArgumentUnpack(key).toString();
 }
 
-// Reading an element hands out nested containers as bus arguments of their own; what cannot be read at
-// all is not passed over either, so that the loop has to end there.
+// asVariant() returns nested containers as separate bus arguments. An element that it cannot read is not
+// skipped, so the loop must end there.
 QVariantList readElements(const QDBusArgument& argument)
 {
     QVariantList elements;
@@ -114,7 +114,7 @@ QVariant unpackMap(QVariantMap map)
 QVariant dbusArgumentUnpack(const QVariant& value)
 {
     const int type = value.userType();
-    // Reading moves the position of the copy alone, so that the value can be unpacked again.
+    // Reading moves the position of the copy only, so that the value can be unpacked again.
     if (type == qMetaTypeId<QDBusArgument>()) {
         return readArgument(value.value<QDBusArgument>());
     }
@@ -127,7 +127,7 @@ QVariant dbusArgumentUnpack(const QVariant& value)
     if (type == qMetaTypeId<QDBusSignature>()) {
         return value.value<QDBusSignature>().signature();
     }
-    // A descriptor over a bus that cannot pass any is handed out as a pointer that means nothing.
+    // If the bus cannot pass descriptors, Qt returns a meaningless pointer instead.
     if (type == qMetaTypeId<QDBusUnixFileDescriptor>() || type == QMetaType::VoidStar) {
         return {};
     }

@@ -8,8 +8,8 @@
 
 namespace libvantre {
 
-// A FIFO opens at once with O_NONBLOCK. The file is checked through the descriptor, because its name may
-// stand for another one a moment later.
+// O_NONBLOCK opens a FIFO without blocking. The file is checked through the descriptor, because the path may
+// name another file a moment later.
 QByteArray readRegularFile(const QString& path, qint64 maxSize)
 {
     const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);

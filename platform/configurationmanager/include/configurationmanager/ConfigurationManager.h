@@ -14,7 +14,7 @@ public:
     explicit ConfigurationManager(QObject* parent = nullptr);
 
     /// Whether a query first asks the bus for the configuration service, which blocks for a round trip
-    /// (the default). With false the configuration file alone answers.
+    /// (the default). With false, only the configuration file is read.
     void setCheckConnection(bool check);
 
     /// Whether this embosser is the Orvane model. Read from the configuration file on every call; false

@@ -9,10 +9,10 @@ namespace ls {
 
 /// Reads standard input by lines without ever blocking the event loop.
 ///
-/// A line is reported when its line end (LF or CR LF) has come, however its bytes were split. A line
-/// of more than 64 KiB, its line end not counted, is dropped with one critical log line. The end of input
-/// and a read error end the watch for good: an unfinished last line is dropped, and an empty standard input
-/// costs no processor time. Standard input must be open, or descriptor 0 may be any file that the process
+/// A line is reported when its line end (LF or CR LF) has arrived, however its bytes were split. A line of
+/// more than 64 KiB, not counting its line end, is dropped with one critical log line. End of input and read
+/// errors disable the reader for good: an unfinished last line is dropped, and an empty standard input costs
+/// no processor time. Standard input must be open; otherwise descriptor 0 may be any file that the process
 /// opens. A receiver of a line must neither delete the reader nor run an event loop.
 class ConsoleReader : public QObject
 {
@@ -22,7 +22,7 @@ public:
     explicit ConsoleReader(QObject* parent = nullptr);
 
 Q_SIGNALS:
-    /// One line without its line end; bytes that are no UTF-8 arrive as replacement characters.
+    /// One line without its line end; invalid UTF-8 arrives as replacement characters.
     void textReceived(const QString& line);
 
 private Q_SLOTS:

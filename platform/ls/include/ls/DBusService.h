@@ -8,7 +8,7 @@ class QDBusMessage;
 
 namespace ls {
 
-/// Proxy of another service on the system bus. Made and owned by `DBusServiceStore`.
+/// Proxy of another service on the system bus. Created and owned by `DBusServiceStore`.
 class DBusService : public QObject
 {
     Q_OBJECT
@@ -18,14 +18,14 @@ public:
     /// whether or not it is on the bus now.
     explicit DBusService(const QString& serviceId, QObject* parent = nullptr);
 
-    /// Sends a command map and waits for the reply, at most five seconds. Nested bus arguments of the
-    /// reply come back as plain variants. Returns an empty map, after one critical log line, when the
-    /// bus or the service is absent, does not answer in time or answers with something else than a map.
+    /// Sends a command map and waits at most five seconds for the reply. Unpacks nested bus arguments of the
+    /// reply. Returns an empty map, after one critical log line, if the bus or the service is absent, if the
+    /// service does not answer in time, or if the answer is not a map.
     QVariantMap process(const QVariantMap& command);
 
 Q_SIGNALS:
-    /// A notification of the service, nested bus arguments unpacked. One whose first argument is no map
-    /// is dropped with one critical log line.
+    /// A notification of the service, nested bus arguments unpacked. A notification whose first argument is
+    /// not a map is dropped with one critical log line.
     void notification(const QVariantMap& notification);
 
 private Q_SLOTS:

@@ -15,7 +15,7 @@ public:
     /// The process-wide store; never null, never destroyed.
     static DBusServiceStore* instance();
 
-    /// Makes the proxy of the service `serviceId`; does nothing when it exists.
+    /// Creates the proxy of the service `serviceId`; does nothing if the proxy exists.
     void registerService(const QString& serviceId);
     /// The proxy, owned by the store; null for a service that was not registered.
     DBusService* getService(const QString& serviceId) const;

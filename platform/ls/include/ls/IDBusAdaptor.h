@@ -6,7 +6,7 @@
 
 namespace ls {
 
-/// What carries the message maps of a service: implemented by the service object and by its bus adaptor.
+/// Exchanges the message maps of a service; implemented by the service object and by its bus adaptor.
 class IDBusAdaptor
 {
 public:

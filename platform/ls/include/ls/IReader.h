@@ -11,8 +11,8 @@ class IReader
 public:
     virtual ~IReader() = default;
 
-    /// Reads the file at `path` into `content`. Returns false, with `content` unchanged, when the file
-    /// cannot be read or holds no map.
+    /// Reads the file at `path` into `content`. Returns false, with `content` unchanged, if the file
+    /// cannot be read or does not hold a map.
     virtual bool read(const QString& path, QVariantMap& content) = 0;
 };
 

@@ -3,7 +3,7 @@
 ///
 /// Each family is a namespace of identifiers whose text is their name. A family with a `meta` table also
 /// pairs each identifier with its ordinal: the input key code of a key, the input event value of a key
-/// action, the number of a command. Both are made from the one list of the family.
+/// action, the number of a command. Both are generated from the list of the family.
 #pragma once
 
 #include <ls/EnumKey.h>
@@ -43,12 +43,12 @@
 
 namespace ls {
 
-/// Front-panel keys; the ordinal is the Linux input key code. `Unknown` stands for "no key".
+/// Front-panel keys; the ordinal is the Linux input key code. `Unknown` means "no key".
 namespace KeyId {
 LS_FAMILY(LS_KEY_IDS)
 }
 
-/// What happens to a key; the ordinal is the input event value. `None` is no value at all.
+/// Actions of a key; the ordinal is the input event value. `None` has no such value.
 namespace KeyActionId {
 LS_FAMILY(LS_KEY_ACTION_IDS)
 }

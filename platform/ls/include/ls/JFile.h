@@ -8,8 +8,8 @@
 namespace ls {
 
 /// Reads JSON files whose top level is an object: numbers arrive as numbers, arrays as variant lists,
-/// objects as variant maps; of duplicate keys the last one counts. Only regular files of at most 16 MiB
-/// are read, so that neither a FIFO nor a device file can hold the caller up.
+/// objects as variant maps; the last of duplicate keys counts. Only regular files of at most 16 MiB
+/// are read, so that neither a FIFO nor a device file can block the caller.
 class JFile : public QObject, public IReader
 {
     Q_OBJECT

@@ -12,12 +12,12 @@ namespace ls {
 class KeyEvent : public QEvent
 {
 public:
-    /// An empty event: a record of zeros, which is no key event.
+    /// An empty event: a record of zeros, which is not a key event.
     KeyEvent();
     /// Wraps a copy of `record`.
     explicit KeyEvent(const input_event& record);
 
-    /// Whether the record is about a key at all; the three tests below are false when it is not.
+    /// Whether the record is a key event. If not, the three tests below are false, too.
     bool isKey() const;
     bool isKeyDown() const;
     bool isKeyUp() const;

@@ -12,9 +12,9 @@ namespace ls {
 class Timer
 {
 public:
-    /// Starts the stop-watch `name`, again if it runs.
+    /// Starts the stop-watch `name`, or restarts it.
     static void start(const QString& name);
-    /// Stops the stop-watch `name` and reports its time in milliseconds; nothing if it does not run.
+    /// Stops the stop-watch `name` and reports its time in milliseconds; does nothing if it is not running.
     static void finish(const QString& name);
 };
 

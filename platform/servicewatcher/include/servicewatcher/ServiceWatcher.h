@@ -7,16 +7,16 @@ class QString;
 /// `/run/service-watcher/NAME` exists.
 namespace ServiceWatcher {
 
-/// Whether the service `name` has declared itself ready. A "yes" comes at once. A "no" may be held back
-/// for up to a second, and ends when the service becomes ready meanwhile, so that a caller that asks in a
-/// loop wakes up twice a second. Where the kernel gives no watch on the folder, the file is looked for every
-/// 50 ms. A name that is no file name (empty, with a slash, "." or "..") is never ready.
+/// Whether the service `name` has declared itself ready. Returns true at once. Before it returns false, waits
+/// up to a second for the service to become ready, so that a caller may poll. If the kernel provides no watch
+/// on the folder, checks for the file every 50 ms. An invalid file name (empty, with a slash, "." or "..") is
+/// never ready.
 bool isReady(const QString& name);
 
-/// Declares the service `name` ready or not ready; failure is one critical log line. No symbolic link is
-/// followed, neither as the file nor as its folder. A regular file that is there already declares the service
-/// ready as it is; anything else in its place is a failure. Becoming ready also tells the service manager
-/// when the process was started with a notification socket, even when the file could not be made.
+/// Declares the service `name` ready or not ready; a failure is one critical log line. Follows no symbolic
+/// link, neither as the file nor as its folder. An existing regular file already declares the service ready;
+/// any other entry in its place is a failure. If the process was started with a notification socket, `true`
+/// also notifies the service manager, even if the file cannot be created.
 void setReady(const QString& name, bool ready);
 
 } // namespace ServiceWatcher

@@ -6,8 +6,8 @@
 
 namespace libspeech::detail {
 
-/// Asynchronous client of the speech daemon on the system bus. It never blocks, expects no reply and
-/// keeps nothing back: what is sent while the speech daemon is absent is gone.
+/// Asynchronous client of the speech daemon on the system bus. Never blocks, expects no reply and queues
+/// nothing: requests are lost while the speech daemon is absent.
 class Speech : public QObject
 {
     Q_OBJECT
@@ -16,15 +16,15 @@ public:
     explicit Speech(QObject* parent = nullptr);
 
 public Q_SLOTS:
-    /// Asks for a sentence: "serviceId" and "sentenceId" (integers), "arguments" (string list, optional).
+    /// Speaks a sentence: "serviceId" and "sentenceId" (integers), "arguments" (string list, optional).
     void speakFromId(const QVariantMap& request);
-    /// Asks to abandon the current and all pending sentences.
+    /// Cancels the current and all pending sentences.
     void cancelAll();
 
 Q_SIGNALS:
-    /// The speech daemon is on the bus: now that it appeared, or already when this object was made.
+    /// The speech daemon has appeared on the bus, or was there when this object was created.
     void connected();
-    /// The speech daemon left the bus.
+    /// The speech daemon has left the bus.
     void disconnected();
 
 private:

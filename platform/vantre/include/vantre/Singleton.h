@@ -8,7 +8,7 @@
 
 namespace libvantre {
 
-/// The one `T` of the process: made without parent on first use, from whichever thread, and deliberately
+/// The single `T` of the process: created without a parent on first use, in any thread, and deliberately
 /// never destroyed. `T` needs a constructor that takes a parent `QObject*`.
 template <typename T>
 class Singleton
