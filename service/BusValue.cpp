@@ -5,33 +5,33 @@
 
 namespace {
 
-// A message holds at most 64 nested containers. A map within a map takes three of them (variant, array,
-// dictionary entry), a list two; the map that is the body of the message has taken its share already.
+// A message nests at most 64 containers. A map takes three of them (variant, array, dictionary entry), a list
+// two.
 constexpr int maxContainers = 64;
 constexpr int mapCost = 3;
 constexpr int listCost = 2;
 
-QVariant carried(const QVariant& value, int depth);
+QVariant busValue(const QVariant& value, int depth);
 
 template <class Container>
-QVariant carriedContainer(Container values, int depth)
+QVariant busContainer(Container values, int depth)
 {
     if (depth > maxContainers) {
         return QString();
     }
     for (QVariant& value : values) {
-        value = carried(value, depth);
+        value = busValue(value, depth);
     }
     return values;
 }
 
-QVariant carried(const QVariant& value, int depth)
+QVariant busValue(const QVariant& value, int depth)
 {
     switch (value.userType()) {
     case QMetaType::QVariantMap:
-        return carriedContainer(value.toMap(), depth + mapCost);
+        return busContainer(value.toMap(), depth + mapCost);
     case QMetaType::QVariantList:
-        return carriedContainer(value.toList(), depth + listCost);
+        return busContainer(value.toList(), depth + listCost);
     case QMetaType::UnknownType:
     case QMetaType::Nullptr:
         return QString();
@@ -44,5 +44,5 @@ QVariant carried(const QVariant& value, int depth)
 
 QVariantMap toBusMap(const QVariantMap& map)
 {
-    return carried(map, 0).toMap();
+    return busValue(map, 0).toMap();
 }

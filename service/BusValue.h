@@ -3,7 +3,6 @@
 
 #include <QVariantMap>
 
-/// A copy of `map` that a bus message can carry. Key-list files come back to callers as they were written,
-/// but what the bus cannot carry (a null, a value nested deeper than a message may be) is replaced by an
-/// empty string, so that the answer arrives.
+/// A copy of `map` that a bus message can carry: a null, or a value nested too deeply for a message, becomes
+/// an empty string. Commands return key-list files as written, which may contain such values.
 QVariantMap toBusMap(const QVariantMap& map);

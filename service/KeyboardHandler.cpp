@@ -156,7 +156,7 @@ QVariantMap KeyboardHandler::startTestMode(const ls::Command&)
 
 QVariantMap KeyboardHandler::getTestResult(const ls::Command&)
 {
-    // Deliberate: the number of keys takes the place of the result identifier; callers rely on it.
+    // Deliberate: the number of keys replaces the result identifier; callers rely on it.
     return success(ls::resultIdKey, m_manager->takeTestResult());
 }
 
@@ -181,8 +181,8 @@ QVariantMap KeyboardHandler::simulateKeys(const ls::Command& command, KeysOperat
         logError(QStringLiteral("Invalid %1 received!"));
         return failure(ls::ErrorId::InvalidValue);
     }
-    // A text counts as a list of one; any other value that is no list of strings as an empty list, with which
-    // nothing is simulated.
+    // A string becomes a list of one; any other type but a list becomes an empty list, which simulates
+    // nothing.
     const QStringList keys = command.value(ls::keysListKey).toStringList();
     if (!std::all_of(keys.cbegin(), keys.cend(), isKey)) {
         logError(QStringLiteral("Invalid key included in the %1!"));

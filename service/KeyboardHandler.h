@@ -21,18 +21,18 @@ class KeyboardHandler : public QObject, public ls::IDBusAdaptor
 public:
     explicit KeyboardHandler(QObject* parent);
 
-    /// Builds the recognisers, the state tracker and the router as children. To be called once, before the
+    /// Builds the recognisers, the state tracker and the router as children. Must be called once, before the
     /// first command.
     void init();
 
-    /// Announces a complete and valid key action as a `KeyboardChange` notification. `parameters` replace
-    /// fields of the same name. Called by the router.
+    /// Announces a valid key action as a `KeyboardChange` notification. `parameters` replace fields of the
+    /// same name. Called by the router.
     void sendKeyboardChange(const ls::EnumKey& action, const ls::EnumKey& receiver,
                             const QVariantMap& parameters);
 
 public Q_SLOTS:
-    /// Executes `command` and returns its response: always a result and an error, which is
-    /// "Undefined" on success.
+    /// Executes `command`. The response always holds a result and an error; the error is "Undefined" on
+    /// success.
     QVariantMap process(const QVariantMap& command) override;
 
 Q_SIGNALS:

@@ -16,8 +16,8 @@
 
 namespace {
 
-/// The calls that the interface has are a handful.
-constexpr int mostKindsOfCalls = 64;
+/// The interface itself has only a handful of methods.
+constexpr int maxCachedLookups = 64;
 
 } // namespace
 
@@ -28,13 +28,12 @@ KeyboardHandlerAdaptor::KeyboardHandlerAdaptor(KeyboardHandler* handler)
     registerOnBus();
 }
 
-// Qt notes how it takes each kind of call (a name and the types of its arguments) in a dynamic property of
-// the adaptor, which has no others. It does so for calls that there are not as well, and forgets none: a
-// caller who thinks of ever new ones would fill the memory.
+// Qt caches a lookup for every method signature it sees, valid or not, and never evicts one: a caller that
+// invents signatures would exhaust the memory. The lookups are the adaptor's only dynamic properties.
 bool KeyboardHandlerAdaptor::event(QEvent* event)
 {
-    if (event->type() == QEvent::DynamicPropertyChange && ++m_kindsOfCalls > mostKindsOfCalls) {
-        forgetKindsOfCalls();
+    if (event->type() == QEvent::DynamicPropertyChange && ++m_cachedLookups > maxCachedLookups) {
+        clearLookupCache();
     }
     return QDBusAbstractAdaptor::event(event);
 }
@@ -50,9 +49,9 @@ void KeyboardHandlerAdaptor::onBusLost()
     qCritical() << "The connection to the system bus is lost.";
 }
 
-void KeyboardHandlerAdaptor::forgetKindsOfCalls()
+void KeyboardHandlerAdaptor::clearLookupCache()
 {
-    m_kindsOfCalls = 0;
+    m_cachedLookups = 0;
     const QList<QByteArray> names = dynamicPropertyNames();
     for (const QByteArray& name : names) {
         setProperty(name.constData(), QVariant());
@@ -66,7 +65,7 @@ void KeyboardHandlerAdaptor::registerOnBus()
         qCritical() << "Unable to connect to system-bus!";
         return;
     }
-    // Sent by the bus library itself, whatever ended the connection.
+    // The bus library itself sends this signal, whatever ended the connection.
     bus.connect(QString(), QString(), QStringLiteral("org.freedesktop.DBus.Local"),
                 QStringLiteral("Disconnected"), this, SLOT(onBusLost()));
     if (!bus.registerObject(ls::busPath, m_handler, QDBusConnection::ExportAdaptors)) {

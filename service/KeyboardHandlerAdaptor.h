@@ -17,8 +17,8 @@ class KeyboardHandlerAdaptor : public QDBusAbstractAdaptor, public ls::IDBusAdap
     Q_CLASSINFO("D-Bus Interface", KEYBOARD_HANDLER_BUS_PREFIX ".KeyboardHandler")
 
 public:
-    /// Registers `handler`, which is also the parent, on the system bus. A failure is logged, not retried,
-    /// and leaves the daemon without (or with a part of) its presence on the bus.
+    /// Registers `handler`, which is also the parent, on the system bus. A failure is logged, but not
+    /// retried.
     explicit KeyboardHandlerAdaptor(KeyboardHandler* handler);
 
     bool event(QEvent* event) override;
@@ -34,8 +34,8 @@ private Q_SLOTS:
 
 private:
     void registerOnBus();
-    void forgetKindsOfCalls();
+    void clearLookupCache();
 
     KeyboardHandler* m_handler;
-    int m_kindsOfCalls = 0;
+    int m_cachedLookups = 0;
 };

@@ -10,10 +10,9 @@
 
 namespace {
 
-/// When the messages that wait for the main thread hold 63 MiB or 4096 descriptors, the bus library stops
-/// reading. Qt reads on another thread than the one that then makes room, from which it cannot start to read
-/// again: the daemon would be deaf from then on. Without these limits those of the process hold, memory and
-/// descriptors.
+/// The bus library stops reading when queued messages hold 63 MiB or 4096 descriptors. Qt empties the queue
+/// on another thread than the one that reads, and never resumes reading: the daemon would stay deaf. Once the
+/// limits are lifted, the limits of the process on memory and descriptors apply.
 void liftLimits(const QDBusConnection& bus)
 {
     using SetLimit = void (*)(void* connection, long limit);
@@ -31,9 +30,9 @@ void liftLimits(const QDBusConnection& bus)
 
 QDBusConnection openSystemBus()
 {
-    // Of a connection that the main thread opens, Qt holds the messages back until the event loop runs, and
-    // may then deliver newer ones first: a change of the state could be lost while the daemon starts. A
-    // connection that another thread opens delivers in order from the beginning.
+    // If the main thread opens the connection, Qt queues messages until the event loop runs, and may then
+    // deliver newer ones first: a state change during start-up could be lost. A connection opened by another
+    // thread delivers in order from the start.
     try {
         std::thread([] { QDBusConnection::systemBus(); }).join();
     } catch (const std::system_error& error) {

@@ -3,6 +3,6 @@
 
 #include <QDBusConnection>
 
-/// Opens the connection of this process to the system bus, so that it keeps messages in their order and goes
-/// on reading however much comes. Without a bus, the connection that is returned is not connected.
+/// Opens the connection of this process to the system bus. The connection delivers messages in order and
+/// never stops reading, however many are queued. If opening fails, `isConnected()` of the result is false.
 QDBusConnection openSystemBus();
