@@ -35,8 +35,8 @@ QVariantMap response(const QString& result, const QString& error)
 
 QString logPrefix(const QString& shortName, const QString& signature, const QString& tag)
 {
-    // A name that the signature does not hold (the call operator of a lambda) leaves `position` at -1, and
-    // the cut then gives a tail of the signature. Technicians search their logs for that very text.
+    // If the signature lacks the name (the call operator of a lambda), `position` is -1 and the result is a
+    // tail of the signature. Deliberate: technicians search logs for that text.
     const int position = signature.indexOf(shortName);
     const int start = signature.lastIndexOf(QLatin1Char(' '), position) + 1;
     const int end = signature.indexOf(QLatin1Char('('), position + shortName.size());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-/// What the daemon's classes share: constants, identifier look-ups, the response builder and the log prefix.
+/// Constants, identifier look-ups, the response builder and the log prefix, which the daemon's classes share.
 #pragma once
 
 #include <ls/EnumKey.h>
@@ -12,11 +12,11 @@
 
 namespace vocabulary {
 
-/// Stands where there is no error, no state, no receiver or no known key.
+/// Marks a missing error, state or receiver, and a key without an identifier.
 inline const QString undefined = QStringLiteral("Undefined");
 
 inline const QString dataDirectory = QStringLiteral("/var/lib/keyboard-handler");
-/// Part of the set of files on a device, but read by no component of this daemon.
+/// Belongs to the files of a device, but this daemon does not read it.
 inline const QString keyListFile = QStringLiteral("keyList.json");
 inline const QString modifierKeyListFile = QStringLiteral("modifierKeyList.json");
 inline const QString longKeyListFile = QStringLiteral("longKeyList.json");
@@ -33,20 +33,19 @@ constexpr int menuSentences = 2;
 
 using KeyNames = QMap<ls::EnumKey, libtranslation::Sid::EmbosserCore>;
 
-/// The sentences that speak the keys' names. A key that is not among them has the value 0, which is spoken
-/// like any other. Every component keeps the copy
-/// that this returns, because the router changes one entry of its own on one embosser model.
+/// The sentences that speak the names of keys. Any other key has the value 0, which is spoken as well. Each
+/// component keeps a separate copy, because the router changes an entry of its copy on one embosser model.
 KeyNames keyNames();
 
-/// Whether `identifier` is a member of the family with the table `meta`. An entry with the smallest
-/// 32-bit integer as its ordinal is no member.
+/// Whether `identifier` is a member of the family with the table `meta`. An entry whose
+/// ordinal is the smallest 32-bit integer is not a member.
 bool isMember(const QMap<QString, int>& meta, const QString& identifier);
 
-/// A new response map of exactly a result (`ls::ResultId`) and an error (`ls::ErrorId`, or `undefined`).
+/// A response map of exactly a result (`ls::ResultId`) and an error (`ls::ErrorId`, or `undefined`).
 QVariantMap response(const QString& result, const QString& error = undefined);
 
-/// The qualified name of a function and `tag`, with a blank between: what every error line begins with.
-/// `signature` is the compiler's text of the function named `shortName`, which the name is cut from.
+/// The start of an error line: the qualified name of the function `shortName`, a blank and `tag`. The name is
+/// cut from `signature`, the compiler's text of the function.
 QString logPrefix(const QString& shortName, const QString& signature, const QString& tag);
 
 /// Starts a critical log line that begins with `logPrefix()`; strings streamed into it are quoted.
