@@ -3,6 +3,7 @@
 #include "simulator/demonstration/Demonstration.h"
 #include "simulator/demonstration/RecordingFile.h"
 #include "simulator/demonstration/TerminationSignals.h"
+#include "simulator/script/KeyScriptText.h"
 
 #include <QCoreApplication>
 #include <QTextStream>

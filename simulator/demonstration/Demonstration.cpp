@@ -2,6 +2,7 @@
 #include "simulator/demonstration/Demonstration.h"
 
 #include "simulator/demonstration/DeviceHints.h"
+#include "simulator/script/KeyScriptText.h"
 #include "simulator/script/StatementHelp.h"
 
 #include <QTimer>
@@ -36,41 +37,41 @@ void Demonstration::start(const std::optional<KeyScript>& script)
     }
 }
 
-void Demonstration::onAdded(const QJsonObject& entry)
+void Demonstration::onAdded(const SessionEntry& entry)
 {
-    const QString type = entry.value(QLatin1String("type")).toString();
-    if (type == QLatin1String("device")) {
-        onDevice(entry.value(QLatin1String("status")).toString());
-    } else if (type == QLatin1String("replay") && m_isPlaying) {
-        onReplay(entry);
+    if (const auto* device = std::get_if<entry::Device>(&entry.event)) {
+        onDevice(device->status);
+    } else if (const auto* replay = std::get_if<entry::Replay>(&entry.event); replay && m_isPlaying) {
+        onReplay(*replay);
     }
 }
 
 /// Also after each restart, which brings other key lists and another bus.
-void Demonstration::introduce(const QString& status)
+void Demonstration::introduce(entry::Device::Status status)
 {
-    const QString model = m_session.description().value(QLatin1String("model")).toString();
-    const QString text =
-        status == QLatin1String("starting") ? DeviceHints::rowsThatNeverWork(m_session.keyLists(), model)
-        : status == QLatin1String("ready") && m_line.serve ? DeviceHints::bus(m_session.busAddress())
-                                                           : QString();
+    QString text;
+    if (status == entry::Device::Status::Starting) {
+        text = DeviceHints::rowsThatNeverWork(m_session.keyLists(), m_session.model());
+    } else if (status == entry::Device::Status::Ready && m_line.serve) {
+        text = DeviceHints::bus(m_session.busAddress());
+    }
     if (!text.isEmpty()) {
         m_printer.printText(text);
     }
 }
 
-void Demonstration::onDevice(const QString& status)
+void Demonstration::onDevice(entry::Device::Status status)
 {
     introduce(status);
     if (m_isAttending) {
         return;
     }
-    if (status == QLatin1String("ready")) {
+    if (status == entry::Device::Status::Ready) {
         m_wasReady = true;
         if (!m_isPlaying) {
             attend();
         }
-    } else if (status == QLatin1String("ended")) {
+    } else if (status == entry::Device::Status::Ended) {
         if (m_wasReady && m_line.serve) {
             // People can look at what has happened and restart the device.
             onPlayed(NotAsExpected);
@@ -80,12 +81,11 @@ void Demonstration::onDevice(const QString& status)
     }
 }
 
-void Demonstration::onReplay(const QJsonObject& entry)
+void Demonstration::onReplay(const entry::Replay& replay)
 {
-    const QString status = entry.value(QLatin1String("status")).toString();
-    if (status == QLatin1String("finished")) {
-        onPlayed(entry.value(QLatin1String("differences")).toArray().isEmpty() ? AsExpected : NotAsExpected);
-    } else if (status == QLatin1String("stopped")) {
+    if (replay.status == entry::Replay::Status::Finished) {
+        onPlayed(replay.differences.isEmpty() ? AsExpected : NotAsExpected);
+    } else if (replay.status == entry::Replay::Status::Stopped) {
         // Later: where it is the end of the device that stopped it, that is told next.
         QTimer::singleShot(0, this, [this] {
             if (m_isPlaying && m_session.status() != DeviceSession::Status::Ended) {

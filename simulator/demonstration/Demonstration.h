@@ -31,10 +31,10 @@ Q_SIGNALS:
     void finished(int status);
 
 private:
-    void onAdded(const QJsonObject& entry);
-    void onDevice(const QString& status);
-    void introduce(const QString& status);
-    void onReplay(const QJsonObject& entry);
+    void onAdded(const SessionEntry& entry);
+    void onDevice(entry::Device::Status status);
+    void introduce(entry::Device::Status status);
+    void onReplay(const entry::Replay& replay);
     void onPlayed(Status status);
     void attend();
     void openPrompt();

@@ -1,73 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/demonstration/TranscriptPrinter.h"
 
+#include "simulator/script/CommandWords.h"
+#include "simulator/script/KeyValue.h"
+#include "simulator/script/ServiceWords.h"
 #include "simulator/session/DeviceSession.h"
 
 namespace {
 
-constexpr double millisecondsPerSecond = 1000;
 constexpr int labelWidth = 10;
 
-QString member(const QJsonObject& entry, const char* name)
+/// An observation without its keyword.
+QString detailsOf(const QString& observation)
 {
-    return entry.value(QLatin1String(name)).toVariant().toString();
-}
-
-QString announcement(const QJsonObject& entry)
-{
-    const QStringList keys = entry.value(QLatin1String("keys")).toVariant().toStringList();
-    const QString sender = member(entry, "sender");
-    return QStringLiteral("%1 %2  to %3, %4")
-        .arg(member(entry, "action"), keys.join(QStringLiteral(" + ")), member(entry, "receiver"),
-             sender.isEmpty() ? QStringLiteral("no sender") : QStringLiteral("sender ") + sender);
-}
-
-QString speech(const QJsonObject& entry)
-{
-    return QStringLiteral("\"%1\"  (%2)")
-        .arg(member(entry, "text"), member(entry, "observation").section(' ', 1));
-}
-
-QString record(const QJsonObject& entry)
-{
-    return QStringLiteral("type %1, code %2, value %3  (device %4)")
-        .arg(member(entry, "recordType"), member(entry, "code"), member(entry, "value"),
-             member(entry, "device"));
-}
-
-/// The label and the text of an entry that is one line; an empty label for one that is not.
-QPair<QString, QString> lineOf(const QJsonObject& entry)
-{
-    const QString type = member(entry, "type");
-    if (type == QLatin1String("announcement")) {
-        return {QStringLiteral("announced"), announcement(entry)};
-    }
-    if (type == QLatin1String("speech")) {
-        return {QStringLiteral("spoken"), speech(entry)};
-    }
-    if (type == QLatin1String("cancel")) {
-        return {QStringLiteral("hushed"), QStringLiteral("all speech is cancelled")};
-    }
-    if (type == QLatin1String("record")) {
-        return {type, record(entry)};
-    }
-    if (type == QLatin1String("state")) {
-        return {type, member(entry, "state")};
-    }
-    if (type == QLatin1String("command") || type == QLatin1String("service")) {
-        return {type, member(entry, "text")};
-    }
-    if (type == QLatin1String("console")) {
-        return {QStringLiteral("typed"), member(entry, "text")};
-    }
-    if (type == QLatin1String("answer")) {
-        const QString message =
-            entry.value(QLatin1String("response")).toObject().value(QLatin1String("message")).toString();
-        const QString answer = member(entry, "text").section(' ', 1);
-        return message.isEmpty() ? qMakePair(QStringLiteral("answered"), answer)
-                                 : qMakePair(QStringLiteral("failed"), message);
-    }
-    return {};
+    return observation.section(' ', 1);
 }
 
 } // namespace
@@ -85,77 +31,131 @@ void TranscriptPrinter::printText(const QString& text)
     m_output.flush();
 }
 
-void TranscriptPrinter::printEntry(const QJsonObject& entry)
+void TranscriptPrinter::printEntry(const SessionEntry& entry)
 {
-    m_now = entry.value(QLatin1String("at")).toDouble();
-    const QString type = member(entry, "type");
-    const auto [label, text] = lineOf(entry);
-    if (!label.isEmpty()) {
-        print(label, text);
-    } else if (type == QLatin1String("device")) {
-        printDevice(entry);
-    } else if (type == QLatin1String("key")) {
-        printKey(entry);
-    } else if (type == QLatin1String("heading")) {
-        printText(QStringLiteral("\n") + member(entry, "text"));
-    } else if (type == QLatin1String("log")) {
-        printLogLine(member(entry, "text"));
-    } else if (type == QLatin1String("replay")) {
-        printReplay(entry);
-    }
+    m_now = entry.at;
+    std::visit([this](const auto& event) { print(event); }, entry.event);
 }
 
-void TranscriptPrinter::printDevice(const QJsonObject& entry)
+void TranscriptPrinter::print(const entry::Device& device)
 {
-    const QString status = member(entry, "status");
-    if (status == QLatin1String("starting")) {
-        m_ready = 0;
-        printText(QStringLiteral("An embosser of the model %1, in the state %2.")
-                      .arg(member(entry, "model"), member(entry, "state")));
-    } else if (status == QLatin1String("ready")) {
+    switch (device.status) {
+    case entry::Device::Status::Starting:
+        m_ready = std::chrono::milliseconds(0);
+        printText(
+            QStringLiteral("An embosser of the model %1, in the state %2.").arg(device.model, device.state));
+        break;
+    case entry::Device::Status::Ready:
         m_ready = m_now;
-    } else {
-        printText(member(entry, "reason"));
+        break;
+    case entry::Device::Status::Ended:
+        printText(device.reason);
+        break;
     }
 }
 
-void TranscriptPrinter::printReplay(const QJsonObject& entry)
+void TranscriptPrinter::print(const entry::Heading& heading)
 {
-    if (member(entry, "status") != QLatin1String("finished")) {
-        return;
-    }
-    const QStringList differences = entry.value(QLatin1String("differences")).toVariant().toStringList();
-    if (differences.isEmpty()) {
-        printText(QStringLiteral("\nAll %1 expectations came true, and nothing else happened.")
-                      .arg(member(entry, "expectations")));
-    } else {
-        printText(QStringLiteral("\nNot as expected:\n") + differences.join('\n'));
-    }
+    printText(QStringLiteral("\n") + heading.text);
 }
 
-void TranscriptPrinter::printKey(const QJsonObject& entry)
+void TranscriptPrinter::print(const entry::Key& key)
 {
-    const QString text = QStringLiteral("%1  (device %2)").arg(member(entry, "key"), member(entry, "device"));
-    const int value = entry.value(QLatin1String("value")).toInt();
+    const QString text = QStringLiteral("%1  (device %2)").arg(key.key).arg(key.device);
     // Repetitions would bury everything else.
-    if (value == 1) {
-        print(QStringLiteral("press"), text);
-    } else if (value == 0) {
-        print(QStringLiteral("release"), text);
+    if (key.value == KeyValue::pressed) {
+        printLine("press", text);
+    } else if (key.value == KeyValue::released) {
+        printLine("release", text);
     }
 }
 
-void TranscriptPrinter::printLogLine(const QString& line)
+void TranscriptPrinter::print(const entry::Record& record)
 {
-    if (line.trimmed().isEmpty()) {
+    printLine("record", QStringLiteral("type %1, code %2, value %3  (device %4)")
+                            .arg(record.record.type)
+                            .arg(record.record.code)
+                            .arg(record.record.value)
+                            .arg(record.device));
+}
+
+void TranscriptPrinter::print(const entry::State& state)
+{
+    printLine("state", state.state);
+}
+
+void TranscriptPrinter::print(const entry::Service& service)
+{
+    printLine("service", ServiceWords::wordsOf(service.change).join(' '));
+}
+
+void TranscriptPrinter::print(const entry::Command& command)
+{
+    printLine("command", CommandWords::wordsOf(command.command).join(' '));
+}
+
+void TranscriptPrinter::print(const entry::ConsoleLine& line)
+{
+    printLine("typed", line.text);
+}
+
+void TranscriptPrinter::print(const entry::LogLine& line)
+{
+    if (line.text.trimmed().isEmpty()) {
         return;
     }
-    const bool refused = line.contains(QLatin1String("Expected state is:"));
-    print(refused ? QStringLiteral("refused") : QStringLiteral("log"), line);
+    const bool isRefusal = line.text.contains(QLatin1String("Expected state is:"));
+    printLine(isRefusal ? "refused" : "log", line.text);
 }
 
-void TranscriptPrinter::print(const QString& label, const QString& text)
+void TranscriptPrinter::print(const entry::Announcement& announcement)
 {
-    const double seconds = (m_now - m_ready) / millisecondsPerSecond;
-    printText(QStringLiteral("%1 s  %2 %3").arg(seconds, 7, 'f', 2).arg(label, -labelWidth).arg(text));
+    const QString& sender = announcement.sender;
+    printLine("announced",
+              QStringLiteral("%1 %2  to %3, %4")
+                  .arg(announcement.action, announcement.keys.join(QStringLiteral(" + ")),
+                       announcement.receiver,
+                       sender.isEmpty() ? QStringLiteral("no sender") : QStringLiteral("sender ") + sender));
+}
+
+void TranscriptPrinter::print(const entry::Speech& speech)
+{
+    printLine("spoken", QStringLiteral("\"%1\"  (%2)").arg(speech.sentence, detailsOf(speech.observation)));
+}
+
+void TranscriptPrinter::print(const entry::SpeechCancelled& /*cancelled*/)
+{
+    printLine("hushed", QStringLiteral("all speech is cancelled"));
+}
+
+void TranscriptPrinter::print(const entry::Answer& answer)
+{
+    const QString message = answer.response.value(QStringLiteral("message")).toString();
+    if (message.isEmpty()) {
+        printLine("answered", detailsOf(answer.observation));
+    } else {
+        printLine("failed", message);
+    }
+}
+
+void TranscriptPrinter::print(const entry::Replay& replay)
+{
+    if (replay.status != entry::Replay::Status::Finished) {
+        return;
+    }
+    if (replay.differences.isEmpty()) {
+        printText(QStringLiteral("\nAll %1 expectations came true, and nothing else happened.")
+                      .arg(replay.expectations));
+    } else {
+        printText(QStringLiteral("\nNot as expected:\n") + replay.differences.join('\n'));
+    }
+}
+
+void TranscriptPrinter::printLine(const char* label, const QString& text)
+{
+    const double seconds = std::chrono::duration<double>(m_now - m_ready).count();
+    printText(QStringLiteral("%1 s  %2 %3")
+                  .arg(seconds, 7, 'f', 2)
+                  .arg(QLatin1String(label), -labelWidth)
+                  .arg(text));
 }

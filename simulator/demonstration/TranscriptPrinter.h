@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QJsonObject>
+#include "simulator/session/SessionEntry.h"
+
 #include <QObject>
 #include <QTextStream>
 
 class DeviceSession;
 
-/// Writes what happens in a session for a person to follow: a line for each thing, with the seconds since the
+/// Writes what happens in a session for a person to follow: a line for each event, with the seconds since the
 /// device became ready.
 class TranscriptPrinter : public QObject
 {
@@ -20,15 +21,29 @@ public:
     void printText(const QString& text);
 
 private:
-    void printEntry(const QJsonObject& entry);
-    void printDevice(const QJsonObject& entry);
-    void printReplay(const QJsonObject& entry);
-    void printKey(const QJsonObject& entry);
-    void printLogLine(const QString& line);
-    void print(const QString& label, const QString& text);
+    void printEntry(const SessionEntry& entry);
+    void print(const entry::Device& device);
+    void print(const entry::Heading& heading);
+    void print(const entry::Key& key);
+    void print(const entry::Record& record);
+    void print(const entry::State& state);
+    void print(const entry::Service& service);
+    void print(const entry::Command& command);
+    void print(const entry::ConsoleLine& line);
+    void print(const entry::LogLine& line);
+    void print(const entry::Announcement& announcement);
+    void print(const entry::Speech& speech);
+    void print(const entry::SpeechCancelled& cancelled);
+    void print(const entry::Answer& answer);
+    void print(const entry::Replay& replay);
+    /// Other events have no line.
+    template <typename Event>
+    void print(const Event& /*event*/)
+    {}
+    void printLine(const char* label, const QString& text);
 
     QTextStream m_output;
-    /// When the device became ready, and when the present entry came, in milliseconds.
-    double m_ready = 0;
-    double m_now = 0;
+    /// When the device became ready, and when the present entry came.
+    std::chrono::milliseconds m_ready{0};
+    std::chrono::milliseconds m_now{0};
 };

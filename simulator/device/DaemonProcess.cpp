@@ -10,12 +10,14 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <string.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr int startTimeoutMs = 5000;
 constexpr int endTimeoutMs = 2000;
+constexpr int firstSignalStatus = 128; // as a shell has it
 
 QStringList viewOfDevice(const DeviceFolder& folder)
 {
@@ -98,6 +100,17 @@ QString withoutEnd(const QByteArray& line)
 } // namespace
 
 DaemonProcess::DaemonProcess(QObject* parent) : QObject(parent) {}
+
+QString DaemonProcess::describeEnd(int status)
+{
+    const char* name = sigabbrev_np(status - firstSignalStatus);
+    const char* description = sigdescr_np(status - firstSignalStatus);
+    if (!name || !description) {
+        return QStringLiteral("The daemon has ended with status %1.").arg(status);
+    }
+    return QStringLiteral("The daemon was ended by the signal SIG%1 (%2).")
+        .arg(QLatin1String(name), QString::fromLatin1(description).toLower());
+}
 
 QString DaemonProcess::start(const DeviceFolder& folder, const DeviceOptions& options)
 {

@@ -18,6 +18,9 @@ class DaemonProcess : public QObject
 public:
     explicit DaemonProcess(QObject* parent = nullptr);
 
+    /// A sentence for a status of `exited`.
+    static QString describeEnd(int status);
+
     /// Starts the daemon; returns a sentence about what went wrong, or an empty text. What the daemon
     /// then does, `exited` included, is reported from the event loop.
     QString start(const DeviceFolder& folder, const DeviceOptions& options);

@@ -138,6 +138,11 @@ Files filesOf(const QVector<KeyRow>& rows)
     return files;
 }
 
+Files filesOf(const KeyScript& script)
+{
+    return script.rows.isEmpty() ? Files() : filesOf(script.rows);
+}
+
 Parsed rowsOf(const Files& files)
 {
     Parsed result;

@@ -19,7 +19,10 @@ struct Parsed
 
 QStringList fileNames();
 
+/// The files that have just these rows.
 Files filesOf(const QVector<KeyRow>& rows);
+/// The files of the rows of `script`; none without rows.
+Files filesOf(const KeyScript& script);
 Parsed rowsOf(const Files& files);
 
 /// The key lists in `folder`; those that cannot be read are left out.

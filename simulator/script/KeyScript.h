@@ -96,10 +96,6 @@ struct KeyScript
 
     /// When the script is over and the last expectation is due.
     std::chrono::milliseconds duration() const;
-    /// The three key-list files made of `rows`, by their names; empty without rows.
-    QMap<QString, QByteArray> keyLists() const;
-    /// The script as text, which parses to an equal script.
-    QString toText() const;
 };
 
 /// A parsed script; it is usable when there are no faults.
@@ -108,12 +104,3 @@ struct ParsedScript
     KeyScript script;
     QVector<ScriptFault> faults;
 };
-
-/// Parses the text of a script file.
-ParsedScript parseKeyScript(const QString& text);
-/// Parses lines that stand behind the header of a script: steps and expectations only.
-ParsedScript parseKeyScriptSteps(const QString& text);
-/// Parses the content of a script file, which may be too long for one.
-ParsedScript parseScriptFile(const QByteArray& content);
-/// Reads and parses a script file.
-ParsedScript loadKeyScript(const QString& path);

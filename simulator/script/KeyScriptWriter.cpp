@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "simulator/script/KeyScriptText.h"
+
 #include "simulator/script/CommandWords.h"
 #include "simulator/script/KeyRowWords.h"
-#include "simulator/script/KeyScript.h"
 #include "simulator/script/ServiceWords.h"
 
 namespace {
@@ -89,19 +90,19 @@ private:
 
 } // namespace
 
-QString KeyScript::toText() const
+QString writeKeyScript(const KeyScript& script)
 {
     Writer writer;
-    writer.writeHeader(*this);
-    auto expectation = expectations.begin();
-    for (const ScriptStep& step : steps) {
-        for (; expectation != expectations.end() && expectation->at < step.at; ++expectation) {
+    writer.writeHeader(script);
+    auto expectation = script.expectations.begin();
+    for (const ScriptStep& step : script.steps) {
+        for (; expectation != script.expectations.end() && expectation->at < step.at; ++expectation) {
             writer.write(*expectation);
         }
         writer.write(step);
     }
-    writer.waitUntil(end);
-    for (; expectation != expectations.end(); ++expectation) {
+    writer.waitUntil(script.end);
+    for (; expectation != script.expectations.end(); ++expectation) {
         writer.write(*expectation);
     }
     return writer.text();

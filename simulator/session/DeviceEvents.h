@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "simulator/script/KeyScript.h"
 #include "simulator/session/RefusalFinder.h"
+#include "simulator/session/SessionEntry.h"
 
 #include <QDBusError>
-#include <QJsonObject>
 #include <QObject>
 
 class SimulatedDevice;
 
-/// Reports what happens at a simulated device as the entries of a session and as the observations that a key
+/// Reports what happens at a simulated device as the events of a session and as the observations that a key
 /// script can expect.
 class DeviceEvents : public QObject
 {
@@ -25,7 +24,7 @@ public:
     void noteStep(const ScriptStep& step);
 
 Q_SIGNALS:
-    void happened(const QJsonObject& entry);
+    void happened(const SessionEvent& event);
     void observed(const QString& text);
 
 private:
@@ -35,8 +34,6 @@ private:
     void onAnswered(const QVariantMap& response);
     void onFailed(const QDBusError& error);
     void onLogLine(const QString& line);
-    void reportAnswer(const QString& text, const QVariantMap& response);
-    void report(const Refusal& refusal);
 
     QString m_state;
     RefusalFinder m_refusals;

@@ -6,70 +6,57 @@
 #include <ls/Identifiers.h>
 #include <ls/MessageKeys.h>
 
-#include <QJsonArray>
-
 #include <algorithm>
 
 namespace {
 
-QString textOf(const QJsonObject& entry, const char* member)
-{
-    return entry.value(QLatin1String(member)).toString();
-}
-
 /// The end of a test is announced as a single Ok. While a test runs, no other single key is announced outside
 /// Idle, and in Idle Ok goes to the user menu.
-bool endsTest(const QJsonObject& entry)
+bool endsTest(const entry::Announcement& announcement)
 {
-    return textOf(entry, "action") == ls::KeyboardActionId::SingleKey &&
-           entry.value(QLatin1String("keys")).toArray() == QJsonArray({ls::KeyId::Ok}) &&
-           textOf(entry, "receiver") != ls::ServiceId::UserMenu;
+    return announcement.action == ls::KeyboardActionId::SingleKey &&
+           announcement.keys == QStringList(ls::KeyId::Ok) &&
+           announcement.receiver != ls::ServiceId::UserMenu;
 }
 
 } // namespace
 
-void DeviceFacts::note(const QJsonObject& entry)
+void DeviceFacts::note(const SessionEvent& event)
 {
-    const QString type = textOf(entry, "type");
-    if (type == QLatin1String("device")) {
-        *this = DeviceFacts();
-    } else if (type == QLatin1String("key")) {
-        noteKey(entry);
-    } else if (type == QLatin1String("command")) {
-        m_open.enqueue(textOf(entry, "text").section(' ', 0, 0) == ls::KeyboardHandlerCmdId::StartTestMode);
-    } else if (type == QLatin1String("answer")) {
-        noteAnswer(entry);
-    } else if (type == QLatin1String("announcement") && endsTest(entry)) {
-        m_isTesting = false;
-    }
+    std::visit(Overloaded{[this](const entry::Device& /*device*/) { *this = DeviceFacts(); },
+                          [this](const entry::Key& key) { noteKey(key); },
+                          [this](const entry::Command& command) {
+                              m_open.enqueue(command.command.value(ls::commandIdKey).toString() ==
+                                             ls::KeyboardHandlerCmdId::StartTestMode);
+                          },
+                          [this](const entry::Answer& answer) { noteAnswer(answer); },
+                          [this](const entry::Announcement& announcement) {
+                              m_isTesting = m_isTesting && !endsTest(announcement);
+                          },
+                          [](const auto& /*other*/) {}},
+               event);
 }
 
-QJsonObject DeviceFacts::toJson() const
+QVector<HeldKey> DeviceFacts::heldKeys() const
 {
-    QList<QPair<int, QString>> keys = m_held.values();
+    QVector<HeldKey> keys(m_held.begin(), m_held.end());
     std::sort(keys.begin(), keys.end());
-    QJsonArray held;
-    for (const auto& [device, key] : qAsConst(keys)) {
-        held.append(QJsonObject{{QStringLiteral("device"), device}, {QStringLiteral("key"), key}});
-    }
-    return {{QStringLiteral("held"), held}, {QStringLiteral("testing"), m_isTesting}};
+    return keys;
 }
 
-void DeviceFacts::noteKey(const QJsonObject& entry)
+void DeviceFacts::noteKey(const entry::Key& key)
 {
-    const QPair<int, QString> key(entry.value(QLatin1String("device")).toInt(), textOf(entry, "key"));
-    if (entry.value(QLatin1String("value")).toInt() == KeyValue::released) {
-        m_held.remove(key);
+    if (key.value == KeyValue::released) {
+        m_held.remove({key.device, key.key});
     } else {
-        m_held.insert(key);
+        m_held.insert({key.device, key.key});
     }
 }
 
-void DeviceFacts::noteAnswer(const QJsonObject& entry)
+void DeviceFacts::noteAnswer(const entry::Answer& answer)
 {
     const bool startsTest = !m_open.isEmpty() && m_open.dequeue();
-    const QJsonObject response = entry.value(QLatin1String("response")).toObject();
-    if (startsTest && response.value(ls::resultIdKey).toString() == ls::ResultId::Success) {
+    if (startsTest && answer.response.value(ls::resultIdKey).toString() == ls::ResultId::Success) {
         m_isTesting = true;
     }
 }

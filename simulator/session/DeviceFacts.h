@@ -1,29 +1,34 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QJsonObject>
+#include "simulator/session/SessionEntry.h"
+
 #include <QPair>
 #include <QQueue>
 #include <QSet>
+#include <QVector>
 
-/// What the entries of a session say about the device now, however long ago they came.
+/// The number of an input device, and a key that is down there.
+using HeldKey = QPair<int, QString>;
+
+/// What the events of a session say about the device now, however long ago they came.
 class DeviceFacts
 {
 public:
-    /// Takes in `entry`, the next one of the session.
-    void note(const QJsonObject& entry);
+    /// Takes in `event`, the next one of the session.
+    void note(const SessionEvent& event);
 
     /// Whether the daemon runs a keyboard test: from the answer to StartTestMode to the announcement that
     /// ends it.
     bool isTesting() const { return m_isTesting; }
-    /// "held", the keys that are down at the input devices as objects of "device" and "key"; "testing".
-    QJsonObject toJson() const;
+    /// By input device, then by name.
+    QVector<HeldKey> heldKeys() const;
 
 private:
-    void noteKey(const QJsonObject& entry);
-    void noteAnswer(const QJsonObject& entry);
+    void noteKey(const entry::Key& key);
+    void noteAnswer(const entry::Answer& answer);
 
-    QSet<QPair<int, QString>> m_held;
+    QSet<HeldKey> m_held;
     /// For each command without an answer yet, whether it starts a keyboard test.
     QQueue<bool> m_open;
     bool m_isTesting = false;

@@ -2,15 +2,10 @@
 #include "simulator/session/DeviceSession.h"
 
 #include "simulator/device/DaemonWatch.h"
-#include "simulator/device/DeviceRecorder.h"
 #include "simulator/device/SimulatedDevice.h"
 #include "simulator/script/KeyListJson.h"
-#include "simulator/script/ScriptWords.h"
-#include "simulator/script/Transcript.h"
+#include "simulator/script/KeyScriptText.h"
 #include "simulator/session/DeviceEvents.h"
-#include "simulator/session/SessionDescription.h"
-
-#include <algorithm>
 
 using namespace std::chrono_literals;
 
@@ -21,63 +16,26 @@ constexpr std::chrono::milliseconds readinessPatience = 20s;
 constexpr int mostPendingSteps = 1000;
 constexpr int longestStatements = 64 * 1024;
 constexpr qint64 mostPendingInput = 256 * 1024;
-constexpr int longestReplay = 20'000;
-/// More than any script can expect; so many need some ten megabytes.
-constexpr int mostObservations = 200'000;
-constexpr int mostDifferences = 1000;
-constexpr int longestDifference = 500;
 constexpr int nobody = 0;
 constexpr int replayClient = -1;
-
-const QString typeKey = QStringLiteral("type");
-const QString statusKey = QStringLiteral("status");
 
 QVector<ScriptFault> fault(const QString& sentence)
 {
     return {{0, sentence}};
 }
 
-KeyListJson::Files overlaid(KeyListJson::Files files, const KeyListJson::Files& others)
-{
-    for (auto file = others.begin(); file != others.end(); ++file) {
-        files.insert(file.key(), file.value());
-    }
-    return files;
-}
-
-KeyListJson::Files installedKeyLists(const DeviceOptions& options)
-{
-    const bool none = options.keyListFolder.isEmpty();
-    return overlaid(none ? KeyListJson::Files() : KeyListJson::read(options.keyListFolder), options.keyLists);
-}
-
-QStringList shortened(const QStringList& differences)
-{
-    QStringList lines;
-    for (const QString& line : differences.mid(0, mostDifferences)) {
-        lines << line.left(longestDifference);
-    }
-    if (differences.size() > mostDifferences) {
-        lines << QStringLiteral("... and %1 more").arg(differences.size() - mostDifferences);
-    }
-    return lines;
-}
-
 } // namespace
 
 DeviceSession::DeviceSession(const DeviceOptions& options, QObject* parent)
-    : QObject(parent), m_options(options), m_installed(options)
+    : QObject(parent), m_makeUp(options)
 {
-    Changes installed;
-    installed.defaultKeyLists = true;
-    apply(installed);
     m_buildTimer.setSingleShot(true);
     connect(&m_buildTimer, &QTimer::timeout, this, &DeviceSession::build);
     connect(&m_readinessTimer, &QTimer::timeout, this, &DeviceSession::awaitReadiness);
     connect(&m_steps, &StepQueue::stepping, this, &DeviceSession::onStepping);
     connect(&m_steps, &StepQueue::finished, this, [this](int client) {
         if (client == replayClient) {
-            judgeReplay();
+            endReplay(entry::Replay::Status::Finished);
         }
     });
 }
@@ -94,10 +52,10 @@ void DeviceSession::start()
 
 QString DeviceSession::restart(const Changes& changes)
 {
-    const QString sentence = faultOf(changes);
+    const QString sentence = DeviceMakeUp::faultOf(changes);
     if (sentence.isEmpty()) {
         leaveDevice();
-        apply(changes);
+        m_makeUp.apply(changes);
         beginStart();
     }
     return sentence;
@@ -143,29 +101,17 @@ void DeviceSession::releaseKeysOf(int client)
     }
 }
 
-ParsedScript DeviceSession::readReplay(const QString& text)
-{
-    ParsedScript parsed = parseScriptFile(text.toUtf8());
-    if (parsed.faults.isEmpty() &&
-        parsed.script.steps.size() + parsed.script.expectations.size() > longestReplay) {
-        parsed.faults = fault(
-            QStringLiteral("More than %1 steps and expectations cannot be replayed.").arg(longestReplay));
-    }
-    return parsed;
-}
-
 void DeviceSession::replay(const KeyScript& script)
 {
     leaveDevice();
-    apply({script.model, script.keyLists(), true, script.initialState});
-    m_options.services = script.services;
-    m_replay = Replay{script, nullptr};
+    m_makeUp.apply(script);
+    m_replay.emplace(script);
     beginStart();
 }
 
 QVector<ScriptFault> DeviceSession::replay(const QString& text)
 {
-    const ParsedScript parsed = readReplay(text);
+    const ParsedScript parsed = Replay::read(text);
     if (parsed.faults.isEmpty()) {
         replay(parsed.script);
     }
@@ -175,8 +121,7 @@ QVector<ScriptFault> DeviceSession::replay(const QString& text)
 void DeviceSession::stopReplay()
 {
     if (m_replay) {
-        m_steps.drop(replayClient);
-        endReplay(QStringLiteral("stopped"));
+        endReplay(entry::Replay::Status::Stopped);
     }
 }
 
@@ -200,54 +145,9 @@ QString DeviceSession::formerRecording(QStringList* faults) const
     return m_formerRecording.toText(faults);
 }
 
-QJsonObject DeviceSession::description() const
+bool DeviceSession::isAnswering() const
 {
-    QJsonObject description = SessionDescription::ofVocabulary();
-    const QJsonObject facts = m_facts.toJson();
-    for (auto fact = facts.begin(); fact != facts.end(); ++fact) {
-        description.insert(fact.key(), fact.value());
-    }
-    description.insert(QStringLiteral("answering"), !m_watch || m_watch->isAnswering());
-    description.insert(QStringLiteral("formerRecording"), m_formerRecording.isStarted());
-    description.insert(statusKey, SessionDescription::nameOf(m_status));
-    description.insert(QStringLiteral("model"), m_options.model);
-    description.insert(QStringLiteral("state"), m_options.state);
-    description.insert(QStringLiteral("recording"), m_recording.isRunning());
-    description.insert(QStringLiteral("replaying"), isReplaying());
-    if (!m_reason.isEmpty()) {
-        description.insert(QStringLiteral("reason"), m_reason);
-    }
-    return description;
-}
-
-QString DeviceSession::faultOf(const Changes& changes) const
-{
-    const QStringList names = changes.keyLists.keys();
-    for (const QString& name : names) {
-        if (!KeyListJson::fileNames().contains(name)) {
-            return QStringLiteral("There is no key list \"%1\".").arg(name);
-        }
-    }
-    const QString sentence = changes.model.isEmpty() ? QString() : ScriptWords::checkModel(changes.model);
-    if (!sentence.isEmpty() || changes.state.isEmpty()) {
-        return sentence;
-    }
-    return ScriptWords::checkState(changes.state);
-}
-
-void DeviceSession::apply(const Changes& changes)
-{
-    if (!changes.model.isEmpty()) {
-        m_options.model = changes.model;
-    }
-    if (!changes.state.isEmpty()) {
-        m_options.state = changes.state;
-    }
-    if (changes.defaultKeyLists) {
-        m_options.keyListFolder.clear();
-        m_options.keyLists = installedKeyLists(m_installed);
-    }
-    m_options.keyLists = overlaid(m_options.keyLists, changes.keyLists);
+    return !m_watch || m_watch->isAnswering();
 }
 
 void DeviceSession::beginStart()
@@ -255,7 +155,7 @@ void DeviceSession::beginStart()
     m_clock.start();
     m_reason.clear();
     m_status = Status::Starting;
-    report(QStringLiteral("starting"));
+    report();
     // Not at once: what asked for it may have been called by the device that goes now.
     m_buildTimer.start(0);
 }
@@ -263,9 +163,8 @@ void DeviceSession::beginStart()
 void DeviceSession::build()
 {
     dropDevice();
-    m_device = std::make_unique<SimulatedDevice>(m_options);
-    m_events = std::make_unique<DeviceEvents>(*m_device, m_options.state,
-                                              KeyListJson::rowsOf(m_options.keyLists).rows);
+    m_device = std::make_unique<SimulatedDevice>(m_makeUp.options());
+    m_events = std::make_unique<DeviceEvents>(*m_device, state(), KeyListJson::rowsOf(keyLists()).rows);
     connect(m_events.get(), &DeviceEvents::happened, this, &DeviceSession::add);
     connect(m_events.get(), &DeviceEvents::observed, this, &DeviceSession::onObserved);
     connect(m_device.get(), &SimulatedDevice::daemonExited, this, &DeviceSession::onDaemonExited);
@@ -293,7 +192,7 @@ void DeviceSession::becomeReady()
     m_steps.setTarget(m_device.get());
     m_status = Status::Ready;
     watchDaemon();
-    report(QStringLiteral("ready"));
+    report();
     // Who is told may restart the device.
     if (m_status == Status::Ready) {
         beginRecording();
@@ -305,7 +204,7 @@ void DeviceSession::becomeReady()
 
 void DeviceSession::onDaemonExited(int status)
 {
-    end(SessionDescription::reasonOfEnd(status));
+    end(DaemonProcess::describeEnd(status));
 }
 
 void DeviceSession::onBusEnded()
@@ -318,7 +217,7 @@ void DeviceSession::end(const QString& reason)
     leaveDevice();
     m_reason = reason;
     m_status = Status::Ended;
-    report(QStringLiteral("ended"));
+    report();
     QTimer::singleShot(0, this, [this] {
         if (m_status == Status::Ended) {
             dropDevice();
@@ -337,9 +236,7 @@ void DeviceSession::leaveDevice()
         m_events->disconnect(this);
         m_device->disconnect(this);
     }
-    if (m_replay) {
-        endReplay(QStringLiteral("stopped"));
-    }
+    stopReplay();
 }
 
 void DeviceSession::dropDevice()
@@ -348,16 +245,9 @@ void DeviceSession::dropDevice()
     m_device.reset();
 }
 
-void DeviceSession::report(const QString& status)
+void DeviceSession::report()
 {
-    QJsonObject entry{{typeKey, QStringLiteral("device")},
-                      {statusKey, status},
-                      {QStringLiteral("model"), m_options.model},
-                      {QStringLiteral("state"), m_options.state}};
-    if (!m_reason.isEmpty()) {
-        entry.insert(QStringLiteral("reason"), m_reason);
-    }
-    add(entry);
+    add(entry::Device{m_status, model(), state(), m_reason});
 }
 
 QString DeviceSession::whyNotNow() const
@@ -380,9 +270,9 @@ QString DeviceSession::whyNotNow() const
 void DeviceSession::onStepping(const ScriptStep& step)
 {
     if (step.kind == ScriptStep::Kind::State) {
-        m_options.state = step.text;
+        m_makeUp.setState(step.text);
     } else if (step.kind == ScriptStep::Kind::Service) {
-        m_options.services.insert(step.service.service, step.service.condition);
+        m_makeUp.setService(step.service);
     }
     m_recording.add(step);
     m_events->noteStep(step);
@@ -400,13 +290,13 @@ std::chrono::milliseconds DeviceSession::now() const
     return std::chrono::milliseconds(m_clock.isValid() ? m_clock.elapsed() : 0);
 }
 
-void DeviceSession::add(const QJsonObject& entry)
+void DeviceSession::add(const SessionEvent& event)
 {
     const bool wasTesting = m_facts.isTesting();
-    m_facts.note(entry);
-    Q_EMIT added(m_history.add(entry, now()));
+    m_facts.note(event);
+    Q_EMIT added({++m_lastId, now(), event});
     if (m_facts.isTesting() != wasTesting) {
-        add({{typeKey, QStringLiteral("test")}, {QStringLiteral("running"), m_facts.isTesting()}});
+        add(entry::KeyboardTest{m_facts.isTesting()});
     }
 }
 
@@ -415,25 +305,22 @@ void DeviceSession::beginRecording()
     if (!m_recording.isUntouched()) {
         m_formerRecording = m_recording;
     }
-    m_recording.begin(m_options.model, m_options.state, m_options.keyLists, m_options.services);
-    add({{typeKey, QStringLiteral("recording")},
-         {statusKey, QStringLiteral("recording")},
-         {QStringLiteral("former"), m_formerRecording.isStarted()}});
+    m_recording.begin(model(), state(), keyLists(), m_makeUp.options().services);
+    add(entry::Recording{false, hasFormerRecording()});
 }
 
 void DeviceSession::watchRecording()
 {
     if (m_recording.takeFullness()) {
-        add({{typeKey, QStringLiteral("recording")}, {statusKey, QStringLiteral("full")}});
+        add(entry::Recording{true, hasFormerRecording()});
     }
 }
 
 void DeviceSession::watchDaemon()
 {
     m_watch = new DaemonWatch(m_device->bus().address(), this);
-    connect(m_watch, &DaemonWatch::changed, this, [this](bool isAnswering) {
-        add({{typeKey, QStringLiteral("daemon")}, {QStringLiteral("answering"), isAnswering}});
-    });
+    connect(m_watch, &DaemonWatch::changed, this,
+            [this](bool isAnswering) { add(entry::Daemon{isAnswering}); });
 }
 
 void DeviceSession::leaveDaemon()
@@ -447,28 +334,16 @@ void DeviceSession::leaveDaemon()
 
 void DeviceSession::beginReplay()
 {
-    m_replay->observer = std::make_unique<DeviceRecorder>(*m_device);
-    m_replay->observer->setLimit(mostObservations);
-    m_steps.play(m_replay->script, replayClient);
-    add({{typeKey, QStringLiteral("replay")},
-         {statusKey, QStringLiteral("playing")},
-         {QStringLiteral("expectations"), m_replay->script.expectations.size()}});
+    m_replay->observe(*m_device);
+    m_steps.play(m_replay->script(), replayClient);
+    add(m_replay->entryOf(entry::Replay::Status::Playing));
 }
 
-void DeviceSession::judgeReplay()
+void DeviceSession::endReplay(entry::Replay::Status status)
 {
-    const QStringList differences =
-        Transcript::difference(m_replay->script, m_replay->observer->observations(), Transcript::Clock::Real);
-    m_steps.drop(replayClient);
-    endReplay(QStringLiteral("finished"), differences);
-}
-
-void DeviceSession::endReplay(const QString& status, const QStringList& differences)
-{
-    const int expectations = m_replay->script.expectations.size();
+    const entry::Replay end = m_replay->entryOf(status);
+    // A receiver of the entries that follow may replay another script.
     m_replay.reset();
-    add({{typeKey, QStringLiteral("replay")},
-         {statusKey, status},
-         {QStringLiteral("expectations"), expectations},
-         {QStringLiteral("differences"), QJsonArray::fromStringList(shortened(differences))}});
+    m_steps.drop(replayClient);
+    add(end);
 }

@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "simulator/device/DeviceOptions.h"
 #include "simulator/script/KeyScript.h"
 #include "simulator/session/DeviceFacts.h"
-#include "simulator/session/SessionHistory.h"
+#include "simulator/session/DeviceMakeUp.h"
+#include "simulator/session/Replay.h"
+#include "simulator/session/SessionEntry.h"
 #include "simulator/session/SessionRecording.h"
 #include "simulator/session/StepQueue.h"
 
 #include <QElapsedTimer>
-#include <QJsonArray>
-#include <QJsonObject>
 #include <QObject>
 #include <QTimer>
 
@@ -19,7 +18,6 @@
 
 class DaemonWatch;
 class DeviceEvents;
-class DeviceRecorder;
 class SimulatedDevice;
 
 /// A simulated device that people work with: it can be restarted, remembers what happened, records and
@@ -29,24 +27,15 @@ class DeviceSession : public QObject
     Q_OBJECT
 
 public:
-    enum class Status { Starting, Ready, Ended };
+    using Status = entry::Device::Status;
 
-    /// What a restart changes; an empty member leaves things as they are.
-    struct Changes
-    {
-        QString model;
-        /// File name to content, for those of the three key lists that change.
-        QMap<QString, QByteArray> keyLists;
-        /// The installed key lists, before those of `keyLists` are put in their place.
-        bool defaultKeyLists = false;
-        QString state;
-    };
+    using Changes = DeviceMakeUp::Changes;
 
     /// The key lists of `options` are the installed ones. Nothing runs before `start`, `restart` or `replay`.
     explicit DeviceSession(const DeviceOptions& options, QObject* parent = nullptr);
     ~DeviceSession() override;
 
-    /// Starts the device; the entries of the type "device" tell what comes of it.
+    /// Starts the device; entries of the type `entry::Device` report its progress.
     void start();
     /// Makes the device, its bus and its daemon anew; keys, pending statements and a replay are given up.
     /// Returns a sentence when the changes name something that there is not, and does nothing then.
@@ -69,11 +58,8 @@ public:
     /// The client is gone: gives up what it still wanted to do and releases the keys that it holds.
     void releaseKeysOf(int client);
 
-    /// Reads a script that is to be replayed; with faults when it cannot be. For any thread, because a long
-    /// text takes a second.
-    static ParsedScript readReplay(const QString& text);
-    /// Restarts the device as the script's header says, plays the script and judges what comes of it; the
-    /// entries of the type "replay" tell.
+    /// Restarts the device as the script's header says, plays the script and judges the result; entries of
+    /// the type `entry::Replay` report it.
     void replay(const KeyScript& script);
     /// Reads and replays a script; does nothing but return the faults when it has some.
     QVector<ScriptFault> replay(const QString& text);
@@ -90,29 +76,24 @@ public:
     /// The recording that a restart of the device ended last, if anything was done in it; in the same way.
     QString formerRecording(QStringList* faults) const;
 
-    QJsonObject description() const;
-    /// The latest entries, oldest first.
-    QJsonArray history() const { return m_history.entries(); }
+    QString model() const { return m_makeUp.options().model; }
+    QString state() const { return m_makeUp.options().state; }
+    QVector<HeldKey> heldKeys() const { return m_facts.heldKeys(); }
+    /// Whether the daemon runs a keyboard test.
+    bool isTesting() const { return m_facts.isTesting(); }
+    /// Whether the daemon answers calls, as far as is known.
+    bool isAnswering() const;
+    bool isRecording() const { return m_recording.isRunning(); }
+    bool hasFormerRecording() const { return m_formerRecording.isStarted(); }
     /// The time since the device was started: the moment of an entry that would come now.
     std::chrono::milliseconds now() const;
     /// File name to content, as the daemon has read them at its start; a list that is not there is left out.
-    QMap<QString, QByteArray> keyLists() const { return m_options.keyLists; }
+    QMap<QString, QByteArray> keyLists() const { return m_makeUp.options().keyLists; }
 
 Q_SIGNALS:
-    /// Something happened. `entry` has an "id", which counts up over the whole session, and the milliseconds
-    /// since the device was started as "at".
-    void added(const QJsonObject& entry);
+    void added(const SessionEntry& entry);
 
 private:
-    struct Replay
-    {
-        KeyScript script;
-        /// While the script is played.
-        std::unique_ptr<DeviceRecorder> observer;
-    };
-
-    QString faultOf(const Changes& changes) const;
-    void apply(const Changes& changes);
     void beginStart();
     void build();
     void awaitReadiness();
@@ -123,28 +104,25 @@ private:
     /// Nothing of the device is heard any more.
     void leaveDevice();
     void dropDevice();
-    void report(const QString& status);
+    void report();
 
     QString whyNotNow() const;
     void onStepping(const ScriptStep& step);
     void onObserved(const QString& text);
-    void add(const QJsonObject& entry);
+    void add(const SessionEvent& event);
     void beginRecording();
     void watchRecording();
     void watchDaemon();
     void leaveDaemon();
 
     void beginReplay();
-    void judgeReplay();
-    void endReplay(const QString& status, const QStringList& differences = {});
+    void endReplay(entry::Replay::Status status);
 
-    /// The state and the key lists are the present ones.
-    DeviceOptions m_options;
-    DeviceOptions m_installed;
-    SessionHistory m_history;
+    DeviceMakeUp m_makeUp;
     SessionRecording m_recording;
     SessionRecording m_formerRecording;
     DeviceFacts m_facts;
+    qint64 m_lastId = 0;
     QElapsedTimer m_clock;
     QElapsedTimer m_startClock;
     QTimer m_buildTimer;

@@ -20,7 +20,7 @@ const QString undefinedReceiverReason =
     QStringLiteral("Its receiver is \"Undefined\", so no service gets it.");
 
 /// The states of a refusal, if `line` is about one.
-std::optional<Refusal> stateRefusal(const QString& line)
+std::optional<entry::Refusal> stateRefusal(const QString& line)
 {
     static const QRegularExpression pattern(QStringLiteral(
         R"re(^KeyboardManager::onEvent WARN: Expected state is:  "(.*)" , but current state is:  "(.*)" !\?$)re"));
@@ -28,7 +28,7 @@ std::optional<Refusal> stateRefusal(const QString& line)
     if (!match.hasMatch()) {
         return std::nullopt;
     }
-    return Refusal{line, match.captured(1), match.captured(2), {}};
+    return entry::Refusal{line, match.captured(1), match.captured(2), {}};
 }
 
 bool isFor(const KeyRow& row, const QString& state)
@@ -65,14 +65,14 @@ void RefusalFinder::noteSimulated(const QStringList& keys)
     }
 }
 
-std::optional<Refusal> RefusalFinder::find(const QString& logLine) const
+std::optional<entry::Refusal> RefusalFinder::find(const QString& logLine) const
 {
     if (logLine == undefinedReceiverLine) {
         const KeyRow* meant =
             onlyRow([](const KeyRow& row) { return row.receiver == vocabulary::undefined; });
-        return Refusal{undefinedReceiverReason, {}, {}, meant ? meant->action : QString()};
+        return entry::Refusal{undefinedReceiverReason, {}, {}, meant ? meant->action : QString()};
     }
-    std::optional<Refusal> refusal = stateRefusal(logLine);
+    std::optional<entry::Refusal> refusal = stateRefusal(logLine);
     if (!refusal) {
         return std::nullopt;
     }

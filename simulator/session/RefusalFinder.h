@@ -1,26 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "simulator/script/KeyScript.h"
+#include "simulator/session/SessionEntry.h"
 
 #include <QElapsedTimer>
 #include <QPair>
 #include <QSet>
 
 #include <optional>
-
-/// An action that the daemon recognised and did not announce.
-struct Refusal
-{
-    /// The daemon's own words, or a sentence where those say too little.
-    QString reason;
-    /// The state that the action is for; it may be empty. None where the action was refused in any state.
-    std::optional<QString> expected;
-    /// The state that the device was in; empty where the action was refused in any state.
-    QString current;
-    /// Empty when several rows of the key lists can be meant.
-    QString action;
-};
 
 /// Finds refused actions in the daemon's log, and the rows that they are of.
 ///
@@ -38,7 +25,7 @@ public:
 
     /// The refusal that a line of the log tells of. None when the action was announced all the same: a long
     /// press leaves a line for each of its states but the current one.
-    std::optional<Refusal> find(const QString& logLine) const;
+    std::optional<entry::Refusal> find(const QString& logLine) const;
 
 private:
     void forgetBeforeRest();

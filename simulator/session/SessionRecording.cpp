@@ -4,6 +4,7 @@
 #include "simulator/script/CommandWords.h"
 #include "simulator/script/ExpectationWords.h"
 #include "simulator/script/KeyListJson.h"
+#include "simulator/script/KeyScriptText.h"
 #include "simulator/script/ObservationText.h"
 
 using std::chrono::milliseconds;
@@ -107,7 +108,7 @@ QString SessionRecording::toText(QStringList* faults) const
     if (!faults->isEmpty()) {
         return {};
     }
-    const QString text = script.toText();
+    const QString text = writeKeyScript(script);
     *faults = sentences(parseScriptFile(text.toUtf8()).faults);
     return faults->isEmpty() ? text : QString();
 }

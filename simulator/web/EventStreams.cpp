@@ -2,8 +2,8 @@
 #include "simulator/web/EventStreams.h"
 
 #include "simulator/session/DeviceSession.h"
+#include "simulator/web/SessionJson.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -13,18 +13,9 @@ namespace {
 
 constexpr int maximumStreams = 10;
 
-QByteArray asData(const QJsonObject& object)
+QByteArray toText(const QJsonObject& object)
 {
-    return "data: " + QJsonDocument(object).toJson(QJsonDocument::Compact) + "\n\n";
-}
-
-QByteArray snapshotOf(const DeviceSession& session, int client)
-{
-    // "retry": a page whose connection was lost comes back after a second.
-    return "retry: 1000\nevent: snapshot\n" + asData({{QStringLiteral("client"), client},
-                                                      {QStringLiteral("at"), qint64(session.now().count())},
-                                                      {QStringLiteral("device"), session.description()},
-                                                      {QStringLiteral("history"), session.history()}});
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
 } // namespace
@@ -40,7 +31,7 @@ std::shared_ptr<EventStream> EventStreams::open()
         return nullptr;
     }
     ++m_lastClient;
-    m_streams.append(std::make_shared<EventStream>(m_lastClient, snapshotOf(m_session, m_lastClient)));
+    m_streams.append(std::make_shared<EventStream>(m_lastClient, snapshotFor(m_lastClient)));
     return m_streams.constLast();
 }
 
@@ -69,11 +60,21 @@ void EventStreams::closeAll()
     }
 }
 
-void EventStreams::publish(const QJsonObject& entry)
+QByteArray EventStreams::snapshotFor(int client) const
 {
-    const QByteArray event =
-        "event: entry\nid: " + QByteArray::number(entry.value(QStringLiteral("id")).toDouble(), 'f', 0) +
-        '\n' + asData(entry);
+    QByteArray snapshot = toText({{QStringLiteral("client"), client},
+                                  {QStringLiteral("at"), qint64(m_session.now().count())},
+                                  {QStringLiteral("device"), SessionJson::description(m_session)}});
+    snapshot.chop(1);
+    // "retry": a page whose connection was lost reconnects after a second.
+    return "retry: 1000\nevent: snapshot\ndata: " + snapshot + ",\"history\":" + m_history.toJson() + "}\n\n";
+}
+
+void EventStreams::publish(const SessionEntry& entry)
+{
+    const QByteArray text = toText(SessionJson::entry(entry));
+    m_history.add(text);
+    const QByteArray event = "event: entry\nid: " + QByteArray::number(entry.id) + "\ndata: " + text + "\n\n";
     for (const std::shared_ptr<EventStream>& stream : qAsConst(m_streams)) {
         if (!stream->add(event)) {
             // Later: the keys that it releases are entries themselves.

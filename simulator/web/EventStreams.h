@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "simulator/session/SessionEntry.h"
+#include "simulator/web/EntryHistory.h"
 #include "simulator/web/EventStream.h"
 
 #include <QObject>
@@ -28,9 +30,11 @@ public:
     void closeAll();
 
 private:
-    void publish(const QJsonObject& entry);
+    QByteArray snapshotFor(int client) const;
+    void publish(const SessionEntry& entry);
 
     DeviceSession& m_session;
+    EntryHistory m_history;
     QVector<std::shared_ptr<EventStream>> m_streams;
     int m_lastClient = 0;
 };

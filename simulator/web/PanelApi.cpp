@@ -7,6 +7,7 @@
 #include "simulator/session/DeviceSession.h"
 #include "simulator/web/EventStreams.h"
 #include "simulator/web/RequestBody.h"
+#include "simulator/web/SessionJson.h"
 
 #include <QJsonArray>
 
@@ -89,7 +90,7 @@ std::optional<HttpAnswer> PanelApi::read(const Route& route, HttpRequest* reques
     if (!text) {
         return HttpAnswer::error(badRequest, notText);
     }
-    ParsedScript parsed = DeviceSession::readReplay(*text);
+    ParsedScript parsed = Replay::read(*text);
     request->script = std::move(parsed.script);
     return parsed.faults.isEmpty() ? std::nullopt : std::optional(refuse(parsed.faults));
 }
@@ -97,17 +98,15 @@ std::optional<HttpAnswer> PanelApi::read(const Route& route, HttpRequest* reques
 PanelApi::Rest PanelApi::begin(const Route& route, const HttpRequest& request) const
 {
     if (route.answerOfCard) {
-        const QString model = m_session.description().value(QStringLiteral("model")).toString();
-        return [card = KeyCard::from(m_session.keyLists(), model), answerOf = route.answerOfCard] {
-            return answerOf(card);
-        };
+        return [card = KeyCard::from(m_session.keyLists(), m_session.model()),
+                answerOf = route.answerOfCard] { return answerOf(card); };
     }
     return [answer = (this->*route.answer)(request)] { return answer; };
 }
 
 HttpAnswer PanelApi::device(const HttpRequest& /*request*/) const
 {
-    return HttpAnswer::json(m_session.description());
+    return HttpAnswer::json(SessionJson::description(m_session));
 }
 
 HttpAnswer PanelApi::keyLists(const HttpRequest& /*request*/) const

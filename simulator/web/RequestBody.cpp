@@ -2,6 +2,7 @@
 #include "simulator/web/RequestBody.h"
 
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QTextCodec>
 
 namespace {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/card/CardKeyLists.h"
 
+#include "simulator/script/KeyListJson.h"
 #include "simulator/script/KeyScript.h"
 
 #include <QDir>
@@ -35,7 +36,7 @@ public:
         return *this;
     }
 
-    operator KeyLists() const { return m_script.keyLists(); }
+    operator KeyLists() const { return KeyListJson::filesOf(m_script); }
 
 private:
     Rows& add(KeyRow row)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/card/CardSentences.h"
 #include "simulator/card/CardVocabulary.h"
+#include "simulator/script/KeyListJson.h"
 #include "tests/card/CardDevice.h"
 #include "tests/random/RandomRows.h"
 #include "tests/virtual/DeviceTest.h"
@@ -44,7 +45,7 @@ KeyLists listsOf(const QVector<KeyRow>& rows)
 {
     KeyScript script;
     script.rows = rows;
-    return script.keyLists();
+    return KeyListJson::filesOf(script);
 }
 
 template <typename Items>

@@ -4,6 +4,7 @@
 #include "tests/system/SystemTest.h"
 
 #include "simulator/device/ChildProcess.h"
+#include "simulator/script/KeyScriptText.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/script/KeyScript.h"
+#include "simulator/script/KeyScriptText.h"
 #include "simulator/script/StatementHelp.h"
 
 #include <QDirIterator>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "simulator/script/KeyScriptText.h"
 #include "simulator/script/Transcript.h"
 #include "tests/virtual/DeviceTest.h"
 

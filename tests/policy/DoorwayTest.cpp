@@ -2,6 +2,7 @@
 #include "simulator/device/ChildProcess.h"
 #include "simulator/device/KeyboardClient.h"
 #include "simulator/device/StateHandlerStandIn.h"
+#include "simulator/script/KeyListJson.h"
 #include "simulator/script/KeyScript.h"
 #include "simulator/script/ObservationText.h"
 #include "tests/policy/ForeignUser.h"
@@ -68,7 +69,8 @@ QVariantMap answeredList(const QString& fileName)
 {
     KeyScript script;
     script.rows = combinationOfEachState();
-    QVariantMap list = QJsonDocument::fromJson(script.keyLists().value(fileName)).object().toVariantMap();
+    QVariantMap list =
+        QJsonDocument::fromJson(KeyListJson::filesOf(script).value(fileName)).object().toVariantMap();
     list.insert(keyTimeouts, 1500);
     return list;
 }
@@ -169,7 +171,7 @@ void DoorwayTest::initTestCase()
     KeyScript script;
     script.rows = combinationOfEachState();
     QVERIFY(QDir().mkpath(QStringLiteral("/var/lib/keyboard-handler")));
-    const auto lists = script.keyLists();
+    const auto lists = KeyListJson::filesOf(script);
     for (auto list = lists.cbegin(); list != lists.cend(); ++list) {
         QFile file(QStringLiteral("/var/lib/keyboard-handler/") + list.key());
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(list.value()) == list.value().size());

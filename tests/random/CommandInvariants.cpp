@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "simulator/script/KeyListJson.h"
 #include "simulator/script/ObservationText.h"
 #include "tests/random/Commands.h"
 #include "tests/random/Invariants.h"
@@ -22,7 +23,7 @@ const QString helpTitle = QStringLiteral("log ================= Help ===========
 QVariantMap listOf(const Facts& facts, const QString& fileName)
 {
     QVariantMap list =
-        QJsonDocument::fromJson(facts.script().keyLists().value(fileName)).object().toVariantMap();
+        QJsonDocument::fromJson(KeyListJson::filesOf(facts.script()).value(fileName)).object().toVariantMap();
     list.insert(keyTimeouts, window);
     return list;
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/random/Invariants.h"
+#include "simulator/script/KeyScriptText.h"
 #include "tests/random/Epilogue.h"
 #include "tests/random/Player.h"
 #include "tests/random/RandomScript.h"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/random/Trial.h"
 
+#include "simulator/script/KeyScriptText.h"
 #include "tests/random/Epilogue.h"
 #include "tests/random/Invariants.h"
 #include "tests/random/Player.h"
@@ -60,7 +61,7 @@ QString Trial::report(const KeyScript& script, quint64 seed, const Result& resul
     for (const Happening& happening : play.happenings) {
         shortest.expectations.append({happening.at, happening.text});
     }
-    const QString text = shortest.toText();
+    const QString text = writeKeyScript(shortest);
     return QStringLiteral("# seed %1, invariant %2, %3\n").arg(seed).arg(result.violated).arg(result.text) +
            grammarNotes(text) + text;
 }

@@ -5,33 +5,24 @@
 
 namespace {
 
-QJsonObject key(int device, const QString& name, int value)
+entry::Command command(const QString& name)
 {
-    return {{"type", "key"}, {"device", device}, {"key", name}, {"value", value}};
+    return {{{"commandId", name}}};
 }
 
-QJsonObject command(const QString& text)
+entry::Answer answer(const QString& result)
 {
-    return {{"type", "command"}, {"text", text}};
+    return {{{"resultId", result}}, {}};
 }
 
-QJsonObject answer(const QString& result)
+entry::Announcement single(const QString& key, const QString& receiver)
 {
-    return {{"type", "answer"}, {"response", QJsonObject({{"resultId", result}})}};
+    return {"SingleKey", receiver, {}, {key}, {}};
 }
-
-QJsonObject single(const QString& name, const QString& receiver)
-{
-    return {{"type", "announcement"},
-            {"action", "SingleKey"},
-            {"keys", QJsonArray({name})},
-            {"receiver", receiver}};
-}
-
-const QJsonObject start = command("StartTestMode as ServiceTool");
-const QJsonObject success = answer("Success");
 
 } // namespace
+
+Q_DECLARE_METATYPE(QVector<SessionEvent>)
 
 class DeviceFactsTest : public QObject
 {
@@ -39,59 +30,60 @@ class DeviceFactsTest : public QObject
 
 private Q_SLOTS:
     void keysAreHeldUntilTheyAreReleased();
-    void aNewDeviceHoldsNothingAndTestsNothing();
-    void aTestRunsFromItsAnswerToItsOk_data();
-    void aTestRunsFromItsAnswerToItsOk();
+    void newDeviceHoldsNothingAndTestsNothing();
+    void testRunsFromItsAnswerToItsOk_data();
+    void testRunsFromItsAnswerToItsOk();
 };
 
 void DeviceFactsTest::keysAreHeldUntilTheyAreReleased()
 {
     DeviceFacts facts;
-    for (const QJsonObject& entry :
-         {key(1, "Up", 1), key(0, "Up", 1), key(0, "Help", 1), key(0, "Help", 2), key(0, "Up", 0)}) {
-        facts.note(entry);
+    for (const entry::Key& key : {entry::Key{1, "Up", 1}, entry::Key{0, "Up", 1}, entry::Key{0, "Help", 1},
+                                  entry::Key{0, "Help", 2}, entry::Key{0, "Up", 0}}) {
+        facts.note(key);
     }
-    QCOMPARE(facts.toJson().value("held").toArray(),
-             QJsonArray({QJsonObject({{"device", 0}, {"key", "Help"}}),
-                         QJsonObject({{"device", 1}, {"key", "Up"}})}));
+    QCOMPARE(facts.heldKeys(), QVector<HeldKey>({{0, "Help"}, {1, "Up"}}));
 }
 
-void DeviceFactsTest::aNewDeviceHoldsNothingAndTestsNothing()
+void DeviceFactsTest::newDeviceHoldsNothingAndTestsNothing()
 {
     DeviceFacts facts;
-    for (const QJsonObject& entry :
-         {key(1, "Up", 1), start, success, QJsonObject({{"type", "device"}, {"status", "ended"}})}) {
-        facts.note(entry);
-    }
-    QCOMPARE(facts.toJson(), QJsonObject({{"held", QJsonArray()}, {"testing", false}}));
+    facts.note(entry::Key{1, "Up", 1});
+    facts.note(command("StartTestMode"));
+    facts.note(answer("Success"));
+    QVERIFY(facts.isTesting() && !facts.heldKeys().isEmpty());
+    facts.note(entry::Device{entry::Device::Status::Ended, {}, {}, {}});
+    QVERIFY(!facts.isTesting() && facts.heldKeys().isEmpty());
 }
 
-void DeviceFactsTest::aTestRunsFromItsAnswerToItsOk_data()
+void DeviceFactsTest::testRunsFromItsAnswerToItsOk_data()
 {
-    QTest::addColumn<QVector<QJsonObject>>("entries");
+    QTest::addColumn<QVector<SessionEvent>>("events");
     QTest::addColumn<bool>("runs");
-    const auto row = [](const char* name, const QVector<QJsonObject>& entries, bool runs) {
-        QTest::newRow(name) << entries << runs;
+    const auto row = [](const char* name, const QVector<SessionEvent>& events, bool runs) {
+        QTest::newRow(name) << events << runs;
     };
+    const entry::Command start = command("StartTestMode");
+    const entry::Command other = command("GetLastKey");
+    const entry::Answer success = answer("Success");
     row("not answered yet", {start}, false);
     row("answered", {start, success}, true);
     row("refused", {start, answer("Failure")}, false);
-    row("another command was answered", {command("GetLastKey as WwwApi"), start, success}, false);
-    row("both were answered", {command("GetLastKey as WwwApi"), start, success, success}, true);
+    row("another command was answered", {other, start, success}, false);
+    row("both were answered", {other, start, success, success}, true);
     row("its Ok", {start, success, single("Ok", "ErrorHandler")}, false);
     row("the single Ok of Idle", {start, success, single("Ok", "UserMenu")}, true);
     row("another key", {start, success, single("Up", "PrintManager")}, true);
 }
 
-void DeviceFactsTest::aTestRunsFromItsAnswerToItsOk()
+void DeviceFactsTest::testRunsFromItsAnswerToItsOk()
 {
-    QFETCH(QVector<QJsonObject>, entries);
+    QFETCH(QVector<SessionEvent>, events);
     DeviceFacts facts;
-    for (const QJsonObject& entry : qAsConst(entries)) {
-        facts.note(entry);
+    for (const SessionEvent& event : qAsConst(events)) {
+        facts.note(event);
     }
     QTEST(facts.isTesting(), "runs");
-    QTEST(facts.toJson().value("testing").toBool(), "runs");
 }
 
 QTEST_GUILESS_MAIN(DeviceFactsTest)

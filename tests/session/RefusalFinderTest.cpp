@@ -70,7 +70,7 @@ void RefusalFinderTest::otherLinesTellOfNoRefusal()
 
 void RefusalFinderTest::theStatesAreTheLogs()
 {
-    const std::optional<Refusal> refusal = RefusalFinder(rows).find(offLine);
+    const std::optional<entry::Refusal> refusal = RefusalFinder(rows).find(offLine);
     QVERIFY(refusal);
     QCOMPARE(refusal->reason, offLine);
     QCOMPARE(refusal->expected.value(), QStringLiteral("PrintOff"));
@@ -129,7 +129,7 @@ void RefusalFinderTest::aLongPressThatIsAnnouncedInAnotherStateIsNotRefused()
     RefusalFinder finder({rows.first()});
     move(finder, QStringLiteral("Feed+ Feed*"));
     QVERIFY(!finder.find(QString(offLine).replace("\"Update\"", "\"Idle\"")));
-    const std::optional<Refusal> refused = finder.find(offLine);
+    const std::optional<entry::Refusal> refused = finder.find(offLine);
     QVERIFY(refused);
     QCOMPARE(refused->action, QStringLiteral("Eject"));
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "simulator/web/SessionJson.h"
 #include "tests/session/SessionTest.h"
 #include "tests/support/Waiting.h"
 
@@ -98,7 +99,7 @@ void SessionLifeTest::aDeviceStarts()
     options.state = ls::StateId::Print;
     QVERIFY(launch());
     QCOMPARE(members("device", "status"), QStringList({"starting", "ready"}));
-    const QJsonObject description = session().description();
+    const QJsonObject description = SessionJson::description(session());
     QCOMPARE(description.value("status").toString(), QStringLiteral("ready"));
     QCOMPARE(description.value("model").toString(), QStringLiteral("Orvane"));
     QCOMPARE(description.value("state").toString(), QStringLiteral("Print"));
@@ -134,8 +135,8 @@ void SessionLifeTest::aRestartKeepsModelStateAndLists()
     QCOMPARE(session().restart({}), QString());
     QVERIFY(awaitStatus(Status::Ready));
     QVERIFY(session().daemonProcess() != before);
-    QCOMPARE(session().description().value("model").toString(), QStringLiteral("Orvane"));
-    QCOMPARE(session().description().value("state").toString(), QStringLiteral("Update"));
+    QCOMPARE(session().model(), QStringLiteral("Orvane"));
+    QCOMPARE(session().state(), QStringLiteral("Update"));
     QCOMPARE(session().keyLists(), lists);
     QCOMPARE(take("tap Up"), QString());
     QVERIFY(awaitEntry("announcement", "receiver", "UpdateManager"));
@@ -150,7 +151,7 @@ void SessionLifeTest::aRestartChangesWhatItIsTold()
     changes.keyLists.insert(longFile, oneLongRow);
     QCOMPARE(session().restart(changes), QString());
     QVERIFY(awaitStatus(Status::Ready));
-    QCOMPARE(session().description().value("model").toString(), QStringLiteral("Orvane"));
+    QCOMPARE(session().model(), QStringLiteral("Orvane"));
     QCOMPARE(session().keyLists().value(longFile), oneLongRow);
     QCOMPARE(session().keyLists().size(), 3);
     QCOMPARE(take("state Idle; command GetLongKeysTimeout; wait 100; hold Up 1400"), QString());
@@ -255,7 +256,7 @@ void SessionLifeTest::restartsWhileStartingBecomeOne()
     QCOMPARE(status, Status::Starting);
     QVERIFY(awaitStatus(Status::Ready));
     QCOMPARE(members("device", "status").filter("ready").size(), 1);
-    QCOMPARE(session().description().value("state").toString(), QStringLiteral("Error"));
+    QCOMPARE(session().state(), QStringLiteral("Error"));
     QCOMPARE(take("tap Up"), QString());
     QVERIFY(awaitEntry("announcement", "receiver", "ErrorHandler"));
 }
@@ -273,8 +274,8 @@ void SessionLifeTest::aRestartMayBeAskedForByWhoIsTold()
     QFETCH(QString, type);
     QVERIFY(launch());
     bool restarted = false;
-    connect(&session(), &DeviceSession::added, this, [&](const QJsonObject& entry) {
-        if (!restarted && entry.value("type").toString() == type) {
+    connect(&session(), &DeviceSession::added, this, [&](const SessionEntry& entry) {
+        if (!restarted && SessionJson::entry(entry).value("type").toString() == type) {
             restarted = true;
             session().restart({});
         }
@@ -296,8 +297,8 @@ void SessionLifeTest::aCrashEndsTheDevice()
     QCOMPARE(entries("device").last().value("status").toString(), QStringLiteral("ended"));
     QCOMPARE(entries("device").last().value("reason").toString(), session().reason());
     QCOMPARE(take("press Up"), session().reason());
-    QCOMPARE(session().description().value("status").toString(), QStringLiteral("ended"));
-    QVERIFY(!session().description().value("recording").toBool());
+    QCOMPARE(session().status(), Status::Ended);
+    QVERIFY(!session().isRecording());
     forgetEntries();
     session().releaseKeysOf(1);
     QVERIFY(entries().isEmpty());

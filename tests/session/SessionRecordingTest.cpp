@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "simulator/script/KeyScriptText.h"
 #include "tests/session/SessionTest.h"
 #include "tests/support/Attempts.h"
 #include "tests/support/Waiting.h"
@@ -125,7 +126,7 @@ void SessionRecordingTest::theFormerRecordingOutlivesARestart()
 {
     QVERIFY(launch());
     QStringList faults;
-    QVERIFY(!session().description().value("formerRecording").toBool());
+    QVERIFY(!session().hasFormerRecording());
     QCOMPARE(session().formerRecording(&faults), QString());
     QCOMPARE(faults, QStringList("Nothing was recorded yet."));
     QCOMPARE(take("tap Chs"), QString());
@@ -138,7 +139,7 @@ void SessionRecordingTest::theFormerRecordingOutlivesARestart()
     faults.clear();
     QVERIFY(session().formerRecording(&faults).contains("press Chs\n"));
     QCOMPARE(faults, QStringList());
-    QVERIFY(session().description().value("formerRecording").toBool());
+    QVERIFY(session().hasFormerRecording());
 }
 
 void SessionRecordingTest::aRecordingComesTrueAgain_data()
@@ -346,7 +347,7 @@ void SessionRecordingTest::aFullRecordingStopsAndCanBeRead()
     options.state = ls::StateId::Print;
     QVERIFY(launch());
     const QString burst = QString("console " + QString(20'000, 'x') + ';').repeated(3);
-    while (session().description().value("recording").toBool()) {
+    while (session().isRecording()) {
         // A slow daemon takes what it was given before.
         WAIT_FOR(take(burst).isEmpty());
     }

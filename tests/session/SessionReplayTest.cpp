@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "simulator/web/SessionJson.h"
 #include "tests/session/SessionTest.h"
 #include "tests/support/Waiting.h"
 
@@ -46,13 +47,13 @@ void SessionReplayTest::aScriptIsPlayedOnItsDevice()
 {
     QVERIFY(launch());
     QVERIFY(session().replay(shortScript).isEmpty());
-    QVERIFY(session().isReplaying() && session().description().value("replaying").toBool());
+    QVERIFY(session().isReplaying());
     QVERIFY(awaitReplay("finished"));
     QCOMPARE(replayStatus(), QStringList({"playing", "finished"}));
     QCOMPARE(entries("replay").last().value("expectations").toInt(), 1);
     QCOMPARE(entries("replay").last().value("differences").toArray(), QJsonArray());
-    QCOMPARE(session().description().value("model").toString(), QStringLiteral("Orvane"));
-    QCOMPARE(session().description().value("state").toString(), QStringLiteral("Print"));
+    QCOMPARE(session().model(), QStringLiteral("Orvane"));
+    QCOMPARE(session().state(), QStringLiteral("Print"));
     QVERIFY(!session().isReplaying());
     QVERIFY(keys().contains("0 Help 0") && keys().contains("0 Up 0"));
     QCOMPARE(take("tap Menu"), QString());
@@ -67,7 +68,7 @@ void SessionReplayTest::aScriptWithoutRowsHasTheInstalledLists()
     QVERIFY(awaitReplay("finished"));
     QVERIFY(session().replay(QStringLiteral("tap Menu")).isEmpty());
     QCOMPARE(session().keyLists(), installed);
-    QCOMPARE(session().description().value("model").toString(), QStringLiteral("Pellit"));
+    QCOMPARE(session().model(), QStringLiteral("Pellit"));
 }
 
 void SessionReplayTest::whatIsDifferentIsTold()
@@ -180,8 +181,8 @@ void SessionReplayTest::whoIsToldMayStopIt_data()
 void SessionReplayTest::whoIsToldMayStopIt()
 {
     QFETCH(QString, type);
-    connect(&session(), &DeviceSession::added, this, [&](const QJsonObject& entry) {
-        if (entry.value("type").toString() == type) {
+    connect(&session(), &DeviceSession::added, this, [&](const SessionEntry& entry) {
+        if (SessionJson::entry(entry).value("type").toString() == type) {
             session().stopReplay();
         }
     });

@@ -37,7 +37,7 @@ void SessionStepsTest::whatIsDueIsDoneAtOnce()
     QVERIFY(launch());
     QCOMPARE(take("press Up; state Print; release Up"), QString());
     QCOMPARE(keys(), QStringList({"0 Up 1", "0 Up 0"}));
-    QCOMPARE(session().description().value("state").toString(), QStringLiteral("Print"));
+    QCOMPARE(session().state(), QStringLiteral("Print"));
 }
 
 void SessionStepsTest::faultyStatementsDoNothing_data()

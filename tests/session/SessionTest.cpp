@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/session/SessionTest.h"
 
+#include "simulator/web/SessionJson.h"
 #include "tests/support/Waiting.h"
 
 #include <QJsonDocument>
@@ -23,7 +24,7 @@ DeviceSession& SessionTest::session()
     if (!m_session) {
         m_session = std::make_unique<DeviceSession>(options);
         connect(m_session.get(), &DeviceSession::added, this,
-                [this](const QJsonObject& entry) { m_entries.append(entry); });
+                [this](const SessionEntry& entry) { m_entries.append(SessionJson::entry(entry)); });
     }
     return *m_session;
 }

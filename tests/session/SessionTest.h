@@ -3,6 +3,8 @@
 
 #include "simulator/session/DeviceSession.h"
 
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QtTest>
 
 #include <memory>
@@ -23,7 +25,7 @@ protected:
     /// Takes the statements, separated by ";", and returns the first fault.
     QString take(const QString& statements, int client = 0);
 
-    /// All entries so far, and those of one type.
+    /// All entries so far, and those of one type, as the page reads them.
     const QVector<QJsonObject>& entries() const { return m_entries; }
     QVector<QJsonObject> entries(const QString& type) const;
     /// One member of each entry of a type, as text.

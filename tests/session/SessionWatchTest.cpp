@@ -43,7 +43,7 @@ private Q_SLOTS:
     void aNewDaemonIsAskedAfterOneThatDidNotAnswer();
 
 private:
-    bool isAnswering() { return session().description().value("answering").toBool(); }
+    bool isAnswering() { return session().isAnswering(); }
     bool stop() { return kill(pid_t(session().daemonProcess()), SIGSTOP) == 0; }
     bool resume() { return kill(pid_t(session().daemonProcess()), SIGCONT) == 0; }
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/session/StepQueue.h"
 
+#include "simulator/script/KeyScriptText.h"
 #include "simulator/script/ScriptTarget.h"
 #include "tests/virtual/DeviceTest.h"
 

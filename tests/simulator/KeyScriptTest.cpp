@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/script/KeyScript.h"
+#include "simulator/script/KeyListJson.h"
+#include "simulator/script/KeyScriptText.h"
 #include "simulator/script/ServiceWords.h"
 
 #include <ls/MessageKeys.h>
@@ -77,7 +79,7 @@ void KeyScriptTest::anEmptyScriptIsAPellitInIdleWithTheInstalledLists()
     QCOMPARE(firstFault(parsed), QString());
     QCOMPARE(parsed.script.model, QStringLiteral("Pellit"));
     QCOMPARE(parsed.script.initialState, QStringLiteral("Idle"));
-    QVERIFY(parsed.script.keyLists().isEmpty());
+    QVERIFY(KeyListJson::filesOf(parsed.script).isEmpty());
     QVERIFY(parsed.script.steps.isEmpty());
     QCOMPARE(parsed.script.duration().count(), 0);
 }
@@ -200,7 +202,7 @@ void KeyScriptTest::expectationsKeepTheirOrderAndTime()
 void KeyScriptTest::rowsMakeAllThreeKeyLists()
 {
     const ParsedScript parsed = parseKeyScript(QStringLiteral("row long Hold UserMenu Idle 2 Menu"));
-    const QMap<QString, QByteArray> lists = parsed.script.keyLists();
+    const QMap<QString, QByteArray> lists = KeyListJson::filesOf(parsed.script);
     QCOMPARE(QStringList(lists.keys()),
              QStringList({"longKeyList.json", "modifierKeyList.json", "shortcutKeyList.json"}));
     QCOMPARE(QJsonDocument::fromJson(lists.value("longKeyList.json")).object(),
@@ -367,7 +369,7 @@ void KeyScriptTest::aScriptSurvivesBeingWritten()
                                         "expect 1570 announce SingleKey UserMenu - Up\n");
     const ParsedScript parsed = parseKeyScript(text);
     QCOMPARE(firstFault(parsed), QString());
-    QCOMPARE(parsed.script.toText(), text);
+    QCOMPARE(writeKeyScript(parsed.script), text);
 }
 
 void KeyScriptTest::aRecordingSaysThatItIsOne()
@@ -376,7 +378,7 @@ void KeyScriptTest::aRecordingSaysThatItIsOne()
     const ParsedScript parsed = parseKeyScript(text);
     QCOMPARE(firstFault(parsed), QString());
     QVERIFY(parsed.script.recorded);
-    QCOMPARE(parsed.script.toText(), text);
+    QCOMPARE(writeKeyScript(parsed.script), text);
     QVERIFY(!parseKeyScript(QStringLiteral("press Up")).script.recorded);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/script/ScriptPlayer.h"
 
+#include "simulator/script/KeyScriptText.h"
 #include "tests/virtual/DeviceTest.h"
 
 namespace {

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "simulator/script/KeyListJson.h"
+#include "simulator/script/KeyScriptText.h"
 #include "tests/system/SystemTest.h"
 
 /// The way of each kind of key action, from the input device to the bus; its finer rules are tested on a
@@ -88,7 +90,7 @@ void SystemKeyRoadsTest::scriptsComeTrue()
     const ParsedScript parsed = parseKeyScript(text);
     QVERIFY2(parsed.faults.isEmpty(), qPrintable(parsed.faults.value(0).text));
     options.state = parsed.script.initialState;
-    options.keyLists = parsed.script.keyLists();
+    options.keyLists = KeyListJson::filesOf(parsed.script);
     QVERIFY(launch());
     QCOMPARE(play(parsed.script).join('\n'), QString());
 }

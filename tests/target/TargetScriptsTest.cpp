@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "simulator/script/KeyListJson.h"
+#include "simulator/script/KeyScriptText.h"
 #include "tests/target/TargetTest.h"
 
 #include <algorithm>
@@ -95,7 +97,8 @@ void TargetScriptsTest::scriptGoesAsExpected()
     QFETCH(QString, path);
     const ParsedScript parsed = loadKeyScript(path);
     QVERIFY(parsed.faults.isEmpty());
-    QVERIFY(restartDaemon(parsed.script.keyLists(), parsed.script.initialState, parsed.script.model));
+    QVERIFY(
+        restartDaemon(KeyListJson::filesOf(parsed.script), parsed.script.initialState, parsed.script.model));
     const QStringList difference = play(parsed.script);
     QVERIFY2(difference.isEmpty(), qPrintable(difference.join('\n')));
 }

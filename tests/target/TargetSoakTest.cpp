@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "simulator/script/KeyScriptText.h"
 #include "tests/support/ProcessFigures.h"
 #include "tests/target/TargetTest.h"
 

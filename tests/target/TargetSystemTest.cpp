@@ -3,6 +3,7 @@
 #include "tests/target/Command.h"
 #include "tests/target/TargetTest.h"
 
+#include "simulator/script/KeyScriptText.h"
 #include "simulator/script/ObservationText.h"
 
 #include <ls/BusNames.h>

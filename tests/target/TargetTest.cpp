@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/target/TargetTest.h"
 
+#include "simulator/script/KeyScriptText.h"
 #include "simulator/script/ObservationText.h"
 #include "simulator/script/ScriptPlayer.h"
 #include "simulator/script/Transcript.h"

@@ -3,6 +3,7 @@
 
 #include "console/Console.h"
 #include "service/KeyboardHandler.h"
+#include "simulator/script/KeyListJson.h"
 #include "simulator/script/ObservationText.h"
 #include "tests/fakes/FakeSpeech.h"
 #include "tests/fakes/FakeStateHandler.h"
@@ -118,7 +119,7 @@ void VirtualDevice::setRows(const QVector<KeyRow>& rows)
 {
     KeyScript script;
     script.rows = rows;
-    const auto lists = script.keyLists();
+    const auto lists = KeyListJson::filesOf(script);
     for (auto it = lists.cbegin(); it != lists.cend(); ++it) {
         setKeyList(it.key(), it.value());
     }

@@ -221,7 +221,7 @@ void ConnectionTest::onlyTheFirstRequestIsAnswered()
     client.send(getRequest("/api/device") + postRequest("/api/restart", "{\"model\":\"Orvane\"}"));
     QVERIFY(client.awaitEnd());
     QCOMPARE(client.received().count("HTTP/1.1 "), 1);
-    QCOMPARE(session().description().value(QStringLiteral("model")).toString(), QStringLiteral("Pellit"));
+    QCOMPARE(session().model(), QStringLiteral("Pellit"));
 }
 
 void ConnectionTest::aClientThatGoesAwayLeavesNothing()

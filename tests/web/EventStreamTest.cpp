@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/web/EventStream.h"
+#include "simulator/web/SessionJson.h"
 #include "tests/support/Waiting.h"
 #include "tests/web/WebTest.h"
 
@@ -63,14 +64,18 @@ std::unique_ptr<EventReader> EventStreamTest::openStalled()
 
 void EventStreamTest::itBeginsWithASnapshot()
 {
+    addEntry(1);
+    addEntry(2, 3);
     EventReader reader(port());
     QCOMPARE(reader.reply().headers.value("content-type"), QByteArray("text/event-stream"));
     QCOMPARE(reader.reply().headers.value("cache-control"), QByteArray("no-store"));
     const EventReader::Event snapshot = reader.events().value(0);
     QCOMPARE(snapshot.name, QByteArray("snapshot"));
     QCOMPARE(snapshot.data.value(QStringLiteral("client")).toInt(), 1);
-    QCOMPARE(snapshot.data.value(QStringLiteral("device")).toObject(), session().description());
-    QCOMPARE(snapshot.data.value(QStringLiteral("history")).toArray(), session().history());
+    QCOMPARE(snapshot.data.value(QStringLiteral("device")).toObject(), SessionJson::description(session()));
+    QCOMPARE(snapshot.data.value(QStringLiteral("history")).toArray(),
+             QJsonArray({QJsonObject({{"at", 0}, {"id", 1}, {"text", ""}, {"type", "log"}}),
+                         QJsonObject({{"at", 0}, {"id", 2}, {"text", "xxx"}, {"type", "log"}})}));
 }
 
 void EventStreamTest::entriesFollow()

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "simulator/script/KeyScriptText.h"
+#include "simulator/web/SessionJson.h"
 #include "tests/support/Waiting.h"
 #include "tests/web/WebTest.h"
 
@@ -22,7 +24,7 @@ constexpr int largeEntryId = 1'000'000;
 
 const QString type = QStringLiteral("type");
 
-QJsonObject entry(const QString& kind, const QString& member, const QJsonValue& value)
+QJsonObject entryWith(const QString& kind, const QString& member, const QJsonValue& value)
 {
     return {{type, kind}, {member, value}};
 }
@@ -191,7 +193,7 @@ bool PanelApiTest::awaitEntry(EventReader& reader, const QJsonObject& pattern) c
 bool PanelApiTest::awaitReady()
 {
     return awaitEntry(*m_reader,
-                      entry(QStringLiteral("device"), QStringLiteral("status"), QStringLiteral("ready")));
+                      entryWith(QStringLiteral("device"), QStringLiteral("status"), QStringLiteral("ready")));
 }
 
 bool PanelApiTest::take(const QByteArray& statements, int client) const
@@ -205,7 +207,7 @@ void PanelApiTest::theDeviceIsDescribed()
     QCOMPARE(device.value(QStringLiteral("status")).toString(), QStringLiteral("ready"));
     QCOMPARE(device.value(QStringLiteral("model")).toString(), QStringLiteral("Pellit"));
     QCOMPARE(device.value(QStringLiteral("state")).toString(), QStringLiteral("Idle"));
-    QCOMPARE(device, session().description());
+    QCOMPARE(device, SessionJson::description(session()));
 }
 
 void PanelApiTest::aPressedKeyIsAnnounced()
@@ -213,8 +215,8 @@ void PanelApiTest::aPressedKeyIsAnnounced()
     QVERIFY(take("tap Menu"));
     QVERIFY(awaitEntry(*m_reader, keyEntry(QStringLiteral("Menu"), 1)));
     QVERIFY(awaitEntry(*m_reader, keyEntry(QStringLiteral("Menu"), 0)));
-    QVERIFY(awaitEntry(*m_reader, entry(QStringLiteral("announcement"), QStringLiteral("observation"),
-                                        QStringLiteral("announce SingleKey UserMenu - Menu"))));
+    QVERIFY(awaitEntry(*m_reader, entryWith(QStringLiteral("announcement"), QStringLiteral("observation"),
+                                            QStringLiteral("announce SingleKey UserMenu - Menu"))));
 }
 
 void PanelApiTest::severalClientsPlayTheSameDevice()
@@ -299,8 +301,8 @@ void PanelApiTest::theDeviceRestartsWithOtherKeyLists()
     QVERIFY(
         lists.value(QStringLiteral("shortcutKeyList.json")).toString().contains(QStringLiteral("\"Up\"")));
     QVERIFY(take("press Help\ntap Up\nrelease Help"));
-    QVERIFY(awaitEntry(*m_reader, entry(QStringLiteral("announcement"), QStringLiteral("action"),
-                                        QStringLiteral("PaperStatus"))));
+    QVERIFY(awaitEntry(*m_reader, entryWith(QStringLiteral("announcement"), QStringLiteral("action"),
+                                            QStringLiteral("PaperStatus"))));
 }
 
 void PanelApiTest::theInstalledKeyListsComeBack()
@@ -386,8 +388,8 @@ void PanelApiTest::aScriptIsReplayedAndJudged()
         post("/api/replay", "tap Menu\nexpect 50 announce SingleKey UserMenu - Menu\nexpect 100 cancel\n")
             .status,
         202);
-    QVERIFY(awaitEntry(
-        *m_reader, entry(QStringLiteral("replay"), QStringLiteral("status"), QStringLiteral("finished"))));
+    QVERIFY(awaitEntry(*m_reader, entryWith(QStringLiteral("replay"), QStringLiteral("status"),
+                                            QStringLiteral("finished"))));
     const QJsonObject verdict = m_reader->events().constLast().data;
     QCOMPARE(verdict.value(QStringLiteral("expectations")).toInt(), 2);
     QCOMPARE(verdict.value(QStringLiteral("differences")).toArray().size(), 1);
@@ -400,8 +402,8 @@ void PanelApiTest::aReplayIsStopped()
     QCOMPARE(post("/api/steps", "tap Menu").status, 400);
     QCOMPARE(post("/api/replay/stop", {}).status, 200);
     QVERIFY(awaitEntry(*m_reader, keyEntry(QStringLiteral("Up"), 0)));
-    QVERIFY(awaitEntry(*m_reader,
-                       entry(QStringLiteral("replay"), QStringLiteral("status"), QStringLiteral("stopped"))));
+    QVERIFY(awaitEntry(
+        *m_reader, entryWith(QStringLiteral("replay"), QStringLiteral("status"), QStringLiteral("stopped"))));
     QVERIFY(take("tap Menu"));
 }
 
@@ -487,8 +489,8 @@ void PanelApiTest::aDaemonThatEndsIsTold()
 {
     QVERIFY(daemonProcess() > 0);
     QCOMPARE(kill(daemonProcess(), SIGKILL), 0);
-    QVERIFY(awaitEntry(*m_reader,
-                       entry(QStringLiteral("device"), QStringLiteral("status"), QStringLiteral("ended"))));
+    QVERIFY(awaitEntry(
+        *m_reader, entryWith(QStringLiteral("device"), QStringLiteral("status"), QStringLiteral("ended"))));
     QVERIFY(m_reader->events().constLast().data.value(QStringLiteral("reason")).toString().endsWith('.'));
     QCOMPARE(post("/api/steps", "tap Up").status, 400);
     QCOMPARE(get("/").status, 200);

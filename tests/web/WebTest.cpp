@@ -51,9 +51,7 @@ bool WebTest::isServing() const
 
 void WebTest::addEntry(int id, int size)
 {
-    Q_EMIT session().added({{QStringLiteral("id"), id},
-                            {QStringLiteral("type"), QStringLiteral("log")},
-                            {QStringLiteral("text"), QString(size, QLatin1Char('x'))}});
+    Q_EMIT session().added({id, {}, entry::LogLine{QString(size, QLatin1Char('x'))}});
 }
 
 void WebTest::init()

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulator/script/KeyScript.h"
+
+/// Parses the text of a script file.
+ParsedScript parseKeyScript(const QString& text);
+/// Parses lines that stand behind the header of a script: steps and expectations only.
+ParsedScript parseKeyScriptSteps(const QString& text);
+/// Parses the content of a script file, which may be too long for one.
+ParsedScript parseScriptFile(const QByteArray& content);
+/// Reads and parses a script file.
+ParsedScript loadKeyScript(const QString& path);
+/// `script` as text, which parses to an equal script.
+QString writeKeyScript(const KeyScript& script);
