@@ -93,7 +93,8 @@ MeasuredProgram::MeasuredProgram(const QString& name, const QString& executable)
         m_folder.setReady(service, true);
     }
     requireNone(m_folder.errorString());
-    m_input = ::open(QFile::encodeName(m_folder.inputDevice(0)).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    m_input =
+        ::open(QFile::encodeName(m_folder.keyboardFile(0)).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
     require(m_input != -1, QStringLiteral("There is no input device."));
     m_readiness = std::make_unique<ReadinessSocket>(ofDevice(readinessSocket));
     requireNone(m_bus.start(m_folder, m_options.namePolicy));

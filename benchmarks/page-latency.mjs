@@ -2,8 +2,8 @@
 // How long it takes from a press of Menu on the page to its announcement there, beside the same press without a browser:
 // posted over HTTP and seen on the event stream. Run it with the packages and the simulator of a build:
 //
-//     tests/browser/in-build build/release benchmarks/page-latency.mjs
-import { PanelSession } from '../tests/browser/panelSession.mjs';
+//     tests/workbench/browser/in-build build/release benchmarks/page-latency.mjs
+import { PanelSession } from '../tests/workbench/browser/panelSession.mjs';
 
 const presses = 100;
 const warmUp = 5;

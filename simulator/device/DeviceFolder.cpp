@@ -24,16 +24,16 @@ DeviceFolder::DeviceFolder(const DeviceOptions& options)
         return;
     }
     makeFolders();
-    makeInputDevices(options);
+    makeKeyboards(options);
     makeKeyLists(options);
     if (!options.model.isEmpty()) {
         makeConfiguration(options.model);
     }
 }
 
-QString DeviceFolder::inputDevice(int device) const
+QString DeviceFolder::keyboardFile(int keyboard) const
 {
-    return path(QStringLiteral("input/event%1").arg(device));
+    return path(QStringLiteral("input/event%1").arg(keyboard));
 }
 
 QString DeviceFolder::keyList(const QString& fileName) const
@@ -66,14 +66,15 @@ void DeviceFolder::makeFolders()
     }
 }
 
-void DeviceFolder::makeInputDevices(const DeviceOptions& options)
+void DeviceFolder::makeKeyboards(const DeviceOptions& options)
 {
-    for (int device = 0; device < int(options.inputDevices.size()); ++device) {
-        if (!options.inputDevices.at(size_t(device))) {
+    for (int keyboard = 0; keyboard < int(options.keyboards.size()); ++keyboard) {
+        if (!options.keyboards.at(size_t(keyboard))) {
             continue;
         }
-        if (mkfifo(QFile::encodeName(inputDevice(device)).constData(), S_IRUSR | S_IWUSR) == -1) {
-            fail(QStringLiteral("%1: %2").arg(inputDevice(device), QString::fromLocal8Bit(strerror(errno))));
+        if (mkfifo(QFile::encodeName(keyboardFile(keyboard)).constData(), S_IRUSR | S_IWUSR) == -1) {
+            fail(QStringLiteral("%1: %2").arg(keyboardFile(keyboard),
+                                              QString::fromLocal8Bit(strerror(errno))));
         }
     }
 }

@@ -21,8 +21,8 @@ public:
     /// Becomes /run of the device.
     QString runFolder() const { return path(QStringLiteral("run")); }
 
-    /// The FIFO of the input device 0 or 1, whether or not it exists.
-    QString inputDevice(int device) const;
+    /// The FIFO of the keyboard 0 or 1, whether or not it exists.
+    QString keyboardFile(int keyboard) const;
     QString keyList(const QString& fileName) const;
     QString busSocket() const { return path(QStringLiteral("run/dbus/system_bus_socket")); }
     QString busConfiguration() const { return path(QStringLiteral("bus.conf")); }
@@ -36,7 +36,7 @@ public:
 private:
     QString path(const QString& name) const { return m_folder.filePath(name); }
     void makeFolders();
-    void makeInputDevices(const DeviceOptions& options);
+    void makeKeyboards(const DeviceOptions& options);
     void makeKeyLists(const DeviceOptions& options);
     void makeConfiguration(const QString& model);
     void write(const QString& file, const QByteArray& content);

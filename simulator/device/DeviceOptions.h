@@ -33,8 +33,8 @@ struct DeviceOptions
     QMap<QString, QByteArray> keyLists;
     /// "Orvane" or "Pellit"; empty for a device without configuration.
     QString model = QStringLiteral("Pellit");
-    /// Which of the two input devices exist.
-    std::array<bool, 2> inputDevices{true, true};
+    /// Which of the two keyboards exist.
+    std::array<bool, 2> keyboards{true, true};
 
     bool bus = true;
     NamePolicy namePolicy = NamePolicy::Project;

@@ -44,10 +44,10 @@ bool SimulatedDevice::startServices()
     if (!m_error.isEmpty()) {
         return false;
     }
-    for (int device = 0; device < Panel::deviceCount; ++device) {
-        if (m_options.inputDevices.at(size_t(device)) &&
-            !m_panel.open(device, m_folder.inputDevice(device))) {
-            return fail(QStringLiteral("The input device %1 cannot be opened.").arg(device));
+    for (int keyboard = 0; keyboard < Panel::keyboardCount; ++keyboard) {
+        if (m_options.keyboards.at(size_t(keyboard)) &&
+            !m_panel.open(keyboard, m_folder.keyboardFile(keyboard))) {
+            return fail(QStringLiteral("The input device %1 cannot be opened.").arg(keyboard));
         }
     }
     if (m_options.bus && !startBus()) {
@@ -110,19 +110,19 @@ QVariantMap SimulatedDevice::request(const QVariantMap& command)
     return response;
 }
 
-void SimulatedDevice::press(int device, const QString& key)
+void SimulatedDevice::press(int keyboard, const QString& key)
 {
-    m_panel.press(device, key);
+    m_panel.press(keyboard, key);
 }
 
-void SimulatedDevice::release(int device, const QString& key)
+void SimulatedDevice::release(int keyboard, const QString& key)
 {
-    m_panel.release(device, key);
+    m_panel.release(keyboard, key);
 }
 
-void SimulatedDevice::record(int device, const RawRecord& record)
+void SimulatedDevice::record(int keyboard, const RawRecord& record)
 {
-    m_panel.record(device, record);
+    m_panel.record(keyboard, record);
 }
 
 void SimulatedDevice::setState(const QString& state)

@@ -9,7 +9,7 @@
 #include "simulator/device/KeyboardClient.h"
 #include "simulator/device/SpeechDaemonStandIn.h"
 #include "simulator/device/StateHandlerStandIn.h"
-#include "simulator/script/Panel.h"
+#include "simulator/panel/Panel.h"
 #include "simulator/script/ScriptTarget.h"
 
 #include <QObject>
@@ -68,17 +68,17 @@ public:
     /// nothing at all came back within some seconds. No other command may be open.
     QVariantMap request(const QVariantMap& command);
 
-    void press(int device, const QString& key) override;
-    void release(int device, const QString& key) override;
-    void record(int device, const RawRecord& record) override;
+    void press(int keyboard, const QString& key) override;
+    void release(int keyboard, const QString& key) override;
+    void record(int keyboard, const RawRecord& record) override;
     void setState(const QString& state) override;
     void setService(const ServiceChange& change) override;
     void sendCommand(const QVariantMap& command) override;
     void typeLine(const QString& line) override;
 
 Q_SIGNALS:
-    /// The front panel wrote `record` to the input device number `device`.
-    void written(int device, const RawRecord& record);
+    /// The front panel wrote `record` to the keyboard number `keyboard`.
+    void written(int keyboard, const RawRecord& record);
     void announced(const QVariantMap& notification);
     void answered(const QVariantMap& response);
     void commandFailed(const QDBusError& error);

@@ -58,8 +58,8 @@ struct ScriptStep
     /// Since the start of the script.
     std::chrono::milliseconds at{0};
     Kind kind = Kind::Heading;
-    /// The input device, 0 or 1, of `Press`, `Release` and `Record`.
-    int device = 0;
+    /// The keyboard, 0 or 1, of `Press`, `Release` and `Record`.
+    int keyboard = 0;
     /// The heading, the key, the state or the console line.
     QString text;
     /// The map of a `Command`.

@@ -161,7 +161,7 @@ QString KeyScriptParser::readDevice(const QStringList& words)
     if (words.size() != 1 || !device) {
         return QStringLiteral("Write it as: device 0|1");
     }
-    m_device = int(*device);
+    m_keyboard = int(*device);
     return {};
 }
 
@@ -247,7 +247,7 @@ QString KeyScriptParser::readRecord(const QStringList& words)
         return QStringLiteral("Write it as: record TYPE CODE VALUE, three numbers that fit an input record");
     }
     const RawRecord record{quint16(*type), quint16(*code), qint32(*value)};
-    addStep({{}, ScriptStep::Kind::Record, m_device, {}, {}, record});
+    addStep({{}, ScriptStep::Kind::Record, m_keyboard, {}, {}, record});
     return {};
 }
 
@@ -291,7 +291,7 @@ QString KeyScriptParser::readKey(ScriptStep::Kind kind, const QStringList& words
 
 void KeyScriptParser::addKey(ScriptStep::Kind kind, const QString& key)
 {
-    addStep({{}, kind, m_device, key, {}, {}});
+    addStep({{}, kind, m_keyboard, key, {}, {}});
 }
 
 void KeyScriptParser::addStep(ScriptStep step)

@@ -54,6 +54,6 @@ private:
     QString m_line;
     bool m_inHeader;
     bool m_stateGiven = false;
-    int m_device = 0;
+    int m_keyboard = 0;
     std::chrono::milliseconds m_now{0};
 };

@@ -25,7 +25,7 @@ public:
             line(QStringList(QStringLiteral("row")) + KeyRowWords::wordsOf(row));
         }
         // Ends the header: a change of state that follows is not taken for the initial state.
-        line({QStringLiteral("device"), QString::number(m_device)});
+        line({QStringLiteral("device"), QString::number(m_keyboard)});
     }
 
     void waitUntil(std::chrono::milliseconds time)
@@ -39,12 +39,12 @@ public:
     void write(const ScriptStep& step)
     {
         waitUntil(step.at);
-        const bool fromDevice = step.kind == ScriptStep::Kind::Press ||
-                                step.kind == ScriptStep::Kind::Release ||
-                                step.kind == ScriptStep::Kind::Record;
-        if (fromDevice && step.device != m_device) {
-            line({QStringLiteral("device"), QString::number(step.device)});
-            m_device = step.device;
+        const bool fromKeyboard = step.kind == ScriptStep::Kind::Press ||
+                                  step.kind == ScriptStep::Kind::Release ||
+                                  step.kind == ScriptStep::Kind::Record;
+        if (fromKeyboard && step.keyboard != m_keyboard) {
+            line({QStringLiteral("device"), QString::number(step.keyboard)});
+            m_keyboard = step.keyboard;
         }
         line(wordsOf(step));
     }
@@ -85,7 +85,7 @@ private:
 
     QString m_text;
     std::chrono::milliseconds m_now{0};
-    int m_device = 0;
+    int m_keyboard = 0;
 };
 
 } // namespace

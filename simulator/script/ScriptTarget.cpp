@@ -7,13 +7,13 @@ void ScriptTarget::take(const ScriptStep& step)
     case ScriptStep::Kind::Heading:
         break;
     case ScriptStep::Kind::Press:
-        press(step.device, step.text);
+        press(step.keyboard, step.text);
         break;
     case ScriptStep::Kind::Release:
-        release(step.device, step.text);
+        release(step.keyboard, step.text);
         break;
     case ScriptStep::Kind::Record:
-        record(step.device, step.record);
+        record(step.keyboard, step.record);
         break;
     case ScriptStep::Kind::State:
         setState(step.text);

@@ -10,10 +10,10 @@ public:
     virtual ~ScriptTarget() = default;
 
     /// `device` is 0 or 1, `key` an identifier of `ls::KeyId`.
-    virtual void press(int device, const QString& key) = 0;
-    virtual void release(int device, const QString& key) = 0;
+    virtual void press(int keyboard, const QString& key) = 0;
+    virtual void release(int keyboard, const QString& key) = 0;
     /// Writes the record and the report that ends it.
-    virtual void record(int device, const RawRecord& record) = 0;
+    virtual void record(int keyboard, const RawRecord& record) = 0;
     /// The state handler announces `state`, an identifier of `ls::StateId`.
     virtual void setState(const QString& state) = 0;
     /// A service that the daemon uses fails or comes back.

@@ -36,7 +36,7 @@ QStringList stepsOf(const ParsedScript& parsed)
         lines << QStringLiteral("%1 %2 %3 %4")
                      .arg(step.at.count())
                      .arg(kindName(step.kind))
-                     .arg(step.device)
+                     .arg(step.keyboard)
                      .arg(step.kind == ScriptStep::Kind::Service
                               ? ServiceWords::wordsOf(step.service).join(' ')
                               : step.text);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "simulator/script/Panel.h"
+#include "simulator/panel/Panel.h"
 #include "tests/support/Waiting.h"
 
 #include <QFile>

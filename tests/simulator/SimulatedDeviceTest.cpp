@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/device/SimulatedDevice.h"
-#include "simulator/device/DeviceRecorder.h"
+#include "simulator/device/ObservationRecorder.h"
 #include "tests/support/Waiting.h"
 
 #include <ls/MessageKeys.h>
@@ -82,7 +82,7 @@ void SimulatedDeviceTest::twoDevicesHaveNothingInCommon()
     SimulatedDevice second;
     QVERIFY(first.start() && second.start());
     WAIT_FOR(first.isReady() && second.isReady());
-    const DeviceRecorder recorder(first);
+    const ObservationRecorder recorder(first);
     const QSignalSpy announced(&second, &SimulatedDevice::announced);
     second.press(0, ls::KeyId::Menu);
     second.release(0, ls::KeyId::Menu);
@@ -141,7 +141,7 @@ void SimulatedDeviceTest::theDaemonsFilesAreTheDevices()
     options.daemonArguments = QStringList{"/dev/input", "/var/lib/keyboard-handler", "/run/service-watcher"};
     options.keyListFolder.clear();
     options.keyLists = {{QStringLiteral("longKeyList.json"), "{}"}};
-    options.inputDevices = {false, true};
+    options.keyboards = {false, true};
     SimulatedDevice device(options);
     QStringList lines;
     connect(&device, &SimulatedDevice::outputLine, this, [&](const QString& line) { lines << line; });

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "simulator/panel/Panel.h"
 #include "simulator/script/Observation.h"
-#include "simulator/script/Panel.h"
 #include "simulator/script/ScriptTarget.h"
 #include "tests/virtual/VirtualTimeDispatcher.h"
 

@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/script/KeyScript.h"
+#include "simulator/script/KeyScriptText.h"
+#include "simulator/script/StatementHelp.h"
+
+#include <QDirIterator>
+#include <QtTest>
+
+namespace {
+
+QString projectPath(const QString& name)
+{
+    return QStringLiteral(PROJECT_FOLDER "/") + name;
+}
+
+QString textOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+/// What the first group of `pattern` matches in `text`, each time.
+QStringList matches(const QString& text, const char* pattern)
+{
+    QStringList found;
+    QRegularExpressionMatchIterator it = QRegularExpression(QString::fromLatin1(pattern)).globalMatch(text);
+    while (it.hasNext()) {
+        found.append(it.next().captured(1));
+    }
+    return found;
+}
+
+/// The documents of the project, with their paths in it.
+QStringList documents()
+{
+    QStringList names;
+    QStringList folders{QString()};
+    folders += QDir(projectPath(QString())).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    folders.append(QStringLiteral("tests/whole/fuzz"));
+    for (const QString& folder : qAsConst(folders)) {
+        const QDir dir(projectPath(folder));
+        for (const QString& name : dir.entryList({QStringLiteral("*.md")}, QDir::Files)) {
+            names.append(folder.isEmpty() ? name : folder + '/' + name);
+        }
+    }
+    return names;
+}
+
+} // namespace
+
+/// What the documents refer to exists, and what they propose to type is understood.
+class ReferencesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void linkedFilesExist_data();
+    void linkedFilesExist();
+    void scriptsThatShowTheBehaviourExist();
+    void testsOfTheFaultsExist();
+    void linesOfTheReadmeAreStatements_data();
+    void linesOfTheReadmeAreStatements();
+    void statementsOfTheHelpAreDocumented();
+};
+
+void ReferencesTest::linkedFilesExist_data()
+{
+    QTest::addColumn<QString>("document");
+    const QStringList names = documents();
+    QVERIFY(names.contains(QStringLiteral("README.md")));
+    for (const QString& name : names) {
+        QTest::newRow(qPrintable(name)) << name;
+    }
+}
+
+void ReferencesTest::linkedFilesExist()
+{
+    QFETCH(QString, document);
+    const QDir folder = QFileInfo(projectPath(document)).dir();
+    const QStringList links = matches(textOf(projectPath(document)), "\\]\\(([^)#:]+)\\)");
+    for (const QString& link : links) {
+        QVERIFY2(folder.exists(link), qPrintable(link));
+    }
+}
+
+void ReferencesTest::scriptsThatShowTheBehaviourExist()
+{
+    const QDir scripts(projectPath(QStringLiteral("tests/whole/golden")));
+    const QString text = textOf(projectPath(QStringLiteral("docs/behaviour.md")));
+    const QStringList groups = matches(text, "\\((`[a-z0-9-]+`(?:,\\s+`[a-z0-9-]+`)*)\\)");
+    QVERIFY(groups.size() > 1);
+    for (const QString& name : matches(groups.join(' '), "`([a-z0-9-]+)`")) {
+        QVERIFY2(scripts.exists(name + QStringLiteral(".keys")), qPrintable(name));
+    }
+}
+
+void ReferencesTest::testsOfTheFaultsExist()
+{
+    const QDir scripts(projectPath(QStringLiteral("tests/delivery/package")));
+    const QDir programs(projectPath(QStringLiteral("tests/delivery/target")));
+    QString sources;
+    for (const QString& name : programs.entryList({QStringLiteral("*.cpp")})) {
+        sources += textOf(programs.filePath(name));
+    }
+    const QStringList rows = matches(textOf(projectPath(QStringLiteral("docs/faults.md"))), "\n\\| (.+) \\|");
+    QVERIFY(rows.size() > 1);
+    for (const QString& row : rows) {
+        for (const QString& name : matches(row.section('|', -1), "`([^`]+)`")) {
+            QVERIFY2(scripts.exists(name) || sources.contains("::" + name + "()"), qPrintable(name));
+        }
+    }
+}
+
+void ReferencesTest::linesOfTheReadmeAreStatements_data()
+{
+    QTest::addColumn<QString>("line");
+    const QString text = textOf(projectPath(QStringLiteral("README.md")));
+    const QString table =
+        text.section(QStringLiteral("| to see | type |"), 1).section(QStringLiteral("\n\n"), 0, 0);
+    const QStringList lines = matches(table, "\\| `([^`]+)` \\|\n");
+    QVERIFY(lines.size() > 1);
+    for (const QString& line : lines) {
+        QTest::newRow(qPrintable(line)) << line;
+    }
+}
+
+void ReferencesTest::linesOfTheReadmeAreStatements()
+{
+    QFETCH(QString, line);
+    const ParsedScript parsed = parseKeyScriptSteps(QString(line).replace(';', '\n'));
+    QVERIFY2(parsed.faults.isEmpty(), qPrintable(parsed.faults.value(0).text));
+    QVERIFY(!parsed.script.steps.isEmpty());
+}
+
+/// The help of the prompt has the steps that the document has, and the parser knows each.
+void ReferencesTest::statementsOfTheHelpAreDocumented()
+{
+    const QString steps = textOf(projectPath(QStringLiteral("docs/key-scripts.md")))
+                              .section(QStringLiteral("## Steps"), 1)
+                              .section(QStringLiteral("## Expectations"), 0, 0);
+    QStringList documented;
+    for (const QString& line : steps.split('\n')) {
+        documented += matches(line.section('|', 1, 1), "`([a-z]+) ");
+    }
+    documented.removeDuplicates();
+    documented.sort();
+    QStringList offered = matches(statementHelp(), "(?m)^  ([a-z]+) ");
+    for (const QString& keyword : qAsConst(offered)) {
+        const QVector<ScriptFault> faults = parseKeyScriptSteps(keyword).faults;
+        QVERIFY2(faults.isEmpty() || !faults.first().text.contains("keyword"), qPrintable(keyword));
+    }
+    offered.sort();
+    QCOMPARE(offered, documented);
+}
+
+QTEST_GUILESS_MAIN(ReferencesTest)
+#include "ReferencesTest.moc"

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+// A service that the daemon waits for, as a program of its own: "state-handler" or "speechd". It declares
+// itself ready as the real one does.
+#include "simulator/device/SpeechDaemonStandIn.h"
+#include "tests/delivery/target/StateControl.h"
+
+#include <servicewatcher/ServiceWatcher.h>
+
+#include <QCoreApplication>
+
+namespace {
+
+const QString busAddress = QStringLiteral("unix:path=/run/dbus/system_bus_socket");
+const QString controlPath = QStringLiteral("/control");
+
+int run(const QString& name, bool appeared)
+{
+    if (!appeared) {
+        qCritical("%s does not get on the bus.", qPrintable(name));
+        return 1;
+    }
+    ServiceWatcher::setReady(name, true);
+    return QCoreApplication::exec();
+}
+
+int runStateHandler(const QString& name)
+{
+    StateHandlerStandIn stateHandler;
+    StateControl control(stateHandler);
+    QDBusConnection bus = QDBusConnection::systemBus();
+    return run(name, bus.registerObject(controlPath, &control, QDBusConnection::ExportScriptableInvokables) &&
+                         bus.registerService(QStringLiteral(KEYBOARD_HANDLER_BUS_PREFIX ".StateControl")) &&
+                         stateHandler.appear(busAddress));
+}
+
+int runSpeechDaemon(const QString& name)
+{
+    SpeechDaemonStandIn speech(QDBusConnection::systemBus());
+    return run(name, speech.appear());
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QString name = QCoreApplication::arguments().value(1);
+    ServiceWatcher::setReady(name, false);
+    return name == QLatin1String("speechd") ? runSpeechDaemon(name) : runStateHandler(name);
+}

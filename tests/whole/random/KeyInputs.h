@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tests/whole/random/Play.h"
+
+/// One key event that reaches the daemon: from the panel, from an odd record or from a command.
+struct KeyInput
+{
+    std::chrono::milliseconds at{0};
+    Place place;
+    int code = 0;
+    QString key;
+    int value = 0;
+    /// The operating state at that moment.
+    QString state;
+
+    /// In Startup nothing looks at the keys.
+    bool isSeen() const { return state != ls::StateId::Startup; }
+    bool isPress() const { return isSeen() && value == 1; }
+    bool isRelease() const { return isSeen() && value == 0; }
+    bool isRepeat() const { return isSeen() && value == 2; }
+};
+
+namespace KeyInputs {
+
+/// All key events of a script in their order, with the repetitions of held keys.
+QVector<KeyInput> of(const KeyScript& script);
+
+/// The operating state after so many steps, for 0 to all steps.
+QStringList statesOf(const KeyScript& script);
+
+/// The place of a timer that fires at `at`: ahead of the steps of that moment.
+Place timerPlace(const KeyScript& script, std::chrono::milliseconds at);
+
+} // namespace KeyInputs

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+#include "tests/whole/random/Invariants.h"
+
+#include <QRegularExpression>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+bool isSpeech(const Happening& happening)
+{
+    return happening.text.startsWith(QLatin1String("speak ")) || happening.text == QLatin1String("cancel");
+}
+
+bool isKnown(const QString& text)
+{
+    static const QRegularExpression shapes(QStringLiteral("^(cancel"
+                                                          "|announce \\w+ \\w+ (-|\\w+) \\w+( \\w+)?"
+                                                          "|speak EmbosserCore (0|1[7-9]|2[0-9]|3[01])"
+                                                          "|speak EmbosserError 69"
+                                                          "|speak EmbosserMenu 487"
+                                                          "|answer errorId=\\w+ (.* )?resultId=\\w+( .*)?"
+                                                          "|log.*)$"));
+    return shapes.match(text).hasMatch();
+}
+
+} // namespace
+
+namespace invariants {
+
+QString everythingHasAKnownShape(const Facts& facts)
+{
+    for (const Happening& happening : facts.play().happenings) {
+        if (!isKnown(happening.text)) {
+            return described(happening);
+        }
+    }
+    return {};
+}
+
+QString everythingHasItsTime(const Facts& facts)
+{
+    auto last = 0ms;
+    for (const Happening& happening : facts.play().happenings) {
+        const bool inStep = happening.place.isInStep();
+        const auto due = inStep ? facts.script().steps.at(happening.place.steps - 1).at : happening.at;
+        if (happening.at < last || happening.at != due || happening.at > facts.script().end) {
+            return described(happening);
+        }
+        last = happening.at;
+    }
+    return {};
+}
+
+QString timersDoNothingElse(const Facts& facts)
+{
+    for (const Happening& happening : facts.play().happenings) {
+        const bool isAllowed = happening.text.startsWith(QLatin1String("announce ")) ||
+                               happening.text == QLatin1String("speak EmbosserMenu 487") ||
+                               Facts::isRefusal(happening) || Facts::isUndefinedReceiver(happening);
+        if (!happening.place.isInStep() && !isAllowed) {
+            return described(happening);
+        }
+    }
+    for (const Announcement& announcement : facts.announcements()) {
+        if (!announcement.place.isInStep() && announcement.keys.size() != 1) {
+            return QStringLiteral("a gesture of two keys at %1 ms, where no step is")
+                .arg(announcement.at.count());
+        }
+    }
+    return {};
+}
+
+QString startupAnswersEachPress(const Facts& facts)
+{
+    static const QStringList answer{QStringLiteral("cancel"), QStringLiteral("speak EmbosserError 69")};
+    for (int i = 0; i < facts.script().steps.size(); ++i) {
+        QStringList spoken;
+        bool isRefused = false;
+        const QVector<Happening> happenings = facts.happenedIn(i);
+        for (const Happening& happening : happenings) {
+            isRefused = isRefused || happening.text == answer.last();
+            if (isSpeech(happening)) {
+                spoken.append(happening.text);
+            }
+        }
+        const KeyInput* input = facts.inputOf(i);
+        const bool isInStartup = input && !input->isSeen();
+        const QStringList due = isInStartup && input->value == 1 ? answer : QStringList();
+        if ((isInStartup || isRefused) && spoken != due) {
+            return QStringLiteral("step %1 is answered by \"%2\"")
+                .arg(i)
+                .arg(spoken.join(QStringLiteral(", ")));
+        }
+    }
+    return {};
+}
+
+QString startupAnnouncesNoKey(const Facts& facts)
+{
+    for (const Announcement& announcement : facts.announcements()) {
+        if (facts.stateAt(announcement.place) != ls::StateId::Startup) {
+            continue;
+        }
+        const bool isInKeyStep = announcement.place.isInStep() && facts.inputOf(announcement.place.steps - 1);
+        if (isInKeyStep || Facts::isSingleKey(announcement)) {
+            return QStringLiteral("%1 at %2 ms").arg(announcement.action).arg(announcement.at.count());
+        }
+    }
+    return {};
+}
+
+} // namespace invariants

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#include "tests/whole/random/Epilogue.h"
+#include "tests/whole/random/Invariants.h"
+
+using namespace std::chrono_literals;
+
+namespace invariants {
+
+QString nothingComesInTheQuiet(const Facts& facts)
+{
+    const auto begin = Epilogue::quietBegin(facts.script());
+    const auto end = Epilogue::lastPress(facts.script());
+    for (const Happening& happening : facts.play().happenings) {
+        if (happening.at >= begin && happening.at <= end) {
+            return described(happening);
+        }
+    }
+    return {};
+}
+
+QString theNextKeyWorks(const Facts& facts)
+{
+    constexpr auto window = 1500ms;
+    const auto release = Epilogue::lastRelease(facts.script());
+    QVector<QPair<std::chrono::milliseconds, QString>> seen;
+    for (const Happening& happening : facts.play().happenings) {
+        if (happening.at > Epilogue::lastPress(facts.script())) {
+            seen.append({happening.at, happening.text});
+        }
+    }
+    const bool isSpoken =
+        seen.size() == 2 && seen.first() == qMakePair(release, QStringLiteral("speak EmbosserCore 24"));
+    const QStringList words = isSpoken ? seen.last().second.split(QLatin1Char(' ')) : QStringList();
+    const bool isSent = words.mid(0, 3).join(' ') == QLatin1String("announce SingleKey UserMenu") &&
+                        words.mid(4) == QStringList(ls::KeyId::Up) && seen.last().first == release + window;
+    return isSent ? QString() : QStringLiteral("%1 things come of the last key").arg(seen.size());
+}
+
+} // namespace invariants

@@ -1,0 +1,232 @@
+// SPDX-License-Identifier: MIT
+#include "tests/workbench/card/CardDevice.h"
+
+#include "service/KeyboardHandler.h"
+#include "vocabulary/Vocabulary.h"
+#include "workbench/card/CardVocabulary.h"
+
+#include <ls/Identifiers.h>
+#include <ls/MessageKeys.h>
+
+#include <QDir>
+#include <QRegularExpression>
+
+using namespace std::chrono_literals;
+using std::chrono::milliseconds;
+
+namespace {
+
+constexpr int tapTime = 50;
+constexpr int chordTime = 100;
+constexpr int window = 1500;
+constexpr int longestHold = 60000;
+constexpr int rowHold = 12000; // longer than any time in the rows of these tests that is tried out
+
+struct Release
+{
+    int at;
+    QString key;
+};
+
+QString text(int at, const QString& action, const QString& receiver)
+{
+    return QStringLiteral("%1 %2 %3").arg(QString::number(at), action, receiver);
+}
+
+/// When `play` lets go of the keys.
+QVector<Release> releasesOf(const KeyCardEntry& entry)
+{
+    switch (entry.kind) {
+    case KeyCardKind::Single:
+    case KeyCardKind::Combination: {
+        QVector<Release> releases;
+        for (const QString& key : entry.keys) {
+            releases.append({(2 * releases.size() + 1) * tapTime, key});
+        }
+        return releases;
+    }
+    case KeyCardKind::Shortcut:
+        return {{chordTime + tapTime, entry.keys.last()}, {chordTime + 2 * tapTime, entry.keys.first()}};
+    case KeyCardKind::Long:
+    case KeyCardKind::Hold:
+        break;
+    }
+    return {{qMin(entry.holdMs, longestHold), entry.keys.first()}};
+}
+
+int timeOf(const KeyCardEntry& entry)
+{
+    return entry.kind == KeyCardKind::Shortcut ? chordTime : releasesOf(entry).last().at;
+}
+
+/// The single key `key`, announced at `at`.
+QStringList singleKey(int at, const QString& key, const KeyCardState& card)
+{
+    QStringList texts;
+    for (const KeyCardEntry& entry : card.entries) {
+        if (entry.kind == KeyCardKind::Single && entry.keys.first() == key) {
+            for (const QString& receiver : entry.receivers) {
+                texts.append(text(at, entry.action, receiver));
+            }
+        }
+    }
+    return texts;
+}
+
+/// The lone key `key`, released at `at` and announced when the notes of its own entry say so.
+QStringList loneKey(int at, const QString& key, const KeyCardState& card)
+{
+    bool waits = false;
+    for (const KeyCardEntry& entry : card.entries) {
+        if (entry.kind == KeyCardKind::Single && entry.keys.first() == key) {
+            waits = entry.notes.join(' ').contains("announced 1500 ms", Qt::CaseInsensitive);
+        }
+    }
+    return singleKey(at + (waits ? window : 0), key, card);
+}
+
+/// The single keys that the notes of another entry tell of.
+QStringList expectedBesides(const KeyCardEntry& entry, const KeyCardState& card)
+{
+    const QString notes = entry.notes.join(' ');
+    const QVector<Release> releases = releasesOf(entry);
+    const bool isCombination = entry.kind == KeyCardKind::Combination;
+    bool menuCame = false;
+    QStringList texts;
+    for (int i = 0; i < releases.size(); ++i) {
+        const bool isLast = i == releases.size() - 1;
+        const Release& release = releases.at(i);
+        const bool isAfterHelp = i > 0 && releases.at(i - 1).key == ls::KeyId::Help;
+        const bool isMenu = release.key == ls::KeyId::Menu && !isAfterHelp && (isLast || !isCombination);
+        if (notes.contains("Each release is also announced")) {
+            texts += singleKey(release.at, release.key, card);
+        } else if (isMenu && notes.contains("Menu is also announced")) {
+            texts += singleKey(release.at, release.key, card);
+            menuCame = true;
+        } else if (isLast && (notes.contains("The key released last is also announced") ||
+                              (menuCame && notes.contains("a key released after it is announced")))) {
+            texts += singleKey(release.at + window, release.key, card);
+        }
+    }
+    return texts;
+}
+
+} // namespace
+
+CardDevice::CardDevice(const KeyLists& lists, const QString& model, const QString& state)
+{
+    m_device.removeKeyLists();
+    QDir().mkpath(vocabulary::dataDirectory);
+    for (auto it = lists.cbegin(); it != lists.cend(); ++it) {
+        m_device.setKeyList(it.key(), it.value());
+    }
+    m_device.setModel(model);
+    m_device.start(state);
+    const milliseconds start = VirtualDevice::clock().now();
+    QObject::connect(&m_device.handler(), &KeyboardHandler::notification, &m_device,
+                     [this, start](const QVariantMap& map) {
+                         const milliseconds at = VirtualDevice::clock().now() - start;
+                         m_heard.append(text(int(at.count()), map.value(ls::actionIdKey).toString(),
+                                             map.value(ls::receiverIdKey).toString()));
+                     });
+}
+
+void CardDevice::play(const KeyCardEntry& entry)
+{
+    switch (entry.kind) {
+    case KeyCardKind::Single:
+    case KeyCardKind::Combination:
+        tapInTurn(entry.keys);
+        break;
+    case KeyCardKind::Shortcut:
+        chord(entry.keys.first(), entry.keys.last());
+        break;
+    case KeyCardKind::Long:
+    case KeyCardKind::Hold:
+        hold(entry.keys.first(), qMin(entry.holdMs, longestHold));
+        break;
+    }
+    m_device.wait(5s);
+}
+
+void CardDevice::tryOut(const KeyCardNever& row)
+{
+    QStringList keys;
+    for (const QString& key : row.keys) {
+        if (CardVocabulary::isPanelKey(key)) {
+            keys.append(key);
+        }
+    }
+    if (!keys.isEmpty() && row.kind == KeyCardKind::Long) {
+        hold(keys.first(), rowHold);
+    } else if (!keys.isEmpty() && row.kind == KeyCardKind::Shortcut) {
+        chord(keys.first(), keys.last());
+    } else {
+        tapInEveryWay(keys.size() == 1 ? keys + keys : keys);
+    }
+    m_device.wait(5s);
+}
+
+QStringList CardDevice::heardAbout(const KeyCardEntry& entry) const
+{
+    QStringList texts;
+    for (const QString& text : m_heard) {
+        const QString outcome = text.section(' ', 1);
+        if (outcome.startsWith(entry.action + ' ') ||
+            outcome.startsWith(ls::KeyboardActionId::SingleKey + ' ')) {
+            texts.append(text);
+        }
+    }
+    return texts;
+}
+
+QStringList CardDevice::expected(const KeyCardEntry& entry, const KeyCardState& card)
+{
+    if (entry.kind == KeyCardKind::Single || entry.holdMs > longestHold) {
+        return loneKey(timeOf(entry), entry.keys.first(), card);
+    }
+    const QRegularExpression times(QStringLiteral("Announced (\\d+) times"));
+    const int count = qMax(1, times.match(entry.notes.join(' ')).captured(1).toInt());
+    QStringList texts;
+    for (int i = 0; i < count; ++i) {
+        texts.append(text(timeOf(entry), entry.action, entry.receivers.first()));
+    }
+    return texts + expectedBesides(entry, card);
+}
+
+void CardDevice::hold(const QString& key, int duration)
+{
+    m_device.hold(key, milliseconds(duration));
+}
+
+void CardDevice::tapInTurn(const QStringList& keys)
+{
+    for (const QString& key : keys) {
+        m_device.hold(key, milliseconds(tapTime));
+        m_device.wait(milliseconds(tapTime));
+    }
+}
+
+/// Also after another key, which may open another row, and after Help, which makes Menu wait.
+void CardDevice::tapInEveryWay(const QStringList& keys)
+{
+    tapInTurn(keys);
+    for (const QString& key : CardVocabulary::panelKeys()) {
+        for (const QStringList& before : {QStringList{key}, QStringList{key, ls::KeyId::Help}}) {
+            m_device.wait(5s);
+            tapInTurn(before + keys);
+        }
+    }
+}
+
+void CardDevice::chord(const QString& held, const QString& pressed)
+{
+    const int device = held == pressed ? 1 : 0; // one key is on both devices
+    m_device.press(0, held);
+    m_device.wait(milliseconds(chordTime));
+    m_device.press(device, pressed);
+    m_device.wait(milliseconds(tapTime));
+    m_device.release(device, pressed);
+    m_device.wait(milliseconds(tapTime));
+    m_device.release(0, held);
+}

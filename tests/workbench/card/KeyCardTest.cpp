@@ -1,0 +1,361 @@
+// SPDX-License-Identifier: MIT
+#include "workbench/card/KeyCard.h"
+#include "tests/workbench/card/CardKeyLists.h"
+
+#include <QJsonArray>
+#include <QtTest>
+
+namespace {
+
+QJsonObject stateOf(const KeyLists& lists, const QString& state, const QString& model = "Pellit")
+{
+    for (const QJsonValue& card : KeyCard::from(lists, model).toJson().value("states").toArray()) {
+        if (card["state"].toString() == state) {
+            return card.toObject();
+        }
+    }
+    return {};
+}
+
+/// The entry of this kind for `keys`, which are separated by blanks.
+QJsonObject entryOf(const QJsonObject& state, const QString& kind, const QString& keys)
+{
+    for (const QJsonValue& entry : state.value("entries").toArray()) {
+        if (entry["kind"].toString() == kind && entry["keys"].toVariant().toStringList().join(' ') == keys) {
+            return entry.toObject();
+        }
+    }
+    return {};
+}
+
+QStringList statesOf(const KeyLists& lists)
+{
+    QStringList states;
+    for (const KeyCardState& state : KeyCard::from(lists, "Pellit").states) {
+        states.append(state.state);
+    }
+    return states;
+}
+
+/// "ROW WHY" of each row that never works.
+QStringList reasons(const KeyLists& lists)
+{
+    QStringList texts;
+    for (const KeyCardNever& row : KeyCard::from(lists, "Pellit").never) {
+        texts.append(QString::number(row.row) + ' ' + row.why);
+    }
+    return texts;
+}
+
+QStringList g_log;
+
+} // namespace
+
+/// What a card says. That it is true is tested by playing it.
+class KeyCardTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void entriesAreDescribed_data();
+    void entriesAreDescribed();
+    void notesOfEntries_data();
+    void notesOfEntries();
+    void nothingCanBeDoneInStartup();
+    void statesAreThoseOfTheDevice();
+    void unknownStateIsOnTheCardOfARowThatNamesIt();
+    void rowsThatNeverWorkAreExplained_data();
+    void rowsThatNeverWorkAreExplained();
+    void rowsThatNeverWorkAreDescribed();
+    void filesThatCannotBeReadAreNoted_data();
+    void filesThatCannotBeReadAreNoted();
+    void nothingIsLogged();
+    void hugeListsAreTaken_data();
+    void hugeListsAreTaken();
+};
+
+void KeyCardTest::entriesAreDescribed_data()
+{
+    QTest::addColumn<QString>("state");
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("keys");
+    QTest::addColumn<QString>("how");
+    QTest::addColumn<int>("holdMs");
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QStringList>("receivers");
+    QTest::newRow("lone key") << "Idle"
+                              << "single"
+                              << "Up"
+                              << "Press and release Up." << 0 << "SingleKey" << QStringList{"UserMenu"};
+    QTest::newRow("lone key for two")
+        << "Idle"
+        << "single"
+        << "Feed"
+        << "Press and release Feed." << 0 << "SingleKey" << QStringList{"PrintManager", "UserMenu"};
+    QTest::newRow("key while updating")
+        << "Update"
+        << "single"
+        << "Feed"
+        << "Press and release Feed." << 0 << "SingleKey" << QStringList{"UpdateManager"};
+    QTest::newRow("long press") << "Error"
+                                << "long"
+                                << "Menu"
+                                << "Hold Menu for 2.25 seconds." << 2250 << "MainMenu"
+                                << QStringList{"UserMenu"};
+    QTest::newRow("combination") << "Idle"
+                                 << "combination"
+                                 << "Help Feed"
+                                 << "Press and release Help, then Feed." << 0 << "PaperStatus"
+                                 << QStringList{"PrintManager"};
+    QTest::newRow("combination of three") << "Idle"
+                                          << "combination"
+                                          << "Function Help One"
+                                          << "Press and release Function, then Help, then One." << 0
+                                          << "PrintSelfTest" << QStringList{"PrintManager"};
+    QTest::newRow("shortcut") << "PrintOff"
+                              << "shortcut"
+                              << "Feed Ok"
+                              << "Hold Feed and press Ok." << 0 << "LoadPaper" << QStringList{"PrintManager"};
+    QTest::newRow("factory reset") << "Print"
+                                   << "hold"
+                                   << "FactoryReset"
+                                   << "Hold FactoryReset for 5 seconds." << 5000 << "FactoryReset"
+                                   << QStringList{"WwwApi"};
+}
+
+void KeyCardTest::entriesAreDescribed()
+{
+    QFETCH(QString, state);
+    QFETCH(QString, kind);
+    QFETCH(QString, keys);
+    QFETCH(int, holdMs);
+    const QJsonObject entry = entryOf(stateOf(CardKeyLists::installed(), state), kind, keys);
+    QTEST(entry["how"].toString(), "how");
+    QTEST(entry["action"].toString(), "action");
+    QTEST(entry["receivers"].toVariant().toStringList(), "receivers");
+    QCOMPARE(entry["holdMs"].toInt(), holdMs);
+    QCOMPARE(entry.contains("holdMs"), holdMs > 0);
+}
+
+void KeyCardTest::notesOfEntries_data()
+{
+    QTest::addColumn<QString>("lists");
+    QTest::addColumn<QString>("state");
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("keys");
+    QTest::addColumn<QStringList>("notes");
+    QTest::newRow("several times") << "long presses"
+                                   << "Idle"
+                                   << "long"
+                                   << "Up"
+                                   << QStringList{"There is no state \"\".", "No key counts in Startup.",
+                                                  "Announced 2 times."};
+    QTest::newRow("single key as well") << "long presses"
+                                        << "Print"
+                                        << "long"
+                                        << "Up"
+                                        << QStringList{"There is no state \"\".", "No key counts in Startup.",
+                                                       "Each release is also announced as a single key."};
+    QTest::newRow("Menu that opens") << "Menu after a Help that opens nothing"
+                                     << "Idle"
+                                     << "combination"
+                                     << "Help Menu Up"
+                                     << QStringList{"Without Help before it, Menu is announced at once."};
+    QTest::newRow("Menu that closes") << "Menu after a Help that opens nothing"
+                                      << "Idle"
+                                      << "combination"
+                                      << "Chs Menu" << QStringList{"Menu is also announced as a single key."};
+    QTest::newRow("longer row that a pair begins")
+        << "closing key begins a longer row"
+        << "Idle"
+        << "combination"
+        << "Help Ok Up Feed" << QStringList{"Row 1 is complete with Ok and begins the sequence."};
+    QTest::newRow("longer row that Menu begins as the end of a pair")
+        << "Menu closes after a Help between and begins a longer row"
+        << "Idle"
+        << "combination"
+        << "Chs Help Menu Ok Help"
+        << QStringList{"Row 1 is complete with Menu and begins the sequence.",
+                       "Without Help before it, Menu is announced at once."};
+    QTest::newRow("Menu after Help") << "Menu after a Help that opens a row"
+                                     << "Idle"
+                                     << "combination"
+                                     << "Help Menu" << QStringList{};
+}
+
+void KeyCardTest::notesOfEntries()
+{
+    QFETCH(QString, lists);
+    QFETCH(QString, state);
+    QFETCH(QString, kind);
+    QFETCH(QString, keys);
+    const QJsonObject entry = entryOf(stateOf(CardKeyLists::odd().value(lists), state), kind, keys);
+    QVERIFY(!entry.isEmpty());
+    QTEST(entry["notes"].toVariant().toStringList(), "notes");
+}
+
+void KeyCardTest::nothingCanBeDoneInStartup()
+{
+    const QJsonObject startup = stateOf(CardKeyLists::installed(), "Startup");
+    QCOMPARE(startup["entries"].toArray(), QJsonArray{});
+    QCOMPARE(startup["notes"].toArray().size(), 1);
+}
+
+void KeyCardTest::statesAreThoseOfTheDevice()
+{
+    QCOMPARE(statesOf(CardKeyLists::installed()),
+             (QStringList{"Startup", "Idle", "Print", "PrintOff", "Update", "Error"}));
+}
+
+void KeyCardTest::unknownStateIsOnTheCardOfARowThatNamesIt()
+{
+    const KeyLists lists = CardKeyLists::odd().value("shortcuts");
+    QCOMPARE(statesOf(lists).last(), "Undefined");
+    QVERIFY(!entryOf(stateOf(lists, "Undefined"), "shortcut", "Ten One").isEmpty());
+}
+
+void KeyCardTest::rowsThatNeverWorkAreExplained_data()
+{
+    QTest::addColumn<QString>("lists");
+    QTest::addColumn<QStringList>("reasons");
+    QTest::newRow("long presses") << "long presses"
+                                  << QStringList{
+                                         "1 The last row for a key decides, and for Help that is row 2.",
+                                         "5 There is no state \"Idle \".",
+                                         "6 No key counts in Startup.",
+                                         "7 The action is dropped, because its receiver is \"Undefined\".",
+                                         "8 The panel has no key \"Bell\".",
+                                         "9 The panel has no key \"Unknown\".",
+                                         "10 The row names no key.",
+                                         "14 There is no state \"Dreaming\". There is no state \"idle\"."};
+    QTest::newRow("shortcuts")
+        << "shortcuts"
+        << QStringList{"1 The action is dropped, because its receiver is \"Undefined\".",
+                       "2 The first row for a pair of keys counts, and for Function and Up that is row 1.",
+                       "6 Only a long press can join states: there is no state \"Idle|Print\".",
+                       "7 The first row for a pair of keys counts, and for Ok and Chs that is row 6.",
+                       "8 No key counts in Startup.",
+                       "10 The panel has no key \"Bell\".",
+                       "12 The row names no key."};
+    QTest::newRow("longer row hides others")
+        << "longer row hides others"
+        << QStringList{"2 The row names no key.",
+                       "5 Row 3 has three or more keys and hides the rows behind it.",
+                       "6 No combination can begin in Print: each key is announced and forgotten there.",
+                       "7 Only the first row of three or more keys can match, and that is row 3.",
+                       "8 Row 7 has three or more keys and hides the rows behind it."};
+    QTest::newRow("pair breaks longer row")
+        << "pair breaks longer row"
+        << QStringList{"2 Row 1 is complete with Up and breaks the sequence.",
+                       "3 It could come only with row 2, which never matches: Row 1 is complete with Up and "
+                       "breaks the "
+                       "sequence."};
+    QTest::newRow("Menu after a Help that opens a row")
+        << "Menu after a Help that opens a row"
+        << QStringList{"1 Menu is announced at its release, and all keys before it are forgotten.",
+                       "3 The panel has no key \"Bell\"."};
+    QTest::newRow("Menu in the middle")
+        << "Menu in the middle"
+        << QStringList{"1 Menu is announced at its release, and all keys before it are forgotten.",
+                       "2 It could come only with row 1, which never matches: Menu is announced at its "
+                       "release, and all keys before it are forgotten."};
+    QTest::newRow("closing key begins a longer row")
+        << "closing key begins a longer row"
+        << QStringList{
+               "5 It could come only with row 3, which does not match after Ok: Row 2 is complete with "
+               "Up and breaks the sequence."};
+    QTest::newRow("closing Menu begins a longer row") << "closing Menu begins a longer row" << QStringList{};
+    QTest::newRow("closing key begins a longer row and breaks it")
+        << "closing key begins a longer row and breaks it"
+        << QStringList{"3 Row 2 is complete with Up and breaks the sequence.",
+                       "4 It could come only with row 3, which never matches: Row 2 is complete with Up and "
+                       "breaks the sequence."};
+    QTest::newRow("odd texts") << "odd texts" << QStringList{"1 There is no state \"%1\"."};
+}
+
+void KeyCardTest::rowsThatNeverWorkAreExplained()
+{
+    QFETCH(QString, lists);
+    QTEST(reasons(CardKeyLists::odd().value(lists)), "reasons");
+}
+
+void KeyCardTest::rowsThatNeverWorkAreDescribed()
+{
+    const KeyLists lists{{"shortcutKeyList.json",
+                          R"({"ShortcutKeys": [7, {"keys": ["Up", "Bell"], "eAction": "Ring",
+                              "receiverService": "UserMenu", "validOnState": "Idle"}]})"}};
+    const QJsonArray never = KeyCard::from(lists, "Pellit").toJson()["never"].toArray();
+    const QJsonObject row{{"kind", "shortcut"},
+                          {"row", 1},
+                          {"keys", QJsonArray{"Up", "Bell"}},
+                          {"action", "Ring"},
+                          {"receiver", "UserMenu"},
+                          {"validOnState", "Idle"},
+                          {"why", "The panel has no key \"Bell\"."}};
+    QCOMPARE(never, QJsonArray{row});
+}
+
+void KeyCardTest::filesThatCannotBeReadAreNoted_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<bool>("isNoted");
+    QTest::newRow("nothing") << QByteArray() << true;
+    QTest::newRow("broken") << QByteArray("{\"LongKeys\": [") << true;
+    QTest::newRow("array") << QByteArray("[]") << true;
+    QTest::newRow("no section") << QByteArray("{}") << true;
+    QTest::newRow("section that is no list") << QByteArray("{\"LongKeys\": {}}") << true;
+    QTest::newRow("over 1 MiB") << QByteArray("{\"LongKeys\": []}").leftJustified(1024 * 1024 + 1) << true;
+    QTest::newRow("1 MiB") << QByteArray("{\"LongKeys\": []}").leftJustified(1024 * 1024) << false;
+    QTest::newRow("empty list") << QByteArray("{\"LongKeys\": []}") << false;
+}
+
+void KeyCardTest::filesThatCannotBeReadAreNoted()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(bool, isNoted);
+    KeyLists lists = CardKeyLists::installed();
+    lists.insert("longKeyList.json", content);
+    const QJsonArray notes = KeyCard::from(lists, "Pellit").toJson()["notes"].toArray();
+    QCOMPARE(notes,
+             isNoted ? QJsonArray{"longKeyList.json has no list that can be read, so none of its rows count."}
+                     : QJsonArray{});
+}
+
+void KeyCardTest::nothingIsLogged()
+{
+    qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString& text) { g_log.append(text); });
+    const KeyCard card = KeyCard::from({}, "Pellit");
+    qCritical("still heard");
+    qInstallMessageHandler(nullptr);
+    QCOMPARE(card.notes.size(), 3);
+    QCOMPARE(g_log, QStringList{"still heard"});
+}
+
+void KeyCardTest::hugeListsAreTaken_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QByteArray>("content");
+    const QByteArray longer = "{\"keys\":[\"Up\"" + QByteArray(",\"Up\"").repeated(50000) + "]}";
+    const QByteArray pair = ",{\"keys\":[\"Up\",\"Up\"],\"eAction\":\"A\",\"validOnState\":\"Idle\"}";
+    QTest::newRow("many pairs with the ends of a very long row")
+        << QByteArray("modifierKeyList.json") << "{\"ModifierKeys\":[" + longer + pair.repeated(10000) + "]}";
+    QTest::newRow("many pairs before a very long row")
+        << QByteArray("modifierKeyList.json")
+        << "{\"ModifierKeys\":[{}" + QByteArray(pair).replace("\"Up\"]", "\"Ok\"]").repeated(10000) + "," +
+               longer + "]}";
+    QTest::newRow("many states") << QByteArray("longKeyList.json")
+                                 << "{\"LongKeys\":[{\"keys\":[\"Up\"],\"validOnState\":\"Idle" +
+                                        QByteArray("|Idle|x").repeated(100000) + "\"}]}";
+}
+
+void KeyCardTest::hugeListsAreTaken()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(QByteArray, content);
+    const KeyCard card = KeyCard::from({{name, content}}, "Pellit");
+    QVERIFY(QJsonDocument(card.toJson()).toJson().size() < 16 * content.size());
+}
+
+QTEST_GUILESS_MAIN(KeyCardTest)
+#include "KeyCardTest.moc"

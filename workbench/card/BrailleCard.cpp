@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+#include "workbench/card/BrailleCard.h"
+
+#include "workbench/card/BraillePages.h"
+#include "workbench/card/BrailleWords.h"
+#include "workbench/card/CardSentences.h"
+
+#include <algorithm>
+
+namespace {
+
+bool isAlike(const KeyCardEntry& one, const KeyCardEntry& other)
+{
+    return one.kind == other.kind && one.receivers == other.receivers && one.notes == other.notes;
+}
+
+/// Single keys with the same outcome become one entry with several keys.
+QVector<KeyCardEntry> withSingleKeysJoined(const QVector<KeyCardEntry>& entries)
+{
+    QVector<KeyCardEntry> joined;
+    for (const KeyCardEntry& entry : entries) {
+        const auto same =
+            entry.kind == KeyCardKind::Single
+                ? std::find_if(joined.begin(), joined.end(),
+                               [&entry](const KeyCardEntry& other) { return isAlike(entry, other); })
+                : joined.end();
+        if (same == joined.end()) {
+            joined.append(entry);
+        } else {
+            same->keys += entry.keys;
+        }
+    }
+    return joined;
+}
+
+QString textOf(const KeyCardEntry& entry)
+{
+    const QStringList sentences{entry.how(), CardSentences::outcome(entry.action, entry.receivers)};
+    return (sentences + entry.notes).join(QLatin1Char(' '));
+}
+
+/// Writes a card on pages.
+class CardWriter
+{
+public:
+    CardWriter(const QString& model, BrailleWords& words) : m_model(model), m_words(words) {}
+
+    void begin(const QString& section)
+    {
+        m_pages.beginSection(m_words.of(QStringLiteral("Key card %1: %2").arg(m_model, section)));
+        m_pages.addHeading(m_words.of(section));
+    }
+    void add(const QString& text) { m_pages.addParagraph(m_words.of(text)); }
+    void add(const QStringList& texts)
+    {
+        for (const QString& text : texts) {
+            add(text);
+        }
+    }
+
+    QByteArray bytes() const { return m_pages.bytes(); }
+
+private:
+    QString m_model;
+    BrailleWords& m_words;
+    BraillePages m_pages;
+};
+
+void write(const KeyCardState& state, CardWriter& writer)
+{
+    writer.begin(state.state);
+    writer.add(state.notes);
+    for (const KeyCardEntry& entry : withSingleKeysJoined(state.entries)) {
+        writer.add(textOf(entry));
+    }
+}
+
+} // namespace
+
+QByteArray brailleCard(const KeyCard& card, QString* error)
+{
+    BrailleWords words;
+    if (!words.isUsable()) {
+        if (error) {
+            *error = QStringLiteral("The tables of liblouis (%1) are missing.").arg(BrailleWords::tables());
+        }
+        return {};
+    }
+    CardWriter writer(card.model, words);
+    if (!card.notes.isEmpty()) {
+        writer.begin(QStringLiteral("Notes"));
+        writer.add(card.notes);
+    }
+    for (const KeyCardState& state : card.states) {
+        write(state, writer);
+    }
+    if (!card.never.isEmpty()) {
+        writer.begin(QStringLiteral("Rows that never work"));
+        for (const KeyCardNever& row : card.never) {
+            writer.add(CardSentences::rowThatFails(row) + QLatin1Char(' ') + row.why);
+        }
+    }
+    return writer.bytes();
+}

@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: MIT
+#include "workbench/card/CardSentences.h"
+
+#include "keys/KeyRules.h"
+#include "vocabulary/Vocabulary.h"
+
+#include <ls/Identifiers.h>
+
+#include <algorithm>
+
+namespace {
+
+const QString comma = QStringLiteral(", ");
+
+QString shown(const QString& text)
+{
+    return text.trimmed().isEmpty() ? QStringLiteral("(empty)") : text;
+}
+
+/// "Up", "Up and Down", "Up, Down and Ok".
+QString enumeration(const QStringList& words, const QString& conjunction)
+{
+    if (words.size() < 2) {
+        return words.join(QString());
+    }
+    return words.mid(0, words.size() - 1).join(comma) + conjunction + words.last();
+}
+
+QString seconds(int milliseconds)
+{
+    return QString::number(milliseconds / 1000.0, 'f', milliseconds % 1000 == 0 ? 0 : 2);
+}
+
+/// `text` with the time for which a released key waits, in the place of %1.
+QString withWait(const QString& text)
+{
+    return text.arg(QStringLiteral("%1 ms").arg(KeyRules::singleKeyInterval.count()));
+}
+
+QString combination(const QStringList& keys)
+{
+    QString text = QStringLiteral("Press and release ") + keys.value(0);
+    for (int i = 1; i < keys.size(); ++i) {
+        text += QStringLiteral(", then ") + keys.at(i);
+        text += keys.at(i) == keys.at(i - 1) ? QStringLiteral(" again") : QString();
+    }
+    return text + QLatin1Char('.');
+}
+
+QString shortcut(const QStringList& keys)
+{
+    const QString opening = keys.value(0);
+    const QString closing = keys.value(1);
+    return opening == closing
+               ? QStringLiteral("Hold %1 on one input device and press %1 on the other.").arg(opening)
+               : QStringLiteral("Hold %1 and press %2.").arg(opening, closing);
+}
+
+QString single(const QStringList& keys)
+{
+    const QString text = keys.size() > 1 ? QStringLiteral("Press and release one of %1.")
+                                         : QStringLiteral("Press and release %1.");
+    return text.arg(enumeration(keys, QStringLiteral(" or ")));
+}
+
+/// Menu waits for nothing in Idle, and forgets what was before it, unless it comes right after Help.
+QString menuNote(const KeyCardEntry& entry)
+{
+    const bool isCombination = entry.kind == KeyCardKind::Combination;
+    if (isCombination) {
+        const bool comesAfterHelp = entry.keys.value(entry.keys.size() - 2) == ls::KeyId::Help;
+        return entry.keys.last() == ls::KeyId::Menu && !comesAfterHelp
+                   ? QStringLiteral("Menu is also announced as a single key.")
+                   : QString();
+    }
+    if (!entry.keys.contains(ls::KeyId::Menu)) {
+        return {};
+    }
+    const QString note =
+        QStringLiteral("Menu is also announced as a single key when it is released, unless Help "
+                       "was released just before");
+    return note + (entry.kind == KeyCardKind::Shortcut
+                       ? QStringLiteral("; a key released after it is announced as a single key, too.")
+                       : QStringLiteral("."));
+}
+
+QStringList idleNotes(const KeyCardEntry& entry)
+{
+    QStringList notes{menuNote(entry)};
+    if (entry.action == ls::KeyboardActionId::SingleKey) {
+        notes.append(
+            QStringLiteral("The key released last is also announced as a single key, because this action "
+                           "does not silence its keys."));
+    }
+    notes.removeAll(QString());
+    return notes;
+}
+
+} // namespace
+
+QString CardSentences::nameOf(KeyCardKind kind)
+{
+    switch (kind) {
+    case KeyCardKind::Single:
+        return QStringLiteral("single");
+    case KeyCardKind::Long:
+        return QStringLiteral("long");
+    case KeyCardKind::Combination:
+        return QStringLiteral("combination");
+    case KeyCardKind::Shortcut:
+        return QStringLiteral("shortcut");
+    case KeyCardKind::Hold:
+        return QStringLiteral("hold");
+    }
+    return {};
+}
+
+QString CardSentences::how(KeyCardKind kind, const QStringList& keys, int holdMs)
+{
+    switch (kind) {
+    case KeyCardKind::Single:
+        return single(keys);
+    case KeyCardKind::Combination:
+        return combination(keys);
+    case KeyCardKind::Shortcut:
+        return shortcut(keys);
+    case KeyCardKind::Long:
+    case KeyCardKind::Hold:
+        return QStringLiteral("Hold %1 for %2 seconds.").arg(keys.value(0), seconds(holdMs));
+    }
+    return {};
+}
+
+QString CardSentences::outcome(const QString& action, const QStringList& receivers)
+{
+    QStringList names;
+    for (const QString& receiver : receivers) {
+        names.append(shown(receiver));
+    }
+    return QStringLiteral("%1 to %2.").arg(shown(action), enumeration(names, QStringLiteral(" and ")));
+}
+
+QString CardSentences::rowThatFails(const KeyCardNever& row)
+{
+    return QStringLiteral("Row %1 (%2, %3), valid in %4: %5")
+        .arg(QString::number(row.row), nameOf(row.kind), shown(row.keys.join(comma)), shown(row.validOnState),
+             outcome(row.action, {row.receiver}));
+}
+
+QStringList CardSentences::singleNotes(const QString& key, const QString& state, bool isOrvane)
+{
+    if (state != ls::StateId::Idle) {
+        return {QStringLiteral("Announced at the release, not spoken.")};
+    }
+    if (key == ls::KeyId::Menu) {
+        return {withWait(
+            QStringLiteral("Announced at the release, not spoken; within %1 after Help it is spoken and "
+                           "waits like other keys."))};
+    }
+    if (KeyRules::isSilent(key, isOrvane)) {
+        return {withWait(QStringLiteral("Announced %1 after the release, not spoken."))};
+    }
+    if (!vocabulary::keyNames().contains(key)) {
+        return {withWait(QStringLiteral("Spoken as sentence 0 at the release, announced %1 later."))};
+    }
+    return {withWait(QStringLiteral("Spoken at the release, announced %1 later."))};
+}
+
+QStringList CardSentences::entryNotes(const KeyCardEntry& entry, const QString& state, int timesAnnounced)
+{
+    QStringList notes;
+    if (timesAnnounced > 1) {
+        notes.append(QStringLiteral("Announced %1 times.").arg(timesAnnounced));
+    }
+    if (state == ls::StateId::Idle) {
+        return notes + idleNotes(entry);
+    }
+    return notes << QStringLiteral("Each release is also announced as a single key.");
+}
+
+QStringList CardSentences::stateNotes(const KeyCardState& state)
+{
+    if (state.state == ls::StateId::Startup) {
+        return {QStringLiteral(
+            "No key counts: each press is answered with the sentence that the device is starting "
+            "up.")};
+    }
+    if (state.state == vocabulary::undefined) {
+        return {QStringLiteral("The state is not known, because the state handler gave no answer.")};
+    }
+    if (state.state != ls::StateId::Idle) {
+        return {};
+    }
+    QStringList notes{
+        withWait(QStringLiteral("A single key is announced only if no other key is released while it waits. "
+                                "Within %1 after the last release of another action, single keys but Menu "
+                                "are lost."))};
+    const auto isCombination = [](const KeyCardEntry& entry) {
+        return entry.kind == KeyCardKind::Combination;
+    };
+    if (std::any_of(state.entries.cbegin(), state.entries.cend(), isCombination)) {
+        notes.append(withWait(
+            QStringLiteral("In a combination, each key is released within %1 after the one before.")));
+    }
+    return notes;
+}

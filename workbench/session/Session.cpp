@@ -1,0 +1,348 @@
+// SPDX-License-Identifier: MIT
+#include "workbench/session/Session.h"
+
+#include "simulator/device/DaemonWatch.h"
+#include "simulator/device/SimulatedDevice.h"
+#include "simulator/script/KeyListJson.h"
+#include "simulator/script/KeyScriptText.h"
+#include "workbench/session/SessionReporter.h"
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto readinessInterval = 20ms;
+constexpr std::chrono::milliseconds readinessPatience = 20s;
+constexpr int mostPendingSteps = 1000;
+constexpr int longestStatements = 64 * 1024;
+constexpr qint64 mostPendingInput = 256 * 1024;
+constexpr int nobody = 0;
+constexpr int replayClient = -1;
+
+QVector<ScriptFault> fault(const QString& sentence)
+{
+    return {{0, sentence}};
+}
+
+} // namespace
+
+Session::Session(const DeviceOptions& options, QObject* parent) : QObject(parent), m_makeUp(options)
+{
+    m_buildTimer.setSingleShot(true);
+    connect(&m_buildTimer, &QTimer::timeout, this, &Session::build);
+    connect(&m_readinessTimer, &QTimer::timeout, this, &Session::awaitReadiness);
+    connect(&m_steps, &StepQueue::stepping, this, &Session::onStepping);
+    connect(&m_steps, &StepQueue::finished, this, [this](int client) {
+        if (client == replayClient) {
+            endReplay(entry::Replay::Status::Finished);
+        }
+    });
+}
+
+Session::~Session()
+{
+    leaveDevice();
+}
+
+void Session::start()
+{
+    beginStart();
+}
+
+QString Session::restart(const Changes& changes)
+{
+    const QString sentence = DeviceSetup::faultOf(changes);
+    if (sentence.isEmpty()) {
+        leaveDevice();
+        m_makeUp.apply(changes);
+        beginStart();
+    }
+    return sentence;
+}
+
+qint64 Session::daemonProcess() const
+{
+    return m_device && m_device->isRunning() ? m_device->daemon().processId() : 0;
+}
+
+QString Session::busAddress() const
+{
+    return m_device ? m_device->bus().address() : QString();
+}
+
+QVector<ScriptFault> Session::take(const QString& statements, int client)
+{
+    if (const QString reason = whyNotNow(); !reason.isEmpty()) {
+        return fault(reason);
+    }
+    if (statements.size() > longestStatements) {
+        return fault(
+            QStringLiteral("More than %1 characters cannot be taken at once.").arg(longestStatements));
+    }
+    const ParsedScript parsed = parseKeyScriptSteps(statements);
+    if (!parsed.faults.isEmpty()) {
+        return parsed.faults;
+    }
+    if (!parsed.script.expectations.isEmpty()) {
+        return fault(QStringLiteral("Expectations have their place in a script that is replayed."));
+    }
+    if (m_steps.pending() + parsed.script.steps.size() >= mostPendingSteps) {
+        return fault(QStringLiteral("More than %1 steps cannot wait for their time.").arg(mostPendingSteps));
+    }
+    m_steps.take(parsed.script, client);
+    return {};
+}
+
+void Session::releaseKeysOf(int client)
+{
+    if (client != nobody && client != replayClient) {
+        m_steps.drop(client);
+    }
+}
+
+void Session::replay(const KeyScript& script)
+{
+    leaveDevice();
+    m_makeUp.apply(script);
+    m_replay.emplace(script);
+    beginStart();
+}
+
+QVector<ScriptFault> Session::replay(const QString& text)
+{
+    const ParsedScript parsed = Replay::read(text);
+    if (parsed.faults.isEmpty()) {
+        replay(parsed.script);
+    }
+    return parsed.faults;
+}
+
+void Session::stopReplay()
+{
+    if (m_replay) {
+        endReplay(entry::Replay::Status::Stopped);
+    }
+}
+
+void Session::restartRecording()
+{
+    const bool isFresh = m_status == Status::Ready && m_recording.isUntouched();
+    if (isFresh && !m_replay) {
+        beginRecording();
+    } else {
+        restart({});
+    }
+}
+
+QString Session::recording(QStringList* faults) const
+{
+    return m_recording.toText(faults);
+}
+
+QString Session::formerRecording(QStringList* faults) const
+{
+    return m_formerRecording.toText(faults);
+}
+
+bool Session::isAnswering() const
+{
+    return !m_watch || m_watch->isAnswering();
+}
+
+void Session::beginStart()
+{
+    m_clock.start();
+    m_reason.clear();
+    m_status = Status::Starting;
+    report();
+    // Not at once: what asked for it may have been called by the device that goes now.
+    m_buildTimer.start(0);
+}
+
+void Session::build()
+{
+    dropDevice();
+    m_device = std::make_unique<SimulatedDevice>(m_makeUp.options());
+    m_events = std::make_unique<SessionReporter>(*m_device, state(), KeyListJson::rowsOf(keyLists()).rows);
+    connect(m_events.get(), &SessionReporter::happened, this, &Session::add);
+    connect(m_events.get(), &SessionReporter::observed, this, &Session::onObserved);
+    connect(m_device.get(), &SimulatedDevice::daemonExited, this, &Session::onDaemonExited);
+    connect(m_device.get(), &SimulatedDevice::busEnded, this, &Session::onBusEnded);
+    m_startClock.start();
+    if (m_device->start()) {
+        m_readinessTimer.start(readinessInterval);
+    } else {
+        end(m_device->errorString());
+    }
+}
+
+void Session::awaitReadiness()
+{
+    if (m_device->isReady()) {
+        becomeReady();
+    } else if (m_startClock.hasExpired(readinessPatience.count())) {
+        end(QStringLiteral("The daemon does not become ready."));
+    }
+}
+
+void Session::becomeReady()
+{
+    m_readinessTimer.stop();
+    m_steps.setTarget(m_device.get());
+    m_status = Status::Ready;
+    watchDaemon();
+    report();
+    // Who is told may restart the device.
+    if (m_status == Status::Ready) {
+        beginRecording();
+    }
+    if (m_status == Status::Ready && m_replay) {
+        beginReplay();
+    }
+}
+
+void Session::onDaemonExited(int status)
+{
+    end(DaemonProcess::describeEnd(status));
+}
+
+void Session::onBusEnded()
+{
+    end(QStringLiteral("The bus has ended."));
+}
+
+void Session::end(const QString& reason)
+{
+    leaveDevice();
+    m_reason = reason;
+    m_status = Status::Ended;
+    report();
+    QTimer::singleShot(0, this, [this] {
+        if (m_status == Status::Ended) {
+            dropDevice();
+        }
+    });
+}
+
+void Session::leaveDevice()
+{
+    m_buildTimer.stop();
+    m_readinessTimer.stop();
+    m_recording.stop();
+    m_steps.setTarget(nullptr);
+    leaveDaemon();
+    if (m_events) {
+        m_events->disconnect(this);
+        m_device->disconnect(this);
+    }
+    stopReplay();
+}
+
+void Session::dropDevice()
+{
+    m_events.reset();
+    m_device.reset();
+}
+
+void Session::report()
+{
+    add(entry::Device{m_status, model(), state(), m_reason});
+}
+
+QString Session::whyNotNow() const
+{
+    switch (m_status) {
+    case Status::Starting:
+        return QStringLiteral("The device is starting.");
+    case Status::Ended:
+        return m_reason.isEmpty() ? QStringLiteral("The device has not been started.") : m_reason;
+    case Status::Ready:
+        break;
+    }
+    if (m_replay) {
+        return QStringLiteral("A script is being replayed.");
+    }
+    const bool isStuck = m_device->pendingInput() > mostPendingInput;
+    return isStuck ? QStringLiteral("The daemon does not take what it is given.") : QString();
+}
+
+void Session::onStepping(const ScriptStep& step)
+{
+    if (step.kind == ScriptStep::Kind::State) {
+        m_makeUp.setState(step.text);
+    } else if (step.kind == ScriptStep::Kind::Service) {
+        m_makeUp.setService(step.service);
+    }
+    m_recording.add(step);
+    m_events->noteStep(step);
+    watchRecording();
+}
+
+void Session::onObserved(const QString& text)
+{
+    m_recording.observe(text);
+    watchRecording();
+}
+
+std::chrono::milliseconds Session::now() const
+{
+    return std::chrono::milliseconds(m_clock.isValid() ? m_clock.elapsed() : 0);
+}
+
+void Session::add(const SessionEvent& event)
+{
+    const bool wasTesting = m_facts.isTesting();
+    m_facts.note(event);
+    Q_EMIT added({++m_lastId, now(), event});
+    if (m_facts.isTesting() != wasTesting) {
+        add(entry::KeyboardTest{m_facts.isTesting()});
+    }
+}
+
+void Session::beginRecording()
+{
+    if (!m_recording.isUntouched()) {
+        m_formerRecording = m_recording;
+    }
+    m_recording.begin(model(), state(), keyLists(), m_makeUp.options().services);
+    add(entry::Recording{false, hasFormerRecording()});
+}
+
+void Session::watchRecording()
+{
+    if (m_recording.takeFullness()) {
+        add(entry::Recording{true, hasFormerRecording()});
+    }
+}
+
+void Session::watchDaemon()
+{
+    m_watch = new DaemonWatch(m_device->bus().address(), this);
+    connect(m_watch, &DaemonWatch::changed, this,
+            [this](bool isAnswering) { add(entry::Daemon{isAnswering}); });
+}
+
+void Session::leaveDaemon()
+{
+    if (m_watch) {
+        m_watch->disconnect(this);
+        m_watch->deleteLater(); // what it reports may have led here
+        m_watch = nullptr;
+    }
+}
+
+void Session::beginReplay()
+{
+    m_replay->observe(*m_device);
+    m_steps.play(m_replay->script(), replayClient);
+    add(m_replay->entryOf(entry::Replay::Status::Playing));
+}
+
+void Session::endReplay(entry::Replay::Status status)
+{
+    const entry::Replay end = m_replay->entryOf(status);
+    // A receiver of the entries that follow may replay another script.
+    m_replay.reset();
+    m_steps.drop(replayClient);
+    add(end);
+}

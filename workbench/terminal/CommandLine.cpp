@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "workbench/terminal/CommandLine.h"
+
+#include "simulator/script/ScriptWords.h"
+#include "workbench/terminal/Prompt.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QTextStream>
+
+#include <algorithm>
+
+namespace {
+
+const QString daemonOption = QStringLiteral("daemon");
+const QString dataOption = QStringLiteral("data");
+const QString recordOption = QStringLiteral("record");
+const QString portOption = QStringLiteral("port");
+const QString serveOption = QStringLiteral("serve");
+const QString noDemoOption = QStringLiteral("no-demo");
+const QString modelOption = QStringLiteral("model");
+const QString defaultModel = QStringLiteral("Orvane");
+const QString defaultPort = QStringLiteral("8765");
+
+void addOptions(QCommandLineParser& parser)
+{
+    parser.setApplicationDescription(QStringLiteral(
+        "Plays a key script on a simulated embosser and shows what the key daemon does. "
+        "At a terminal the embosser then stays, with a front panel for a browser.\n\n"
+        "Status: 0 all came as expected, 1 something did not, 2 the script could not be played, "
+        "3 wrong arguments."));
+    parser.addHelpOption();
+    parser.addOptions(
+        {{daemonOption, QStringLiteral("The daemon's executable."), QStringLiteral("path"),
+          QStringLiteral(KEYBOARD_HANDLER_DAEMON)},
+         {dataOption, QStringLiteral("The folder of the key lists."), QStringLiteral("folder"),
+          QStringLiteral(KEYBOARD_HANDLER_DATA_FOLDER)},
+         {recordOption, QStringLiteral("Write what was done, and what came of it, as a key script."),
+          QStringLiteral("file")},
+         {portOption, QStringLiteral("The port of the front panel on this machine; 0 is any that is free."),
+          QStringLiteral("number"), defaultPort},
+         {serveOption, QStringLiteral("Keep the embosser and its front panel also without a terminal.")},
+         {noDemoOption, QStringLiteral("Play nothing but a script that is named.")},
+         {modelOption,
+          QStringLiteral(
+              "The embosser's model, Orvane or Pellit, where no script is played; a script names its own."),
+          QStringLiteral("model"), defaultModel}});
+    parser.addPositionalArgument(QStringLiteral("script"), QStringLiteral("The key script (*.keys)."),
+                                 QStringLiteral("[script]"));
+}
+
+/// Qt would take blanks and a sign, too.
+std::optional<quint16> portOf(const QString& word)
+{
+    const bool isDigits =
+        std::all_of(word.begin(), word.end(), [](QChar character) { return character.isDigit(); });
+    bool isPort = false;
+    const quint16 port = word.toUShort(&isPort);
+    return isDigits && isPort ? std::optional(port) : std::nullopt;
+}
+
+std::nullopt_t refuse(const QString& sentence)
+{
+    QTextStream(stderr) << sentence << '\n';
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<CommandLine> CommandLine::read(const QCoreApplication& application)
+{
+    QCommandLineParser parser;
+    addOptions(parser);
+    if (!parser.parse(application.arguments())) {
+        return refuse(parser.errorText() + QStringLiteral("\n--help lists the options."));
+    }
+    parser.process(application); // which ends the program where help is asked for
+    const QStringList scripts = parser.positionalArguments();
+    if (scripts.size() > 1) {
+        return refuse(QStringLiteral("One key script can be played, not %1.").arg(scripts.size()));
+    }
+    CommandLine line;
+    const QString demonstration =
+        parser.isSet(noDemoOption) ? QString() : QStringLiteral(DEMONSTRATION_SCRIPT);
+    line.script = scripts.value(0, demonstration);
+    if (parser.isSet(modelOption) && !line.script.isEmpty()) {
+        return refuse(
+            QStringLiteral("--model is for an embosser without a script, which --no-demo asks for: a script "
+                           "names its own model."));
+    }
+    line.device.model = parser.value(modelOption);
+    if (const QString fault = ScriptWords::checkModel(line.device.model); !fault.isEmpty()) {
+        return refuse(fault);
+    }
+    line.device.daemon = parser.value(daemonOption);
+    line.device.keyListFolder = parser.value(dataOption);
+    line.recording = parser.value(recordOption);
+    line.serve = parser.isSet(serveOption) || Prompt::isAtTerminal();
+    const std::optional<quint16> port = portOf(parser.value(portOption));
+    if (!port) {
+        return refuse(QStringLiteral("\"%1\" is no port number.").arg(parser.value(portOption)));
+    }
+    line.port = *port;
+    if (line.script.isEmpty() && !line.serve) {
+        return refuse(QStringLiteral("There is nothing to do: name a key script, or add --serve."));
+    }
+    return line;
+}

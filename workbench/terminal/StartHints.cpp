@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "workbench/terminal/StartHints.h"
+
+#include "workbench/card/CardSentences.h"
+#include "workbench/card/KeyCard.h"
+
+#include <ls/BusNames.h>
+#include <ls/Identifiers.h>
+
+namespace {
+
+constexpr int maxRows = 20;
+
+} // namespace
+
+QString StartHints::rowsThatNeverWork(const QMap<QString, QByteArray>& keyLists, const QString& model)
+{
+    const QVector<KeyCardNever> rows = KeyCard::from(keyLists, model).never;
+    if (rows.isEmpty()) {
+        return {};
+    }
+    QString text = QStringLiteral("Rows of the key lists that can never be announced:");
+    for (const KeyCardNever& row : rows.mid(0, maxRows)) {
+        text += QStringLiteral("\n  ") + CardSentences::rowThatFails(row) + QLatin1Char(' ') + row.why;
+    }
+    if (rows.size() > maxRows) {
+        text += QStringLiteral("\n  ... and %1 more; the key card has them all.").arg(rows.size() - maxRows);
+    }
+    return text;
+}
+
+QString StartHints::bus(const QString& address)
+{
+    return QStringLiteral("The device's bus, until it restarts; for example, from another terminal:\n"
+                          "DBUS_SYSTEM_BUS_ADDRESS='%1' busctl --system call %2 / %2 process 'a{sv}' "
+                          "2 commandId s GetLastKey senderId s ServiceTool")
+        .arg(address, ls::busName(ls::ServiceId::KeyboardHandler));
+}

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+#include "workbench/terminal/Workbench.h"
+
+#include "simulator/script/KeyScriptText.h"
+#include "simulator/script/StatementHelp.h"
+#include "workbench/terminal/StartHints.h"
+
+#include <QTimer>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// For what a typed line causes to be printed before the next one is asked for.
+constexpr std::chrono::milliseconds promptPause = 500ms;
+
+} // namespace
+
+Workbench::Workbench(const CommandLine& line, QObject* parent)
+    : QObject(parent), m_line(line), m_session(line.device), m_printer(m_session), m_server(m_session)
+{
+    connect(&m_session, &Session::added, this, &Workbench::onAdded);
+}
+
+void Workbench::start(const std::optional<KeyScript>& script)
+{
+    // Before the script is played: a port in use is better told at once.
+    if (m_line.serve && !m_server.listen(m_line.port)) {
+        m_printer.printText(m_server.errorString() +
+                            QStringLiteral(" --port takes another one; --port 0 takes any that is free."));
+        Q_EMIT finished(NotStarted);
+    } else if (script) {
+        m_isPlaying = true;
+        m_session.replay(*script);
+    } else {
+        m_session.start();
+    }
+}
+
+void Workbench::onAdded(const SessionEntry& entry)
+{
+    if (const auto* device = std::get_if<entry::Device>(&entry.event)) {
+        onDevice(device->status);
+    } else if (const auto* replay = std::get_if<entry::Replay>(&entry.event); replay && m_isPlaying) {
+        onReplay(*replay);
+    }
+}
+
+/// Also after each restart, which brings other key lists and another bus.
+void Workbench::introduce(entry::Device::Status status)
+{
+    QString text;
+    if (status == entry::Device::Status::Starting) {
+        text = StartHints::rowsThatNeverWork(m_session.keyLists(), m_session.model());
+    } else if (status == entry::Device::Status::Ready && m_line.serve) {
+        text = StartHints::bus(m_session.busAddress());
+    }
+    if (!text.isEmpty()) {
+        m_printer.printText(text);
+    }
+}
+
+void Workbench::onDevice(entry::Device::Status status)
+{
+    introduce(status);
+    if (m_isAttending) {
+        return;
+    }
+    if (status == entry::Device::Status::Ready) {
+        m_wasReady = true;
+        if (!m_isPlaying) {
+            attend();
+        }
+    } else if (status == entry::Device::Status::Ended) {
+        if (m_wasReady && m_line.serve) {
+            // People can look at what has happened and restart the device.
+            onPlayed(NotAsExpected);
+        } else {
+            Q_EMIT finished(NotStarted);
+        }
+    }
+}
+
+void Workbench::onReplay(const entry::Replay& replay)
+{
+    if (replay.status == entry::Replay::Status::Finished) {
+        onPlayed(replay.differences.isEmpty() ? AsExpected : NotAsExpected);
+    } else if (replay.status == entry::Replay::Status::Stopped) {
+        // Later: where it is the end of the device that stopped it, that is told next.
+        QTimer::singleShot(0, this, [this] {
+            if (m_isPlaying && m_session.status() != Session::Status::Ended) {
+                onPlayed(NotAsExpected);
+            }
+        });
+    }
+}
+
+void Workbench::onPlayed(Status status)
+{
+    m_isPlaying = false;
+    m_status = status;
+    if (m_line.serve) {
+        attend();
+    } else {
+        Q_EMIT finished(status);
+    }
+}
+
+void Workbench::attend()
+{
+    m_isAttending = true;
+    m_printer.printText(QStringLiteral("\nThe front panel: %1 (Ctrl-C ends)").arg(m_server.url()));
+    if (Prompt::isAtTerminal()) {
+        openPrompt();
+    }
+}
+
+void Workbench::openPrompt()
+{
+    m_printer.printText(QStringLiteral("\nType statements of a key script, such as \"tap Menu\" or "
+                                       "\"device 1; tap Up\"; \"help\" lists them, \"quit\" ends."));
+    m_prompt = std::make_unique<Prompt>();
+    connect(m_prompt.get(), &Prompt::typed, this, &Workbench::onTyped);
+    connect(m_prompt.get(), &Prompt::ended, this, [this] { Q_EMIT finished(m_status); });
+    m_prompt->show();
+}
+
+void Workbench::onTyped(const QString& line)
+{
+    static const QStringList ends{QStringLiteral("quit"), QStringLiteral("exit")};
+    static const QStringList questions{QStringLiteral("help"), QStringLiteral("?")};
+    if (ends.contains(line.trimmed())) {
+        Q_EMIT finished(m_status);
+        return;
+    }
+    if (questions.contains(line.trimmed())) {
+        m_printer.printText(statementHelp() +
+                            QStringLiteral("Several stand in a line with \";\" between them."));
+        m_prompt->show();
+        return;
+    }
+    const QString statements = QString(line).replace(';', '\n');
+    const QVector<ScriptFault> faults = m_session.take(statements);
+    if (faults.isEmpty()) {
+        QTimer::singleShot(parseKeyScriptSteps(statements).script.duration() + promptPause, m_prompt.get(),
+                           &Prompt::show);
+        return;
+    }
+    for (const ScriptFault& fault : faults) {
+        m_printer.printText(fault.text);
+    }
+    m_prompt->show();
+}

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#include "workbench/web/RequestBody.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTextCodec>
+
+namespace {
+
+QString placeOf(const QByteArray& body, const QJsonParseError& error)
+{
+    const QByteArray before = body.left(error.offset);
+    const int column = before.size() - (before.lastIndexOf('\n') + 1) + 1;
+    return QStringLiteral("The JSON is faulty in line %1, column %2: %3.")
+        .arg(before.count('\n') + 1)
+        .arg(column)
+        .arg(error.errorString());
+}
+
+QString readText(const QJsonValue& member, const QString& name, QString& text)
+{
+    text = member.toString();
+    return member.isString() ? QString() : QStringLiteral("The member \"%1\" is not a text.").arg(name);
+}
+
+QString readKeyLists(const QJsonValue& member, Session::Changes& changes)
+{
+    if (member.isNull()) {
+        changes.defaultKeyLists = true;
+        return {};
+    }
+    if (!member.isObject()) {
+        return QStringLiteral("The member \"keyLists\" is neither an object nor null.");
+    }
+    const QJsonObject lists = member.toObject();
+    for (auto list = lists.begin(); list != lists.end(); ++list) {
+        if (!list.value().isString()) {
+            return QStringLiteral("The content of %1 is not a text.").arg(list.key());
+        }
+        changes.keyLists.insert(list.key(), list.value().toString().toUtf8());
+    }
+    return {};
+}
+
+QString readMember(const QString& name, const QJsonValue& member, Session::Changes& changes)
+{
+    if (name == QStringLiteral("model")) {
+        return readText(member, name, changes.model);
+    }
+    if (name == QStringLiteral("state")) {
+        return readText(member, name, changes.state);
+    }
+    if (name == QStringLiteral("keyLists")) {
+        return readKeyLists(member, changes);
+    }
+    return QStringLiteral("The members of a restart are model, state and keyLists.");
+}
+
+} // namespace
+
+std::optional<QString> textOf(const QByteArray& body)
+{
+    QTextCodec::ConverterState state;
+    const QString text = QTextCodec::codecForName("UTF-8")->toUnicode(body.constData(), body.size(), &state);
+    if (state.invalidChars > 0 || state.remainingChars > 0) {
+        return std::nullopt;
+    }
+    return text;
+}
+
+std::optional<Session::Changes> changesOf(const QByteArray& body, QString* fault)
+{
+    Session::Changes changes;
+    if (body.trimmed().isEmpty()) {
+        return changes;
+    }
+    QJsonParseError error{};
+    const QJsonDocument document = QJsonDocument::fromJson(body, &error);
+    if (error.error != QJsonParseError::NoError) {
+        *fault = placeOf(body, error);
+        return std::nullopt;
+    }
+    if (!document.isObject()) {
+        *fault = QStringLiteral("The JSON is not an object.");
+        return std::nullopt;
+    }
+    const QJsonObject members = document.object();
+    for (auto member = members.begin(); member != members.end(); ++member) {
+        *fault = readMember(member.key(), member.value(), changes);
+        if (!fault->isEmpty()) {
+            return std::nullopt;
+        }
+    }
+    return changes;
+}
