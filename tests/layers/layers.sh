@@ -23,8 +23,8 @@ if ! grep -rqE '^ *# *include *[<"](QDBus)' --include='*.cpp' platform; then
 fi
 
 forbid "the platform knows nothing of the daemon" \
-    "(app|service|input|keys|device|console|vocabulary|simulator|tests)/" platform
-forbid "the daemon knows nothing of the simulator and the tests" "(simulator|tests)/" \
+    "(app|service|input|keys|device|console|vocabulary|simulator|workbench|tests)/" platform
+forbid "the daemon knows nothing of the simulator, the workbench and the tests" "(simulator|workbench|tests)/" \
     app service input keys device console vocabulary
 forbid "the bus is for service/ and platform/" "QDBus|QtDBus" app input keys device console vocabulary
 forbid "input records are for input/ and platform/ls/" "linux/input" app service keys device console vocabulary \
@@ -36,11 +36,19 @@ forbid "device/ knows the vocabulary only" "(app|service|input|keys|console)/" d
 forbid "an input device knows the vocabulary only" "(app|service|keys|device|console)/" input/Keyboard.h input/Keyboard.cpp
 forbid "the simulator knows the vocabulary, the key lists and the rules of keys only" \
     "(app|service|input|device|console)/|keys/(LongKey|ModifierKey|ShortcutKey)" simulator
+forbid "the simulator knows nothing of the workbench and the tests" "(workbench|tests)/" simulator
+forbid "key scripts know no panel and no device" "simulator/(panel|device)/" simulator/script
+forbid "the panel knows key scripts only" "simulator/device/" simulator/panel
+forbid "the workbench knows the vocabulary, the key lists and the rules of keys only" \
+    "(app|service|input|device|console|tests)/|keys/(LongKey|ModifierKey|ShortcutKey)" workbench
+forbid "a session knows the simulator only" "workbench/(card|web|terminal)/" workbench/session
+forbid "the key card knows the rules of keys only" "simulator/(script|device)/|workbench/(session|web|terminal)/" workbench/card
+forbid "the web server knows no terminal" "workbench/terminal/" workbench/web
 forbid "only app/ builds the service object and the console" "app/" service input keys device console vocabulary
 
 # Waits with a limit of time fail on a busy machine. The clock of the booted target does not depend on the machine.
 found=$(grep -rnE '\b(QTRY_[A-Z]|qWaitFor\()' --include='*.h' --include='*.cpp' tests |
-    grep -v '^tests/\(support/Waiting\.\|target/\)')
+    grep -v '^tests/\(support/Waiting\.\|delivery/target/\)')
 if [ -n "$found" ]; then
     printf 'tests wait with tests/support/Waiting.h:\n%s\n' "$found"
     broken=1

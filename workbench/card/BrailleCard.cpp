@@ -4,6 +4,7 @@
 #include "workbench/card/BraillePages.h"
 #include "workbench/card/BrailleWords.h"
 #include "workbench/card/CardSentences.h"
+#include "workbench/card/KeyCard.h"
 
 #include <algorithm>
 
@@ -11,7 +12,8 @@ namespace {
 
 bool isAlike(const KeyCardEntry& one, const KeyCardEntry& other)
 {
-    return one.kind == other.kind && one.receivers == other.receivers && one.notes == other.notes;
+    return one.kind == other.kind && one.receivers == other.receivers &&
+           one.consequences == other.consequences;
 }
 
 /// Single keys with the same outcome become one entry with several keys.
@@ -35,8 +37,9 @@ QVector<KeyCardEntry> withSingleKeysJoined(const QVector<KeyCardEntry>& entries)
 
 QString textOf(const KeyCardEntry& entry)
 {
-    const QStringList sentences{entry.how(), CardSentences::outcome(entry.action, entry.receivers)};
-    return (sentences + entry.notes).join(QLatin1Char(' '));
+    const QStringList sentences{CardSentences::how(entry),
+                                CardSentences::outcome(entry.action, entry.receivers)};
+    return (sentences + CardSentences::notesOf(entry)).join(QLatin1Char(' '));
 }
 
 /// Writes a card on pages.
@@ -69,7 +72,7 @@ private:
 void write(const KeyCardState& state, CardWriter& writer)
 {
     writer.begin(state.state);
-    writer.add(state.notes);
+    writer.add(CardSentences::notesOf(state));
     for (const KeyCardEntry& entry : withSingleKeysJoined(state.entries)) {
         writer.add(textOf(entry));
     }

@@ -63,37 +63,37 @@ QString single(const QStringList& keys)
     return text.arg(enumeration(keys, QStringLiteral(" or ")));
 }
 
-/// Menu waits for nothing in Idle, and forgets what was before it, unless it comes right after Help.
-QString menuNote(const KeyCardEntry& entry)
+QString sentenceOf(KeyCardConsequence consequence)
 {
-    const bool isCombination = entry.kind == KeyCardKind::Combination;
-    if (isCombination) {
-        const bool comesAfterHelp = entry.keys.value(entry.keys.size() - 2) == ls::KeyId::Help;
-        return entry.keys.last() == ls::KeyId::Menu && !comesAfterHelp
-                   ? QStringLiteral("Menu is also announced as a single key.")
-                   : QString();
+    switch (consequence) {
+    case KeyCardConsequence::NotSpokenAnnouncedAtRelease:
+        return QStringLiteral("Announced at the release, not spoken.");
+    case KeyCardConsequence::MenuNotSpokenAnnouncedAtRelease:
+        return withWait(
+            QStringLiteral("Announced at the release, not spoken; within %1 after Help it is spoken and "
+                           "waits like other keys."));
+    case KeyCardConsequence::NotSpokenAnnouncedAfterWait:
+        return withWait(QStringLiteral("Announced %1 after the release, not spoken."));
+    case KeyCardConsequence::SpokenAnnouncedAfterWait:
+        return withWait(QStringLiteral("Spoken at the release, announced %1 later."));
+    case KeyCardConsequence::SpokenAsZeroAnnouncedAfterWait:
+        return withWait(QStringLiteral("Spoken as sentence 0 at the release, announced %1 later."));
+    case KeyCardConsequence::EachRelease:
+        return QStringLiteral("Each release is also announced as a single key.");
+    case KeyCardConsequence::Menu:
+        return QStringLiteral("Menu is also announced as a single key.");
+    case KeyCardConsequence::MenuUnlessAfterHelp:
+        return QStringLiteral("Menu is also announced as a single key when it is released, unless Help "
+                              "was released just before.");
+    case KeyCardConsequence::MenuUnlessAfterHelpAndNextKey:
+        return QStringLiteral("Menu is also announced as a single key when it is released, unless Help "
+                              "was released just before; a key released after it is announced as a single "
+                              "key, too.");
+    case KeyCardConsequence::LastKey:
+        return QStringLiteral("The key released last is also announced as a single key, because this action "
+                              "does not silence its keys.");
     }
-    if (!entry.keys.contains(ls::KeyId::Menu)) {
-        return {};
-    }
-    const QString note =
-        QStringLiteral("Menu is also announced as a single key when it is released, unless Help "
-                       "was released just before");
-    return note + (entry.kind == KeyCardKind::Shortcut
-                       ? QStringLiteral("; a key released after it is announced as a single key, too.")
-                       : QStringLiteral("."));
-}
-
-QStringList idleNotes(const KeyCardEntry& entry)
-{
-    QStringList notes{menuNote(entry)};
-    if (entry.action == ls::KeyboardActionId::SingleKey) {
-        notes.append(
-            QStringLiteral("The key released last is also announced as a single key, because this action "
-                           "does not silence its keys."));
-    }
-    notes.removeAll(QString());
-    return notes;
+    return {};
 }
 
 } // namespace
@@ -115,18 +115,18 @@ QString CardSentences::nameOf(KeyCardKind kind)
     return {};
 }
 
-QString CardSentences::how(KeyCardKind kind, const QStringList& keys, int holdMs)
+QString CardSentences::how(const KeyCardEntry& entry)
 {
-    switch (kind) {
+    switch (entry.kind) {
     case KeyCardKind::Single:
-        return single(keys);
+        return single(entry.keys);
     case KeyCardKind::Combination:
-        return combination(keys);
+        return combination(entry.keys);
     case KeyCardKind::Shortcut:
-        return shortcut(keys);
+        return shortcut(entry.keys);
     case KeyCardKind::Long:
     case KeyCardKind::Hold:
-        return QStringLiteral("Hold %1 for %2 seconds.").arg(keys.value(0), seconds(holdMs));
+        return QStringLiteral("Hold %1 for %2 seconds.").arg(entry.keys.value(0), seconds(entry.holdMs));
     }
     return {};
 }
@@ -147,38 +147,19 @@ QString CardSentences::rowThatFails(const KeyCardNever& row)
              outcome(row.action, {row.receiver}));
 }
 
-QStringList CardSentences::singleNotes(const QString& key, const QString& state, bool isOrvane)
+QStringList CardSentences::notesOf(const KeyCardEntry& entry)
 {
-    if (state != ls::StateId::Idle) {
-        return {QStringLiteral("Announced at the release, not spoken.")};
+    QStringList notes = entry.rowNotes;
+    if (entry.timesAnnounced > 1) {
+        notes.append(QStringLiteral("Announced %1 times.").arg(entry.timesAnnounced));
     }
-    if (key == ls::KeyId::Menu) {
-        return {withWait(
-            QStringLiteral("Announced at the release, not spoken; within %1 after Help it is spoken and "
-                           "waits like other keys."))};
+    for (const KeyCardConsequence consequence : entry.consequences) {
+        notes.append(sentenceOf(consequence));
     }
-    if (KeyRules::isSilent(key, isOrvane)) {
-        return {withWait(QStringLiteral("Announced %1 after the release, not spoken."))};
-    }
-    if (!vocabulary::keyNames().contains(key)) {
-        return {withWait(QStringLiteral("Spoken as sentence 0 at the release, announced %1 later."))};
-    }
-    return {withWait(QStringLiteral("Spoken at the release, announced %1 later."))};
+    return notes;
 }
 
-QStringList CardSentences::entryNotes(const KeyCardEntry& entry, const QString& state, int timesAnnounced)
-{
-    QStringList notes;
-    if (timesAnnounced > 1) {
-        notes.append(QStringLiteral("Announced %1 times.").arg(timesAnnounced));
-    }
-    if (state == ls::StateId::Idle) {
-        return notes + idleNotes(entry);
-    }
-    return notes << QStringLiteral("Each release is also announced as a single key.");
-}
-
-QStringList CardSentences::stateNotes(const KeyCardState& state)
+QStringList CardSentences::notesOf(const KeyCardState& state)
 {
     if (state.state == ls::StateId::Startup) {
         return {QStringLiteral(

@@ -4,14 +4,12 @@
 #include "keys/KeyRules.h"
 #include "simulator/panel/Autorepeat.h"
 #include "vocabulary/Vocabulary.h"
+#include "workbench/card/CardConsequences.h"
 #include "workbench/card/CardLists.h"
-#include "workbench/card/CardSentences.h"
 #include "workbench/card/CardVocabulary.h"
 #include "workbench/card/RowFate.h"
 
 #include <ls/Identifiers.h>
-
-#include <QJsonArray>
 
 #include <algorithm>
 
@@ -55,32 +53,44 @@ KeyCardEntry singleKey(const QString& key, const QString& state, bool isOrvane)
             0,
             ls::KeyboardActionId::SingleKey,
             KeyRules::singleKeyReceivers(key, state),
-            CardSentences::singleNotes(key, state, isOrvane)};
+            1,
+            {CardConsequences::ofSingleKey(key, state, isOrvane)},
+            {}};
 }
 
 KeyCardEntry gesture(const JudgedRow& judged, const QString& state)
 {
     const int holdMs =
         judged.kind == KeyCardKind::Long ? repeatDelayMs + std::max(0, judged.row.timeout()) : 0;
-    KeyCardEntry entry{
-        judged.kind,      judged.fate.keys, holdMs, judged.row.eAction(), {judged.row.receiverService()},
-        judged.fate.notes};
-    entry.notes += CardSentences::entryNotes(entry, state, judged.fate.states.count(state));
+    KeyCardEntry entry{judged.kind,
+                       judged.fate.keys,
+                       holdMs,
+                       judged.row.eAction(),
+                       {judged.row.receiverService()},
+                       judged.fate.states.count(state),
+                       {},
+                       judged.fate.notes};
+    entry.consequences = CardConsequences::ofGesture(entry, state);
     return entry;
 }
 
 KeyCardEntry factoryReset(const QString& state)
 {
-    KeyCardEntry entry{KeyCardKind::Hold,       {ls::KeyId::FactoryReset},
-                       factoryResetHoldMs,      ls::KeyboardActionId::FactoryReset,
-                       {ls::ServiceId::WwwApi}, {}};
-    entry.notes = CardSentences::entryNotes(entry, state, 1);
+    KeyCardEntry entry{KeyCardKind::Hold,
+                       {ls::KeyId::FactoryReset},
+                       factoryResetHoldMs,
+                       ls::KeyboardActionId::FactoryReset,
+                       {ls::ServiceId::WwwApi},
+                       1,
+                       {},
+                       {}};
+    entry.consequences = CardConsequences::ofGesture(entry, state);
     return entry;
 }
 
 KeyCardState stateCard(const QString& state, const JudgedRows& rows, bool isOrvane)
 {
-    KeyCardState card{state, {}, {}};
+    KeyCardState card{state, {}};
     if (CardVocabulary::hasKeys(state)) {
         for (const QString& key : CardVocabulary::panelKeys()) {
             card.entries.append(singleKey(key, state, isOrvane));
@@ -92,7 +102,6 @@ KeyCardState stateCard(const QString& state, const JudgedRows& rows, bool isOrva
         }
         card.entries.append(factoryReset(state));
     }
-    card.notes = CardSentences::stateNotes(card);
     return card;
 }
 
@@ -114,58 +123,7 @@ QVector<KeyCardNever> neverOf(const JudgedRows& rows)
     return never;
 }
 
-QJsonObject toJson(const KeyCardEntry& entry);
-QJsonObject toJson(const KeyCardState& card);
-QJsonObject toJson(const KeyCardNever& row);
-
-template <typename Item>
-QJsonArray toArray(const QVector<Item>& items)
-{
-    QJsonArray array;
-    for (const Item& item : items) {
-        array.append(toJson(item));
-    }
-    return array;
-}
-
-QJsonObject toJson(const KeyCardEntry& entry)
-{
-    QJsonObject object{{QStringLiteral("kind"), CardSentences::nameOf(entry.kind)},
-                       {QStringLiteral("keys"), QJsonArray::fromStringList(entry.keys)},
-                       {QStringLiteral("how"), entry.how()},
-                       {QStringLiteral("action"), entry.action},
-                       {QStringLiteral("receivers"), QJsonArray::fromStringList(entry.receivers)},
-                       {QStringLiteral("notes"), QJsonArray::fromStringList(entry.notes)}};
-    if (entry.holdMs > 0) {
-        object.insert(QStringLiteral("holdMs"), entry.holdMs);
-    }
-    return object;
-}
-
-QJsonObject toJson(const KeyCardState& card)
-{
-    return {{QStringLiteral("state"), card.state},
-            {QStringLiteral("entries"), toArray(card.entries)},
-            {QStringLiteral("notes"), QJsonArray::fromStringList(card.notes)}};
-}
-
-QJsonObject toJson(const KeyCardNever& row)
-{
-    return {{QStringLiteral("kind"), CardSentences::nameOf(row.kind)},
-            {QStringLiteral("row"), row.row},
-            {QStringLiteral("keys"), QJsonArray::fromStringList(row.keys)},
-            {QStringLiteral("action"), row.action},
-            {QStringLiteral("receiver"), row.receiver},
-            {QStringLiteral("validOnState"), row.validOnState},
-            {QStringLiteral("why"), row.why}};
-}
-
 } // namespace
-
-QString KeyCardEntry::how() const
-{
-    return CardSentences::how(kind, keys, holdMs);
-}
 
 KeyCard KeyCard::from(const QMap<QString, QByteArray>& keyLists, const QString& model)
 {
@@ -178,12 +136,4 @@ KeyCard KeyCard::from(const QMap<QString, QByteArray>& keyLists, const QString& 
         }
     }
     return card;
-}
-
-QJsonObject KeyCard::toJson() const
-{
-    return {{QStringLiteral("model"), model},
-            {QStringLiteral("states"), toArray(states)},
-            {QStringLiteral("never"), toArray(never)},
-            {QStringLiteral("notes"), QJsonArray::fromStringList(notes)}};
 }

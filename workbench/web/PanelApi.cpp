@@ -3,7 +3,7 @@
 
 #include "simulator/script/ScriptWords.h"
 #include "workbench/card/BrailleCard.h"
-#include "workbench/card/KeyCard.h"
+#include "workbench/card/CardJson.h"
 #include "workbench/session/Session.h"
 #include "workbench/web/EventStreams.h"
 #include "workbench/web/RequestBody.h"
@@ -28,7 +28,7 @@ const QString notText = QStringLiteral("The body is not UTF-8 text.");
 
 HttpAnswer cardAsJson(const KeyCard& card)
 {
-    return HttpAnswer::json(card.toJson());
+    return HttpAnswer::json(toJson(card));
 }
 
 HttpAnswer cardInBraille(const KeyCard& card)

@@ -9,7 +9,8 @@
 #include <ls/MessageKeys.h>
 
 #include <QDir>
-#include <QRegularExpression>
+
+#include <algorithm>
 
 using namespace std::chrono_literals;
 using std::chrono::milliseconds;
@@ -31,6 +32,13 @@ struct Release
 QString text(int at, const QString& action, const QString& receiver)
 {
     return QStringLiteral("%1 %2 %3").arg(QString::number(at), action, receiver);
+}
+
+bool hasAny(const KeyCardEntry& entry, std::initializer_list<KeyCardConsequence> consequences)
+{
+    return std::any_of(consequences.begin(), consequences.end(), [&entry](KeyCardConsequence consequence) {
+        return entry.consequences.contains(consequence);
+    });
 }
 
 /// When `play` lets go of the keys.
@@ -73,22 +81,23 @@ QStringList singleKey(int at, const QString& key, const KeyCardState& card)
     return texts;
 }
 
-/// The lone key `key`, released at `at` and announced when the notes of its own entry say so.
+/// The lone key `key`, released at `at`.
 QStringList loneKey(int at, const QString& key, const KeyCardState& card)
 {
     bool waits = false;
     for (const KeyCardEntry& entry : card.entries) {
         if (entry.kind == KeyCardKind::Single && entry.keys.first() == key) {
-            waits = entry.notes.join(' ').contains("announced 1500 ms", Qt::CaseInsensitive);
+            waits = hasAny(entry, {KeyCardConsequence::NotSpokenAnnouncedAfterWait,
+                                   KeyCardConsequence::SpokenAnnouncedAfterWait,
+                                   KeyCardConsequence::SpokenAsZeroAnnouncedAfterWait});
         }
     }
     return singleKey(at + (waits ? window : 0), key, card);
 }
 
-/// The single keys that the notes of another entry tell of.
+/// The single keys that another entry announces as well.
 QStringList expectedBesides(const KeyCardEntry& entry, const KeyCardState& card)
 {
-    const QString notes = entry.notes.join(' ');
     const QVector<Release> releases = releasesOf(entry);
     const bool isCombination = entry.kind == KeyCardKind::Combination;
     bool menuCame = false;
@@ -98,13 +107,15 @@ QStringList expectedBesides(const KeyCardEntry& entry, const KeyCardState& card)
         const Release& release = releases.at(i);
         const bool isAfterHelp = i > 0 && releases.at(i - 1).key == ls::KeyId::Help;
         const bool isMenu = release.key == ls::KeyId::Menu && !isAfterHelp && (isLast || !isCombination);
-        if (notes.contains("Each release is also announced")) {
+        if (hasAny(entry, {KeyCardConsequence::EachRelease})) {
             texts += singleKey(release.at, release.key, card);
-        } else if (isMenu && notes.contains("Menu is also announced")) {
+        } else if (isMenu && hasAny(entry, {KeyCardConsequence::Menu, KeyCardConsequence::MenuUnlessAfterHelp,
+                                            KeyCardConsequence::MenuUnlessAfterHelpAndNextKey})) {
             texts += singleKey(release.at, release.key, card);
             menuCame = true;
-        } else if (isLast && (notes.contains("The key released last is also announced") ||
-                              (menuCame && notes.contains("a key released after it is announced")))) {
+        } else if (isLast &&
+                   (hasAny(entry, {KeyCardConsequence::LastKey}) ||
+                    (menuCame && hasAny(entry, {KeyCardConsequence::MenuUnlessAfterHelpAndNextKey})))) {
             texts += singleKey(release.at + window, release.key, card);
         }
     }
@@ -185,10 +196,8 @@ QStringList CardDevice::expected(const KeyCardEntry& entry, const KeyCardState& 
     if (entry.kind == KeyCardKind::Single || entry.holdMs > longestHold) {
         return loneKey(timeOf(entry), entry.keys.first(), card);
     }
-    const QRegularExpression times(QStringLiteral("Announced (\\d+) times"));
-    const int count = qMax(1, times.match(entry.notes.join(' ')).captured(1).toInt());
     QStringList texts;
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < entry.timesAnnounced; ++i) {
         texts.append(text(timeOf(entry), entry.action, entry.receivers.first()));
     }
     return texts + expectedBesides(entry, card);

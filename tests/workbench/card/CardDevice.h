@@ -27,8 +27,8 @@ public:
     /// Of what was heard, the action of `entry` and the single keys.
     QStringList heardAbout(const KeyCardEntry& entry) const;
 
-    /// What must be heard about `entry` of `card` when it is played: its action and the single keys that its
-    /// notes tell of. After a hold that is given up it is the single key alone.
+    /// What must be heard about `entry` of `card` when it is played: its action and the single keys that it
+    /// announces as well. After a hold that is given up it is the single key alone.
     static QStringList expected(const KeyCardEntry& entry, const KeyCardState& card);
 
 private:

@@ -127,9 +127,10 @@ void KeyCardRandomTest::entriesOfRandomListsCome()
                 }
                 CardDevice device(lists, card.model, state.state);
                 device.play(entry);
-                QVERIFY2(
-                    device.heardAbout(entry) == CardDevice::expected(entry, state),
-                    qPrintable(QStringLiteral("seed %1, %2: %3").arg(seed).arg(state.state, entry.how())));
+                QVERIFY2(device.heardAbout(entry) == CardDevice::expected(entry, state),
+                         qPrintable(QStringLiteral("seed %1, %2: %3")
+                                        .arg(seed)
+                                        .arg(state.state, CardSentences::how(entry))));
                 ++played;
             }
         }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "workbench/card/KeyCard.h"
 #include "tests/workbench/card/CardKeyLists.h"
+#include "workbench/card/CardJson.h"
 
 #include <QJsonArray>
 #include <QtTest>
@@ -9,7 +9,7 @@ namespace {
 
 QJsonObject stateOf(const KeyLists& lists, const QString& state, const QString& model = "Pellit")
 {
-    for (const QJsonValue& card : KeyCard::from(lists, model).toJson().value("states").toArray()) {
+    for (const QJsonValue& card : toJson(KeyCard::from(lists, model)).value("states").toArray()) {
         if (card["state"].toString() == state) {
             return card.toObject();
         }
@@ -284,7 +284,7 @@ void KeyCardTest::rowsThatNeverWorkAreDescribed()
     const KeyLists lists{{"shortcutKeyList.json",
                           R"({"ShortcutKeys": [7, {"keys": ["Up", "Bell"], "eAction": "Ring",
                               "receiverService": "UserMenu", "validOnState": "Idle"}]})"}};
-    const QJsonArray never = KeyCard::from(lists, "Pellit").toJson()["never"].toArray();
+    const QJsonArray never = toJson(KeyCard::from(lists, "Pellit"))["never"].toArray();
     const QJsonObject row{{"kind", "shortcut"},
                           {"row", 1},
                           {"keys", QJsonArray{"Up", "Bell"}},
@@ -315,7 +315,7 @@ void KeyCardTest::filesThatCannotBeReadAreNoted()
     QFETCH(bool, isNoted);
     KeyLists lists = CardKeyLists::installed();
     lists.insert("longKeyList.json", content);
-    const QJsonArray notes = KeyCard::from(lists, "Pellit").toJson()["notes"].toArray();
+    const QJsonArray notes = toJson(KeyCard::from(lists, "Pellit"))["notes"].toArray();
     QCOMPARE(notes,
              isNoted ? QJsonArray{"longKeyList.json has no list that can be read, so none of its rows count."}
                      : QJsonArray{});
@@ -354,7 +354,7 @@ void KeyCardTest::hugeListsAreTaken()
     QFETCH(QByteArray, name);
     QFETCH(QByteArray, content);
     const KeyCard card = KeyCard::from({{name, content}}, "Pellit");
-    QVERIFY(QJsonDocument(card.toJson()).toJson().size() < 16 * content.size());
+    QVERIFY(QJsonDocument(toJson(card)).toJson().size() < 16 * content.size());
 }
 
 QTEST_GUILESS_MAIN(KeyCardTest)

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "workbench/card/CardJson.h"
+
+#include "workbench/card/CardSentences.h"
+
+#include <QJsonArray>
+
+namespace {
+
+QJsonObject toJson(const KeyCardEntry& entry);
+QJsonObject toJson(const KeyCardState& card);
+QJsonObject toJson(const KeyCardNever& row);
+
+template <typename Item>
+QJsonArray toArray(const QVector<Item>& items)
+{
+    QJsonArray array;
+    for (const Item& item : items) {
+        array.append(toJson(item));
+    }
+    return array;
+}
+
+QJsonObject toJson(const KeyCardEntry& entry)
+{
+    QJsonObject object{{QStringLiteral("kind"), CardSentences::nameOf(entry.kind)},
+                       {QStringLiteral("keys"), QJsonArray::fromStringList(entry.keys)},
+                       {QStringLiteral("how"), CardSentences::how(entry)},
+                       {QStringLiteral("action"), entry.action},
+                       {QStringLiteral("receivers"), QJsonArray::fromStringList(entry.receivers)},
+                       {QStringLiteral("notes"), QJsonArray::fromStringList(CardSentences::notesOf(entry))}};
+    if (entry.holdMs > 0) {
+        object.insert(QStringLiteral("holdMs"), entry.holdMs);
+    }
+    return object;
+}
+
+QJsonObject toJson(const KeyCardState& card)
+{
+    return {{QStringLiteral("state"), card.state},
+            {QStringLiteral("entries"), toArray(card.entries)},
+            {QStringLiteral("notes"), QJsonArray::fromStringList(CardSentences::notesOf(card))}};
+}
+
+QJsonObject toJson(const KeyCardNever& row)
+{
+    return {{QStringLiteral("kind"), CardSentences::nameOf(row.kind)},
+            {QStringLiteral("row"), row.row},
+            {QStringLiteral("keys"), QJsonArray::fromStringList(row.keys)},
+            {QStringLiteral("action"), row.action},
+            {QStringLiteral("receiver"), row.receiver},
+            {QStringLiteral("validOnState"), row.validOnState},
+            {QStringLiteral("why"), row.why}};
+}
+
+} // namespace
+
+QJsonObject toJson(const KeyCard& card)
+{
+    return {{QStringLiteral("model"), card.model},
+            {QStringLiteral("states"), toArray(card.states)},
+            {QStringLiteral("never"), toArray(card.never)},
+            {QStringLiteral("notes"), QJsonArray::fromStringList(card.notes)}};
+}
