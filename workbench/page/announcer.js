@@ -70,6 +70,11 @@ export class Announcer {
         }
     }
 
+    /// Empties the log: what a dialog hides and shows again would be read again.
+    clear() {
+        this.#log.replaceChildren();
+    }
+
     /// Adds nothing until `release`.
     hold() {
         this.#isHeld = true;

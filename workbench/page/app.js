@@ -61,6 +61,17 @@ function setUpAnnouncer() {
     });
 }
 
+/// Asks a question; comes back with whether the answer is yes. The dialog hides the announcements: they wait.
+async function askHere(question, answer) {
+    announcer.hold();
+    announcer.clear();
+    try {
+        return await ask(byId('question'), question, answer);
+    } finally {
+        announcer.release();
+    }
+}
+
 /// Waits for `work`; what goes wrong is shown. Tells whether all went well.
 async function attempt(work) {
     try {
@@ -826,7 +837,7 @@ async function backToInstalled() {
     const names = listFields.filter(isDraft).map(field => field.dataset.file);
     const question = `What you have typed in ${names.join(' and ')} is not in use yet. `
         + 'The installed lists take its place. It can be brought back in this browser.';
-    if (names.length === 0 || await ask(byId('question'), question, 'Take the installed lists')) {
+    if (names.length === 0 || await askHere(question, 'Take the installed lists')) {
         await restartWith(null);
     }
 }
@@ -953,7 +964,7 @@ function announceReplay(entry) {
 async function maySupersedeRecording(answer) {
     const question = 'The recording is not downloaded. A new one begins now. '
         + 'Until the next restart this one can be downloaded as the former recording.';
-    return !recordingWatch.isUnsaved || ask(byId('question'), question, answer);
+    return !recordingWatch.isUnsaved || askHere(question, answer);
 }
 
 async function startReplay(event) {
@@ -1113,9 +1124,11 @@ function announceKey({ device: number, key, value }) {
     }
 }
 
+let isAtConsole = false; // the daemon's log answers a line of the console
+
 // A refusal is announced in words.
 function announceConsole({ text }) {
-    if (isView('commands') && !text.startsWith('KeyboardManager::onEvent WARN')) {
+    if (isAtConsole && isView('commands') && !text.startsWith('KeyboardManager::onEvent WARN')) {
         announce(text.replaceAll(/={3,}/g, '').trim(), 'reply');
     }
 }
@@ -1127,6 +1140,8 @@ function announceEntry(entry) {
     case 'speech': return announceSpeech(entry);
     case 'key': return announceKey(entry);
     case 'answer': return isView('commands') && announce(answerSentence(entry), 'reply');
+    case 'console': isAtConsole = true; return undefined;
+    case 'command': isAtConsole = false; return undefined;
     case 'log':
     case 'output': return announceConsole(entry);
     case 'replay': return announceReplay(entry);

@@ -21,8 +21,9 @@ const browserOptions = [
     '--remote-debugging-port=0',
     `--app=${emptyPage}`,
 ];
-/// How far the clock of the page is put forward at a time: further than any of its timers.
-const clockStep = 3000; // milliseconds
+/// How far the clock of the page is put forward at a time, and how often: in all further than any of its timers.
+const clockStep = 1000; // milliseconds
+const clockSteps = 3;
 
 /// A user of the page with a screen reader and a keyboard. The clock of the page stands still, but for the steps of
 /// `hears`, and the page gets the device's events with `until` only: what is heard does not depend on how long the
@@ -30,8 +31,7 @@ const clockStep = 3000; // milliseconds
 export class Listener {
     static async begin() {
         const listener = new Listener();
-        [listener.simulator, listener.desktop] = await Promise.all([Simulator.start(), Desktop.start()]);
-        listener.relay = await Relay.to(listener.simulator.url);
+        listener.desktop = await Desktop.start();
         listener.reader = await ScreenReader.start(listener.desktop);
         await listener.#openBrowser();
         return listener;
@@ -46,14 +46,14 @@ export class Listener {
         await this.simulator?.stop();
     }
 
-    /// Brings the device to Idle, with the installed lists and nothing under way, and forgets what the page has kept.
+    /// Begins with another device, at an address where the browser has never been.
     async prepare() {
         this.observer?.close();
-        await this.relay.close();
-        await this.relay.mend();
-        await this.simulator.restart({ model: 'Pellit', state: 'Idle', keyLists: null });
-        const session = await this.page.context().newCDPSession(this.page);
-        await session.send('Storage.clearDataForOrigin', { origin: new URL(this.relay.url).origin, storageTypes: 'local_storage' });
+        await this.page.goto(emptyPage);
+        await this.relay?.close();
+        await this.simulator?.stop();
+        this.simulator = await Simulator.start();
+        this.relay = await Relay.to(this.simulator.url);
         this.observer = await this.simulator.observe();
         this.latest = 0;
     }
@@ -108,13 +108,19 @@ export class Listener {
         return found;
     }
 
+    /// What is heard of all that has happened. The time of the page goes on in steps, each shorter than the time between
+    /// two announcements, until there is nothing more.
     async hears() {
         const all = [await this.reader.heard(this.page)];
+        let former;
         do {
-            await this.page.waitForFunction(() => !window.openRequests, null, { polling: 20 });
-            await this.page.clock.runFor(clockStep);
-            all.push(await this.reader.heard(this.page));
-        } while (all.at(-1).length > 0);
+            former = all.flat().length;
+            for (let times = 0; times < clockSteps; ++times) {
+                await this.page.waitForFunction(() => !window.openRequests, null, { polling: 20 });
+                await this.page.clock.runFor(clockStep);
+                all.push(await this.reader.heard(this.page));
+            }
+        } while (all.flat().length > former);
         return all.flat();
     }
 
@@ -130,6 +136,7 @@ export class Listener {
         await this.page.addInitScript(holdEntries);
         await this.page.addInitScript(countRequests);
         await this.page.addInitScript(countKeys);
+        await this.page.addInitScript(countAnnouncements);
         await this.page.clock.install();
         await this.page.clock.pauseAt(Date.now() + clockStep);
     }
@@ -155,6 +162,25 @@ function holdEntries() {
             waiting.shift().takeIn();
         }
     };
+}
+
+/// Keeps the number of announcements to the screen reader, together with a name of the page that is open (runs in it).
+function countAnnouncements() {
+    let count = 0;
+    const note = () => {
+        window.announcementCount = `${performance.timeOrigin} ${count}`;
+    };
+    note();
+    document.addEventListener('DOMContentLoaded', () => {
+        const log = document.getElementById('announcements');
+        const observer = new MutationObserver(() => {
+            ++count;
+            note();
+        });
+        if (log) {
+            observer.observe(log, { childList: true });
+        }
+    });
 }
 
 /// Keeps the numbers of keys that the page has got, modifiers apart (runs in the page).

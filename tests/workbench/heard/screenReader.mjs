@@ -13,9 +13,9 @@ orca.settings.enableKeyEcho = False
 /// Orca says a message of a live region this long after it came, and one in this time. With its waiting time over, a
 /// message comes before any later change.
 const messageTime = 150; // milliseconds
-const pollTime = 30;
+const pollTime = 10;
 /// Before another change is made.
-const pollsForMark = 30;
+const pollsForMark = 100;
 
 const spokenLine = /^[\d:.]+ - SPEECH OUTPUT: '(.*?)'(\[?\{.*)?$/;
 /// Said when the browser takes some time to load a page.
@@ -32,6 +32,7 @@ export class ScreenReader {
     #heard = 0;       // of those
     #sentMark = 0;    // the latest change of the page that was made for Orca
     #mark = 0;        // the latest one that it has taken in
+    #announcements;    // of the page, at the last look
     #messages = 0;    // of live regions, which it has not said yet
 
     static async start(desktop) {
@@ -50,11 +51,13 @@ export class ScreenReader {
 
     /// What it has said since the last call, once it has taken in all that the page has reported to it.
     async heard(page) {
-        do {
-            await this.#takesIn(page);
+        await this.#takesIn(page);
+        const announcements = await page.evaluate(() => window.announcementCount);
+        while (announcements !== this.#announcements || this.#messages > 0) {
+            this.#announcements = announcements;
             await delay(messageTime);
             await this.#takesIn(page);
-        } while (this.#messages > 0);
+        }
         const news = this.#spoken.slice(this.#heard);
         this.#heard = this.#spoken.length;
         return news;
@@ -101,8 +104,8 @@ export class ScreenReader {
     }
 }
 
-/// The title of the page, or the text of an open dialog, which hides the page, changes its description (runs in the page).
+/// The title of the page, or the first button of an open dialog, which hides the page, changes its description (runs in the page).
 function setMark(text) {
-    const place = document.querySelector('dialog[open] p') ?? document.querySelector('h1');
+    const place = document.querySelector('dialog[open] button') ?? document.querySelector('h1');
     place.setAttribute('aria-description', text);
 }
