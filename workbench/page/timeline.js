@@ -1072,7 +1072,10 @@ export class Timeline {
 
     #connect() {
         const { buttons, frame, position, details } = this.#parts;
-        buttons.pause.addEventListener('click', () => (this.#shown ? this.#resume() : this.#pause()));
+        buttons.pause.addEventListener('click', () => {
+            this.#shown ? this.#resume() : this.#pause();
+            this.#announce(this.#shown ? 'Paused.' : 'Live again.');
+        });
         const onClick = (button, change) => button.addEventListener('click', () => this.#change(change));
         onClick(buttons.zoomIn, () => this.#zoom(0.5));
         onClick(buttons.zoomOut, () => this.#zoom(2));
@@ -1082,6 +1085,9 @@ export class Timeline {
         buttons.save.addEventListener('click', () => this.#save());
         position.addEventListener('input', () => this.#showUpTo(Number(position.value)));
         frame.addEventListener('keydown', event => this.#onKey(event));
+        // Screen readers say little or nothing of an application that gets the focus.
+        frame.addEventListener('focus', () => this.#announce(
+            `Drawing, ${this.#sight()}. Arrow keys move it, plus and minus zoom, 0 shows all.`));
         details.addEventListener('toggle', () => this.#fillTable());
     }
 
@@ -1338,7 +1344,6 @@ function buildParts(container) {
         tabindex: '0',
         role: 'application', // so that a screen reader leaves the arrow keys to it
         'aria-label': 'Drawing',
-        'aria-description': 'Arrow keys move, plus and minus zoom, 0 fits.',
     });
     frame.append(svg);
     const note = htmlElement('p', { class: 'fault', hidden: '' });
