@@ -108,20 +108,19 @@ export class Listener {
         return found;
     }
 
-    /// What is heard of all that has happened. The time of the page goes on in steps, each shorter than the time between
+    /// What is heard of all that has happened. The time of the page goes on in steps, each as short as the time between
     /// two announcements, until there is nothing more.
     async hears() {
-        const all = [await this.reader.heard(this.page)];
-        let former;
-        do {
-            former = all.flat().length;
-            for (let times = 0; times < clockSteps; ++times) {
-                await this.page.waitForFunction(() => !window.openRequests, null, { polling: 20 });
-                await this.page.clock.runFor(clockStep);
-                all.push(await this.reader.heard(this.page));
+        await this.page.waitForFunction(() => !window.openRequests, null, { polling: 20 });
+        const all = await this.reader.heard(this.page);
+        for (let quiet = 0; quiet < clockSteps; ++quiet) {
+            await this.page.clock.runFor(clockStep);
+            if (await this.reader.hasNews(this.page)) {
+                all.push(...(await this.reader.heard(this.page)));
+                quiet = -1;
             }
-        } while (all.flat().length > former);
-        return all.flat();
+        }
+        return all;
     }
 
     async #openBrowser() {
@@ -164,23 +163,18 @@ function holdEntries() {
     };
 }
 
-/// Keeps the number of announcements to the screen reader, together with a name of the page that is open (runs in it).
+/// Keeps the number of changes of live regions, together with a name of the page that is open (runs in it).
 function countAnnouncements() {
     let count = 0;
     const note = () => {
         window.announcementCount = `${performance.timeOrigin} ${count}`;
     };
     note();
-    document.addEventListener('DOMContentLoaded', () => {
-        const log = document.getElementById('announcements');
-        const observer = new MutationObserver(() => {
-            ++count;
-            note();
-        });
-        if (log) {
-            observer.observe(log, { childList: true });
-        }
+    const observer = new MutationObserver(changes => {
+        count += changes.filter(({ target }) => target.closest('[aria-live], [role=log]')).length;
+        note();
     });
+    observer.observe(document, { childList: true, subtree: true });
 }
 
 /// Keeps the numbers of keys that the page has got, modifiers apart (runs in the page).

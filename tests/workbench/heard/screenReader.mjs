@@ -52,7 +52,7 @@ export class ScreenReader {
     /// What it has said since the last call, once it has taken in all that the page has reported to it.
     async heard(page) {
         await this.#takesIn(page);
-        const announcements = await page.evaluate(() => window.announcementCount);
+        const announcements = await announcementsOf(page);
         while (announcements !== this.#announcements || this.#messages > 0) {
             this.#announcements = announcements;
             await delay(messageTime);
@@ -61,6 +61,11 @@ export class ScreenReader {
         const news = this.#spoken.slice(this.#heard);
         this.#heard = this.#spoken.length;
         return news;
+    }
+
+    /// Whether a live region of the page has changed since `heard`.
+    async hasNews(page) {
+        return (await announcementsOf(page)) !== this.#announcements;
     }
 
     /// Waits until Orca has taken in a change of the page that it does not speak of. It takes changes in their order, but
@@ -103,6 +108,8 @@ export class ScreenReader {
         this.#messages = Number(queueLine.exec(line)?.[1] ?? this.#messages);
     }
 }
+
+const announcementsOf = page => page.evaluate(() => window.announcementCount);
 
 /// The title of the page, or the first button of an open dialog, which hides the page, changes its description (runs in the page).
 function setMark(text) {
