@@ -62,10 +62,11 @@ export class Announcer {
         return this.#level;
     }
 
-    /// `text` is a sentence that begins with what matters; `kind` is a name in the lists of `levels`.
-    announce(text, kind) {
+    /// `text` is a sentence that begins with what matters; `kind` is a name in the lists of `levels`. A sentence that
+    /// `isLogged` by the daemon follows those that come within `collectTime` after it: the log and the bus are not in step.
+    announce(text, kind, isLogged = false) {
         if (text && this.#isWanted(kind)) {
-            this.#texts.push({ text, kind });
+            this.#texts.splice(this.#placeFor(isLogged), 0, { text, kind, isLogged, moment: performance.now() });
             this.#schedule(collectTime);
         }
     }
@@ -87,6 +88,12 @@ export class Announcer {
             this.#isHeld = false;
             this.#schedule(releaseTime);
         }
+    }
+
+    #placeFor(isLogged) {
+        const start = performance.now() - collectTime;
+        const isBefore = other => isLogged || !other.isLogged || other.moment <= start;
+        return this.#texts.findLastIndex(isBefore) + 1;
     }
 
     #isWanted(kind) {

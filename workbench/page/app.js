@@ -28,9 +28,10 @@ function showText(place, text) {
 const announcer = new Announcer(byId('announcements'));
 
 /// Has a screen reader say `text`, a sentence that begins with what matters. `kind` is what it is about: an "action"
-/// (or its refusal), another "event" at the device, the "reply" to what the user does on the page, or a "fault".
-function announce(text, kind) {
-    announcer.announce(text, kind);
+/// (or its refusal), another "event" at the device, the "reply" to what the user does on the page, or a "fault". What the
+/// daemon's log says `isLogged`.
+function announce(text, kind, isLogged = false) {
+    announcer.announce(text, kind, isLogged);
 }
 
 function show(place, text) {
@@ -1095,7 +1096,7 @@ function announceSpeech(entry) {
 function announceRefusal(entry) {
     const isSpoken = !entry.expected && entry.reason === lastSentence && announcer.level === 'all';
     if (!isSpoken) {
-        announce(refusalText(entry), 'action');
+        announce(refusalText(entry), 'action', true);
     }
 }
 
@@ -1129,7 +1130,7 @@ let isAtConsole = false; // the daemon's log answers a line of the console
 // A refusal is announced in words.
 function announceConsole({ text }) {
     if (isAtConsole && isView('commands') && !text.startsWith('KeyboardManager::onEvent WARN')) {
-        announce(text.replaceAll(/={3,}/g, '').trim(), 'reply');
+        announce(text.replaceAll(/={3,}/g, '').trim(), 'reply', true);
     }
 }
 

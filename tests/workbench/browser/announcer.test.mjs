@@ -30,6 +30,10 @@ class StillAnnouncer {
         return this.page.evaluate(all => all.forEach(text => window.announcer.announce(text, 'event')), texts);
     }
 
+    announceLogged(...texts) {
+        return this.page.evaluate(all => all.forEach(text => window.announcer.announce(text, 'reply', true)), texts);
+    }
+
     /// Calls a member without arguments.
     call(name) {
         return this.page.evaluate(member => window.announcer[member](), name);
@@ -52,6 +56,19 @@ test('sentences that come together are announced together, in their order and wi
     await still.isGiven();
     await still.pass(1);
     await still.isGiven('Up. Up, single key, to UserMenu. State Idle.');
+});
+
+test('what the log says follows what comes within 100 ms after it, and keeps its order', async () => {
+    const still = await StillAnnouncer.open();
+    await still.announce('Before');
+    await still.pass(100);
+    await still.announceLogged('Refused: one', 'Refused: two');
+    await still.pass(99);
+    await still.announce('Up', 'Down');
+    await still.pass(1);
+    await still.announce('Later');
+    await still.pass(1000);
+    await still.isGiven('Before.', `Up. Down. Refused: one. Refused: two. Later.${nbsp}`);
 });
 
 test('an announcement is one text node', async () => {
