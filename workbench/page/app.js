@@ -210,12 +210,13 @@ function press(id, holder) {
     if (held.has(id)) {
         return;
     }
-    const hold = { holder, isRefused: false, isReported: down.has(id) };
+    const hold = { holder, hasFailed: false, isRefused: false, isReported: down.has(id) };
     held.set(id, hold);
     pressedHere.add(id);
     showKeys();
     const sent = send(statementsOf('press', id));
     sent.catch(({ isAnswer = false }) => {
+        hold.hasFailed = true;
         hold.isRefused = isAnswer; // what is not answered may be done yet, and is to be undone then
         if (held.get(id) === hold) {
             release((_, each) => each === id);
@@ -228,7 +229,8 @@ function release(isMeant) {
     for (const [id, hold] of held) {
         if (isMeant(hold.holder, id)) {
             held.delete(id);
-            attempt(send(statementsOf('release', id), () => !hold.isRefused));
+            send(statementsOf('release', id), () => !hold.isRefused)
+                .catch(({ message }) => hold.hasFailed || complain(message));
         }
     }
     showKeys();
@@ -437,10 +439,9 @@ function reportDevice({ status, reason }) {
 }
 
 function setUpDevice() {
-    byId('restart-device').addEventListener('click', async () => {
-        if (await restart({})) {
-            currentView().querySelector('h2').focus(); // the button goes
-        }
+    byId('restart-device').addEventListener('click', () => {
+        currentView().querySelector('h2').focus(); // the button goes
+        restart({});
     });
 }
 
