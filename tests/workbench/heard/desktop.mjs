@@ -11,8 +11,8 @@ import { eventually } from '../browser/eventually.mjs';
 
 const run = promisify(execFile);
 
-/// A display without a screen, with a window manager and the accessibility bus, for the programs that are started in it.
-/// Their files are in a folder that is removed with it. The session bus is that of this process.
+/// A display without a screen, with a window manager, a session bus and the accessibility bus, for the programs that are
+/// started in it. Their files are in a folder that is removed with it.
 export class Desktop {
     #processes = [];
     #log;
@@ -22,6 +22,7 @@ export class Desktop {
         await desktop.#makeFolder();
         await desktop.#startDisplay();
         desktop.start('openbox');
+        await desktop.#startBus();
         await desktop.#enableAccessibility();
         return desktop;
     }
@@ -63,10 +64,8 @@ export class Desktop {
     async #makeFolder() {
         this.folder = await mkdtemp(join(tmpdir(), 'heard-'));
         this.#log = createWriteStream(this.path('log'));
-        const { PATH, DBUS_SESSION_BUS_ADDRESS } = process.env;
         this.environment = {
-            PATH,
-            DBUS_SESSION_BUS_ADDRESS,
+            PATH: process.env.PATH,
             HOME: this.folder,
             XDG_RUNTIME_DIR: this.path('run'),
             LANG: 'C.UTF-8',
@@ -84,8 +83,12 @@ export class Desktop {
 
     async #startDisplay() {
         const server = this.start('Xvfb', '-displayfd', '3', '-screen', '0', '1280x1024x24', '-nolisten', 'tcp');
-        const [number] = await once(server.stdio[3], 'data');
-        this.environment.DISPLAY = `:${String(number).trim()}`;
+        this.environment.DISPLAY = `:${await firstLineOf(server)}`;
+    }
+
+    async #startBus() {
+        const bus = this.start('dbus-daemon', '--session', '--nofork', '--print-address=3');
+        this.environment.DBUS_SESSION_BUS_ADDRESS = await firstLineOf(bus);
     }
 
     async #enableAccessibility() {
@@ -94,4 +97,10 @@ export class Desktop {
         await eventually(() => this.run('gdbus', ...set, 'IsEnabled', '<true>'));
         await this.run('gdbus', ...set, 'ScreenReaderEnabled', '<true>');
     }
+}
+
+/// What a program says of itself when it is ready.
+async function firstLineOf(child) {
+    const [line] = await once(child.stdio[3], 'data');
+    return String(line).trim();
 }

@@ -3,23 +3,38 @@
 import assert from 'node:assert/strict';
 import { readdirSync } from 'node:fs';
 import { readFile } from 'node:fs/promises';
-import { after, before, test } from 'node:test';
+import { after, before, describe, test } from 'node:test';
 
 import { Listener } from './listener.mjs';
 import { takeAgain } from './script.mjs';
 
 const folder = new URL('./', import.meta.url);
-let listener;
+const names = readdirSync(folder).filter(each => each.endsWith('.txt') && each !== 'CMakeLists.txt');
+const concurrency = 2; // each waits for the other programs most of the time
+const listeners = Array.from({ length: concurrency }, () => new Listener());
 
-before(async () => {
-    listener = await Listener.begin();
-});
-after(() => listener?.end());
-
-for (const name of readdirSync(folder).filter(each => each.endsWith('.txt') && each !== 'CMakeLists.txt')) {
-    test(name, async () => {
-        const golden = await readFile(new URL(name, folder), 'utf8');
-        const taken = await takeAgain(listener, golden);
-        assert.equal(taken, golden, `${name} should be, if this is what should be heard:\n\n${taken}`);
-    });
+async function check(name, listener) {
+    const golden = await readFile(new URL(name, folder), 'utf8');
+    const taken = await takeAgain(listener, golden);
+    assert.equal(taken, golden, `${name} should be, if this is what should be heard:\n\n${taken}`);
 }
+
+describe('what is heard', { concurrency }, () => {
+    before(async () => {
+        const begun = await Promise.allSettled(listeners.map(each => each.begin()));
+        const fault = begun.find(({ reason }) => reason);
+        assert.ifError(fault?.reason);
+    });
+    after(() => Promise.all(listeners.map(each => each.end())));
+
+    for (const name of names) {
+        test(name, async () => {
+            const listener = listeners.pop();
+            try {
+                await check(name, listener);
+            } finally {
+                listeners.push(listener);
+            }
+        });
+    }
+});

@@ -29,12 +29,10 @@ const clockSteps = 3;
 /// `hears`, and the page gets the device's events with `until` only: what is heard does not depend on how long the
 /// device, the browser and the screen reader take.
 export class Listener {
-    static async begin() {
-        const listener = new Listener();
-        listener.desktop = await Desktop.start();
-        listener.reader = await ScreenReader.start(listener.desktop);
-        await listener.#openBrowser();
-        return listener;
+    async begin() {
+        this.desktop = await Desktop.start();
+        this.reader = await ScreenReader.start(this.desktop);
+        await this.#openBrowser();
     }
 
     async end() {
@@ -83,20 +81,43 @@ export class Listener {
         await eventually(async () => assert((await taken()) >= former + number, 'The page did not get the keys.'));
     }
 
+    /// Ends all gestures, and waits until earlier keys count no more: a lone key is announced then.
+    async outlastWindow() {
+        await this.simulator.take('tap Up Menu Up');
+        await this.until('announcement SingleKey Menu');
+        await this.until('announcement SingleKey Up');
+    }
+
     /// What happens from now on belongs together: the order in which `until` is called for it does not matter.
-    beginStep() {
+    /// It begins on the page or not.
+    beginStep(isOnPage) {
         this.former = this.latest;
         this.awaited = new Set();
+        this.isTakenIn = !isOnPage;
     }
 
     /// Waits until the device has reported this, such as "announcement SingleKey Up", since the step before. The page
     /// learns of it, and of all before it, but not of what comes after it.
     async until(words) {
+        await this.#takeIn();
         const entry = await eventually(() => this.#find(words));
         this.awaited.add(entry);
         this.latest = Math.max(this.latest, entry.id);
         await this.page.waitForFunction(id => window.latestEntry >= id, entry.id, { polling: 20 });
         await this.page.evaluate(id => window.letIn(id), this.latest);
+    }
+
+    /// What was done on the page comes before what the device does: the screen reader takes it in first.
+    async #takeIn() {
+        if (!this.isTakenIn) {
+            this.isTakenIn = true;
+            await this.#hasAnswers();
+            await this.reader.takesIn(this.page);
+        }
+    }
+
+    #hasAnswers() {
+        return this.page.waitForFunction(() => !window.openRequests, null, { polling: 20 });
     }
 
     #find(words) {
@@ -111,7 +132,7 @@ export class Listener {
     /// What is heard of all that has happened. The time of the page goes on in steps, each as short as the time between
     /// two announcements, until there is nothing more.
     async hears() {
-        await this.page.waitForFunction(() => !window.openRequests, null, { polling: 20 });
+        await this.#hasAnswers();
         const all = await this.reader.heard(this.page);
         for (let quiet = 0; quiet < clockSteps; ++quiet) {
             await this.page.clock.runFor(clockStep);
@@ -120,7 +141,7 @@ export class Listener {
                 quiet = -1;
             }
         }
-        return all;
+        return all.concat(await this.reader.heard(this.page));
     }
 
     async #openBrowser() {

@@ -2,18 +2,26 @@
 import { open } from 'node:fs/promises';
 import { setTimeout as delay } from 'node:timers/promises';
 
-// A line at a time is read from the file; the keys that are pressed are known.
+// A line at a time is read from the file; the keys that are pressed are known; the file says of each message of a live
+// region that it waits.
 const customizations = `
 import orca.debug
+import orca.liveregions
 import orca.settings
 orca.debug.debugFile.reconfigure(line_buffering=True)
 orca.settings.enableKeyEcho = False
+
+def enqueue(self, *words, former=orca.liveregions.PriorityQueue.enqueue):
+    former(self, *words)
+    orca.debug.println(orca.debug.LEVEL_INFO, 'LIVE REGIONS: messages in queue: %i' % len(self), True)
+
+orca.liveregions.PriorityQueue.enqueue = enqueue
 `;
 
-/// Orca says a message of a live region this long after it came, and one in this time. With its waiting time over, a
-/// message comes before any later change.
-const messageTime = 150; // milliseconds
-const pollTime = 10;
+/// Orca does not start when it sees another one.
+const separately = ['bwrap', '--die-with-parent', '--unshare-pid', '--dev-bind', '/', '/', '--proc', '/proc', '--'];
+
+const pollTime = 10; // milliseconds
 /// Before another change is made.
 const pollsForMark = 100;
 
@@ -25,6 +33,7 @@ const queueLine = /LIVE REGIONS: messages in queue: (\d+)$/;
 
 /// Orca without a synthesiser: what it would say is in its debug file.
 export class ScreenReader {
+    #desktop;
     #process;
     #file;
     #rest = '';       // of a line that is not whole yet
@@ -37,10 +46,11 @@ export class ScreenReader {
 
     static async start(desktop) {
         const reader = new ScreenReader();
+        reader.#desktop = desktop;
         await desktop.write('.local/share/orca/orca-customizations.py', customizations);
         await desktop.write('orca', '');
         reader.#file = await open(desktop.path('orca'));
-        reader.#process = desktop.start('orca', '--debug', `--debug-file=${desktop.path('orca')}`);
+        reader.#process = desktop.start(...separately, 'orca', '--debug', `--debug-file=${desktop.path('orca')}`);
         await reader.#until(() => reader.#spoken.includes('Screen reader on.'));
         return reader;
     }
@@ -51,13 +61,9 @@ export class ScreenReader {
 
     /// What it has said since the last call, once it has taken in all that the page has reported to it.
     async heard(page) {
-        await this.#takesIn(page);
-        const announcements = await announcementsOf(page);
-        while (announcements !== this.#announcements || this.#messages > 0) {
-            this.#announcements = announcements;
-            await delay(messageTime);
-            await this.#takesIn(page);
-        }
+        this.#announcements = await announcementsOf(page);
+        await this.takesIn(page);
+        await this.#until(() => this.#messages === 0);
         const news = this.#spoken.slice(this.#heard);
         this.#heard = this.#spoken.length;
         return news;
@@ -70,7 +76,7 @@ export class ScreenReader {
 
     /// Waits until Orca has taken in a change of the page that it does not speak of. It takes changes in their order, but
     /// ignores some when many come: then another change is made.
-    async #takesIn(page) {
+    async takesIn(page) {
         const first = this.#sentMark + 1;
         while (this.#mark < first) {
             await page.evaluate(setMark, `mark ${++this.#sentMark}`);
@@ -92,7 +98,7 @@ export class ScreenReader {
 
     async #read() {
         if (this.#process.exitCode !== null || this.#process.signalCode !== null) {
-            throw new Error('Orca has ended.');
+            throw new Error(`Orca has ended:\n${await this.#desktop.log()}`);
         }
         const lines = (this.#rest + (await this.#file.readFile('utf8'))).split('\n');
         this.#rest = lines.pop();

@@ -22,12 +22,16 @@ const verbs = {
         return listener.page.getByLabel(what, { exact: true })
             .setInputFiles({ name, mimeType: 'text/plain', buffer: Buffer.from(text.replaceAll('; ', '\n')) });
     },
+    'wait': () => {}, // for what `until` says
+    'outlast the window of earlier keys': listener => listener.outlastWindow(),
     'device': (listener, statements) => listener.simulator.take(...statements.split('; ')),
     'restart the device': listener => listener.simulator.restart(),
     'crash the daemon': listener => listener.simulator.crashDaemon(),
     'cut the connection': listener => listener.relay.cut(),
     'mend the connection': listener => listener.relay.mend(),
 };
+
+const notOnPage = /^(wait|outlast|device|restart|crash)\b/;
 
 /// A part of the page by its role and name: button "Release all".
 function control(listener, what) {
@@ -70,7 +74,7 @@ async function play(listener, { lines }) {
         if (name === 'until') {
             await waitFor(listener, words);
         } else if (name) {
-            listener.beginStep();
+            listener.beginStep(!notOnPage.test(words));
             await perform(listener, words);
             isGiven = name === 'given';
         }
