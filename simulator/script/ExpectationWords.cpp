@@ -12,6 +12,8 @@
 
 namespace {
 
+const QString speakWord = QStringLiteral("speak ");
+
 QStringList wordsOf(const QString& text)
 {
     const QString simple = text.simplified();
@@ -41,10 +43,14 @@ QString checkAnnouncement(const QStringList& words)
 
 QString checkSpeech(const QStringList& words)
 {
-    const QString usage = QStringLiteral("expect MS speak FILE NUMBER");
-    const QString fault = ScriptWords::checkCount(words, 2, 2, usage);
+    const QString usage = QStringLiteral("expect MS speak SENTENCE or expect MS speak FILE NUMBER");
+    const QString fault = ScriptWords::checkCount(words, 1, 2, usage);
     if (!fault.isEmpty()) {
         return fault;
+    }
+    if (words.size() == 1) {
+        const bool isNamed = SentenceFiles::sentences().contains(words.first());
+        return isNamed ? QString() : QStringLiteral("There is no sentence \"%1\".").arg(words.first());
     }
     if (!SentenceFiles::isKnown(words.first())) {
         return QStringLiteral("There is no translation file \"%1\".").arg(words.first());
@@ -82,7 +88,15 @@ QString normalised(const QString& text)
     if (isFreeText(kind)) {
         return kind + ' ' + ScriptWords::withoutWords(text, 1);
     }
-    return text.simplified();
+    const QString simple = text.simplified();
+    const QString number = SentenceFiles::sentences().value(simple.mid(speakWord.size()));
+    return simple.startsWith(speakWord) && !number.isEmpty() ? speakWord + number : simple;
+}
+
+QString named(const QString& text)
+{
+    const QString name = SentenceFiles::sentences().key(text.mid(speakWord.size()));
+    return text.startsWith(speakWord) && !name.isEmpty() ? speakWord + name : text;
 }
 
 } // namespace ExpectationWords

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/script/KeyScript.h"
+#include "simulator/script/ExpectationWords.h"
 #include "simulator/script/KeyListJson.h"
 #include "simulator/script/KeyScriptText.h"
 #include "simulator/script/ServiceWords.h"
@@ -59,6 +60,8 @@ private Q_SLOTS:
     void commandsBecomeMaps_data();
     void commandsBecomeMaps();
     void expectationsKeepTheirOrderAndTime();
+    void sentencesHaveNamesAndNumbers_data();
+    void sentencesHaveNamesAndNumbers();
     void rowsMakeAllThreeKeyLists();
     void theScriptEndsWithItsLastWaitOrExpectation();
     void faultsAreExplained_data();
@@ -199,6 +202,32 @@ void KeyScriptTest::expectationsKeepTheirOrderAndTime()
                                  "0 speak EmbosserMenu 487", "1000 answer errorId=Undefined resultId=3"}));
 }
 
+void KeyScriptTest::sentencesHaveNamesAndNumbers_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("number");
+    QTest::newRow("of a key") << "speak KeyUp"
+                              << "speak EmbosserCore 24";
+    QTest::newRow("of a refusal") << "speak StartingUp"
+                                  << "speak EmbosserError 69";
+    QTest::newRow("of a menu") << "speak FactoryReset"
+                               << "speak EmbosserMenu 487";
+    QTest::newRow("without a name") << "speak EmbosserCore 0"
+                                    << "speak EmbosserCore 0";
+    QTest::newRow("no sentence") << "announce KeyUp UserMenu - Up"
+                                 << "announce KeyUp UserMenu - Up";
+}
+
+void KeyScriptTest::sentencesHaveNamesAndNumbers()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, number);
+    const ParsedScript parsed = parseKeyScript(QStringLiteral("expect 5 ") + name);
+    QCOMPARE(firstFault(parsed), QString());
+    QCOMPARE(parsed.script.expectations.value(0).text, number);
+    QCOMPARE(ExpectationWords::named(number), name);
+}
+
 void KeyScriptTest::rowsMakeAllThreeKeyLists()
 {
     const ParsedScript parsed = parseKeyScript(QStringLiteral("row long Hold UserMenu Idle 2 Menu"));
@@ -310,6 +339,10 @@ void KeyScriptTest::faultsAreExplained_data()
                                                              << "1: There is no translation file \"Moo\".";
     QTest::newRow("expectation of no sentence") << "expect 5 speak EmbosserCore Up"
                                                 << "1: \"Up\" is no sentence number.";
+    QTest::newRow("expectation of an unknown sentence") << "expect 5 speak EmbosserCore"
+                                                        << "1: There is no sentence \"EmbosserCore\".";
+    QTest::newRow("expectation of a sentence and more") << "expect 5 speak KeyUp 24 now"
+                                                        << "1: Write it as: expect MS speak SENTENCE or";
     QTest::newRow("expectation of half a notice") << "expect 5 announce SingleKey UserMenu"
                                                   << "1: Write it as: expect MS announce";
     QTest::newRow("expectation of an unknown receiver") << "expect 5 announce SingleKey Moo -"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "simulator/script/ExpectationWords.h"
 #include "simulator/script/KeyScriptText.h"
 #include "simulator/script/Transcript.h"
 #include "tests/virtual/DeviceTest.h"
@@ -16,6 +17,15 @@ QStringList faultsOf(const ParsedScript& parsed)
         lines.append(QStringLiteral("line %1: %2").arg(fault.line).arg(fault.text));
     }
     return lines;
+}
+
+/// As the scripts have them.
+Observations withNames(Observations observations)
+{
+    for (Observation& observation : observations) {
+        observation.text = ExpectationWords::named(observation.text);
+    }
+    return observations;
 }
 
 QString asExpectations(const Observations& observed)
@@ -75,7 +85,8 @@ void GoldenTest::scriptGoesAsExpected()
     QVERIFY2(!QFileInfo(path).isDir() && QFile::exists(path), qPrintable(noScripts(path)));
     const ParsedScript parsed = loadKeyScript(path);
     QCOMPARE(faultsOf(parsed), QStringList{});
-    const KeyScript& script = parsed.script;
+    KeyScript script = parsed.script;
+    script.expectations = withNames(script.expectations);
     QVERIFY2(!changesServices(script), "Services do not fail on the virtual clock: play the script with "
                                        "keyboard-handler-simulator.");
     device = std::make_unique<VirtualDevice>();
@@ -83,12 +94,12 @@ void GoldenTest::scriptGoesAsExpected()
     device->setRows(script.rows);
     device->start(script.initialState);
 
-    for (const ScriptStep& step : script.steps) {
+    for (const ScriptStep& step : qAsConst(script.steps)) {
         device->waitUntil(step.at); // what falls due at the same moment comes before the step
         device->take(step);
     }
     device->waitUntil(script.duration() + 5s);
-    const Observations observed = device->takeObservations();
+    const Observations observed = withNames(device->takeObservations());
     const QStringList difference = Transcript::difference(script, observed, Transcript::Clock::Virtual);
     QVERIFY2(difference.isEmpty(),
              qPrintable(difference.join('\n') + "\nobserved:" + asExpectations(observed)));
