@@ -81,7 +81,6 @@ private Q_SLOTS:
     void commandPrintsItsResponse_data();
     void commandPrintsItsResponse();
     void simulatedKeyIsSentByTheDaemonItself();
-    void unknownNumbersAreSentAsEmptyTexts();
     void notificationIsPrintedInItsCategory();
     void notificationIsNotPrintedByDefault();
     void incompleteNotificationIsReportedWithTheOddPrefix_data();
@@ -237,20 +236,6 @@ void ConsoleTest::simulatedKeyIsSentByTheDaemonItself()
         "log Process command response", emptyLine, "announce SingleKey UserMenu KeyboardHandler Menu",
         R"(log QMap(("errorId", QVariant(QString, "Undefined"))("resultId", QVariant(QString, "Success"))))"};
     QCOMPARE(device->take(), expected);
-}
-
-void ConsoleTest::unknownNumbersAreSentAsEmptyTexts()
-{
-    device->typeLine("C 7 77 139");
-    const QString refused =
-        R"(log QMap(("errorId", QVariant(QString, "InvalidValue"))("resultId", QVariant(QString, "Failure"))))";
-    QCOMPARE(device->take(),
-             (QStringList{"log Process command response", emptyLine,
-                          "log KeyboardHandler::simulateKey ERROR: Invalid key action received!", refused}));
-    device->typeLine("C 7 1 9999");
-    QCOMPARE(device->take(),
-             (QStringList{"log Process command response", emptyLine,
-                          "log KeyboardHandler::simulateKey ERROR: Invalid key received!", refused}));
 }
 
 void ConsoleTest::notificationIsPrintedInItsCategory()

@@ -47,11 +47,9 @@ private Q_SLOTS:
     void recordHasTheSizeOfTheWordWidth();
     void isClosedUntilOpened();
     void openDeviceIsOpenedAgain();
-    void emptyNameIsWarnedOfAndSetsNoError();
     void missingDeviceIsReportedAndMayComeLater();
     void everyRecordIsEmittedNotOnlyKeys();
-    void trailingPartOfARecordIsDropped();
-    void lessThanARecordIsDroppedAndReadingGoesOn();
+    void partOfARecordIsDropped();
     void burstWithPartialRecordsLosesNoWholeRecord();
     void oneNotificationDrainsTheDevice();
     void oneReadTakes32Records();
@@ -64,7 +62,7 @@ private Q_SLOTS:
     void simulatedKeysAreEmitted_data();
     void simulatedKeysAreEmitted();
     void simulatedKeyWithoutValueIsRefused();
-    void simulatedKeyPassesTheFilterAndTheDeviceBy();
+    void simulatedKeyBypassesFilterAndDevice();
     void keysAreNamed_data();
     void keysAreNamed();
     void lastEventIsWhatWasStored();
@@ -76,6 +74,8 @@ private Q_SLOTS:
 private:
     static input_event record(int type, int code, int value);
     void write(const QByteArray& bytes);
+    /// Has one notification read these, of which each read takes one and drops what has no room.
+    void read(const QList<QByteArray>& packets);
     static QByteArray bytes(const input_event& event);
     QString path(const char* name) const { return folder->filePath(name); }
 
@@ -125,6 +125,18 @@ void KeyboardTest::write(const QByteArray& data)
     QCoreApplication::processEvents();
 }
 
+void KeyboardTest::read(const QList<QByteArray>& packets)
+{
+    int ends[2];
+    QCOMPARE(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, ends), 0);
+    for (const QByteArray& packet : packets) {
+        QCOMPARE(::send(ends[1], packet.constData(), static_cast<size_t>(packet.size()), 0), packet.size());
+    }
+    QMetaObject::invokeMethod(keyboard.get(), "readEvents", Q_ARG(int, ends[0]));
+    ::close(ends[0]);
+    ::close(ends[1]);
+}
+
 void KeyboardTest::recordHasTheSizeOfTheWordWidth()
 {
     QCOMPARE(sizeof(input_event), sizeof(long) == 4 ? 16u : 24u);
@@ -148,15 +160,6 @@ void KeyboardTest::openDeviceIsOpenedAgain()
     QVERIFY(!keyboard->isOpen());
 }
 
-void KeyboardTest::emptyNameIsWarnedOfAndSetsNoError()
-{
-    Keyboard nameless;
-    const LogRecorder log;
-    QVERIFY(!nameless.open());
-    QCOMPARE(log.lines(), criticalLine("Keyboard::open WARN: No device specified."));
-    QCOMPARE(nameless.errorString(), QString());
-}
-
 void KeyboardTest::missingDeviceIsReportedAndMayComeLater()
 {
     Keyboard late(path("event7"));
@@ -178,16 +181,7 @@ void KeyboardTest::everyRecordIsEmittedNotOnlyKeys()
     QCOMPARE(events, (QStringList{"4 4 7", "1 103 1", "0 0 0"}));
 }
 
-void KeyboardTest::trailingPartOfARecordIsDropped()
-{
-    keyboard->open();
-    write(bytes(record(EV_KEY, KEY_UP, 1)) + QByteArray(4, 'x'));
-    QCOMPARE(events, QStringList{"1 103 1"});
-    write(bytes(record(EV_KEY, KEY_UP, 0)));
-    QCOMPARE(events, (QStringList{"1 103 1", "1 103 0"}));
-}
-
-void KeyboardTest::lessThanARecordIsDroppedAndReadingGoesOn()
+void KeyboardTest::partOfARecordIsDropped()
 {
     keyboard->open();
     write(QByteArray(sizeof(input_event) - 1, 'x'));
@@ -199,39 +193,28 @@ void KeyboardTest::lessThanARecordIsDroppedAndReadingGoesOn()
 void KeyboardTest::burstWithPartialRecordsLosesNoWholeRecord()
 {
     keyboard->open();
-    for (int i = 0; i < 10000; ++i) {
-        write(bytes(record(EV_KEY, KEY_UP, i % 3)) +
+    constexpr int maxRecords = 100; // more than one read takes
+    int sent = 0;
+    for (int i = 0; i < 2000; ++i) {
+        const int count = i % maxRecords;
+        write(bytes(record(EV_KEY, KEY_UP, i % 3)).repeated(count) +
               QByteArray(i % static_cast<int>(sizeof(input_event)), 'x'));
+        sent += count;
     }
-    QCOMPARE(events.size(), 10000);
+    QCOMPARE(events.size(), sent);
 }
 
-/// Each read of such a socket takes one packet.
 void KeyboardTest::oneNotificationDrainsTheDevice()
 {
-    int ends[2];
-    QCOMPARE(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, ends), 0);
     const QByteArray whole = bytes(record(EV_KEY, KEY_UP, 1));
-    for (const QByteArray& packet : {whole, whole.left(whole.size() - 1), whole + whole}) {
-        QCOMPARE(::send(ends[1], packet.constData(), static_cast<size_t>(packet.size()), 0), packet.size());
-    }
-    QMetaObject::invokeMethod(keyboard.get(), "readEvents", Q_ARG(int, ends[0]));
+    read({whole, whole.left(whole.size() - 1), whole + whole});
     QCOMPARE(events.size(), 3);
-    ::close(ends[0]);
-    ::close(ends[1]);
 }
 
-/// Each read of such a socket takes one packet, and drops what has no room.
 void KeyboardTest::oneReadTakes32Records()
 {
-    int ends[2];
-    QCOMPARE(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, ends), 0);
-    const QByteArray packet = bytes(record(EV_KEY, KEY_UP, 1)).repeated(33);
-    QCOMPARE(::send(ends[1], packet.constData(), static_cast<size_t>(packet.size()), 0), packet.size());
-    QMetaObject::invokeMethod(keyboard.get(), "readEvents", Q_ARG(int, ends[0]));
+    read({bytes(record(EV_KEY, KEY_UP, 1)).repeated(33)});
     QCOMPARE(events.size(), 32);
-    ::close(ends[0]);
-    ::close(ends[1]);
 }
 
 void KeyboardTest::interruptedReadIsRepeated()
@@ -364,7 +347,7 @@ void KeyboardTest::simulatedKeyWithoutValueIsRefused()
     QCOMPARE(events, QStringList{});
 }
 
-void KeyboardTest::simulatedKeyPassesTheFilterAndTheDeviceBy()
+void KeyboardTest::simulatedKeyBypassesFilterAndDevice()
 {
     keyboard->setFilter([](const ls::KeyEvent&) { return false; });
     keyboard->open();
@@ -430,7 +413,7 @@ void KeyboardTest::emptyNameKeepsTheErrorBefore()
     const QString error = late.errorString();
     QCOMPARE(log.take(), criticalLine("Keyboard::open ERROR: " + error));
     late.setDevice({});
-    late.open();
+    QVERIFY(!late.open());
     QCOMPARE(log.take(), criticalLine("Keyboard::open WARN: No device specified."));
     QVERIFY(!error.isEmpty());
     QCOMPARE(late.errorString(), error);

@@ -179,6 +179,8 @@ void KeyListFileTest::fieldsOfOtherTypesAreConverted()
     QCOMPARE(row.eAction(), QString("7"));
     QCOMPARE(row.receiverService(), QString("true"));
     QCOMPARE(row.validOnState(), QString());
+    const QVariantMap oddKeys{{"keys", QVariantList{1, QVariant(), QVariantMap{}}}};
+    QCOMPARE(loaded({{"LongKeys", QVariantList{oddKeys}}}).rows.value(0).keys(), (QStringList{"1", "", ""}));
     QCOMPARE(log.lines(), {});
 }
 

@@ -9,21 +9,9 @@ class CommandsTest : public DeviceTest
 private Q_SLOTS:
     void init();
     void lastKeyIsANumberOfEitherDevice();
-    void lastKeyBeforeAnyKeyIsZero();
-    void lastKeyCountsEveryKeyRecord_data();
-    void lastKeyCountsEveryKeyRecord();
-    void lastKeyIsUnsigned();
-    void startOfATestKeepsEarlierResults();
-    void startOfATestLeavesAnOpenCombination();
-    void simulatedShortcutUsesTheHeldKey();
     void combiningTimeReplacesAFieldOfTheFile();
-    void longKeysTimeoutTriplesHelp();
-    void listsCarryTheCombiningTime();
-    void simulatedKeyTravelsLikeARealOne();
     void simulateKeyRefusesBadValues_data();
     void simulateKeyRefusesBadValues();
-    void simulateKeyWithTheActionNoneFails();
-    void simulateKeyWithAGestureActionIsNotCategorized();
     void simulatedListsTakeWhatAQStringListCanBeMadeOf_data();
     void simulatedListsTakeWhatAQStringListCanBeMadeOf();
     void singleTextIsAListOfOne();
@@ -31,10 +19,7 @@ private Q_SLOTS:
     void missingListIsRefused();
     void nonKeyInAListSimulatesNothing_data();
     void nonKeyInAListSimulatesNothing();
-    void simulatedModifierLeavesTheCombinationOpen();
-    void simulatedShortcutLeavesTheKeyHeld();
     void testResultReplacesTheResult();
-    void testResultIsTakenOnlyOnce();
 
 private:
     QVariantMap send(const QString& command, QVariantMap parameters = {});
@@ -66,35 +51,6 @@ void CommandsTest::lastKeyIsANumberOfEitherDevice()
     QCOMPARE(send("GetLastKey").value("key"), QVariant(352));
 }
 
-void CommandsTest::lastKeyBeforeAnyKeyIsZero()
-{
-    QCOMPARE(send("GetLastKey").value("key"), QVariant(0));
-}
-
-void CommandsTest::longKeysTimeoutTriplesHelp()
-{
-    const QVariantMap expected{{"Help", 6000}, {"Menu", 2000}};
-    QCOMPARE(send("GetLongKeysTimeout").value("keyTimeouts").toMap(), expected);
-}
-
-void CommandsTest::listsCarryTheCombiningTime()
-{
-    const QVariantMap modifiers = send("GetModifierKeyList").value("modifierKeyList").toMap();
-    QCOMPARE(modifiers.value("keyTimeouts"), QVariant(1500));
-    QCOMPARE(modifiers.value("ModifierKeys").toList().size(), 1);
-    const QVariantMap shortcuts = send("GetShortcutKeyList").value("shortcutKeyList").toMap();
-    QCOMPARE(shortcuts.value("keyTimeouts"), QVariant(1500));
-    QCOMPARE(shortcuts.value("ShortcutKeys").toList().size(), 1);
-}
-
-void CommandsTest::simulatedKeyTravelsLikeARealOne()
-{
-    QCOMPARE(send("SimulateKey", {{"actionId", "Pressed"}, {"key", "Menu"}}), success);
-    QCOMPARE(send("SimulateKey", {{"actionId", "Released"}, {"key", "Menu"}}), success);
-    QCOMPARE(device->take(), QStringList{"announce SingleKey UserMenu ServiceTool Menu"});
-    QCOMPARE(send("GetLastKey").value("key"), QVariant(139));
-}
-
 void CommandsTest::simulateKeyRefusesBadValues_data()
 {
     QTest::addColumn<QVariantMap>("parameters");
@@ -115,22 +71,6 @@ void CommandsTest::simulateKeyRefusesBadValues()
     const QVariantMap expected{{"resultId", "Failure"}, {"errorId", "InvalidValue"}};
     QCOMPARE(send("SimulateKey", parameters), expected);
     QCOMPARE(device->take(), QStringList{"log KeyboardHandler::simulateKey ERROR: " + text});
-}
-
-void CommandsTest::simulateKeyWithTheActionNoneFails()
-{
-    const QVariantMap expected{{"resultId", "Failure"}, {"errorId", "ServiceError"}};
-    QCOMPARE(send("SimulateKey", {{"actionId", "None"}, {"key", "Menu"}}), expected);
-    const QStringList lines{"log Keyboard::simulateKey ERROR: Key value is invalid!",
-                            "log KeyboardHandler::simulateKey FAILED!"};
-    QCOMPARE(device->take(), lines);
-}
-
-void CommandsTest::simulateKeyWithAGestureActionIsNotCategorized()
-{
-    QCOMPARE(send("SimulateKey", {{"actionId", "LongPress"}, {"key", "Menu"}}), success);
-    QCOMPARE(device->take(),
-             QStringList{"log KeyboardManager::onKeyEvent ERROR: Action cannot be categorized!"});
 }
 
 void CommandsTest::simulatedListsTakeWhatAQStringListCanBeMadeOf_data()
@@ -208,91 +148,12 @@ void CommandsTest::nonKeyInAListSimulatesNothing()
     QCOMPARE(device->take(), QStringList{line});
 }
 
-void CommandsTest::simulatedModifierLeavesTheCombinationOpen()
-{
-    send("SimulateModifier", {{"keysList", QStringList{"Chs", "Up"}}});
-    device->wait(0ms);
-    device->take();
-    send("SimulateModifier", {{"keysList", QStringList{"Up"}}});
-    QCOMPARE(device->take(), QStringList{"announce NextSet UserMenu ServiceTool Chs Up"});
-}
-
-void CommandsTest::simulatedShortcutLeavesTheKeyHeld()
-{
-    QCOMPARE(send("SimulateShortcut", {{"keysList", QStringList{"Function", "Up"}}}), success);
-    QCOMPARE(device->take(), QStringList{"announce Louder UserMenu ServiceTool Function Up"});
-    device->press(KeyId::Up);
-    QCOMPARE(device->take(), QStringList{"announce Louder UserMenu KeyboardHandler Function Up"});
-}
-
 void CommandsTest::testResultReplacesTheResult()
 {
     QCOMPARE(send("StartTestMode"), success);
     const QVariantMap expected{{"resultId", 0}, {"errorId", "Undefined"}};
     QCOMPARE(send("GetTestResult"), expected);
     QCOMPARE(send("GetTestResult").value("resultId").type(), QVariant::Int);
-}
-
-void CommandsTest::testResultIsTakenOnlyOnce()
-{
-    device->setState(StateId::Error);
-    send("StartTestMode");
-    device->tap(KeyId::Up);
-    device->tap(KeyId::Down);
-    device->tap(KeyId::Up);
-    QCOMPARE(send("GetTestResult").value("resultId"), QVariant(2));
-    QCOMPARE(send("GetTestResult").value("resultId"), QVariant(0));
-}
-
-void CommandsTest::lastKeyCountsEveryKeyRecord_data()
-{
-    QTest::addColumn<QString>("state");
-    QTest::addColumn<qint32>("value");
-    QTest::newRow("press while starting up") << "Startup" << 1;
-    QTest::newRow("release while starting up") << "Startup" << 0;
-    QTest::newRow("value that is no action") << "Idle" << 3;
-}
-
-void CommandsTest::lastKeyCountsEveryKeyRecord()
-{
-    QFETCH(QString, state);
-    QFETCH(qint32, value);
-    device->setState(state);
-    device->record(0, {EV_KEY, KEY_OK, value});
-    QCOMPARE(send("GetLastKey").value("key"), QVariant(352));
-}
-
-void CommandsTest::lastKeyIsUnsigned()
-{
-    device->record(0, {EV_KEY, 0xffff, 1});
-    QCOMPARE(send("GetLastKey").value("key"), QVariant(65535));
-}
-
-void CommandsTest::startOfATestKeepsEarlierResults()
-{
-    device->setState(StateId::Error);
-    send("StartTestMode");
-    device->tap(KeyId::Up);
-    device->tap(KeyId::Ten);
-    send("StartTestMode");
-    QCOMPARE(send("GetTestResult").value("resultId"), QVariant(2));
-}
-
-void CommandsTest::startOfATestLeavesAnOpenCombination()
-{
-    device->tap(KeyId::Chs);
-    send("StartTestMode");
-    device->take();
-    device->tap(KeyId::Up);
-    QCOMPARE(device->take(),
-             (QStringList{"announce NextSet UserMenu ServiceTool Chs Up", "speak EmbosserCore 24"}));
-}
-
-void CommandsTest::simulatedShortcutUsesTheHeldKey()
-{
-    device->press(KeyId::Function);
-    send("SimulateShortcut", {{"keysList", QStringList{"Up"}}});
-    QCOMPARE(device->take(), QStringList{"announce Louder UserMenu ServiceTool Function Up"});
 }
 
 void CommandsTest::combiningTimeReplacesAFieldOfTheFile()

@@ -11,14 +11,8 @@ private Q_SLOTS:
     void init() { start(StateId::Idle); }
     void refusedCommandsNameTheirError_data();
     void refusedCommandsNameTheirError();
-    void refusedCommandLeavesTheSenderAsItWas();
     void everyKnownServiceMaySendAnyCommand();
-    void firstKeyBeforeAnyCommandNamesNoSender();
-    void onlyTheFirstActionAfterACommandNamesItsSender();
-    void commandWithoutNotificationStillNamesTheNextSender();
-    void parametersReplaceTheFieldsOfTheNotification();
     void senderIsResetAlsoWhenAParameterReplacedIt();
-    void notificationCarriesItsFourFieldsAndTheParameters();
     void commandIsTracedInItsCategory();
     void refusedCommandsAreNotTraced_data();
     void refusedCommandsAreNotTraced();
@@ -68,14 +62,6 @@ void ServiceObjectTest::refusedCommandsNameTheirError()
     QCOMPARE(device->take(), QStringList{line});
 }
 
-void ServiceObjectTest::refusedCommandLeavesTheSenderAsItWas()
-{
-    device->process({{commandIdKey, "GetKeyList"}, {senderIdKey, "WwwApi"}});
-    device->take();
-    device->tap(KeyId::Menu);
-    QCOMPARE(device->take(), QStringList{"announce SingleKey UserMenu - Menu"});
-}
-
 void ServiceObjectTest::everyKnownServiceMaySendAnyCommand()
 {
     const QVariantMap success{{"resultId", "Success"}, {"errorId", "Undefined"}};
@@ -85,57 +71,11 @@ void ServiceObjectTest::everyKnownServiceMaySendAnyCommand()
     }
 }
 
-void ServiceObjectTest::firstKeyBeforeAnyCommandNamesNoSender()
-{
-    device->tap(KeyId::Menu);
-    device->tap(KeyId::Menu);
-    const QStringList expected{"announce SingleKey UserMenu - Menu",
-                               "announce SingleKey UserMenu KeyboardHandler Menu"};
-    QCOMPARE(device->take(), expected);
-}
-
-void ServiceObjectTest::onlyTheFirstActionAfterACommandNamesItsSender()
-{
-    device->process({{commandIdKey, "GetLastKey"}, {senderIdKey, "WwwApi"}});
-    device->take();
-    device->tap(KeyId::Menu);
-    device->tap(KeyId::Menu);
-    const QStringList expected{"announce SingleKey UserMenu WwwApi Menu",
-                               "announce SingleKey UserMenu KeyboardHandler Menu"};
-    QCOMPARE(device->take(), expected);
-}
-
-void ServiceObjectTest::commandWithoutNotificationStillNamesTheNextSender()
-{
-    device->process({{commandIdKey, "SimulateKey"}, {senderIdKey, "ErrorHandler"}}); // fails in its handler
-    device->take();
-    device->tap(KeyId::Menu);
-    QCOMPARE(device->take(), QStringList{"announce SingleKey UserMenu ErrorHandler Menu"});
-}
-
-void ServiceObjectTest::parametersReplaceTheFieldsOfTheNotification()
-{
-    const QVariantMap map = emitted({{senderIdKey, "PrintManager"}, {actionIdKey, "Other"}});
-    QCOMPARE(map.value(senderIdKey).toString(), QString("PrintManager"));
-    QCOMPARE(map.value(actionIdKey).toString(), QString("Other"));
-    QCOMPARE(map.size(), 4);
-}
-
 void ServiceObjectTest::senderIsResetAlsoWhenAParameterReplacedIt()
 {
     device->process({{commandIdKey, "GetLastKey"}, {senderIdKey, "WwwApi"}});
     emitted({{senderIdKey, "PrintManager"}});
     QCOMPARE(emitted({}).value(senderIdKey).toString(), QString("KeyboardHandler"));
-}
-
-void ServiceObjectTest::notificationCarriesItsFourFieldsAndTheParameters()
-{
-    const QVariantMap expected{{"notificationId", "KeyboardChange"},
-                               {"actionId", "Act"},
-                               {"senderId", ""},
-                               {"receiverId", "UserMenu"},
-                               {"firstKey", "Up"}};
-    QCOMPARE(emitted({{firstKeyKey, "Up"}}), expected);
 }
 
 void ServiceObjectTest::commandIsTracedInItsCategory()
