@@ -36,6 +36,7 @@ private Q_SLOTS:
     void everyCommandHasAnExample();
     void calls_data();
     void calls();
+    void watches_data();
     void watches();
     void theProgramInTheGuideIsTheFile();
     void theProgramWorks();
@@ -101,9 +102,17 @@ void DBusGuideTest::calls()
                    m_guide.lines(QStringLiteral("log"), example) + QStringList(notServed));
 }
 
+void DBusGuideTest::watches_data()
+{
+    QTest::addColumn<QString>("example");
+    for (const QString& example : m_guide.names(shell).filter(QRegularExpression(QStringLiteral("^watch")))) {
+        QTest::newRow(qPrintable(example)) << example;
+    }
+}
+
 void DBusGuideTest::watches()
 {
-    const QString example = QStringLiteral("watch-gdbus");
+    QFETCH(QString, example);
     watch(example, m_guide.text(shell, example), QStringLiteral("is owned by"));
 }
 
