@@ -5,5 +5,5 @@
 
 #include <QJsonObject>
 
-/// `card` as docs/key-card.md describes it.
+/// `card` as docs/panel-api.md describes it.
 QJsonObject toJson(const KeyCard& card);

@@ -12,7 +12,7 @@ class Session;
 class EventStreams;
 struct KeyCard;
 
-/// The routes below /api that work on the session; docs/panel-page.md describes them. Unless they
+/// The routes below /api that work on the session; docs/panel-api.md describes them. Unless they
 /// say otherwise, the functions are called on the session's thread.
 class PanelApi
 {

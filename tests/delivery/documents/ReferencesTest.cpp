@@ -3,6 +3,8 @@
 #include "simulator/script/KeyScriptText.h"
 #include "simulator/script/StatementHelp.h"
 
+#include <ls/Identifiers.h>
+
 #include <QDirIterator>
 #include <QtTest>
 
@@ -102,8 +104,11 @@ void ReferencesTest::testsOfTheFaultsExist()
     for (const QString& name : programs.entryList({QStringLiteral("*.cpp")})) {
         sources += textOf(programs.filePath(name));
     }
-    const QStringList rows = matches(textOf(projectPath(QStringLiteral("docs/faults.md"))), "\n\\| (.+) \\|");
-    QVERIFY(rows.size() > 1);
+    const QString section = textOf(projectPath(QStringLiteral("docs/reliability.md")))
+                                .section(QStringLiteral("\n## On the device\n"), 1)
+                                .section(QStringLiteral("\n## "), 0, 0);
+    const QStringList rows = matches(section, "\n\\| (.+) \\|");
+    QVERIFY(rows.size() > 20);
     for (const QString& row : rows) {
         for (const QString& name : matches(row.section('|', -1), "`([^`]+)`")) {
             QVERIFY2(scripts.exists(name) || sources.contains("::" + name + "()"), qPrintable(name));
@@ -130,6 +135,12 @@ void ReferencesTest::linesOfTheReadmeAreStatements()
     const ParsedScript parsed = parseKeyScriptSteps(QString(line).replace(';', '\n'));
     QVERIFY2(parsed.faults.isEmpty(), qPrintable(parsed.faults.value(0).text));
     QVERIFY(!parsed.script.steps.isEmpty());
+    // So that the next line shows what it is there for.
+    QString state = parsed.script.initialState;
+    for (const ScriptStep& step : parsed.script.steps) {
+        state = step.kind == ScriptStep::Kind::State ? step.text : state;
+    }
+    QCOMPARE(state, ls::StateId::Idle);
 }
 
 /// The help of the prompt has the steps that the document has, and the parser knows each.
