@@ -55,7 +55,7 @@ function goalText({ reference, limit, reached, met }, format) {
 }
 
 function deviceTable(measured) {
-    return table(['', 'daemon', 'relaying Qt', 'least Qt', 'least C', 'goal'],
+    return table(['', 'daemon', 'relaying Qt', 'minimal Qt', 'minimal C', 'goal'],
         measured.map(({ name, values, format, goals }) =>
             [name, ...programs.map(program => values[program] === undefined ? '' : format(values[program])),
                 goals.map(goal => goalText(goal, format)).join(', ')]));

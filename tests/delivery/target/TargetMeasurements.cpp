@@ -223,8 +223,8 @@ void TargetMeasurements::references_data()
 {
     QTest::addColumn<QString>("program");
     QTest::newRow("relaying Qt") << "relaying-qt";
-    QTest::newRow("least Qt") << "least-qt";
-    QTest::newRow("least C") << "least-sd-bus";
+    QTest::newRow("minimal Qt") << "least-qt";
+    QTest::newRow("minimal C") << "least-sd-bus";
 }
 
 void TargetMeasurements::references()
