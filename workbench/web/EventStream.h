@@ -1,49 +1,38 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QByteArray>
 #include <QByteArrayList>
-#include <QDeadlineTimer>
+#include <QObject>
 
-#include <condition_variable>
-#include <mutex>
-
-namespace httplib {
-class DataSink;
-} // namespace httplib
-
-/// The events that wait for one client. They are added on the main thread, which never waits, and written
-/// on a thread of the server.
-class EventStream
+/// The events that wait for one client.
+class EventStream : public QObject
 {
+    Q_OBJECT
+
 public:
     /// `snapshot` is sent first, whatever its size.
-    EventStream(int client, const QByteArray& snapshot);
-
-    int client() const { return m_client; }
+    explicit EventStream(const QByteArray& snapshot);
 
     /// False when the client has fallen too far behind; the stream is over then.
     bool add(const QByteArray& event);
     void close();
+    /// Moves at most `maxSize` bytes of what waits to `data`; returns how many.
+    int take(char* data, int maxSize);
 
-    /// Writes a piece of what is there, for which it waits a little. False when the stream is over or the
-    /// client is gone.
-    bool writeTo(httplib::DataSink& sink);
+Q_SIGNALS:
+    /// Something waits to be taken.
+    void changed();
+    /// The stream is over.
+    void closed();
+    /// The client has gone.
+    void abandoned();
 
 private:
-    void closeLocked();
-    bool fetch();
-
-    const int m_client;
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    bool m_open = true;
-    QByteArray m_snapshot;
+    bool m_isOpen = true;
     QByteArrayList m_events;
-    int m_bytes = 0;
-
-    // For the writing thread alone.
+    /// The bytes of `m_events`.
+    int m_size = 0;
+    /// What is being taken, the snapshot first.
     QByteArray m_text;
-    int m_written = 0;
-    QDeadlineTimer m_keepAlive;
+    int m_taken = 0;
 };

@@ -5,13 +5,13 @@
 #include "workbench/web/SessionJson.h"
 
 #include <QJsonDocument>
-#include <QJsonObject>
 
-#include <algorithm>
+using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int maximumStreams = 10;
+constexpr int maxStreams = 10;
+constexpr auto commentInterval = 15s;
 
 QByteArray toText(const QJsonObject& object)
 {
@@ -23,40 +23,37 @@ QByteArray toText(const QJsonObject& object)
 EventStreams::EventStreams(Session& session, QObject* parent) : QObject(parent), m_session(session)
 {
     connect(&session, &Session::added, this, &EventStreams::publish);
+    // Shows the readers that the server is there, and the server a reader that is not.
+    connect(&m_commentTimer, &QTimer::timeout, this, [this] { send(":\n\n"); });
+    m_commentTimer.start(commentInterval);
 }
 
 std::shared_ptr<EventStream> EventStreams::open()
 {
-    if (m_streams.size() >= maximumStreams) {
+    if (m_streams.size() >= maxStreams) {
         return nullptr;
     }
-    ++m_lastClient;
-    m_streams.append(std::make_shared<EventStream>(m_lastClient, snapshotFor(m_lastClient)));
-    return m_streams.constLast();
-}
-
-bool EventStreams::contains(int client) const
-{
-    return std::any_of(m_streams.begin(), m_streams.end(),
-                       [client](const auto& stream) { return stream->client() == client; });
-}
-
-void EventStreams::close(int client)
-{
-    const auto found = std::find_if(m_streams.begin(), m_streams.end(),
-                                    [client](const auto& stream) { return stream->client() == client; });
-    if (found == m_streams.end()) {
-        return;
-    }
-    (*found)->close();
-    m_streams.erase(found);
-    m_session.releaseKeysOf(client);
+    const int client = ++m_lastClient;
+    const auto stream = std::make_shared<EventStream>(snapshotFor(client));
+    m_streams.insert(client, stream);
+    // Later: the keys that it releases are entries themselves.
+    const auto leave = [this, client] { close(client); };
+    connect(stream.get(), &EventStream::abandoned, this, leave, Qt::QueuedConnection);
+    return stream;
 }
 
 void EventStreams::closeAll()
 {
     while (!m_streams.isEmpty()) {
-        close(m_streams.constFirst()->client());
+        close(m_streams.firstKey());
+    }
+}
+
+void EventStreams::close(int client)
+{
+    if (const std::shared_ptr<EventStream> stream = m_streams.take(client)) {
+        stream->close();
+        m_session.releaseKeysOf(client);
     }
 }
 
@@ -74,12 +71,12 @@ void EventStreams::publish(const SessionEntry& entry)
 {
     const QByteArray text = toText(SessionJson::entry(entry));
     m_history.add(text);
-    const QByteArray event = "event: entry\nid: " + QByteArray::number(entry.id) + "\ndata: " + text + "\n\n";
+    send("event: entry\nid: " + QByteArray::number(entry.id) + "\ndata: " + text + "\n\n");
+}
+
+void EventStreams::send(const QByteArray& event)
+{
     for (const std::shared_ptr<EventStream>& stream : qAsConst(m_streams)) {
-        if (!stream->add(event)) {
-            // Later: the keys that it releases are entries themselves.
-            QMetaObject::invokeMethod(
-                this, [this, client = stream->client()] { close(client); }, Qt::QueuedConnection);
-        }
+        stream->add(event);
     }
 }

@@ -6,6 +6,10 @@
 #include <QMap>
 #include <QString>
 
+#include <memory>
+
+class EventStream;
+
 /// What is sent back to a client.
 struct HttpAnswer
 {
@@ -14,6 +18,11 @@ struct HttpAnswer
     QByteArray body;
     /// Further headers, by their names.
     QMap<QByteArray, QByteArray> headers;
+    /// In place of the body, where the answer lasts.
+    std::shared_ptr<EventStream> stream;
+
+    /// `headers`, the type and what every answer has, which keeps the page to itself.
+    QMap<QByteArray, QByteArray> allHeaders() const;
 
     static HttpAnswer json(const QJsonObject& object, int status = 200);
     /// A file that a browser saves under this name.

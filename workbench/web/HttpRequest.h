@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "simulator/script/KeyScript.h"
-
 #include <QByteArray>
+#include <QMultiMap>
 
-/// What a route gets to know of a request.
+/// A request of a client.
 struct HttpRequest
 {
+    QByteArray method;
+    /// Decoded, without the query.
+    QByteArray path;
+    QMultiMap<QByteArray, QByteArray> query;
+    /// By their names in lower case.
+    QMultiMap<QByteArray, QByteArray> headers;
+    /// The bytes of the request line and the headers.
+    size_t headSize = 0;
+    /// As far as it has come.
     QByteArray body;
-    /// The number of the client's event stream; 0 when it names none, -1 when it is not a number.
-    int client = 0;
-    /// What the body says, where the route replays it.
-    KeyScript script;
 };

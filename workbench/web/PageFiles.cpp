@@ -3,45 +3,30 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
-#include <QMap>
 
 namespace {
 
-const QString startFile = QStringLiteral("index.html");
-
-QByteArray typeOf(const QString& name)
+QMap<QByteArray, HttpAnswer> load()
 {
-    static const QMap<QString, QByteArray> types{{QStringLiteral("html"), "text/html; charset=utf-8"},
-                                                 {QStringLiteral("css"), "text/css; charset=utf-8"},
-                                                 {QStringLiteral("js"), "text/javascript; charset=utf-8"}};
-    return types.value(QFileInfo(name).suffix(), "application/octet-stream");
-}
-
-std::map<std::string, HttpAnswer> load()
-{
-    std::map<std::string, HttpAnswer> files;
-    const QDir folder(QStringLiteral(":/page"));
-    for (const QString& name : folder.entryList()) {
-        QFile file(folder.filePath(name));
+    const QMap<QString, QByteArray> types{{QStringLiteral("html"), "text/html; charset=utf-8"},
+                                          {QStringLiteral("css"), "text/css; charset=utf-8"},
+                                          {QStringLiteral("js"), "text/javascript; charset=utf-8"}};
+    QMap<QByteArray, HttpAnswer> files;
+    for (const QFileInfo& info : QDir(QStringLiteral(":/page")).entryInfoList()) {
+        QFile file(info.filePath());
         file.open(QIODevice::ReadOnly);
-        files['/' + (name == startFile ? std::string() : name.toStdString())] = {
-            200, typeOf(name), file.readAll(), {}};
+        const QString name = info.fileName() == QStringLiteral("index.html") ? QString() : info.fileName();
+        files.insert('/' + name.toUtf8(),
+                     {200, types.value(info.suffix(), "application/octet-stream"), file.readAll(), {}, {}});
     }
     return files;
 }
 
 } // namespace
 
-// Not in a namespace: that is how the resources of a library are found.
-static void initialiseResources()
+const QMap<QByteArray, HttpAnswer>& pageFiles()
 {
     Q_INIT_RESOURCE(page);
-}
-
-const std::map<std::string, HttpAnswer>& pageFiles()
-{
-    initialiseResources();
-    static const std::map<std::string, HttpAnswer> files = load();
+    static const QMap<QByteArray, HttpAnswer> files = load();
     return files;
 }

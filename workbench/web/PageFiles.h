@@ -3,8 +3,5 @@
 
 #include "workbench/web/HttpAnswer.h"
 
-#include <map>
-#include <string>
-
 /// The files of the page by their path, the page itself as "/".
-const std::map<std::string, HttpAnswer>& pageFiles();
+const QMap<QByteArray, HttpAnswer>& pageFiles();

@@ -22,9 +22,18 @@ constexpr int conflict = 409;
 constexpr int internalError = 500;
 constexpr int unavailable = 503;
 
-constexpr std::chrono::seconds longestTurn(10); // the server's end waits as long
+constexpr std::chrono::seconds maxTurnTime(10); // the server's end waits as long
 
 const QString notText = QStringLiteral("The body is not UTF-8 text.");
+
+/// The number of the client's event stream; 0 when it names none, -1 when it is not a number.
+int clientOf(const HttpRequest& request)
+{
+    const QByteArray text = request.headers.value("x-client", request.query.value("client"));
+    bool isNumber = true;
+    const int number = text.isEmpty() ? 0 : text.toInt(&isNumber);
+    return isNumber && number >= 0 ? number : -1;
+}
 
 HttpAnswer cardAsJson(const KeyCard& card)
 {
@@ -34,7 +43,7 @@ HttpAnswer cardAsJson(const KeyCard& card)
 HttpAnswer cardInBraille(const KeyCard& card)
 {
     static std::timed_mutex turn;
-    const std::unique_lock lock(turn, longestTurn);
+    const std::unique_lock lock(turn, maxTurnTime);
     if (!lock) {
         return HttpAnswer::error(unavailable, QStringLiteral("The card is made in braille for others now."));
     }
@@ -53,61 +62,66 @@ HttpAnswer refuse(const QVector<ScriptFault>& faults)
     return HttpAnswer::error(badRequest, faults.constFirst().text, {{QStringLiteral("faults"), list}});
 }
 
-HttpAnswer recordingFile(const QByteArray& name, const QString& script, const QStringList& faults)
+using Recording = QString (Session::*)(QStringList* faults) const;
+
+HttpAnswer recordingFile(const Session& session, Recording recording, const QByteArray& name)
 {
+    QStringList faults;
+    const QString script = (session.*recording)(&faults);
     return faults.isEmpty() ? HttpAnswer::file(name, "text/plain; charset=utf-8", script.toUtf8())
                             : HttpAnswer::error(conflict, faults.join(QLatin1Char(' ')));
 }
 
 } // namespace
 
-PanelApi::PanelApi(Session& session, const EventStreams& streams) : m_session(session), m_streams(streams) {}
+PanelApi::PanelApi(Session& session, EventStreams& streams) : m_session(session), m_streams(streams) {}
 
-const std::vector<PanelApi::Route>& PanelApi::routes()
+const QMap<QByteArray, PanelApi::Route>& PanelApi::routes()
 {
-    static const std::vector<Route> table{{"GET", "/api/device", &PanelApi::device},
-                                          {"GET", "/api/key-lists", &PanelApi::keyLists},
-                                          {"GET", "/api/card", nullptr, cardAsJson},
-                                          {"GET", "/api/card.brf", nullptr, cardInBraille},
-                                          {"GET", "/api/recording.keys", &PanelApi::recording},
-                                          {"GET", "/api/former-recording.keys", &PanelApi::formerRecording},
-                                          {"POST", "/api/steps", &PanelApi::takeSteps},
-                                          {"POST", "/api/restart", &PanelApi::restart},
-                                          {"POST", "/api/recording", &PanelApi::restartRecording},
-                                          {"POST", "/api/replay", &PanelApi::replay, nullptr, true},
-                                          {"POST", "/api/replay/stop", &PanelApi::stopReplay}};
+    using Api = PanelApi&;
+    using Request = const HttpRequest&;
+    using To = const Reply&;
+    const auto recording = [](Api api, Request, To reply) {
+        reply(recordingFile(api.m_session, &Session::recording, "recording.keys"));
+    };
+    const auto formerRecording = [](Api api, Request, To reply) {
+        reply(recordingFile(api.m_session, &Session::formerRecording, "former-recording.keys"));
+    };
+    const auto restartRecording = [](Api api, Request, To reply) {
+        api.m_session.restartRecording();
+        reply(HttpAnswer::json({}));
+    };
+    const auto stopReplay = [](Api api, Request, To reply) {
+        api.m_session.stopReplay();
+        reply(HttpAnswer::json({}));
+    };
+    const auto device = [](Api api, Request, To reply) {
+        reply(HttpAnswer::json(SessionJson::description(api.m_session)));
+    };
+    static const QMap<QByteArray, Route> table{
+        {"/api/events", {"GET", [](Api api, Request, To reply) { reply(api.events()); }}},
+        {"/api/device", {"GET", device}},
+        {"/api/key-lists", {"GET", [](Api api, Request, To reply) { reply(api.keyLists()); }}},
+        {"/api/card", {"GET", [](Api api, Request, To reply) { api.makeCard(cardAsJson, reply); }}},
+        {"/api/card.brf", {"GET", [](Api api, Request, To reply) { api.makeCard(cardInBraille, reply); }}},
+        {"/api/recording.keys", {"GET", recording}},
+        {"/api/former-recording.keys", {"GET", formerRecording}},
+        {"/api/steps", {"POST", [](Api api, Request request, To reply) { reply(api.takeSteps(request)); }}},
+        {"/api/restart", {"POST", [](Api api, Request request, To reply) { reply(api.restart(request)); }}},
+        {"/api/recording", {"POST", restartRecording}},
+        {"/api/replay", {"POST", [](Api api, Request request, To reply) { api.replay(request, reply); }}},
+        {"/api/replay/stop", {"POST", stopReplay}}};
     return table;
 }
 
-std::optional<HttpAnswer> PanelApi::read(const Route& route, HttpRequest* request)
+HttpAnswer PanelApi::events()
 {
-    if (!route.takesScript) {
-        return std::nullopt;
-    }
-    const std::optional<QString> text = textOf(request->body);
-    if (!text) {
-        return HttpAnswer::error(badRequest, notText);
-    }
-    ParsedScript parsed = Replay::read(*text);
-    request->script = std::move(parsed.script);
-    return parsed.faults.isEmpty() ? std::nullopt : std::optional(refuse(parsed.faults));
+    const std::shared_ptr<EventStream> stream = m_streams.open();
+    return stream ? HttpAnswer{200, "text/event-stream", {}, {}, stream}
+                  : HttpAnswer::error(unavailable, QStringLiteral("There are too many event streams."));
 }
 
-PanelApi::Rest PanelApi::begin(const Route& route, const HttpRequest& request) const
-{
-    if (route.answerOfCard) {
-        return [card = KeyCard::from(m_session.keyLists(), m_session.model()),
-                answerOf = route.answerOfCard] { return answerOf(card); };
-    }
-    return [answer = (this->*route.answer)(request)] { return answer; };
-}
-
-HttpAnswer PanelApi::device(const HttpRequest& /*request*/) const
-{
-    return HttpAnswer::json(SessionJson::description(m_session));
-}
-
-HttpAnswer PanelApi::keyLists(const HttpRequest& /*request*/) const
+HttpAnswer PanelApi::keyLists() const
 {
     QJsonObject lists;
     const QMap<QString, QByteArray> files = m_session.keyLists();
@@ -117,35 +131,22 @@ HttpAnswer PanelApi::keyLists(const HttpRequest& /*request*/) const
     return HttpAnswer::json(lists);
 }
 
-HttpAnswer PanelApi::recording(const HttpRequest& /*request*/) const
+HttpAnswer PanelApi::takeSteps(const HttpRequest& request)
 {
-    QStringList faults;
-    const QString script = m_session.recording(&faults);
-    return recordingFile("recording.keys", script, faults);
-}
-
-HttpAnswer PanelApi::formerRecording(const HttpRequest& /*request*/) const
-{
-    QStringList faults;
-    const QString script = m_session.formerRecording(&faults);
-    return recordingFile("former-recording.keys", script, faults);
-}
-
-HttpAnswer PanelApi::takeSteps(const HttpRequest& request) const
-{
+    const int client = clientOf(request);
     // Nobody would release what a client presses that is not there.
-    if (request.client != 0 && !m_streams.contains(request.client)) {
+    if (client != 0 && !m_streams.contains(client)) {
         return HttpAnswer::error(badRequest, QStringLiteral("There is no event stream of that client."));
     }
     const std::optional<QString> statements = textOf(request.body);
     if (!statements) {
         return HttpAnswer::error(badRequest, notText);
     }
-    const QVector<ScriptFault> faults = m_session.take(*statements, request.client);
+    const QVector<ScriptFault> faults = m_session.take(*statements, client);
     return faults.isEmpty() ? HttpAnswer::json({}) : refuse(faults);
 }
 
-HttpAnswer PanelApi::restart(const HttpRequest& request) const
+HttpAnswer PanelApi::restart(const HttpRequest& request)
 {
     QString fault;
     const std::optional<Session::Changes> changes = changesOf(request.body, &fault);
@@ -156,20 +157,26 @@ HttpAnswer PanelApi::restart(const HttpRequest& request) const
                            : HttpAnswer::error(badRequest, ScriptWords::shortened(fault));
 }
 
-HttpAnswer PanelApi::restartRecording(const HttpRequest& /*request*/) const
+void PanelApi::replay(const HttpRequest& request, const Reply& reply)
 {
-    m_session.restartRecording();
-    return HttpAnswer::json({});
+    const std::optional<QString> text = textOf(request.body);
+    if (!text) {
+        reply(HttpAnswer::error(badRequest, notText));
+        return;
+    }
+    m_work.start([this, text, reply] {
+        return [this, parsed = Replay::read(*text), reply] {
+            if (parsed.faults.isEmpty()) {
+                m_session.replay(parsed.script);
+            }
+            reply(parsed.faults.isEmpty() ? HttpAnswer::json({}, accepted) : refuse(parsed.faults));
+        };
+    });
 }
 
-HttpAnswer PanelApi::replay(const HttpRequest& request) const
+void PanelApi::makeCard(HttpAnswer (*answerOf)(const KeyCard& card), const Reply& reply)
 {
-    m_session.replay(request.script);
-    return HttpAnswer::json({}, accepted);
-}
-
-HttpAnswer PanelApi::stopReplay(const HttpRequest& /*request*/) const
-{
-    m_session.stopReplay();
-    return HttpAnswer::json({});
+    m_work.start([card = KeyCard::from(m_session.keyLists(), m_session.model()), answerOf, reply] {
+        return [answer = answerOf(card), reply] { reply(answer); };
+    });
 }

@@ -17,12 +17,6 @@ QString placeOf(const QByteArray& body, const QJsonParseError& error)
         .arg(error.errorString());
 }
 
-QString readText(const QJsonValue& member, const QString& name, QString& text)
-{
-    text = member.toString();
-    return member.isString() ? QString() : QStringLiteral("The member \"%1\" is not a text.").arg(name);
-}
-
 QString readKeyLists(const QJsonValue& member, Session::Changes& changes)
 {
     if (member.isNull()) {
@@ -44,11 +38,9 @@ QString readKeyLists(const QJsonValue& member, Session::Changes& changes)
 
 QString readMember(const QString& name, const QJsonValue& member, Session::Changes& changes)
 {
-    if (name == QStringLiteral("model")) {
-        return readText(member, name, changes.model);
-    }
-    if (name == QStringLiteral("state")) {
-        return readText(member, name, changes.state);
+    if (name == QStringLiteral("model") || name == QStringLiteral("state")) {
+        (name == QStringLiteral("model") ? changes.model : changes.state) = member.toString();
+        return member.isString() ? QString() : QStringLiteral("The member \"%1\" is not a text.").arg(name);
     }
     if (name == QStringLiteral("keyLists")) {
         return readKeyLists(member, changes);
@@ -71,11 +63,8 @@ std::optional<QString> textOf(const QByteArray& body)
 std::optional<Session::Changes> changesOf(const QByteArray& body, QString* fault)
 {
     Session::Changes changes;
-    if (body.trimmed().isEmpty()) {
-        return changes;
-    }
     QJsonParseError error{};
-    const QJsonDocument document = QJsonDocument::fromJson(body, &error);
+    const QJsonDocument document = QJsonDocument::fromJson(body.trimmed().isEmpty() ? "{}" : body, &error);
     if (error.error != QJsonParseError::NoError) {
         *fault = placeOf(body, error);
         return std::nullopt;

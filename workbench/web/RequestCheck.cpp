@@ -1,103 +1,113 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/web/RequestCheck.h"
 
-#include <httplib.h>
+#include "workbench/web/PageFiles.h"
+#include "workbench/web/PanelApi.h"
 
 #include <algorithm>
 
 namespace {
 
 constexpr quint16 usualPort = 80;
+constexpr int maxLineSize = 8 * 1024;
+constexpr size_t maxHeadSize = 16 * 1024;
+constexpr int maxBodySize = 1024 * 1024;
 
 constexpr int badRequest = 400;
 constexpr int forbidden = 403;
+constexpr int notFound = 404;
+constexpr int methodNotAllowed = 405;
 constexpr int payloadTooLarge = 413;
+constexpr int uriTooLong = 414;
 constexpr int unsupportedMediaType = 415;
 
-std::string lowered(std::string text)
+const QByteArrayList methods{"GET", "HEAD", "POST", "PUT", "DELETE", "CONNECT", "OPTIONS", "TRACE", "PATCH"};
+
+bool isUnderstood(const HttpRequest& request)
 {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char letter) { return letter >= 'A' && letter <= 'Z' ? char(letter + 32) : letter; });
-    return text;
+    bool isUnderstood = methods.contains(request.method) && request.headSize <= maxHeadSize;
+    for (auto header = request.headers.begin(); header != request.headers.end(); ++header) {
+        isUnderstood = isUnderstood && header.key().size() + header->size() <= maxLineSize;
+    }
+    return isUnderstood;
 }
 
-bool isApi(const httplib::Request& request)
+bool isOwnHost(const QByteArray& host, quint16 port)
 {
-    return request.path.rfind("/api/", 0) == 0;
+    const QByteArray suffix = ':' + QByteArray::number(port);
+    const QByteArrayList names{"127.0.0.1", "localhost", "[::1]"};
+    return std::any_of(names.begin(), names.end(), [&](const QByteArray& name) {
+        return host == name + suffix || (port == usualPort && host == name);
+    });
 }
 
-bool isNumber(const std::string& text)
+bool isFromElsewhere(const HttpRequest& request, const QByteArray& host)
 {
-    return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+    if (request.headers.contains("origin") && request.headers.value("origin").toLower() != "http://" + host) {
+        return true;
+    }
+    // Browsers send no Origin with some requests, but say where those come from; "none" is the person.
+    const QByteArray site = request.headers.value("sec-fetch-site", "none");
+    return request.path.startsWith("/api/") && site != "same-origin" && site != "none";
+}
+
+bool isDoneBy(const QByteArray& method, const HttpRequest& request)
+{
+    const bool isHead = request.method == "HEAD" && request.path != "/api/events";
+    return request.method == method || (isHead && method == "GET");
+}
+
+HttpAnswer otherMethod(const QByteArray& method)
+{
+    HttpAnswer refusal =
+        HttpAnswer::error(methodNotAllowed, QStringLiteral("The method here is %1.").arg(method.constData()));
+    refusal.headers.insert("Allow", method);
+    return refusal;
+}
+
+bool hasStrangeBody(const HttpRequest& request)
+{
+    const int lengths = request.headers.count("content-length") + request.headers.count("transfer-encoding");
+    return lengths > 1 || request.headers.value("transfer-encoding", "chunked").toLower() != "chunked";
 }
 
 } // namespace
 
-RequestCheck::RequestCheck(quint16 port)
+std::optional<HttpAnswer> checkRequest(const HttpRequest& request, quint16 port)
 {
-    for (const char* name : {"127.0.0.1", "localhost", "[::1]"}) {
-        m_hosts.insert(std::string(name) + ':' + std::to_string(port));
-        if (port == usualPort) {
-            m_hosts.insert(name);
-        }
+    if (request.path.size() > maxLineSize) {
+        return HttpAnswer::error(uriTooLong, QStringLiteral("The address is too long."));
     }
-}
-
-std::optional<HttpAnswer> RequestCheck::checkOrigin(const httplib::Request& request) const
-{
+    if (!isUnderstood(request)) {
+        return HttpAnswer::error(badRequest, QStringLiteral("The request is not understood."));
+    }
     // A name that another site has pointed at this machine would make its pages ours.
-    const std::string host = lowered(request.get_header_value("Host"));
-    if (request.get_header_value_count("Host") != 1 || m_hosts.count(host) == 0) {
+    const QByteArray host = request.headers.value("host").toLower();
+    if (request.headers.count("host") != 1 || !isOwnHost(host, port)) {
         return HttpAnswer::error(forbidden,
                                  QStringLiteral("The Host of the request is not this server's address."));
     }
-    const HttpAnswer elsewhere =
-        HttpAnswer::error(forbidden, QStringLiteral("The request comes from a page of another site."));
-    if (request.has_header("Origin") && lowered(request.get_header_value("Origin")) != "http://" + host) {
-        return elsewhere;
+    if (isFromElsewhere(request, host)) {
+        return HttpAnswer::error(forbidden, QStringLiteral("The request comes from a page of another site."));
     }
-    // Browsers send no Origin with some requests, but say where those come from; "none" is the person.
-    const std::string site = request.get_header_value("Sec-Fetch-Site");
-    if (isApi(request) && !site.empty() && site != "same-origin" && site != "none") {
-        return elsewhere;
+    const QByteArray method =
+        pageFiles().contains(request.path) ? "GET" : PanelApi::routes().value(request.path).method;
+    if (method.isEmpty()) {
+        return HttpAnswer::error(notFound, QStringLiteral("There is nothing at this address."));
     }
-    return std::nullopt;
-}
-
-std::optional<HttpAnswer> RequestCheck::checkBody(const httplib::Request& request)
-{
-    if (request.has_header("Content-Encoding")) {
+    if (!isDoneBy(method, request)) {
+        return otherMethod(method);
+    }
+    if (request.headers.contains("content-encoding")) {
         return HttpAnswer::error(unsupportedMediaType, QStringLiteral("A compressed body is not taken."));
     }
-    const std::string encoding = lowered(request.get_header_value("Transfer-Encoding"));
-    if (!encoding.empty()) {
-        if (encoding == "chunked" && !request.has_header("Content-Length")) {
-            return std::nullopt;
-        }
+    if (hasStrangeBody(request)) {
         return HttpAnswer::error(badRequest, QStringLiteral("The body is sent in a way that is not known."));
     }
-    if (!request.has_header("Content-Length")) {
-        return std::nullopt;
-    }
-    const std::string length = request.get_header_value("Content-Length");
-    if (request.get_header_value_count("Content-Length") != 1 || !isNumber(length)) {
-        return HttpAnswer::error(badRequest, QStringLiteral("The Content-Length is not a number."));
-    }
-    // Not converted: the number may be too great for any type.
-    const std::string digits = length.substr(std::min(length.find_first_not_of('0'), length.size() - 1));
-    const std::string limit = std::to_string(maximumBody);
-    if (digits.size() > limit.size() || (digits.size() == limit.size() && digits > limit)) {
-        return tooLarge();
+    // The library has refused a length that is not a number.
+    if (request.headers.value("content-length").toULongLong() > maxBodySize ||
+        request.body.size() > maxBodySize) {
+        return HttpAnswer::error(payloadTooLarge, QStringLiteral("The body is greater than 1 MiB."));
     }
     return std::nullopt;
-}
-
-HttpAnswer RequestCheck::tooLarge()
-{
-    return HttpAnswer::error(payloadTooLarge, QStringLiteral("The body is greater than 1 MiB."));
-}
-
-bool RequestCheck::hasBody(const httplib::Request& request)
-{
-    return request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
 }

@@ -2,18 +2,17 @@
 #pragma once
 
 #include "workbench/web/EventStreams.h"
-#include "workbench/web/PanelApi.h"
 
-#include <QString>
+#include <QSocketNotifier>
 
-#include <memory>
+#include <list>
 
-class Session;
-class HttpServer;
-class Listener;
+class HttpConnection;
+class PanelApi;
+struct MHD_Connection;
+struct MHD_Daemon;
 
-/// Serves the panel's page, and the session behind it, to browsers of this machine. All that concerns the
-/// session is done on the thread that this object lives on; the connections have threads of their own.
+/// Serves the panel's page, and the session behind it, to browsers of this machine. Main thread only.
 class WebServer
 {
 public:
@@ -33,9 +32,18 @@ public:
     void stop();
 
 private:
+    MHD_Daemon* startDaemon(quint16 port);
+    void run();
+    HttpConnection* open(MHD_Connection* connection);
+
+    Session& m_session;
     EventStreams m_streams;
-    PanelApi m_api;
-    std::unique_ptr<Listener> m_listener;
-    std::unique_ptr<HttpServer> m_server;
+    std::unique_ptr<PanelApi> m_api;
+    MHD_Daemon* m_daemon = nullptr;
+    quint16 m_port = 0;
+    /// Oldest first.
+    std::list<std::unique_ptr<HttpConnection>> m_connections;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    QTimer m_timer;
     QString m_error;
 };

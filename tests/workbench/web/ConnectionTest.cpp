@@ -19,6 +19,8 @@ constexpr int manyClients = 150;
 constexpr int maximumConnections = 64;
 constexpr rlim_t fewFiles = 200;
 constexpr int waitMs = 400;
+// More than the system buffers.
+constexpr int largeAnswer = 32'000'000;
 
 /// Takes all file descriptors that this process can have.
 class ScarceFiles
@@ -66,12 +68,14 @@ private Q_SLOTS:
     void silentClientsKeepNobodyWaiting();
     void silentClientsAreCutOff();
     void slowClientsKeepNobodyWaiting();
+    void slowClientsAreCutOff_data();
     void slowClientsAreCutOff();
+    void slowReadersAreCutOff();
     void clientsThatTakeNoAnswerKeepNobodyWaiting();
     void clientsThatStopInTheMiddleAreCutOff();
     void aCrowdOfClientsKeepsNobodyWaiting();
     void streamsOutlastACrowd();
-    void aClientMayEndItsSideFirst();
+    void clientsMayEndTheirSideFirst();
     void onlyTheFirstRequestIsAnswered();
     void aClientThatGoesAwayLeavesNothing();
     void whenThereAreNoMoreFilesClientsWait();
@@ -136,15 +140,55 @@ void ConnectionTest::slowClientsKeepNobodyWaiting()
     QCOMPARE(Attempts::outcome(attempt), QString());
 }
 
+void ConnectionTest::slowClientsAreCutOff_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QByteArray>("drop");
+    QTest::addColumn<int>("status");
+    const QByteArray post = "POST /api/steps HTTP/1.1\r\nHost: localhost:PORT\r\n";
+    const QByteArray chunked = post + "Transfer-Encoding: chunked\r\n\r\n";
+    const QByteArray drop = "b";
+    QTest::newRow("line") << QByteArray("GET /") << drop << 0;
+    QTest::newRow("head") << QByteArray("GET / HTTP/1.1\r\nA: ") << drop << 0;
+    QTest::newRow("body") << post + "Content-Length: 100000\r\n\r\n" << drop << 400;
+    QTest::newRow("chunks") << chunked << QByteArray("1\r\nb\r\n") << 400;
+    QTest::newRow("size of a chunk") << chunked + "1;" << drop << 400;
+    QTest::newRow("trailer") << chunked + "0\r\nA: " << drop << 400;
+    QTest::newRow("refused body") << post + "Origin: null\r\nContent-Length: 100000\r\n\r\n" << drop << 403;
+}
+
 void ConnectionTest::slowClientsAreCutOff()
 {
+    QFETCH(QByteArray, bytes);
+    QFETCH(QByteArray, drop);
+    QFETCH(int, status);
     // A byte now and then does not prolong the time for the whole.
     HttpClient client(port());
-    client.send("GET / HTTP/1.1\r\nA: ");
+    client.send(bytes.replace("PORT", QByteArray::number(port())));
     QTimer drip;
-    connect(&drip, &QTimer::timeout, this, [&] { client.send("b"); });
+    connect(&drip, &QTimer::timeout, this, [&] { client.send(drop); });
     drip.start(100);
+    QCOMPARE(client.reply().status, status);
+}
+
+void ConnectionTest::slowReadersAreCutOff()
+{
+    options.keyLists.insert(QStringLiteral("longKeyList.json"), QByteArray(largeAnswer, ' '));
+    begin();
+    const int before = ProcessFigures::ownDescriptors();
+    HttpClient client(port());
+    client.stopReading();
+    client.send(getRequest("/api/key-lists"));
+    QTimer drip;
+    connect(&drip, &QTimer::timeout, this, [&] { client.readSome(10'000); });
+    drip.start(100);
+    WAIT_FOR(client.received().size() > 0);
+    // This side of the connection is all that is left of it.
+    WAIT_FOR_EQUAL(ProcessFigures::ownDescriptors(), before + 1);
+    drip.stop();
+    client.goOnReading();
     QVERIFY(client.awaitEnd());
+    QVERIFY(client.received().size() < largeAnswer);
 }
 
 void ConnectionTest::clientsThatTakeNoAnswerKeepNobodyWaiting()
@@ -207,12 +251,15 @@ void ConnectionTest::streamsOutlastACrowd()
     QVERIFY(reader.awaitEvents(2));
 }
 
-void ConnectionTest::aClientMayEndItsSideFirst()
+void ConnectionTest::clientsMayEndTheirSideFirst()
 {
-    HttpClient client(port());
-    client.send(getRequest("/api/device"));
-    client.endSending();
-    QCOMPARE(client.reply().status, 200);
+    const Clients clients = connectClients(someClients, getRequest("/api/device"));
+    for (const auto& client : clients) {
+        client->endSending();
+    }
+    for (const auto& client : clients) {
+        QCOMPARE(client->reply().status, 200);
+    }
 }
 
 void ConnectionTest::onlyTheFirstRequestIsAnswered()

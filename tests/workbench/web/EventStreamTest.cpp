@@ -37,6 +37,8 @@ private Q_SLOTS:
     void aBurstOfEntriesComesWhole();
     void theEleventhStreamIsRefused();
     void aStreamThatEndsMakesRoom();
+    void aReaderThatHasGoneIsNoticed_data();
+    void aReaderThatHasGoneIsNoticed();
     void aClientThatStopsReadingIsDropped();
     void aClientThatStopsReadingHoldsNobodyUp();
     void soManyEntriesWaitForAClient();
@@ -148,6 +150,30 @@ void EventStreamTest::aStreamThatEndsMakesRoom()
     QCOMPARE(next.client(), maximumStreams + 1);
 }
 
+void EventStreamTest::aReaderThatHasGoneIsNoticed_data()
+{
+    QTest::addColumn<bool>("goesWhole");
+    QTest::newRow("both sides") << true;
+    QTest::newRow("the sending side") << false;
+}
+
+void EventStreamTest::aReaderThatHasGoneIsNoticed()
+{
+    QFETCH(bool, goesWhole);
+    EventReader reader(port());
+    EventReader other(port());
+    if (goesWhole) {
+        reader.connection().disconnect();
+    } else {
+        reader.connection().endSending();
+    }
+    // Without an event, and before the first comment.
+    const auto hasComment = [&] { return other.connection().received().contains("\r\n:\n\n\r\n"); };
+    WAIT_FOR(!knowsClient(1) || hasComment());
+    QVERIFY(!hasComment());
+    QVERIFY(knowsClient(2));
+}
+
 void EventStreamTest::aClientThatStopsReadingIsDropped()
 {
     const std::unique_ptr<EventReader> stalled = openStalled();
@@ -178,7 +204,7 @@ void EventStreamTest::aClientThatStopsReadingHoldsNobodyUp()
 
 void EventStreamTest::soManyEntriesWaitForAClient()
 {
-    EventStream stream(1, "event: snapshot\n\n");
+    EventStream stream("event: snapshot\n\n");
     for (int entry = 1; entry <= 2000; ++entry) {
         QVERIFY(stream.add("event: entry\n\n"));
     }
@@ -190,7 +216,7 @@ void EventStreamTest::soManyEntriesWaitForAClient()
 void EventStreamTest::soManyBytesWaitForAClient()
 {
     const QByteArray mebibyte(1024 * 1024, 'x');
-    EventStream stream(1, mebibyte.repeated(10));
+    EventStream stream(mebibyte.repeated(10));
     for (int entry = 1; entry <= 4; ++entry) {
         QVERIFY(stream.add(mebibyte));
     }

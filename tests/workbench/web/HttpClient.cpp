@@ -83,6 +83,11 @@ void HttpClient::goOnReading()
     m_socket.setReadBufferSize(0);
 }
 
+void HttpClient::readSome(int size)
+{
+    m_received += m_socket.read(size);
+}
+
 const QByteArray& HttpClient::received()
 {
     if (m_reading && m_socket.bytesAvailable() > 0) {
@@ -100,13 +105,4 @@ bool HttpClient::awaitEnd()
 HttpReply HttpClient::reply()
 {
     return awaitEnd() ? HttpReply::parse(received()) : HttpReply();
-}
-
-HttpReply HttpClient::replyWithoutSession()
-{
-    flush();
-    while (m_socket.waitForReadyRead(-1)) {
-        received();
-    }
-    return HttpReply::parse(received());
 }

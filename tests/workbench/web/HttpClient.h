@@ -37,6 +37,8 @@ public:
     void endSending();
     /// Reads nothing, so that the server cannot send much.
     void stopReading();
+    /// Reads so many bytes nonetheless, if they are there.
+    void readSome(int size);
     void goOnReading();
     void disconnect() { m_socket.abort(); }
 
@@ -45,8 +47,6 @@ public:
     bool awaitEnd();
     /// Waits for the end of the connection.
     HttpReply reply();
-    /// The same while this thread, and with it the session, does nothing else.
-    HttpReply replyWithoutSession();
 
 private:
     QTcpSocket m_socket;

@@ -3,9 +3,25 @@
 
 #include <QtTest>
 
+#include <ctime>
+
 namespace {
 
 constexpr int mebibyte = 1024 * 1024;
+
+/// What a clock of processor time shows, in microseconds.
+qint64 processorTime(clockid_t clock)
+{
+    timespec time{};
+    clock_gettime(clock, &time);
+    return time.tv_sec * 1'000'000 + time.tv_nsec / 1000;
+}
+
+/// A request in which the port of the server is to be put in the place of "PORT".
+QByteArray requestOf(const QByteArray& line, const QByteArray& headers = {}, const QByteArray& body = {})
+{
+    return line + " HTTP/1.1\r\nHost: localhost:PORT\r\n" + headers + "\r\n" + body;
+}
 
 QByteArray chunked(const QByteArray& body)
 {
@@ -50,6 +66,8 @@ private Q_SLOTS:
     void aBodyMayBeLeftOut();
     void whatIsNoRequestIsRefused_data();
     void whatIsNoRequestIsRefused();
+    void malformedRequestsAreRefused_data();
+    void malformedRequestsAreRefused();
     void faultyRestartsAreExplained_data();
     void faultyRestartsAreExplained();
     void textThatIsNoTextIsRefused_data();
@@ -257,8 +275,6 @@ void RequestTest::aGreaterBodyIsRefused_data()
     QTest::newRow("of known length") << QByteArray("Content-Length: 1048577") << large;
     QTest::newRow("announced only") << QByteArray("Content-Length: 1048577") << QByteArray();
     QTest::newRow("announced with zeros") << QByteArray("Content-Length: 000001048577") << QByteArray();
-    QTest::newRow("beyond all numbers")
-        << QByteArray("Content-Length: 99999999999999999999999") << QByteArray();
     QTest::newRow("in chunks") << QByteArray("Transfer-Encoding: chunked") << chunked(large);
     QTest::newRow("much greater") << QByteArray("Transfer-Encoding: chunked") << chunked(large + large);
     QTest::newRow("after a question")
@@ -291,21 +307,15 @@ void RequestTest::aBodyThatCannotBeReadIsRefused_data()
 {
     QTest::addColumn<QByteArray>("headers");
     QTest::addColumn<QByteArray>("body");
-    QTest::newRow("negative length") << QByteArray("Content-Length: -1\r\n") << QByteArray("abc");
-    QTest::newRow("length in words") << QByteArray("Content-Length: three\r\n") << QByteArray("abc");
-    QTest::newRow("empty length") << QByteArray("Content-Length: \r\n") << QByteArray("abc");
     QTest::newRow("two lengths") << QByteArray("Content-Length: 3\r\nContent-Length: 4\r\n")
                                  << QByteArray("abcd");
     QTest::newRow("length and chunks")
         << QByteArray("Content-Length: 3\r\nTransfer-Encoding: chunked\r\n") << chunked("abc");
     QTest::newRow("unknown encoding") << QByteArray("Transfer-Encoding: gzip, chunked\r\n") << chunked("abc");
     QTest::newRow("fewer bytes") << QByteArray("Content-Length: 5\r\n") << QByteArray("abc");
-    QTest::newRow("no chunk") << QByteArray("Transfer-Encoding: chunked\r\n") << QByteArray("zz\r\n");
     QTest::newRow("half a chunk") << QByteArray("Transfer-Encoding: chunked\r\n") << QByteArray("5\r\nabc");
     QTest::newRow("chunk of all sizes")
         << QByteArray("Transfer-Encoding: chunked\r\n") << QByteArray("ffffffffffffffff\r\nabc");
-    QTest::newRow("chunk size without end")
-        << QByteArray("Transfer-Encoding: chunked\r\n") << QByteArray(4 * mebibyte, '1');
     QTest::newRow("no last chunk") << QByteArray("Transfer-Encoding: chunked\r\n")
                                    << QByteArray("3\r\nabc\r\n");
 }
@@ -316,6 +326,8 @@ void RequestTest::aBodyThatCannotBeReadIsRefused()
     QFETCH(QByteArray, body);
     HttpClient client(port());
     client.send(request("POST /api/steps", headers, body));
+    // Until the server has taken that: an end that comes with it is seen when the time for the body is over.
+    QVERIFY(isServing());
     client.endSending();
     const HttpReply reply = client.reply();
     QCOMPARE(reply.status, 400);
@@ -331,18 +343,14 @@ void RequestTest::whatIsNoRequestIsRefused_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<int>("status");
-    QTest::newRow("bytes") << QByteArray("\x00\xff\x80\r\n\r\n", 7) << 400;
-    QTest::newRow("no version") << QByteArray("GET /\r\n\r\n") << 400;
-    QTest::newRow("other version") << QByteArray("GET / HTTP/2.0\r\n\r\n") << 400;
-    QTest::newRow("unknown method") << QByteArray("PRESS / HTTP/1.1\r\n\r\n") << 400;
-    QTest::newRow("long address") << "GET /" + QByteArray(9000, 'a') + " HTTP/1.1\r\n\r\n" << 414;
-    QTest::newRow("long header") << "GET / HTTP/1.1\r\nA: " + QByteArray(9000, 'a') + "\r\n\r\n" << 400;
-    QTest::newRow("endless header") << "GET / HTTP/1.1\r\nA: " + QByteArray(mebibyte, 'a') << 400;
-    QTest::newRow("endless headers") << "GET / HTTP/1.1\r\n" + QByteArray("A: b\r\n").repeated(100'000)
-                                     << 400;
-    // Not even a line of it came.
-    QTest::newRow("endless line") << QByteArray(mebibyte, 'a') << 0;
+    QTest::newRow("unknown method") << requestOf("PRESS /") << 400;
+    QTest::newRow("long address") << requestOf("GET /" + QByteArray(9000, 'a')) << 414;
+    QTest::newRow("long header") << requestOf("GET /", "A: " + QByteArray(9000, 'a') + "\r\n") << 400;
+    QTest::newRow("many headers") << requestOf("GET /", QByteArray("A: b\r\n").repeated(400)) << 200;
+    QTest::newRow("too many headers")
+        << requestOf("GET /", ("A: " + QByteArray(100, 'b') + "\r\n").repeated(200)) << 400;
     QTest::newRow("half a line") << QByteArray("GET / HT") << 0;
+    QTest::newRow("half a head") << QByteArray("GET / HTTP/1.1\r\nHost: ") << 0;
     QTest::newRow("nothing") << QByteArray() << 0;
 }
 
@@ -351,11 +359,48 @@ void RequestTest::whatIsNoRequestIsRefused()
     QFETCH(QByteArray, bytes);
     QFETCH(int, status);
     HttpClient client(port());
-    client.send(bytes);
+    client.send(bytes.replace("PORT", QByteArray::number(port())));
     client.endSending();
     const HttpReply reply = client.reply();
     QCOMPARE(reply.status, status);
-    QCOMPARE(reply.error().isEmpty(), status == 0);
+    QCOMPARE(reply.error().isEmpty(), status < 400);
+    QVERIFY(isServing());
+}
+
+void RequestTest::malformedRequestsAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<int>("status");
+    const QByteArray chunks = "Transfer-Encoding: chunked\r\n";
+    QTest::newRow("bytes") << QByteArray("\x00\xff\x80\r\n\r\n", 7) << 0;
+    QTest::newRow("no version") << QByteArray("GET /\r\n\r\n") << 400;
+    QTest::newRow("other version") << QByteArray("GET / HTTP/2.0\r\n\r\n") << 505;
+    QTest::newRow("endless line") << QByteArray(mebibyte, 'a') << 414;
+    QTest::newRow("endless header") << "GET / HTTP/1.1\r\nA: " + QByteArray(mebibyte, 'a') << 431;
+    QTest::newRow("endless headers") << "GET / HTTP/1.1\r\n" + QByteArray("A: b\r\n").repeated(100'000)
+                                     << 431;
+    for (const char* length : {"-1", "three", "", "3, 3", "0x3"}) {
+        QTest::addRow("length \"%s\"", length)
+            << requestOf("POST /api/steps", QByteArray("Content-Length: ") + length + "\r\n", "abc") << 400;
+    }
+    QTest::newRow("length beyond all numbers")
+        << requestOf("POST /api/steps", "Content-Length: 99999999999999999999999\r\n") << 413;
+    QTest::newRow("no chunk") << requestOf("POST /api/steps", chunks, "zz\r\n") << 400;
+    QTest::newRow("chunk size without end")
+        << requestOf("POST /api/steps", chunks, QByteArray(4 * mebibyte, '1')) << 413;
+}
+
+void RequestTest::malformedRequestsAreRefused()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(int, status);
+    HttpClient client(port());
+    client.send(bytes.replace("PORT", QByteArray::number(port())));
+    QVERIFY(client.awaitEnd());
+    // The library answers these, in its own words, and at once: to a client that still sends the answer may
+    // be lost.
+    const int actual = HttpReply::parse(client.received()).status;
+    QVERIFY2(actual == status || actual == 0, QByteArray::number(actual));
     QVERIFY(isServing());
 }
 
@@ -437,11 +482,14 @@ void RequestTest::faultyScriptsAreExplained()
 void RequestTest::scriptsAreReadWithoutHoldingTheSessionUp()
 {
     HttpClient client(port());
-    QVERIFY(isServing()); // by then the connection before this one is accepted
-    client.send(postRequest("/api/replay", "tap Up\nwait a while\n"));
-    const HttpReply reply = client.replyWithoutSession();
-    QCOMPARE(reply.status, 400);
-    QCOMPARE(reply.error(), QStringLiteral("\"a while\" is no time from 0 to 86400000 ms."));
+    // In processor time: how long others keep the processor does not count.
+    const qint64 before = processorTime(CLOCK_PROCESS_CPUTIME_ID);
+    const qint64 ownBefore = processorTime(CLOCK_THREAD_CPUTIME_ID);
+    client.send(postRequest("/api/replay", QByteArray("tap Up\n").repeated(49'000) + "wait a while\n"));
+    QCOMPARE(client.reply().error(), QStringLiteral("\"a while\" is no time from 0 to 86400000 ms."));
+    const qint64 own = processorTime(CLOCK_THREAD_CPUTIME_ID) - ownBefore;
+    const qint64 all = processorTime(CLOCK_PROCESS_CPUTIME_ID) - before;
+    QVERIFY2(own * 2 < all, qPrintable(QStringLiteral("%1 of %2 us").arg(own).arg(all)));
 }
 
 void RequestTest::aClientWithoutStreamHoldsNoKeys_data()
@@ -467,13 +515,10 @@ void RequestTest::aClientWithoutStreamHoldsNoKeys()
 void RequestTest::partsOfAnAnswerAreNotSent()
 {
     const HttpReply whole = get("/");
-    for (const char* range : {"0-9", "-9", "0-,0-,0-,0-,0-"}) {
+    for (const char* range : {"0-9", "-9", "0-,0-,0-,0-,0-", "5-3", "99999999999999999999999-"}) {
         const HttpReply reply = get("/", QByteArray("Range: bytes=") + range + "\r\n");
         QCOMPARE(reply.status, 200);
         QCOMPARE(reply.body, whole.body);
-    }
-    for (const char* range : {"5-3", "99999999999999999999999-"}) {
-        QCOMPARE(get("/", QByteArray("Range: bytes=") + range + "\r\n").status, 416);
     }
 }
 
