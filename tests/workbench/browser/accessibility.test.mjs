@@ -283,15 +283,15 @@ test('a session by keyboard alone', async () => {
 });
 
 /// Everything that can be used or read: the controls as assistive technology has them, and the words on the page.
-/// The picture of the timeline names what it has room for; its table has all.
+/// The picture of the timeline names what it has room for; its table has all. Announcements come and go.
 async function content(panel) {
     const tree = await panel.page.locator('body').ariaSnapshot();
     const controls = tree.match(/(button|link|textbox|combobox|checkbox|switch|radio|slider|heading) ".*?"/g);
     const words = await panel.page.evaluate(() => {
-        const picture = document.querySelector('.timeline-svg');
-        picture.style.visibility = 'hidden';
-        const text = document.body.innerText;
-        picture.style.visibility = '';
+        const changing = document.querySelectorAll('.timeline-svg, #announcements');
+        changing.forEach(element => { element.style.visibility = 'hidden'; });
+        const text = document.body.innerText.trim();
+        changing.forEach(element => { element.style.visibility = ''; });
         return text.split(/\s+/);
     });
     return [...controls, ...words].sort();
