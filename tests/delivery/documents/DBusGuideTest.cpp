@@ -25,7 +25,8 @@ QString comparable(QString output)
 /// Runs each example of the guide to the bus interface on a device with the key lists of the guide. A block
 /// "sh" is the example; of the same name are the blocks "text", its output, "log", what the daemon logs
 /// meanwhile, and "keys", a key script that is played before it. An example whose name begins with "watch"
-/// runs until it is ended, and its keys are played when it listens.
+/// runs until it is ended, and its keys are played when it listens. gdbus names the owner of a service a
+/// moment before it delivers the signals of that service, so that the keys begin with a wait.
 class DBusGuideTest : public SystemTest
 {
     Q_OBJECT
