@@ -14,12 +14,12 @@ namespace {
 
 constexpr int signalStatus = 128;
 
-void complain(const QString& sentence)
+void printError(const QString& sentence)
 {
     QTextStream(stderr) << sentence << '\n';
 }
 
-int refuse(const QString& path, const QVector<ScriptFault>& faults)
+int reportFaults(const QString& path, const QVector<ScriptFault>& faults)
 {
     QTextStream output(stderr);
     for (const ScriptFault& fault : faults) {
@@ -37,7 +37,7 @@ int record(const Session& session, const QString& path)
         faults = fault.isEmpty() ? QStringList() : QStringList(fault);
     }
     for (const QString& fault : qAsConst(faults)) {
-        complain(fault);
+        printError(fault);
     }
     return faults.isEmpty() ? Workbench::AsExpected : Workbench::NotAsExpected;
 }
@@ -52,8 +52,8 @@ int main(int argc, char* argv[])
         return Workbench::WrongArguments;
     }
     if (!line->recording.isEmpty()) {
-        if (const QString reason = RecordingFile::whyNotWritable(line->recording); !reason.isEmpty()) {
-            complain(reason);
+        if (const QString fault = RecordingFile::check(line->recording); !fault.isEmpty()) {
+            printError(fault);
             return Workbench::NotStarted;
         }
     }
@@ -61,20 +61,20 @@ int main(int argc, char* argv[])
     if (!line->script.isEmpty()) {
         const ParsedScript parsed = loadKeyScript(line->script);
         if (!parsed.faults.isEmpty()) {
-            return refuse(line->script, parsed.faults);
+            return reportFaults(line->script, parsed.faults);
         }
         script = parsed.script;
     }
 
-    Workbench demonstration(*line);
-    // Queued: the demonstration may end while it is being started, before the event loop runs.
-    QObject::connect(&demonstration, &Workbench::finished, &application, &QCoreApplication::exit,
+    Workbench workbench(*line);
+    // Queued, because the workbench may finish in start(), before the event loop runs.
+    QObject::connect(&workbench, &Workbench::finished, &application, &QCoreApplication::exit,
                      Qt::QueuedConnection);
     const TerminationSignals signalWatch;
     QObject::connect(&signalWatch, &TerminationSignals::received, &application,
                      [](int number) { QCoreApplication::exit(signalStatus + number); });
-    demonstration.start(script);
+    workbench.start(script);
     const int status = QCoreApplication::exec();
     return line->recording.isEmpty() ? status
-                                     : std::max(status, record(demonstration.session(), line->recording));
+                                     : std::max(status, record(workbench.session(), line->recording));
 }

@@ -8,9 +8,9 @@
 BusConnection::BusConnection(const QString& address)
     : m_name(QUuid::createUuid().toString()), m_connection(QDBusConnection::connectToBus(address, m_name))
 {
-    // The bus sends a connection its name right after it lets the connection in. Qt adds that name, without a
-    // lock, to a list that every call reads on the caller's thread, except calls to the bus itself. The reply
-    // to such a call comes after the name.
+    // Avoids a race in Qt: on the arrival of the connection's own name, Qt's bus thread changes, without a
+    // lock, a list that all calls except those to the bus read on the caller's thread. The bus sends this
+    // reply after the name.
     m_connection.interface()->isServiceRegistered(m_connection.baseService());
 }
 

@@ -3,11 +3,11 @@
 
 #include <QDBusConnection>
 
-/// A connection of its own to a message bus, closed with this object.
+/// A separate connection to a message bus, closed with this object.
 class BusConnection
 {
 public:
-    /// Opens the connection at once; `get().isConnected()` tells whether that went well.
+    /// Opens the connection; check `get().isConnected()`.
     explicit BusConnection(const QString& address);
     ~BusConnection();
 

@@ -18,8 +18,7 @@ const QString denyOwnership = QStringLiteral(R"(
     <deny own="%1"/>
   </policy>)");
 
-// The simulating user stands in for the users of the other services, whose policies are installed with
-// those services.
+// The simulating user replaces the users of the other services, which install policies of their own.
 const QString standInPolicy = QStringLiteral(R"(
   <policy user="%1">
     <allow own="%2"/>
@@ -70,8 +69,8 @@ QString write(const QString& path, const QString& text)
                : QStringLiteral("%1 cannot be written: %2").arg(path, file.errorString());
 }
 
-/// The rules as they are installed. This machine has neither the daemon's user nor the group of the services:
-/// the simulating user is in their place.
+/// The installed rules, for the simulating user: this machine has neither the daemon's user nor the group of
+/// the services.
 QString writePolicy(const DeviceFolder& folder)
 {
     QFile installed(QStringLiteral(KEYBOARD_HANDLER_BUS_POLICY));
@@ -110,7 +109,7 @@ QString BusDaemon::start(const DeviceFolder& folder, DeviceOptions::NamePolicy n
     if (!fault.isEmpty()) {
         return fault;
     }
-    // It would stop at a pipe that nobody reads, such as one of a test that waits for an answer.
+    // A file, because dbus-daemon would block on a pipe while the test that should read it waits for a reply.
     m_process.setStandardErrorFile(folder.busLog());
     m_process.start(QStringLiteral("dbus-daemon"),
                     {QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
@@ -118,7 +117,7 @@ QString BusDaemon::start(const DeviceFolder& folder, DeviceOptions::NamePolicy n
                      QStringLiteral("--config-file=") + folder.busConfiguration()});
     // The address is printed when the socket listens.
     if (!m_process.waitForReadyRead(startTimeoutMs)) {
-        return QStringLiteral("dbus-daemon does not start: %1 %2")
+        return QStringLiteral("dbus-daemon did not start: %1 %2")
             .arg(m_process.errorString(), contentOf(folder.busLog()));
     }
     connect(&m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this, &BusDaemon::ended,

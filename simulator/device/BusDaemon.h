@@ -8,8 +8,8 @@
 
 class DeviceFolder;
 
-/// The system bus of one simulated device: a message bus with the rules of a system bus and with the
-/// policy that is installed together with the daemon.
+/// The system bus of one simulated device: a message bus with the rules of a system bus and the daemon's
+/// installed policy.
 class BusDaemon : public QObject
 {
     Q_OBJECT
@@ -17,18 +17,17 @@ class BusDaemon : public QObject
 public:
     using QObject::QObject;
 
-    /// Starts the bus and waits until it listens; returns a sentence about what went wrong, or an empty
-    /// text.
+    /// Starts the bus and waits until it listens. Returns a sentence about the error, or an empty string.
     QString start(const DeviceFolder& folder, DeviceOptions::NamePolicy namePolicy);
     void stop();
 
-    /// 0 while the bus does not run.
+    /// 0 while the bus is not running.
     qint64 processId() const { return m_process.processId(); }
     /// For `QDBusConnection::connectToBus`.
     QString address() const { return m_address; }
 
 Q_SIGNALS:
-    /// The bus has ended after it had been started.
+    /// The started bus has ended.
     void ended();
 
 private:

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int politeTimeoutMs = 2000;
+constexpr int terminateTimeoutMs = 2000;
 constexpr int killTimeoutMs = 5000;
 
 } // namespace
@@ -26,7 +26,7 @@ void ChildProcess::end()
         return;
     }
     terminate();
-    if (!waitForFinished(politeTimeoutMs)) {
+    if (!waitForFinished(terminateTimeoutMs)) {
         kill();
         waitForFinished(killTimeoutMs);
     }
@@ -35,9 +35,9 @@ void ChildProcess::end()
 void ChildProcess::setupChildProcess()
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    // What is typed at the parent's terminal, such as Ctrl-C, is for the parent alone.
+    // Signals typed at the parent's terminal, such as Ctrl-C, must reach only the parent.
     setpgid(0, 0);
-    // The parent may be gone since the fork; nothing would end this process then.
+    // If the parent ended before prctl(), no signal will ever end this process.
     if (getppid() != m_parent) {
         _exit(EXIT_FAILURE);
     }

@@ -3,7 +3,7 @@
 
 #include <QProcess>
 
-/// A process that ends when this one ends, however that comes about.
+/// A process that ends with this one, whatever ends this one.
 class ChildProcess : public QProcess
 {
     Q_OBJECT
@@ -12,10 +12,10 @@ public:
     explicit ChildProcess(QObject* parent = nullptr);
     ~ChildProcess() override;
 
-    /// Hands the file descriptor `descriptor` down to the process under the same number.
+    /// Passes the file descriptor `descriptor` to the process under the same number.
     void inherit(int descriptor) { m_inherited = descriptor; }
 
-    /// Ends the process, by force after two seconds, and waits for it.
+    /// Terminates the process, kills it after two seconds, and waits for its end.
     void end();
 
 protected:

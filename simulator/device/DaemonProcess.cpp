@@ -17,7 +17,7 @@ namespace {
 
 constexpr int startTimeoutMs = 5000;
 constexpr int endTimeoutMs = 2000;
-constexpr int firstSignalStatus = 128; // as a shell has it
+constexpr int firstSignalStatus = 128; // as in a shell
 
 QStringList viewOfDevice(const DeviceFolder& folder)
 {
@@ -38,7 +38,7 @@ QStringList viewOfDevice(const DeviceFolder& folder)
             QStringLiteral("/run")};
 }
 
-/// Keeps the executable in sight when it lies in a folder that the device has in another form.
+/// Keeps the executable visible if it is in a folder that the device's view hides.
 QStringList viewOfExecutable(const QString& executable)
 {
     for (const char* hidden : {"/dev/", "/var/lib/", "/run/"}) {
@@ -55,7 +55,7 @@ QStringList commandOf(const QString& executable, const DeviceOptions& options)
     if (options.standardInput != DeviceOptions::StandardInput::Closed) {
         return command;
     }
-    // Closed at the last moment, so that no helper's file takes its number.
+    // The shell closes it last, so that no file opened by bubblewrap reuses its number.
     return QStringList{QStringLiteral("/bin/sh"), QStringLiteral("-c"),
                        QStringLiteral("exec \"$0\" \"$@\" <&-")} +
            command;
@@ -72,7 +72,7 @@ QProcessEnvironment environment(const QString& loggingRules)
         variables.insert(assignment.section(QLatin1Char('='), 0, 0), assignment.section(QLatin1Char('='), 1));
     }
     variables.insert(QStringLiteral("QT_LOGGING_RULES"), loggingRules);
-    // Without it the log goes to the journal of this machine where there is one.
+    // Otherwise the log would go to the journal of this machine.
     variables.insert(QStringLiteral("QT_FORCE_STDERR_LOGGING"), QStringLiteral("1"));
     return variables;
 }
@@ -92,7 +92,7 @@ QByteArray readToEnd(int descriptor)
     return text;
 }
 
-QString withoutEnd(const QByteArray& line)
+QString withoutNewline(const QByteArray& line)
 {
     return QString::fromUtf8(line.constData(), line.size() - 1);
 }
@@ -101,7 +101,7 @@ QString withoutEnd(const QByteArray& line)
 
 DaemonProcess::DaemonProcess(QObject* parent) : QObject(parent) {}
 
-QString DaemonProcess::describeEnd(int status)
+QString DaemonProcess::describeExit(int status)
 {
     const char* name = sigabbrev_np(status - firstSignalStatus);
     const char* description = sigdescr_np(status - firstSignalStatus);
@@ -116,11 +116,11 @@ QString DaemonProcess::start(const DeviceFolder& folder, const DeviceOptions& op
 {
     const QString executable = QFileInfo(options.daemon).canonicalFilePath();
     if (executable.isEmpty()) {
-        return QStringLiteral("The daemon %1 is not there.").arg(options.daemon);
+        return QStringLiteral("The daemon %1 does not exist.").arg(options.daemon);
     }
     makeProcess(options);
 
-    // Bubblewrap tells on this pipe which process the daemon has become.
+    // Bubblewrap reports the daemon's process id on this pipe.
     int report[2];
     if (pipe2(report, O_CLOEXEC) == -1) {
         return QStringLiteral("There are no more file descriptors.");
@@ -137,7 +137,7 @@ QString DaemonProcess::start(const DeviceFolder& folder, const DeviceOptions& op
     close(report[0]);
     m_processId = info.value(QStringLiteral("child-pid")).toInt();
     if (m_processId == 0) {
-        return QStringLiteral("bwrap does not start the daemon: ") + m_process->errorString();
+        return QStringLiteral("bwrap did not start the daemon: ") + m_process->errorString();
     }
     return {};
 }
@@ -147,7 +147,7 @@ void DaemonProcess::stop()
     if (!isRunning()) {
         return;
     }
-    // Without a daemon its process id is 0, and a signal to that is for all processes of this group.
+    // A signal to the process id 0 would reach this process's whole group.
     if (m_processId != 0) {
         kill(pid_t(m_processId), SIGTERM);
         if (!m_process->waitForFinished(endTimeoutMs)) {
@@ -197,7 +197,7 @@ void DaemonProcess::readLog()
 {
     m_process->setReadChannel(QProcess::StandardError);
     while (m_process->canReadLine()) {
-        Q_EMIT logLine(withoutEnd(m_process->readLine()));
+        Q_EMIT logLine(withoutNewline(m_process->readLine()));
     }
 }
 
@@ -205,6 +205,6 @@ void DaemonProcess::readOutput()
 {
     m_process->setReadChannel(QProcess::StandardOutput);
     while (m_process->canReadLine()) {
-        Q_EMIT outputLine(withoutEnd(m_process->readLine()));
+        Q_EMIT outputLine(withoutNewline(m_process->readLine()));
     }
 }

@@ -10,7 +10,7 @@
 
 class DeviceFolder;
 
-/// The daemon's executable, run inside of a simulated device's view of the file system.
+/// The daemon's executable, run in a simulated device's view of the file system.
 class DaemonProcess : public QObject
 {
     Q_OBJECT
@@ -19,25 +19,25 @@ public:
     explicit DaemonProcess(QObject* parent = nullptr);
 
     /// A sentence for a status of `exited`.
-    static QString describeEnd(int status);
+    static QString describeExit(int status);
 
-    /// Starts the daemon; returns a sentence about what went wrong, or an empty text. What the daemon
-    /// then does, `exited` included, is reported from the event loop.
+    /// Starts the daemon. Returns a sentence about the error, or an empty string. Signals are emitted only
+    /// from the event loop.
     QString start(const DeviceFolder& folder, const DeviceOptions& options);
-    /// Ends the daemon, if it runs, as the service manager would, by force after two seconds, and
+    /// Ends a running daemon as the service manager would (SIGTERM, then SIGKILL after two seconds), and
     /// waits for its end.
     void stop();
 
     bool isRunning() const;
-    /// The process id of the daemon itself; 0 before its start.
+    /// The process id of the daemon, not of bubblewrap; 0 before its start.
     qint64 processId() const { return m_processId; }
 
     void typeLine(const QString& line);
-    /// How many typed bytes the daemon has not taken yet.
+    /// The number of typed bytes that the daemon has not read yet.
     qint64 pendingInput() const { return m_process ? m_process->bytesToWrite() : 0; }
     /// Writes bytes that need not be whole lines.
     void type(const QByteArray& bytes);
-    /// Ends the daemon's standard input.
+    /// Closes the daemon's standard input.
     void endInput();
 
 Q_SIGNALS:
@@ -45,7 +45,7 @@ Q_SIGNALS:
     void logLine(const QString& line);
     /// A line of the daemon's standard output.
     void outputLine(const QString& line);
-    /// The exit status, or 128 and the number of the signal that ended the daemon.
+    /// The exit status, or 128 plus the number of the signal that ended the daemon.
     void exited(int status);
 
 private:

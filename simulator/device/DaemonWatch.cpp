@@ -9,8 +9,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto interval = 500ms;
-/// Ticks are counted instead of milliseconds, so that a simulator that was held up itself does not blame the
-/// daemon.
+/// Counts ticks, not milliseconds, so that a delay of the simulator itself is not blamed on the daemon.
 constexpr int maxUnansweredTicks = 4;
 
 } // namespace
@@ -31,7 +30,7 @@ void DaemonWatch::onAnswer()
 void DaemonWatch::onError(const QDBusError& error)
 {
     m_isAsked = false;
-    // Any other error is an answer, if only of the bus, for a daemon that may not own its name.
+    // Any other error is an answer, perhaps from the bus because the policy denies the daemon its name.
     if (error.type() != QDBusError::NoReply) {
         setAnswering(true);
     }

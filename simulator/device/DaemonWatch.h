@@ -8,20 +8,20 @@
 #include <QObject>
 #include <QTimer>
 
-/// Asks the daemon twice a second whether its main thread still takes calls.
+/// Checks twice a second that the daemon's main thread still accepts calls.
 ///
-/// The question is Introspect at the daemon's own object, which the daemon answers on its main thread. It
-/// changes nothing there; a command would change the sender of the next announcement. At any other path the
-/// bus thread of the daemon would answer, however busy the main thread is.
+/// The check is an Introspect call to the daemon's object, which is handled on the main thread and has no
+/// side effects; a command would change the sender of the next announcement. Calls to other paths are handled
+/// on the daemon's bus thread.
 class DaemonWatch : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Begins to ask at once, on a separate connection to the bus at `address`.
+    /// Starts checking immediately, on a separate connection to the bus at `address`.
     explicit DaemonWatch(const QString& address, QObject* parent = nullptr);
 
-    /// False from two seconds after a question that got no answer, until an answer comes.
+    /// False if a check has been unanswered for two seconds, until the next answer.
     bool isAnswering() const { return m_isAnswering; }
 
 Q_SIGNALS:

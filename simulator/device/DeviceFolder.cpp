@@ -61,7 +61,7 @@ void DeviceFolder::makeFolders()
     for (const QString& name : {QStringLiteral("input"), keyListFolder, configurationFolder, readinessFolder,
                                 QStringLiteral("run/dbus")}) {
         if (!folder.mkpath(name)) {
-            fail(QStringLiteral("The folder %1 cannot be made.").arg(path(name)));
+            fail(QStringLiteral("The folder %1 cannot be created.").arg(path(name)));
         }
     }
 }

@@ -5,13 +5,13 @@
 
 #include <QTemporaryDir>
 
-/// The files of one simulated device, in a temporary folder that goes with this object.
+/// The files of one simulated device, in a temporary folder that is removed with this object.
 class DeviceFolder
 {
 public:
     explicit DeviceFolder(const DeviceOptions& options);
 
-    /// A sentence about what could not be made; empty when all is there.
+    /// A sentence about the first error; empty if there was none.
     QString errorString() const { return m_error; }
 
     /// Becomes /dev/input of the device.

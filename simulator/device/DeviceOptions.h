@@ -12,7 +12,7 @@
 
 #include <array>
 
-/// What a simulated device is made of. The default is a device in good order.
+/// The parts of a simulated device. The default is a device without faults.
 struct DeviceOptions
 {
     enum class StandardInput { Pipe, Null, Closed };
@@ -23,13 +23,13 @@ struct DeviceOptions
     QStringList daemonArguments;
     /// Further arguments of bubblewrap, which makes the daemon's view of the file system.
     QStringList viewArguments;
-    /// The rules for the daemon's logging categories, as Qt reads them.
+    /// Rules for the daemon's logging categories, in the format of QT_LOGGING_RULES.
     QString loggingRules;
     StandardInput standardInput = StandardInput::Pipe;
 
     /// The folder whose *.json files are the device's key lists; empty for none.
     QString keyListFolder = QStringLiteral(KEYBOARD_HANDLER_DATA_FOLDER);
-    /// File name to content, in place of a file of that folder or next to them.
+    /// File name to content; these files replace or supplement those of the folder.
     QMap<QString, QByteArray> keyLists;
     /// "Orvane" or "Pellit"; empty for a device without configuration.
     QString model = QStringLiteral("Pellit");
@@ -41,7 +41,7 @@ struct DeviceOptions
     bool stateHandler = true;
     QString state = ls::StateId::Idle;
     bool speechDaemon = true;
-    /// The services that fail from the start, unless they run.
+    /// The conditions of services that are not running from the start.
     QMap<QString, ServiceChange::Condition> services;
     /// Whether the state handler and the speech daemon are declared ready before the daemon starts.
     bool dependenciesReady = true;

@@ -27,8 +27,8 @@ void KeyboardClient::send(const QVariantMap& command)
     QDBusMessage message = QDBusMessage::createMethodCall(keyboardService(), ls::busPath, keyboardService(),
                                                           QStringLiteral("process"));
     message << command;
-    // The slots are known before the message goes out. A watcher, made afterwards, could come after the
-    // reply and then report it behind things that were sent later.
+    // Slots are connected before the message is sent. A QDBusPendingCallWatcher could be too late, and report
+    // the reply after messages that were sent later.
     m_bus.callWithCallback(message, this, SLOT(onReply(QDBusMessage)), SLOT(onError(QDBusError)));
 }
 

@@ -7,8 +7,7 @@
 #include <QObject>
 #include <QVariantMap>
 
-/// The other end of the keyboard service: the receivers of its key actions, and a client that sends it
-/// commands.
+/// The peers of the keyboard service: the receivers of its key actions and a client that sends commands.
 class KeyboardClient : public QObject
 {
     Q_OBJECT
@@ -16,15 +15,15 @@ class KeyboardClient : public QObject
 public:
     explicit KeyboardClient(const QDBusConnection& bus, QObject* parent = nullptr);
 
-    /// Listens to the notifications of whoever speaks as the keyboard service, with or without its name.
+    /// Subscribes to notifications of the keyboard service from any sender, even without the service's name.
     bool listen();
 
-    /// Sends a command without waiting; `answered` or `failed` tells what came of it.
+    /// Sends a command without waiting; `answered` or `failed` reports the result.
     void send(const QVariantMap& command);
 
 Q_SIGNALS:
     void announced(const QVariantMap& notification);
-    /// The response, nested values unpacked.
+    /// The response, with nested values unpacked.
     void answered(const QVariantMap& response);
     void failed(const QDBusError& error);
 

@@ -10,7 +10,7 @@
 
 class SimulatedDevice;
 
-/// Keeps what a simulated device's daemon does, as the observations that a key script can expect.
+/// Records the actions of a simulated device's daemon as observations of a key script.
 class ObservationRecorder : public QObject
 {
     Q_OBJECT
@@ -19,10 +19,10 @@ public:
     /// `device` must live as long as the recorder.
     explicit ObservationRecorder(SimulatedDevice& device, QObject* parent = nullptr);
 
-    /// Forgets what was seen and counts the time from now.
+    /// Clears the observations and restarts the clock.
     void restart();
 
-    /// Keeps no more than the first `observations`; without a limit at first.
+    /// Keeps only the first `observations`; by default, keeps all.
     void setLimit(int observations) { m_limit = observations; }
 
     const Observations& observations() const { return m_observations; }

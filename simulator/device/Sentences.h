@@ -3,10 +3,10 @@
 
 #include <QString>
 
-/// The texts of the sentences that the daemon asks for.
+/// The texts of the sentences that the daemon speaks.
 namespace Sentences {
 
-/// The text of a sentence of the translation file number `file`; empty for one that is not known.
+/// The text of `sentence` in the translation file number `file`; empty if unknown.
 QString textOf(int file, int sentence);
 
 } // namespace Sentences

@@ -28,7 +28,7 @@ SimulatedDevice::SimulatedDevice(const DeviceOptions& options, QObject* parent)
 
 SimulatedDevice::~SimulatedDevice()
 {
-    // Who watches the device may be half gone already.
+    // Receivers of the signals may be partly destroyed.
     m_daemon.disconnect(this);
     m_bus.disconnect(this);
     m_daemon.stop();
@@ -127,7 +127,7 @@ void SimulatedDevice::record(int keyboard, const RawRecord& record)
 
 void SimulatedDevice::setState(const QString& state)
 {
-    if (m_stateHandlerCondition == ServiceChange::Condition::Runs) {
+    if (m_stateHandlerCondition == ServiceChange::Condition::Running) {
         m_stateHandler.changeState(state);
     } else {
         m_stateHandler.setInitialState(state);
@@ -151,7 +151,7 @@ void SimulatedDevice::sendCommand(const QVariantMap& command)
     if (m_client) {
         m_client->send(command);
     } else {
-        Q_EMIT commandFailed(QDBusError(QDBusError::Disconnected, QStringLiteral("There is no bus.")));
+        Q_EMIT commandFailed(QDBusError(QDBusError::Disconnected, QStringLiteral("The bus is not running.")));
     }
 }
 
@@ -172,7 +172,7 @@ bool SimulatedDevice::startBus()
     connectPeers();
     if (!m_client->listen() || (m_options.speechDaemon && !m_speech->appear()) ||
         (m_options.stateHandler && !m_stateHandler.appear(m_bus.address()))) {
-        return fail(QStringLiteral("The services do not get on the bus: ") +
+        return fail(QStringLiteral("The services cannot connect to the bus: ") +
                     m_connection->get().lastError().message());
     }
     for (auto it = m_options.services.begin(); it != m_options.services.end(); ++it) {
@@ -193,11 +193,11 @@ void SimulatedDevice::connectPeers()
 void SimulatedDevice::setStateHandler(ServiceChange::Condition condition)
 {
     using Condition = ServiceChange::Condition;
-    m_stateHandler.setBehaviour(condition == Condition::IsSilent ? StateHandlerStandIn::Behaviour::KeepsSilent
-                                                                 : StateHandlerStandIn::Behaviour::Answers);
-    if (condition == Condition::IsStopped) {
+    m_stateHandler.setBehaviour(condition == Condition::Silent ? StateHandlerStandIn::Behaviour::StaysSilent
+                                                               : StateHandlerStandIn::Behaviour::Answers);
+    if (condition == Condition::Stopped) {
         m_stateHandler.disappear();
-    } else if (m_stateHandlerCondition == Condition::IsStopped) {
+    } else if (m_stateHandlerCondition == Condition::Stopped) {
         m_stateHandler.appear(m_bus.address());
     }
     m_stateHandlerCondition = condition;
@@ -205,8 +205,8 @@ void SimulatedDevice::setStateHandler(ServiceChange::Condition condition)
 
 void SimulatedDevice::setSpeechDaemon(ServiceChange::Condition condition)
 {
-    m_speech->setSilent(condition == ServiceChange::Condition::IsSilent);
-    if (condition == ServiceChange::Condition::IsStopped) {
+    m_speech->setSilent(condition == ServiceChange::Condition::Silent);
+    if (condition == ServiceChange::Condition::Stopped) {
         dropSpeech();
     } else {
         restoreSpeech();

@@ -16,10 +16,10 @@
 
 #include <memory>
 
-/// An embosser without its mechanics: the real daemon on a private device with a front panel, a system
-/// bus and stand-ins for the services around it. The device and all its processes go with this object.
+/// An embosser without its mechanics: the real daemon with a front panel, a private system bus and stand-ins
+/// for the services. Destroying the object ends all processes of the device.
 ///
-/// What the daemon announces and speaks is reported in the order in which it was sent.
+/// Announcements and speech are reported in the order in which the daemon sent them.
 class SimulatedDevice : public QObject, public ScriptTarget
 {
     Q_OBJECT
@@ -28,44 +28,43 @@ public:
     explicit SimulatedDevice(const DeviceOptions& options = {}, QObject* parent = nullptr);
     ~SimulatedDevice() override;
 
-    /// Brings up the bus and the stand-ins, then the daemon, without waiting for what that does. False
-    /// when something could not be started; `errorString` tells what.
+    /// Starts the bus, the stand-ins and the daemon, without waiting for the daemon to be ready. On failure,
+    /// returns false and sets `errorString`.
     bool start();
     QString errorString() const { return m_error; }
-    /// As `start`, but without the daemon, which `startDaemon` adds.
+    /// Like `start`, but without the daemon.
     bool startServices();
     bool startDaemon();
-    /// Ends the daemon and waits for its end; the device stays up.
+    /// Ends the daemon and waits for its end; the rest of the device keeps running.
     void stopDaemon() { m_daemon.stop(); }
 
     /// Whether the daemon has declared itself ready.
     bool isReady() const;
     bool isRunning() const { return m_daemon.isRunning(); }
 
-    /// How many bytes of keys and typed lines the daemon has not taken yet.
+    /// The number of bytes of keys and typed lines that the daemon has not read yet.
     qint64 pendingInput() const;
 
     DeviceFolder& folder() { return m_folder; }
     Panel& panel() { return m_panel; }
     DaemonProcess& daemon() { return m_daemon; }
-    /// For a service that ends with the bus, and for what needs a connection beside the stand-ins'.
     BusDaemon& bus() { return m_bus; }
     StateHandlerStandIn& stateHandler() { return m_stateHandler; }
 
-    /// A service declares itself ready, or not ready: "state-handler" or "speechd".
+    /// Declares `service`, "state-handler" or "speechd", ready or not ready.
     void declareReady(const QString& service) { m_folder.setReady(service, true); }
     void withdrawReady(const QString& service) { m_folder.setReady(service, false); }
 
-    /// Ends the bus, if it still runs, and starts another one, with the stand-ins on it. False when that
-    /// cannot be done. The daemon must be started anew to come to it.
+    /// Restarts the bus and the stand-ins; false on failure. The daemon does not reconnect and must be
+    /// restarted.
     bool restartBus();
 
-    /// The speech daemon leaves the bus, and comes back.
+    /// The speech daemon leaves the bus, or returns to it.
     void dropSpeech();
     void restoreSpeech();
 
-    /// Sends a command and waits for its response, running the event loop; an empty map when an error or
-    /// nothing at all came back within some seconds. No other command may be open.
+    /// Sends a command and runs the event loop until its response arrives. Empty on an error or after a
+    /// timeout of 10 seconds. No other command may be pending.
     QVariantMap request(const QVariantMap& command);
 
     void press(int keyboard, const QString& key) override;
@@ -77,7 +76,7 @@ public:
     void typeLine(const QString& line) override;
 
 Q_SIGNALS:
-    /// The front panel wrote `record` to the keyboard number `keyboard`.
+    /// The front panel wrote `record` to `keyboard`.
     void written(int keyboard, const RawRecord& record);
     void announced(const QVariantMap& notification);
     void answered(const QVariantMap& response);
@@ -101,8 +100,8 @@ private:
     Panel m_panel;
     BusDaemon m_bus;
     StateHandlerStandIn m_stateHandler;
-    ServiceChange::Condition m_stateHandlerCondition = ServiceChange::Condition::Runs;
-    // All that observes the daemon shares this connection: only there is the order kept in which it sends.
+    ServiceChange::Condition m_stateHandlerCondition = ServiceChange::Condition::Running;
+    // Shared by all observers of the daemon, because order is preserved only within one connection.
     std::unique_ptr<BusConnection> m_connection;
     std::unique_ptr<SpeechDaemonStandIn> m_speech;
     std::unique_ptr<KeyboardClient> m_client;

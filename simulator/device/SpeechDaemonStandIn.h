@@ -5,7 +5,7 @@
 #include <QObject>
 #include <QVariantMap>
 
-/// The speech daemon: says nothing aloud, but reports what it is asked for.
+/// A silent speech daemon that reports its requests.
 class SpeechDaemonStandIn : public QObject
 {
     Q_OBJECT
@@ -14,11 +14,11 @@ class SpeechDaemonStandIn : public QObject
 public:
     explicit SpeechDaemonStandIn(const QDBusConnection& bus, QObject* parent = nullptr);
 
-    /// Takes the service's name; false when it cannot be had.
+    /// Takes the service's name; false if it is not available.
     bool appear();
     void disappear();
 
-    /// Whether it takes no notice of what it is asked for.
+    /// Whether requests are ignored.
     void setSilent(bool silent) { m_isSilent = silent; }
 
     Q_SCRIPTABLE Q_NOREPLY void speakFromId(const QVariantMap& request);

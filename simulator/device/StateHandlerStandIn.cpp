@@ -73,7 +73,7 @@ void StateHandlerStandIn::announceArguments(const QVariantList& arguments)
 
 QVariantMap StateHandlerStandIn::process(const QVariantMap& command)
 {
-    ++m_questions;
+    ++m_requests;
     setDelayedReply(true);
     switch (m_behaviour) {
     case Behaviour::Answers:
@@ -81,10 +81,10 @@ QVariantMap StateHandlerStandIn::process(const QVariantMap& command)
             bus.send(reply);
         });
         break;
-    case Behaviour::KeepsSilent:
+    case Behaviour::StaysSilent:
         break;
     case Behaviour::Vanishes:
-        // Not from inside the call, which the connection is still delivering.
+        // Deferred, because the connection is still delivering the call.
         QTimer::singleShot(0, this, &StateHandlerStandIn::disappear);
         break;
     }

@@ -10,41 +10,40 @@
 #include <chrono>
 #include <memory>
 
-/// The state-handler service: answers the question for the state and announces its changes.
+/// The state-handler service: answers requests for the state and announces its changes.
 ///
-/// It has a bus connection of its own, so that it can leave the bus while a question is open.
+/// A separate bus connection allows it to leave the bus while a request is pending.
 class StateHandlerStandIn : public QObject, protected QDBusContext
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", KEYBOARD_HANDLER_BUS_PREFIX ".StateHandler")
 
 public:
-    enum class Behaviour { Answers, KeepsSilent, Vanishes };
+    enum class Behaviour { Answers, StaysSilent, Vanishes };
 
     explicit StateHandlerStandIn(QObject* parent = nullptr);
 
-    /// Takes the service's name; false when the bus or the name cannot be had.
+    /// Takes the service's name; false if the bus or the name is not available.
     bool appear(const QString& busAddress);
     void disappear();
 
-    /// What is done when the state is asked for.
+    /// The reaction to requests for the state.
     void setBehaviour(Behaviour behaviour) { m_behaviour = behaviour; }
-    /// How long an answer takes; 0 at first.
+    /// The delay of each answer; 0 by default.
     void setDelay(std::chrono::milliseconds delay) { m_delay = delay; }
     /// Answers with `answer` instead of the state.
     void setAnswer(const QVariantMap& answer);
 
-    /// The state to answer with, without announcing it.
+    /// Sets the state without announcing it.
     void setInitialState(const QString& state);
     /// Changes the state and announces it.
     void changeState(const QString& state);
-    /// Announces any map at all.
     void announce(const QVariantMap& notification);
-    /// Announces something that need not be a map.
+    /// Sends a notification with any arguments.
     void announceArguments(const QVariantList& arguments);
 
-    /// How often the state was asked for.
-    int questions() const { return m_questions; }
+    /// The number of requests for the state.
+    int requests() const { return m_requests; }
 
     Q_SCRIPTABLE QVariantMap process(const QVariantMap& command);
 
@@ -56,5 +55,5 @@ private:
     Behaviour m_behaviour = Behaviour::Answers;
     std::chrono::milliseconds m_delay{0};
     QVariantMap m_answer;
-    int m_questions = 0;
+    int m_requests = 0;
 };

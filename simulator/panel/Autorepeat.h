@@ -3,7 +3,7 @@
 
 #include <chrono>
 
-/// When the kernel repeats a key that is held: the times with which it makes an input device.
+/// The kernel's default autorepeat times for a new input device.
 namespace Autorepeat {
 
 constexpr std::chrono::milliseconds delay{250};

@@ -21,7 +21,7 @@ ByteSink::~ByteSink()
 
 bool ByteSink::open(const QString& path)
 {
-    // Open for reading too: a FIFO then needs no reader to be opened, and outlives each of them.
+    // Also open for reading, so that the FIFO opens without a reader and survives the loss of one.
     m_descriptor = ::open(QFile::encodeName(path).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
     if (m_descriptor == -1) {
         return false;
@@ -49,8 +49,8 @@ int ByteSink::pending() const
 
 void ByteSink::writePending()
 {
-    // Piece by piece: of a larger write the FIFO takes as much as fits, and the reader, which drops what is
-    // no whole record, would see a torn one.
+    // Separate writes, because the FIFO accepts a larger one in part, and the reader would drop the
+    // incomplete record.
     while (!m_pending.isEmpty()) {
         QByteArray& bytes = m_pending.head();
         const ssize_t written = ::write(m_descriptor, bytes.constData(), size_t(bytes.size()));

@@ -8,8 +8,8 @@
 
 #include <memory>
 
-/// Writes to a FIFO that may be full for a while: what does not fit is kept, and written in its order as
-/// the reader makes room. The bytes of one call are never torn apart unless they are more than PIPE_BUF.
+/// Writes to a FIFO. Bytes that do not fit are queued and written in order as the reader makes room. Each
+/// `write` of up to PIPE_BUF bytes is atomic.
 class ByteSink : public QObject
 {
     Q_OBJECT
@@ -18,13 +18,13 @@ public:
     explicit ByteSink(QObject* parent = nullptr);
     ~ByteSink() override;
 
-    /// Opens the FIFO at `path`, with or without a reader at its other end. False when it is not there or
-    /// cannot be opened; what is written is dropped then.
+    /// Opens the FIFO at `path`, which need not have a reader. On failure, returns false; later writes are
+    /// dropped.
     bool open(const QString& path);
 
     void write(const QByteArray& bytes);
 
-    /// How many bytes wait for room.
+    /// The number of queued bytes.
     int pending() const;
 
 private:

@@ -13,7 +13,7 @@ input_event stamped(quint16 type, quint16 code, qint32 value)
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
     input_event record{};
-    // The fields differ between the 32-bit and the 64-bit record; the macros name the right ones.
+    // The macros name the fields of both the 32-bit and the 64-bit record.
     record.input_event_sec = static_cast<decltype(record.input_event_sec)>(now.tv_sec);
     record.input_event_usec = static_cast<decltype(record.input_event_usec)>(now.tv_nsec / 1000);
     record.type = type;

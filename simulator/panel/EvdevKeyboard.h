@@ -7,8 +7,8 @@
 
 #include <linux/input.h>
 
-/// The keys of one input device, reported as the kernel reports them: a change of a key once, each
-/// report ended by a SYN_REPORT record, and the key that was pressed last repeated while it is held.
+/// The keys of one input device, reported as the kernel reports them: each change once, each report ended by
+/// a SYN_REPORT record, and the last pressed key repeated while it is held.
 class EvdevKeyboard : public QObject
 {
     Q_OBJECT
@@ -16,15 +16,15 @@ class EvdevKeyboard : public QObject
 public:
     explicit EvdevKeyboard(QObject* parent = nullptr);
 
-    /// `code` is a Linux input key code. A key that is down already stays as it is.
+    /// `code` is a Linux input key code. Ignored if the key is already down.
     void press(quint16 code);
-    /// A key that is up already stays as it is. Any release ends the repetition, also that of another key.
+    /// Ignored if the key is already up. Any release ends the repetition, even of another key.
     void release(quint16 code);
-    /// Reports a record that no key stands behind.
+    /// Reports a record without changing the state of a key.
     void report(quint16 type, quint16 code, qint32 value);
 
 Q_SIGNALS:
-    /// One input record, time-stamped now.
+    /// One input record, stamped with the current time.
     void recorded(const input_event& record);
 
 private:

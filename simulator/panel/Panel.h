@@ -19,23 +19,23 @@ public:
 
     explicit Panel(QObject* parent = nullptr);
 
-    /// Connects the device number `device` (0 or 1) with the FIFO at `path`; false when that is not there.
-    /// The records of an unconnected device are lost.
+    /// Connects `keyboard` (0 or 1) to the FIFO at `path`; false if it cannot be opened. Records of an
+    /// unconnected keyboard are dropped.
     bool open(int keyboard, const QString& path);
 
     /// `key` is an identifier of `ls::KeyId`.
     void press(int keyboard, const QString& key);
     void release(int keyboard, const QString& key);
-    /// Writes `record` and the report that ends it.
+    /// Writes `record` and a SYN_REPORT record.
     void record(int keyboard, const RawRecord& record);
     /// Writes bytes that need not be whole records.
     void writeRaw(int keyboard, const QByteArray& bytes);
 
-    /// How many bytes of `device` wait for the reader to make room.
+    /// The number of bytes queued for `keyboard`.
     int pending(int keyboard) const;
 
 Q_SIGNALS:
-    /// `record` was written to the device, repetitions and reports' ends included.
+    /// `record` was written, which includes repetitions and SYN_REPORT records.
     void written(int keyboard, const RawRecord& record);
 
 private:

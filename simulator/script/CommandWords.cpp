@@ -46,7 +46,7 @@ Parsed parse(const QStringList& words)
 {
     const QString name = words.value(0);
     if (!ls::KeyboardHandlerCmdId::meta.contains(name)) {
-        return {{}, QStringLiteral("There is no command \"%1\".").arg(name)};
+        return {{}, QStringLiteral("Unknown command \"%1\".").arg(name)};
     }
     const bool senderGiven = words.value(1) == asWord;
     const QString sender = senderGiven ? words.value(2) : ls::ServiceId::ServiceTool;

@@ -10,12 +10,12 @@ namespace CommandWords {
 struct Parsed
 {
     QVariantMap command;
-    /// A sentence; empty when `command` is good.
+    /// A sentence; empty when `command` is valid.
     QString fault;
 };
 
 Parsed parse(const QStringList& words);
-/// The words that `parse` makes `command` of.
+/// The words that `parse` turns into `command`.
 QStringList wordsOf(const QVariantMap& command);
 
 } // namespace CommandWords

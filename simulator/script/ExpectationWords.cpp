@@ -35,7 +35,7 @@ QString checkAnnouncement(const QStringList& words)
     if (fault.isEmpty() && words.at(2) != QLatin1String("-")) {
         fault = ScriptWords::checkService(words.at(2));
     }
-    // A key code that no identifier has is announced under this name.
+    // Key codes without an identifier are announced under this name.
     QStringList keys = words.mid(3);
     keys.removeAll(vocabulary::undefined);
     return fault.isEmpty() ? ScriptWords::checkKeys(keys) : fault;
@@ -50,13 +50,13 @@ QString checkSpeech(const QStringList& words)
     }
     if (words.size() == 1) {
         const bool isNamed = SentenceFiles::sentences().contains(words.first());
-        return isNamed ? QString() : QStringLiteral("There is no sentence \"%1\".").arg(words.first());
+        return isNamed ? QString() : QStringLiteral("Unknown sentence \"%1\".").arg(words.first());
     }
     if (!SentenceFiles::isKnown(words.first())) {
-        return QStringLiteral("There is no translation file \"%1\".").arg(words.first());
+        return QStringLiteral("Unknown translation file \"%1\".").arg(words.first());
     }
     const bool numbered = ScriptWords::number(words.last(), 0, std::numeric_limits<int>::max()).has_value();
-    return numbered ? QString() : QStringLiteral("\"%1\" is no sentence number.").arg(words.last());
+    return numbered ? QString() : QStringLiteral("\"%1\" is not a sentence number.").arg(words.last());
 }
 
 } // namespace

@@ -3,14 +3,14 @@
 
 #include <QString>
 
-/// What an `expect` line may name.
+/// The observations that an `expect` line may name.
 namespace ExpectationWords {
 
-/// A sentence about what is wrong with the text of an observation; empty when it can come true.
+/// A sentence about the fault of an observation's text; empty when the daemon can produce it.
 QString check(const QString& text);
-/// The observation's text, without the blanks that do not count and with the number of a named sentence.
+/// The observation's text, without insignificant blanks and with the number of a named sentence.
 QString normalised(const QString& text);
-/// An observation's text with the name of its sentence, if that has one.
+/// The observation's text with the name of its sentence, if the sentence has one.
 QString named(const QString& text);
 
 } // namespace ExpectationWords

@@ -16,7 +16,7 @@
 
 namespace {
 
-// One byte more than the daemon reads: it must see that the file is too long.
+// One byte more than the daemon reads, so that it rejects the file as too long.
 constexpr qint64 maxBytes = KeyListFile::maxSize + 1;
 
 struct KeyList
@@ -65,8 +65,8 @@ KeyRow toRow(KeyRow::Kind kind, const QVariantMap& fields)
     return row;
 }
 
-/// Why `row`, which was made of `object`, does not say the same; empty when it does.
-QString loss(const KeyRow& row, QJsonObject object)
+/// A sentence if `row`, made from `object`, lost some of its content; empty otherwise.
+QString describeLoss(const KeyRow& row, QJsonObject object)
 {
     const QStringList words = KeyRowWords::wordsOf(row).join(' ').simplified().split(' ');
     const KeyRowWords::Parsed parsed = KeyRowWords::parse(words);
@@ -77,7 +77,7 @@ QString loss(const KeyRow& row, QJsonObject object)
         object.insert(KeyListFields::validOnState, row.validOnState);
     }
     const bool same = toJson(row) == object && toJson(parsed.row) == object;
-    return same ? QString() : QStringLiteral("A row of a script has other fields, or no blanks in them.");
+    return same ? QString() : QStringLiteral("Script rows cannot hold its fields or their blanks.");
 }
 
 void addRows(const KeyList& keyList, const QJsonArray& list, KeyListJson::Parsed& result)
@@ -86,7 +86,7 @@ void addRows(const KeyList& keyList, const QJsonArray& list, KeyListJson::Parsed
         const QJsonValue value = list.at(i);
         const KeyRow row = toRow(keyList.kind, value.toObject().toVariantMap());
         const QString fault =
-            value.isObject() ? loss(row, value.toObject()) : QStringLiteral("It is no object.");
+            value.isObject() ? describeLoss(row, value.toObject()) : QStringLiteral("It is not an object.");
         if (value.isObject()) {
             result.rows.append(row);
         }
@@ -102,9 +102,10 @@ void addFile(const KeyList& keyList, const KeyListJson::Files& files, KeyListJso
 {
     const QJsonObject content = QJsonDocument::fromJson(files.value(keyList.fileName)).object();
     if (!content.value(keyList.section).isArray() || content.size() != 1) {
-        result.faults << QStringLiteral(
-                             "%1 cannot be written in a script: it is no JSON object of just the list %2.")
-                             .arg(keyList.fileName, keyList.section);
+        result.faults
+            << QStringLiteral(
+                   "%1 cannot be written in a script: it is not a JSON object with just the list %2.")
+                   .arg(keyList.fileName, keyList.section);
     }
     addRows(keyList, content.value(keyList.section).toArray(), result);
 }

@@ -11,23 +11,23 @@ using Files = QMap<QString, QByteArray>;
 
 struct Parsed
 {
-    /// Every row of the files, as far as it can be told.
+    /// Every row of the files that is an object.
     QVector<KeyRow> rows;
-    /// A sentence for each file and each row that a script's rows cannot stand for.
+    /// A sentence for each file and each row that a script cannot represent.
     QStringList faults;
 };
 
 QStringList fileNames();
 
-/// The files that have just these rows.
+/// The files that hold these rows and no others.
 Files filesOf(const QVector<KeyRow>& rows);
 /// The files of the rows of `script`; none without rows.
 Files filesOf(const KeyScript& script);
 Parsed rowsOf(const Files& files);
 
-/// The key lists in `folder`; those that cannot be read are left out.
+/// The readable key lists in `folder`.
 Files read(const QString& folder);
-/// Whether both have the same files with the same JSON in them.
+/// Whether both hold the same files with the same JSON.
 bool areEqual(const Files& one, const Files& other);
 
 } // namespace KeyListJson

@@ -22,7 +22,7 @@ const QMap<QString, KeyRow::Kind>& kinds()
 
 QString checkReceiver(const QString& receiver)
 {
-    // The receiver that no action is ever announced to.
+    // Rows may name this receiver, to which the daemon never announces an action.
     return receiver == vocabulary::undefined ? QString() : ScriptWords::checkService(receiver);
 }
 
@@ -42,7 +42,7 @@ QString takeSeconds(const QString& word, KeyRow& row)
 {
     const auto seconds = ScriptWords::number(word, 0, std::numeric_limits<int>::max());
     if (!seconds) {
-        return QStringLiteral("\"%1\" is no number of seconds.").arg(word);
+        return QStringLiteral("\"%1\" is not a number of seconds.").arg(word);
     }
     row.seconds = int(*seconds);
     return {};

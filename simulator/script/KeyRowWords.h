@@ -10,12 +10,12 @@ namespace KeyRowWords {
 struct Parsed
 {
     KeyRow row;
-    /// A sentence; empty when `row` is good.
+    /// A sentence; empty when `row` is valid.
     QString fault;
 };
 
 Parsed parse(const QStringList& words);
-/// The words that `parse` makes `row` of.
+/// The words that `parse` turns into `row`.
 QStringList wordsOf(const KeyRow& row);
 
 } // namespace KeyRowWords

@@ -28,7 +28,7 @@ struct KeyRow
     QStringList keys;
 };
 
-/// The fields of an input record that a device chooses itself.
+/// An input record without its time stamp.
 struct RawRecord
 {
     quint16 type = 0;
@@ -36,18 +36,18 @@ struct RawRecord
     qint32 value = 0;
 };
 
-/// The fault of a service that the daemon uses. Each service is declared ready, even if it fails.
+/// A change in the condition of a service that the daemon uses. The service stays declared ready throughout.
 struct ServiceChange
 {
-    /// On the bus and at work; on the bus, but without doing anything; not on the bus.
-    enum class Condition { Runs, IsSilent, IsStopped };
+    /// `Silent`: on the bus, but not responding. `Stopped`: not on the bus.
+    enum class Condition { Running, Silent, Stopped };
 
     static const QString stateHandler;
     static const QString speechDaemon;
 
     /// One of the two above.
     QString service;
-    Condition condition = Condition::Runs;
+    Condition condition = Condition::Running;
 };
 
 /// What a script does to the device at one moment.
@@ -66,39 +66,39 @@ struct ScriptStep
     QVariantMap command;
     /// The record of a `Record`.
     RawRecord record;
-    /// What a `Service` changes.
+    /// The change of a `Service`.
     ServiceChange service{};
 };
 
-/// A fault of a script: the line that it is in, counted from 1 (0: the whole file), and a sentence.
+/// A fault in a script: its line, counted from 1 (0: the whole file), and a sentence.
 struct ScriptFault
 {
     int line = 0;
     QString text;
 };
 
-/// What a person does at the device and what is expected of it; docs/key-scripts.md has the grammar.
+/// Actions of a person at the device and the observations expected; docs/key-scripts.md has the grammar.
 struct KeyScript
 {
-    /// Whether the times were taken from a real clock, and so are no exact ones.
+    /// Whether the times come from a real clock and are therefore inexact.
     bool recorded = false;
     QString model = QStringLiteral("Pellit");
     QString initialState = ls::StateId::Idle;
     /// The services that do not run when the daemon starts.
     QMap<QString, ServiceChange::Condition> services;
-    /// The whole key lists; with none the installed lists count.
+    /// The complete key lists; if empty, the installed lists apply.
     QVector<KeyRow> rows;
-    /// In the order of time.
+    /// In chronological order.
     QVector<ScriptStep> steps;
-    /// When the steps and the waits behind them are over.
+    /// The time after the last step and the waits that follow it.
     std::chrono::milliseconds end{0};
     Observations expectations;
 
-    /// When the script is over and the last expectation is due.
+    /// The time after the end of the script and its last expectation.
     std::chrono::milliseconds duration() const;
 };
 
-/// A parsed script; it is usable when there are no faults.
+/// A parsed script, valid only without faults.
 struct ParsedScript
 {
     KeyScript script;

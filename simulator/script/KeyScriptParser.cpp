@@ -14,22 +14,22 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr milliseconds longestScript = 24h;
+constexpr milliseconds maxDuration = 24h;
 constexpr milliseconds tapTime = 50ms;
 constexpr milliseconds tapPause = 50ms;
-constexpr int mostFaults = 50;
-constexpr int mostSteps = 100'000;
+constexpr int maxFaults = 50;
+constexpr int maxSteps = 100'000;
 
 std::optional<milliseconds> timeOf(const QString& word)
 {
-    const auto count = ScriptWords::number(word, 0, longestScript.count());
+    const auto count = ScriptWords::number(word, 0, maxDuration.count());
     return count ? std::optional(milliseconds(*count)) : std::nullopt;
 }
 
-QString noTime(const QString& word)
+QString timeFault(const QString& word)
 {
-    return QStringLiteral("\"%1\" is no time from 0 to %2 ms.")
-        .arg(word, QString::number(longestScript.count()));
+    return QStringLiteral("\"%1\" is not a time from 0 to %2 ms.")
+        .arg(word, QString::number(maxDuration.count()));
 }
 
 } // namespace
@@ -39,7 +39,7 @@ KeyScriptParser::KeyScriptParser(Begin begin) : m_inHeader(begin == Begin::AtHea
 ParsedScript KeyScriptParser::parse(const QString& text)
 {
     const QStringList lines = text.split('\n');
-    for (int i = 0; i < lines.size() && m_result.faults.size() < mostFaults; ++i) {
+    for (int i = 0; i < lines.size() && m_result.faults.size() < maxFaults; ++i) {
         const int before = m_result.faults.size();
         readLine(lines.at(i));
         if (m_result.faults.size() > before) {
@@ -88,8 +88,8 @@ void KeyScriptParser::readLine(const QString& line)
     QStringList words = m_line.simplified().split(' ');
     const QString keyword = words.takeFirst();
     QString fault = readWords(keyword, words);
-    if (fault.isEmpty() && m_result.script.steps.size() > mostSteps) {
-        fault = QStringLiteral("The script has more than %1 steps.").arg(mostSteps);
+    if (fault.isEmpty() && m_result.script.steps.size() > maxSteps) {
+        fault = QStringLiteral("The script has more than %1 steps.").arg(maxSteps);
     }
     if (!fault.isEmpty()) {
         m_result.faults.append({0, ScriptWords::shortened(fault)});
@@ -106,9 +106,9 @@ QString KeyScriptParser::readWords(const QString& keyword, const QStringList& wo
         return (this->*handler)(words);
     }
     if (headerHandlers().contains(keyword)) {
-        return QStringLiteral("\"%1\" must stand before the first step.").arg(keyword);
+        return QStringLiteral("\"%1\" must come before the first step.").arg(keyword);
     }
-    return QStringLiteral("\"%1\" is no keyword of a key script.").arg(keyword);
+    return QStringLiteral("\"%1\" is not a keyword of a key script.").arg(keyword);
 }
 
 QString KeyScriptParser::readRecorded(const QStringList& words)
@@ -128,15 +128,15 @@ QString KeyScriptParser::readModel(const QStringList& words)
 
 QString KeyScriptParser::readInitialState(const QStringList& words)
 {
-    if (m_stateGiven) {
+    if (m_hasState) {
         return QStringLiteral(
-            "The initial state is given already; write \"wait 0\" before the first change.");
+            "The initial state is already given; write \"wait 0\" before the first change.");
     }
     const QString fault = ScriptWords::checkCount(words, 1, 1, QStringLiteral("state STATE"));
     if (!fault.isEmpty()) {
         return fault;
     }
-    m_stateGiven = true;
+    m_hasState = true;
     m_result.script.initialState = words.first();
     return ScriptWords::checkState(words.first());
 }
@@ -203,7 +203,7 @@ QString KeyScriptParser::readHold(const QStringList& words)
     }
     const auto time = timeOf(words.at(1));
     if (!time) {
-        return noTime(words.at(1));
+        return timeFault(words.at(1));
     }
     addKey(ScriptStep::Kind::Press, words.first());
     fault = advance(*time);
@@ -215,7 +215,7 @@ QString KeyScriptParser::readWait(const QStringList& words)
 {
     const auto time = timeOf(words.value(0));
     if (words.size() != 1 || !time) {
-        return noTime(words.join(' '));
+        return timeFault(words.join(' '));
     }
     return advance(*time);
 }
@@ -260,7 +260,7 @@ QString KeyScriptParser::readCommand(const QStringList& words)
 
 QString KeyScriptParser::readConsole(const QStringList&)
 {
-    // The daemon counts leading blanks of a console line, so just the one behind the keyword goes.
+    // Leading blanks matter to the daemon's console, so only the one after the keyword is removed.
     const QString line = m_line.mid(int(qstrlen("console")) + 1);
     addStep({{}, ScriptStep::Kind::Console, 0, line, {}, {}});
     return {};
@@ -271,8 +271,8 @@ QString KeyScriptParser::readExpect(const QStringList& words)
     const bool fromNow = words.value(0).startsWith('+');
     const auto time = timeOf(words.value(0).mid(fromNow ? 1 : 0));
     const milliseconds begin = fromNow ? m_now : 0ms;
-    if (!time || *time > longestScript - begin) {
-        return noTime(words.value(0));
+    if (!time || *time > maxDuration - begin) {
+        return timeFault(words.value(0));
     }
     const QString text = ScriptWords::withoutWords(m_line, 2);
     m_result.script.expectations.append({begin + *time, ExpectationWords::normalised(text)});
@@ -302,8 +302,8 @@ void KeyScriptParser::addStep(ScriptStep step)
 
 QString KeyScriptParser::advance(milliseconds time)
 {
-    if (time > longestScript - m_now) {
-        return QStringLiteral("The script would last longer than %1 hours.").arg(longestScript / 1h);
+    if (time > maxDuration - m_now) {
+        return QStringLiteral("The script would last longer than %1 hours.").arg(maxDuration / 1h);
     }
     m_now += time;
     m_result.script.end = m_now;

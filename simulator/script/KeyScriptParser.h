@@ -5,7 +5,7 @@
 
 #include <QHash>
 
-/// Reads the lines of one key script. Whatever the text, it ends with a script or with faults.
+/// Parses one key script. Any text results in a script or in faults.
 class KeyScriptParser
 {
 public:
@@ -16,7 +16,7 @@ public:
     ParsedScript parse(const QString& text);
 
 private:
-    /// Takes the words behind the keyword; returns a sentence about the fault, or an empty text.
+    /// Takes the words after the keyword; returns a sentence about the fault, or an empty string.
     using Handler = QString (KeyScriptParser::*)(const QStringList& words);
     using Handlers = QHash<QString, Handler>;
 
@@ -53,7 +53,7 @@ private:
     ParsedScript m_result;
     QString m_line;
     bool m_inHeader;
-    bool m_stateGiven = false;
+    bool m_hasState = false;
     int m_keyboard = 0;
     std::chrono::milliseconds m_now{0};
 };

@@ -31,7 +31,7 @@ ParsedScript parseScriptFile(const QByteArray& content)
     if (content.size() > maxFileSize) {
         return refused(QStringLiteral("The script is longer than %1 bytes.").arg(maxFileSize));
     }
-    // With its size: a NUL byte would end the text unseen.
+    // With its size, because a NUL byte would otherwise end the text unnoticed.
     return parseKeyScript(QString::fromUtf8(content.constData(), content.size()));
 }
 

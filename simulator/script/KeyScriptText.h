@@ -5,9 +5,9 @@
 
 /// Parses the text of a script file.
 ParsedScript parseKeyScript(const QString& text);
-/// Parses lines that stand behind the header of a script: steps and expectations only.
+/// Parses steps and expectations, without the header of a script.
 ParsedScript parseKeyScriptSteps(const QString& text);
-/// Parses the content of a script file, which may be too long for one.
+/// Parses the content of a script file; too much content is a fault.
 ParsedScript parseScriptFile(const QByteArray& content);
 /// Reads and parses a script file.
 ParsedScript loadKeyScript(const QString& path);

@@ -24,7 +24,7 @@ public:
         for (const KeyRow& row : script.rows) {
             line(QStringList(QStringLiteral("row")) + KeyRowWords::wordsOf(row));
         }
-        // Ends the header: a change of state that follows is not taken for the initial state.
+        // Ends the header, so that a following change of state is not read as the initial state.
         line({QStringLiteral("device"), QString::number(m_keyboard)});
     }
 

@@ -6,7 +6,7 @@
 
 #include <chrono>
 
-/// Something the daemon did, written as in the `expect` lines of a key script: "announce SingleKey
+/// An action of the daemon, written as in the `expect` lines of a key script: "announce SingleKey
 /// UserMenu KeyboardHandler Up".
 struct Observation
 {

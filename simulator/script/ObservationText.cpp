@@ -21,7 +21,7 @@ const QString logWord = QStringLiteral("log ");
 
 QString compactJson(const QVariant& value)
 {
-    // A document holds no bare value: written as the only element of an array, without its brackets.
+    // QJsonDocument cannot hold a bare value, so the value is written as an array's only element.
     const QByteArray text =
         QJsonDocument(QJsonArray{QJsonValue::fromVariant(value)}).toJson(QJsonDocument::Compact);
     return QString::fromUtf8(text.mid(1, text.size() - 2));
@@ -92,7 +92,7 @@ QString cancellation()
 
 QString logLine(const QString& line)
 {
-    // Chopped from the end only: leading blanks may be meant.
+    // Leading blanks may be intended.
     int length = line.size();
     while (length > 0 && line.at(length - 1).isSpace()) {
         --length;

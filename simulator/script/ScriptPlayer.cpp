@@ -7,10 +7,10 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// For what the last step causes to be observed, and for something unexpected to show itself.
+/// Leaves time for the effects of the last step, expected or not.
 constexpr std::chrono::milliseconds grace = 500ms;
-/// So many steps of one moment are taken before the event loop has its turn.
-constexpr int mostAtOnce = 100;
+/// Limits the steps that are played before control returns to the event loop.
+constexpr int maxStepsAtOnce = 100;
 
 } // namespace
 
@@ -18,13 +18,13 @@ ScriptPlayer::ScriptPlayer(const KeyScript& script, ScriptTarget& target, QObjec
     : QObject(parent), m_script(script), m_target(target)
 {
     m_turnTimer.setSingleShot(true);
-    connect(&m_turnTimer, &QTimer::timeout, this, &ScriptPlayer::takeDue);
+    connect(&m_turnTimer, &QTimer::timeout, this, &ScriptPlayer::playDue);
 }
 
 void ScriptPlayer::start()
 {
-    // One timer for each moment, all set now: setting the next one when the last has fired would add up
-    // the delays, and steps of the same moment must keep their order.
+    // All timers start now, because chained timers would accumulate delays. There is one for each moment, so
+    // that simultaneous steps keep their order.
     const QVector<ScriptStep>& steps = m_script.steps;
     for (int first = 0, end = 0; first < steps.size(); first = end) {
         while (end < steps.size() && steps.at(end).at == steps.at(first).at) {
@@ -44,22 +44,22 @@ void ScriptPlayer::schedule(int end)
 {
     QTimer::singleShot(m_script.steps.at(end - 1).at, Qt::PreciseTimer, this, [this, end] {
         m_due = end;
-        takeDue();
+        playDue();
     });
 }
 
-void ScriptPlayer::takeDue()
+void ScriptPlayer::playDue()
 {
-    for (int taken = 0; m_next < m_due && !m_stopped; ++taken) {
-        if (taken == mostAtOnce) {
+    for (int played = 0; m_next < m_due && !m_stopped; ++played) {
+        if (played == maxStepsAtOnce) {
             m_turnTimer.start(0);
             return;
         }
         const ScriptStep step = m_script.steps.at(m_next++);
-        Q_EMIT stepping(step);
-        // Who is told of the step may stop the player.
+        Q_EMIT aboutToPlay(step);
+        // A slot may have stopped the player.
         if (!m_stopped) {
-            m_target.take(step);
+            m_target.play(step);
         }
     }
 }

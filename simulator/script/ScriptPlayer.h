@@ -10,8 +10,7 @@ class ScriptTarget;
 
 /// Plays the steps of a key script, each at its time from the start.
 ///
-/// All times come from the thread's event dispatcher, so that a script plays just as well on the clock of
-/// a test.
+/// All times come from the thread's event dispatcher, so that tests can use a virtual clock.
 class ScriptPlayer : public QObject
 {
     Q_OBJECT
@@ -20,25 +19,24 @@ public:
     /// `target` must live as long as the player.
     ScriptPlayer(const KeyScript& script, ScriptTarget& target, QObject* parent = nullptr);
 
-    /// To be called once, from a running or a coming event loop.
+    /// Must be called once; playing needs a running event loop.
     void start();
-    /// Takes no further step; `finished` does not come any more.
+    /// Drops the remaining steps; `finished` is not emitted.
     void stop();
 
 Q_SIGNALS:
-    /// `step` is being taken.
-    void stepping(const ScriptStep& step);
-    /// Some time has passed since the last step was taken and the last expectation was due.
+    void aboutToPlay(const ScriptStep& step);
+    /// Emitted half a second after the last step and the last expectation.
     void finished();
 
 private:
     void schedule(int end);
-    void takeDue();
+    void playDue();
     void finish();
 
     KeyScript m_script;
     ScriptTarget& m_target;
-    /// The steps before these are taken, and due.
+    /// All steps before `m_next` are played, all before `m_due` are due.
     int m_next = 0;
     int m_due = 0;
     bool m_stopped = false;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/script/ScriptTarget.h"
 
-void ScriptTarget::take(const ScriptStep& step)
+void ScriptTarget::play(const ScriptStep& step)
 {
     switch (step.kind) {
     case ScriptStep::Kind::Heading:

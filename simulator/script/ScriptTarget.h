@@ -3,26 +3,26 @@
 
 #include "simulator/script/KeyScript.h"
 
-/// What the steps of a key script are taken on: the simulated device, or the daemon's classes in a test.
+/// Carries out the steps of a key script: the simulated device, or the daemon's classes in a test.
 class ScriptTarget
 {
 public:
     virtual ~ScriptTarget() = default;
 
-    /// `device` is 0 or 1, `key` an identifier of `ls::KeyId`.
+    /// `keyboard` is 0 or 1, `key` an identifier of `ls::KeyId`.
     virtual void press(int keyboard, const QString& key) = 0;
     virtual void release(int keyboard, const QString& key) = 0;
-    /// Writes the record and the report that ends it.
+    /// Writes `record` and a SYN_REPORT record.
     virtual void record(int keyboard, const RawRecord& record) = 0;
     /// The state handler announces `state`, an identifier of `ls::StateId`.
     virtual void setState(const QString& state) = 0;
-    /// A service that the daemon uses fails or comes back.
+    /// A service that the daemon uses fails or recovers.
     virtual void setService(const ServiceChange& change) = 0;
-    /// Sends `command` to the keyboard service without waiting for the answer.
+    /// Sends `command` to the keyboard service without waiting for the response.
     virtual void sendCommand(const QVariantMap& command) = 0;
     /// Types `line` at the daemon's console.
     virtual void typeLine(const QString& line) = 0;
 
-    /// Does what `step` says, now.
-    void take(const ScriptStep& step);
+    /// Carries out `step` now.
+    void play(const ScriptStep& step);
 };

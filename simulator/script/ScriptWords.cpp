@@ -10,7 +10,7 @@ QString checkMember(const QStringList& family, const QString& name, const QStrin
     if (family.contains(name)) {
         return {};
     }
-    return QStringLiteral("There is no %1 \"%2\"; known are %3.")
+    return QStringLiteral("Unknown %1 \"%2\"; known %1s: %3.")
         .arg(kind, name, family.join(QStringLiteral(", ")));
 }
 
@@ -18,9 +18,9 @@ QString checkMember(const QStringList& family, const QString& name, const QStrin
 
 namespace ScriptWords {
 
-QString checkCount(const QStringList& words, int least, int most, const QString& usage)
+QString checkCount(const QStringList& words, int min, int max, const QString& usage)
 {
-    if (words.size() >= least && (most < 0 || words.size() <= most)) {
+    if (words.size() >= min && (max < 0 || words.size() <= max)) {
         return {};
     }
     return QStringLiteral("Write it as: ") + usage;
@@ -57,11 +57,11 @@ QString checkService(const QString& service)
     return checkMember(ls::ServiceId::meta.keys(), service, QStringLiteral("service"));
 }
 
-std::optional<qint64> number(const QString& word, qint64 least, qint64 most)
+std::optional<qint64> number(const QString& word, qint64 min, qint64 max)
 {
     bool ok = false;
     const qint64 value = word.toLongLong(&ok);
-    if (!ok || value < least || value > most) {
+    if (!ok || value < min || value > max) {
         return std::nullopt;
     }
     return value;
@@ -69,10 +69,10 @@ std::optional<qint64> number(const QString& word, qint64 least, qint64 most)
 
 QString shortened(const QString& sentence)
 {
-    constexpr int longest = 400;
-    return sentence.size() <= longest
+    constexpr int maxLength = 400;
+    return sentence.size() <= maxLength
                ? sentence
-               : sentence.left(longest / 2) + QStringLiteral(" ... ") + sentence.right(longest / 2);
+               : sentence.left(maxLength / 2) + QStringLiteral(" ... ") + sentence.right(maxLength / 2);
 }
 
 QString withoutWords(const QString& line, int count)

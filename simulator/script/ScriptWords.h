@@ -7,11 +7,11 @@
 
 #include <optional>
 
-/// Checks on the words of a script line. Each check returns a sentence about the fault, or an empty text.
+/// Checks on the words of a script line. Each check returns a sentence about the fault, or an empty string.
 namespace ScriptWords {
 
-/// Whether there are `least` to `most` words (any number for `most` < 0); `usage` is shown if not.
-QString checkCount(const QStringList& words, int least, int most, const QString& usage);
+/// Expects `min` to `max` words, without an upper limit for `max` < 0; the fault quotes `usage`.
+QString checkCount(const QStringList& words, int min, int max, const QString& usage);
 /// The embosser's models.
 QStringList models();
 QString checkModel(const QString& model);
@@ -19,13 +19,13 @@ QString checkKeys(const QStringList& keys);
 QString checkState(const QString& state);
 QString checkService(const QString& service);
 
-/// The decimal number of a word; nothing when it is none or outside of the limits.
-std::optional<qint64> number(const QString& word, qint64 least, qint64 most);
+/// The decimal number in `word`, if it is within the limits.
+std::optional<qint64> number(const QString& word, qint64 min, qint64 max);
 
-/// The sentence, without its middle if it quotes words of great length.
+/// The sentence, without its middle if it is too long.
 QString shortened(const QString& sentence);
 
-/// `line` without its first `count` words, its blanks inside as written and those at both ends removed.
+/// `line` without its first `count` words and the blanks at both ends.
 QString withoutWords(const QString& line, int count);
 
 } // namespace ScriptWords

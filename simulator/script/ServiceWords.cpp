@@ -9,9 +9,9 @@ namespace {
 
 const QMap<QString, Condition>& conditions()
 {
-    static const QMap<QString, Condition> words{{QStringLiteral("start"), Condition::Runs},
-                                                {QStringLiteral("silent"), Condition::IsSilent},
-                                                {QStringLiteral("stop"), Condition::IsStopped}};
+    static const QMap<QString, Condition> words{{QStringLiteral("start"), Condition::Running},
+                                                {QStringLiteral("silent"), Condition::Silent},
+                                                {QStringLiteral("stop"), Condition::Stopped}};
     return words;
 }
 

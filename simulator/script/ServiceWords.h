@@ -5,18 +5,18 @@
 
 #include <QStringList>
 
-/// The fault of a service that the daemon uses, as the words of a script line: SERVICE stop|silent|start.
+/// Changes of services as the words of a script line: SERVICE stop|silent|start.
 namespace ServiceWords {
 
 struct Parsed
 {
     ServiceChange change;
-    /// A sentence; empty when `change` is good.
+    /// A sentence; empty when `change` is valid.
     QString fault;
 };
 
 Parsed parse(const QStringList& words);
-/// The words that `parse` makes `change` of.
+/// The words that `parse` turns into `change`.
 QStringList wordsOf(const ServiceChange& change);
 
 } // namespace ServiceWords

@@ -10,14 +10,14 @@ QString statementHelp()
         {"tap KEY...", "press and release each key in turn"},
         {"press KEY", "press a key and keep it down"},
         {"release KEY", "release it"},
-        {"hold KEY MS", "keep a key down for so many milliseconds"},
-        {"wait MS", "do nothing for so many milliseconds"},
-        {"device 0|1", "the input device of the keys that follow in the same line"},
+        {"hold KEY MS", "keep a key down for MS milliseconds"},
+        {"wait MS", "do nothing for MS milliseconds"},
+        {"device 0|1", "the input device of the keys that follow on the line"},
         {"state STATE", "the state handler announces a state"},
         {"command NAME [as SERVICE] [ARGUMENT...]", "a service sends a command"},
         {"console TEXT", "type a line at the daemon's console"},
-        {"record TYPE CODE VALUE", "the input device reports any record"},
-        {"service state-handler|speechd stop|silent|start", "a service fails, or comes back"},
+        {"record TYPE CODE VALUE", "the input device reports a record"},
+        {"service state-handler|speechd stop|silent|start", "a service fails or recovers"},
     };
     QString text;
     for (const auto& [usage, meaning] : statements) {

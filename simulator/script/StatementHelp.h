@@ -3,5 +3,5 @@
 
 #include <QString>
 
-/// The statements that can be typed at a prompt, one a line with what it does.
+/// One line for each statement of the prompt: its syntax and its effect.
 QString statementHelp();

@@ -12,39 +12,38 @@ using std::chrono::milliseconds;
 
 namespace {
 
-/// A coarse timer may fire 5 % before its time, and no timer that the daemon sets for a key lasts longer
-/// than the time since the script's start.
-constexpr int earlyShare = 16;
-constexpr milliseconds mostEarly = 600ms;
+/// A coarse timer may fire 5 % early, and no timer that the daemon sets for a key lasts longer than the time
+/// since the script's start.
+constexpr int earlyDivisor = 16;
+constexpr milliseconds maxEarly = 600ms;
 
-/// What a recording and the script that is played of it may differ by.
+/// The allowed difference between a recording and its replay.
 constexpr milliseconds recordedTolerance = 100ms;
 
-/// How an observation is held against an expectation.
 struct Rules
 {
-    bool isLogApart = false;
+    bool isLogSeparate = false;
     milliseconds tolerance{0};
     bool isClockReal = false;
-    /// What is observed from then on may be too much.
-    milliseconds judgedUntil = milliseconds::max();
+    /// Unexpected observations from then on are ignored.
+    milliseconds comparedUntil = milliseconds::max();
 };
 
 Rules rulesFor(const KeyScript& script, Transcript::Clock clock)
 {
     Rules rules;
     rules.isClockReal = clock == Transcript::Clock::Real;
-    rules.isLogApart = rules.isClockReal || script.recorded;
+    rules.isLogSeparate = rules.isClockReal || script.recorded;
     if (script.recorded) {
         rules.tolerance = recordedTolerance;
-        rules.judgedUntil = script.duration() - recordedTolerance;
+        rules.comparedUntil = script.duration() - recordedTolerance;
     }
     return rules;
 }
 
 milliseconds earliest(const Observation& expectation, const Rules& rules)
 {
-    const milliseconds coarse = rules.isClockReal ? std::min(expectation.at / earlyShare, mostEarly) : 0ms;
+    const milliseconds coarse = rules.isClockReal ? std::min(expectation.at / earlyDivisor, maxEarly) : 0ms;
     return expectation.at - std::max(coarse, rules.tolerance);
 }
 
@@ -53,19 +52,19 @@ milliseconds latest(const Observation& expectation, const Rules& rules)
     return rules.isClockReal ? milliseconds::max() : expectation.at + rules.tolerance;
 }
 
-QString shown(const Observation& observation)
+QString format(const Observation& observation)
 {
     return QStringLiteral("%1 ms: %2").arg(observation.at.count()).arg(observation.text);
 }
 
 QString missing(const Observation& expectation)
 {
-    return QStringLiteral("missing     ") + shown(expectation);
+    return QStringLiteral("missing     ") + format(expectation);
 }
 
 QString unexpected(const Observation& observation)
 {
-    return QStringLiteral("unexpected  ") + shown(observation);
+    return QStringLiteral("unexpected  ") + format(observation);
 }
 
 Observations filtered(const Observations& all, bool log)
@@ -77,59 +76,58 @@ Observations filtered(const Observations& all, bool log)
     return part;
 }
 
-/// Finds expected observations in a list that is in the order of time, however long both lists are.
+/// Finds expected observations in a chronological list by binary search.
 class Finder
 {
 public:
     explicit Finder(const Observations& observed) : m_observed(observed)
     {
         for (int i = 0; i < observed.size(); ++i) {
-            m_places[observed.at(i).text].append(i);
+            m_indexes[observed.at(i).text].append(i);
         }
     }
 
-    /// The first match that is not before the place `from`; -1 when there is none.
+    /// The index of the first match from the index `from` on; -1 if nothing matches.
     int find(const Observation& expectation, const Rules& rules, int from) const
     {
         const milliseconds begin = earliest(expectation, rules);
-        const QVector<int> places = m_places.value(expectation.text);
-        const auto place = std::partition_point(places.begin(), places.end(), [&](int candidate) {
+        const QVector<int> indexes = m_indexes.value(expectation.text);
+        const auto index = std::partition_point(indexes.begin(), indexes.end(), [&](int candidate) {
             return candidate < from || m_observed.at(candidate).at < begin;
         });
-        const bool found = place != places.end() && m_observed.at(*place).at <= latest(expectation, rules);
-        return found ? *place : -1;
+        const bool found = index != indexes.end() && m_observed.at(*index).at <= latest(expectation, rules);
+        return found ? *index : -1;
     }
 
 private:
     const Observations& m_observed;
-    QHash<QString, QVector<int>> m_places;
+    QHash<QString, QVector<int>> m_indexes;
 };
 
-/// Walks both lists side by side; what is in one of them only is passed over as soon as the other goes on
-/// with it, so that one missing line does not spoil the rest. `isWrong` tells whether an observation that is
-/// not expected is a difference.
+/// Matches each expectation with the next equal observation. An expectation without a match does not affect
+/// those that follow. `isWrong` decides whether an unexpected observation is a difference.
 template <typename IsWrong>
-QStringList walk(const Observations& expected, const Observations& observed, const Rules& rules,
-                 IsWrong isWrong)
+QStringList compare(const Observations& expected, const Observations& observed, const Rules& rules,
+                    IsWrong isWrong)
 {
     QStringList lines;
-    int seen = 0;
+    int next = 0;
     const auto reportUntil = [&](int end) {
-        for (; seen < end; ++seen) {
-            if (isWrong(observed.at(seen))) {
-                lines << unexpected(observed.at(seen));
+        for (; next < end; ++next) {
+            if (isWrong(observed.at(next))) {
+                lines << unexpected(observed.at(next));
             }
         }
     };
     const Finder finder(observed);
     for (const Observation& expectation : expected) {
-        const int match = finder.find(expectation, rules, seen);
+        const int match = finder.find(expectation, rules, next);
         if (match == -1) {
             lines << missing(expectation);
             continue;
         }
         reportUntil(match);
-        seen = match + 1;
+        next = match + 1;
     }
     reportUntil(observed.size());
     return lines;
@@ -142,13 +140,15 @@ namespace Transcript {
 QStringList difference(const KeyScript& script, const Observations& observed, Clock clock)
 {
     const Rules rules = rulesFor(script, clock);
-    const auto isJudged = [&](const Observation& observation) { return observation.at < rules.judgedUntil; };
-    if (!rules.isLogApart) {
-        return walk(script.expectations, observed, rules, isJudged);
+    const auto isCompared = [&](const Observation& observation) {
+        return observation.at < rules.comparedUntil;
+    };
+    if (!rules.isLogSeparate) {
+        return compare(script.expectations, observed, rules, isCompared);
     }
     const auto never = [](const Observation&) { return false; };
-    return walk(filtered(script.expectations, false), filtered(observed, false), rules, isJudged) +
-           walk(filtered(script.expectations, true), filtered(observed, true), rules, never);
+    return compare(filtered(script.expectations, false), filtered(observed, false), rules, isCompared) +
+           compare(filtered(script.expectations, true), filtered(observed, true), rules, never);
 }
 
 } // namespace Transcript

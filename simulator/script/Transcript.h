@@ -5,22 +5,22 @@
 
 #include <QStringList>
 
-/// Compares what was observed with what a script expects.
+/// Compares observations with the expectations of a script.
 namespace Transcript {
 
-/// The clock by which a script was played.
+/// The clock on which a script was played.
 enum class Clock {
-    /// The same texts at the same times, in the same order.
+    /// Requires the same texts at the same times, in the same order.
     Virtual,
-    /// The same texts in the same order, none of them early. What comes late comes right. The log is judged
-    /// by itself, since it does not come over the bus, and may hold more lines than are expected.
+    /// Requires the same texts in the same order, none of them early; late texts are accepted. The log is
+    /// compared separately, because it does not arrive over the bus, and may hold additional lines.
     Real,
 };
 
-/// The difference, a line for each thing that is missing, early or too much; empty when there is none.
+/// A line for each missing, early or unexpected observation.
 ///
-/// Of a recorded script, whose times came from a real clock, the log is always judged by itself, times may
-/// differ by 100 ms, and what comes after its end is of no account.
+/// The times of a recorded script come from a real clock: its log is always compared separately, times may
+/// differ by 100 ms, and observations after its end are ignored.
 QStringList difference(const KeyScript& script, const Observations& observed, Clock clock);
 
 } // namespace Transcript

@@ -5,7 +5,7 @@
 
 #include <functional>
 
-/// The speech daemon as the daemon sees it through a speech library that has no bus behind it.
+/// A speech daemon behind a speech library without a bus.
 namespace FakeSpeech {
 
 /// Called with each request to speak.

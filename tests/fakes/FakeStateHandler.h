@@ -4,18 +4,18 @@
 #include <QList>
 #include <QVariantMap>
 
-/// The state-handler service as the daemon sees it through a service proxy that has no bus behind it.
+/// A state handler behind a service proxy without a bus.
 namespace FakeStateHandler {
 
 /// Answers the next queries with `state`.
 void setState(const QString& state);
-/// Answers the next queries with `reply`, whatever it is.
+/// Answers the next queries with `reply`.
 void setReply(const QVariantMap& reply);
 /// The queries since the last call.
 QList<QVariantMap> takeRequests();
-/// Announces `state` in the proper form.
+/// Announces `state` with a valid notification.
 void announce(const QString& state);
-/// Sends a notification of any form.
+/// Sends any notification.
 void notify(const QVariantMap& notification);
 
 } // namespace FakeStateHandler

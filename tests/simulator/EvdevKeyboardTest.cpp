@@ -18,14 +18,14 @@ private Q_SLOTS:
     void init();
     void cleanup() { m_device.reset(); }
 
-    void eachReportEndsWithASynchronisation();
-    void aKeyThatIsDownIsNotPressedAgain();
-    void aKeyThatIsUpIsNotReleased();
+    void eachReportEndsWithSynReport();
+    void aPressedKeyIsNotPressedAgain();
+    void aReleasedKeyIsNotReleasedAgain();
     void aHeldKeyIsRepeatedAfter250MsAndThenEvery33Ms();
-    void theKeyPressedLastIsRepeated();
+    void onlyTheLastPressedKeyIsRepeated();
     void anyReleaseEndsTheRepetition();
-    void aKeyPressedAfterwardsIsRepeatedAgain();
-    void aRawReportIsLeftAsItIs();
+    void aNewPressIsRepeatedAgain();
+    void aRawReportIsUnchanged();
 
 private:
     void wait(std::chrono::milliseconds time) { VirtualDevice::clock().advance(time); }
@@ -44,7 +44,7 @@ void EvdevKeyboardTest::init()
     });
 }
 
-void EvdevKeyboardTest::eachReportEndsWithASynchronisation()
+void EvdevKeyboardTest::eachReportEndsWithSynReport()
 {
     m_device->press(up);
     QCOMPARE(take(), QStringList({"1 103 1", "0 0 0"}));
@@ -52,7 +52,7 @@ void EvdevKeyboardTest::eachReportEndsWithASynchronisation()
     QCOMPARE(take(), QStringList({"1 103 0", "0 0 0"}));
 }
 
-void EvdevKeyboardTest::aKeyThatIsDownIsNotPressedAgain()
+void EvdevKeyboardTest::aPressedKeyIsNotPressedAgain()
 {
     m_device->press(up);
     take();
@@ -60,7 +60,7 @@ void EvdevKeyboardTest::aKeyThatIsDownIsNotPressedAgain()
     QCOMPARE(take(), QStringList());
 }
 
-void EvdevKeyboardTest::aKeyThatIsUpIsNotReleased()
+void EvdevKeyboardTest::aReleasedKeyIsNotReleasedAgain()
 {
     m_device->release(up);
     QCOMPARE(take(), QStringList());
@@ -82,7 +82,7 @@ void EvdevKeyboardTest::aHeldKeyIsRepeatedAfter250MsAndThenEvery33Ms()
     QCOMPARE(take().size(), 20);
 }
 
-void EvdevKeyboardTest::theKeyPressedLastIsRepeated()
+void EvdevKeyboardTest::onlyTheLastPressedKeyIsRepeated()
 {
     m_device->press(up);
     wait(240ms);
@@ -104,7 +104,7 @@ void EvdevKeyboardTest::anyReleaseEndsTheRepetition()
     QCOMPARE(take(), QStringList());
 }
 
-void EvdevKeyboardTest::aKeyPressedAfterwardsIsRepeatedAgain()
+void EvdevKeyboardTest::aNewPressIsRepeatedAgain()
 {
     m_device->press(up);
     wait(1000ms);
@@ -115,7 +115,7 @@ void EvdevKeyboardTest::aKeyPressedAfterwardsIsRepeatedAgain()
     QCOMPARE(take(), QStringList({"1 103 2", "0 0 1"}));
 }
 
-void EvdevKeyboardTest::aRawReportIsLeftAsItIs()
+void EvdevKeyboardTest::aRawReportIsUnchanged()
 {
     m_device->report(EV_MSC, MSC_SCAN, -7);
     QCOMPARE(take(), QStringList({"4 4 -7", "0 0 0"}));

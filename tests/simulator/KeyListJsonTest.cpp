@@ -33,24 +33,23 @@ QByteArray withField(QByteArray row, const QByteArray& field, const QByteArray& 
 
 } // namespace
 
-/// Key lists as files and as the rows of a script.
 class KeyListJsonTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void rowsSurviveBeingFiles();
-    void blanksAroundJoinedStatesDoNotCount();
-    void whatRowsCannotTellIsAFault_data();
-    void whatRowsCannotTellIsAFault();
-    void eachFaultyRowIsNamed();
-    void listsWithoutAnyRowAreAFault();
+    void rowsSurviveConversionToFiles();
+    void blanksAroundJoinedStatesAreIgnored();
+    void unrepresentableRowsAreFaults_data();
+    void unrepresentableRowsAreFaults();
+    void eachFaultyRowIsReported();
+    void listsWithoutRowsAreAFault();
     void aMissingFileIsAFault();
     void filesAreReadFromAFolder();
-    void filesOfTheSameJsonAreEqual();
+    void filesWithEqualJsonAreEqual();
 };
 
-void KeyListJsonTest::rowsSurviveBeingFiles()
+void KeyListJsonTest::rowsSurviveConversionToFiles()
 {
     const QVector<KeyRow> rows{{KeyRow::Kind::Long, "Hold", "UserMenu", "Idle|Error", 2, {"Menu"}},
                                {KeyRow::Kind::Modifier, "Both", "WwwApi", "Idle", 0, {"Help", "Feed", "One"}},
@@ -61,7 +60,7 @@ void KeyListJsonTest::rowsSurviveBeingFiles()
     QCOMPARE(parsed.rows.size(), 3);
 }
 
-void KeyListJsonTest::blanksAroundJoinedStatesDoNotCount()
+void KeyListJsonTest::blanksAroundJoinedStatesAreIgnored()
 {
     const KeyListJson::Parsed parsed =
         KeyListJson::rowsOf(files(withField(longRow, "validOnState", "\" Idle |  Error\"")));
@@ -69,30 +68,30 @@ void KeyListJsonTest::blanksAroundJoinedStatesDoNotCount()
     QCOMPARE(parsed.rows.first().validOnState, QStringLiteral("Idle|Error"));
 }
 
-void KeyListJsonTest::whatRowsCannotTellIsAFault_data()
+void KeyListJsonTest::unrepresentableRowsAreFaults_data()
 {
     QTest::addColumn<QByteArray>("row");
     QTest::newRow("half a second") << withField(longRow, "timeout", "1.5");
-    QTest::newRow("a time in a text") << withField(longRow, "timeout", "\"2\"");
-    QTest::newRow("less than no time") << withField(longRow, "timeout", "-1");
-    QTest::newRow("a time beyond all measure") << withField(longRow, "timeout", "1e300");
+    QTest::newRow("a time as text") << withField(longRow, "timeout", "\"2\"");
+    QTest::newRow("a negative time") << withField(longRow, "timeout", "-1");
+    QTest::newRow("a huge time") << withField(longRow, "timeout", "1e300");
     QTest::newRow("two keys") << withField(longRow, "keys", R"(["Help", "Feed"])");
     QTest::newRow("no keys") << withField(longRow, "keys", "[]");
     QTest::newRow("an unknown key") << withField(longRow, "keys", "[\"Moo\"]");
     QTest::newRow("a number as key") << withField(longRow, "keys", "[7]");
-    QTest::newRow("a text as keys") << withField(longRow, "keys", "\"Help\"");
+    QTest::newRow("a string as keys") << withField(longRow, "keys", "\"Help\"");
     QTest::newRow("an action of two words") << withField(longRow, "eAction", "\"Key Description\"");
-    QTest::newRow("an action without a text") << withField(longRow, "eAction", "\"\"");
+    QTest::newRow("an empty action") << withField(longRow, "eAction", "\"\"");
     QTest::newRow("an action of another type") << withField(longRow, "eAction", "12");
     QTest::newRow("an unknown receiver") << withField(longRow, "receiverService", "\"Moo\"");
     QTest::newRow("an unknown state") << withField(longRow, "validOnState", "\"Idle|Sleep\"");
     QTest::newRow("blanks around one state") << withField(longRow, "validOnState", "\" Idle\"");
     QTest::newRow("another field") << withField(longRow, "timeout", R"(2, "comment": "none")");
     QTest::newRow("nothing") << QByteArray("{}");
-    QTest::newRow("no object") << QByteArray("null");
+    QTest::newRow("not an object") << QByteArray("null");
 }
 
-void KeyListJsonTest::whatRowsCannotTellIsAFault()
+void KeyListJsonTest::unrepresentableRowsAreFaults()
 {
     QFETCH(QByteArray, row);
     QCOMPARE(KeyListJson::rowsOf(files(longRow, pairRow)).faults, QStringList());
@@ -102,7 +101,7 @@ void KeyListJsonTest::whatRowsCannotTellIsAFault()
              qPrintable(faults.first()));
 }
 
-void KeyListJsonTest::eachFaultyRowIsNamed()
+void KeyListJsonTest::eachFaultyRowIsReported()
 {
     const KeyListJson::Parsed parsed = KeyListJson::rowsOf(
         files(withField(longRow, "timeout", "0.5"), pairRow + ',' + withField(pairRow, "keys", "[]")));
@@ -112,7 +111,7 @@ void KeyListJsonTest::eachFaultyRowIsNamed()
     QCOMPARE(parsed.rows.size(), 3);
 }
 
-void KeyListJsonTest::listsWithoutAnyRowAreAFault()
+void KeyListJsonTest::listsWithoutRowsAreAFault()
 {
     QCOMPARE(KeyListJson::rowsOf(files({})).faults,
              QStringList("Key lists without any row cannot be written in a script."));
@@ -122,9 +121,10 @@ void KeyListJsonTest::aMissingFileIsAFault()
 {
     KeyListJson::Files two = files(longRow);
     two.remove(shortcutFile);
-    QCOMPARE(KeyListJson::rowsOf(two).faults,
-             QStringList("shortcutKeyList.json cannot be written in a script: it is no JSON object of just "
-                         "the list ShortcutKeys."));
+    QCOMPARE(
+        KeyListJson::rowsOf(two).faults,
+        QStringList("shortcutKeyList.json cannot be written in a script: it is not a JSON object with just "
+                    "the list ShortcutKeys."));
     two.insert(shortcutFile, R"({"ShortcutKeys": [], "version": 1})");
     QCOMPARE(KeyListJson::rowsOf(two).faults.size(), 1);
 }
@@ -139,7 +139,7 @@ void KeyListJsonTest::filesAreReadFromAFolder()
     QCOMPARE(KeyListJson::read(folder.path()), KeyListJson::Files({{longFile, "{}"}}));
 }
 
-void KeyListJsonTest::filesOfTheSameJsonAreEqual()
+void KeyListJsonTest::filesWithEqualJsonAreEqual()
 {
     const KeyListJson::Files spaced{{longFile, " {\"LongKeys\":\n []}"}};
     QVERIFY(KeyListJson::areEqual({{longFile, "{\"LongKeys\": []}"}}, spaced));

@@ -52,31 +52,31 @@ class KeyScriptTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void anEmptyScriptIsAPellitInIdleWithTheInstalledLists();
+    void anEmptyScriptHasDefaults();
     void theHeaderIsRead();
-    void stepsComeAtTheirTimes_data();
-    void stepsComeAtTheirTimes();
+    void stepsHaveTheirTimes_data();
+    void stepsHaveTheirTimes();
     void aRecordKeepsItsNumbers();
-    void commandsBecomeMaps_data();
-    void commandsBecomeMaps();
+    void commandsAreConvertedToMaps_data();
+    void commandsAreConvertedToMaps();
     void expectationsKeepTheirOrderAndTime();
     void sentencesHaveNamesAndNumbers_data();
     void sentencesHaveNamesAndNumbers();
-    void rowsMakeAllThreeKeyLists();
+    void rowsDefineAllThreeKeyLists();
     void theScriptEndsWithItsLastWaitOrExpectation();
     void faultsAreExplained_data();
     void faultsAreExplained();
-    void everyFaultyLineIsNamed();
+    void everyFaultyLineIsReported();
     void typedLinesHaveNoHeader();
-    void aScriptSurvivesBeingWritten();
-    void aRecordingSaysThatItIsOne();
-    void aFileThatCannotBeReadIsRefused();
-    void aFileThatIsTooLongIsRefused();
-    void bytesThatAreNoTextAreRefused();
-    void aFaultyWordOfAnyLengthIsQuotedInPart();
+    void aWrittenScriptParsesToTheSame();
+    void aRecordingIsMarked();
+    void anUnreadableFileIsRefused();
+    void anOverlongFileIsRefused();
+    void binaryFilesAreRefused();
+    void aLongFaultyWordIsQuotedInPart();
 };
 
-void KeyScriptTest::anEmptyScriptIsAPellitInIdleWithTheInstalledLists()
+void KeyScriptTest::anEmptyScriptHasDefaults()
 {
     const ParsedScript parsed = parseKeyScript(QStringLiteral("\n  # nothing\n\t\n"));
     QCOMPARE(firstFault(parsed), QString());
@@ -98,14 +98,14 @@ void KeyScriptTest::theHeaderIsRead()
     QCOMPARE(parsed.script.model, QStringLiteral("Orvane"));
     QCOMPARE(parsed.script.initialState, QStringLiteral("Print"));
     QCOMPARE(parsed.script.services,
-             (QMap<QString, ServiceChange::Condition>{{"speechd", ServiceChange::Condition::IsSilent}}));
+             (QMap<QString, ServiceChange::Condition>{{"speechd", ServiceChange::Condition::Silent}}));
     QCOMPARE(parsed.script.rows.size(), 2);
     QCOMPARE(parsed.script.rows.first().validOnState, QStringLiteral("Idle|Error"));
     QCOMPARE(parsed.script.rows.first().seconds, 2);
     QCOMPARE(parsed.script.rows.last().keys.join(' '), QStringLiteral("Help Feed One"));
 }
 
-void KeyScriptTest::stepsComeAtTheirTimes_data()
+void KeyScriptTest::stepsHaveTheirTimes_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("steps");
@@ -131,11 +131,11 @@ void KeyScriptTest::stepsComeAtTheirTimes_data()
                                            << "0 console 0 ";
     QTest::newRow("a heading") << "## A key\npress Up"
                                << "0 heading 0 A key|0 press 0 Up";
-    QTest::newRow("lines that end as on other systems") << "press Up\r\nwait 3\r\n"
+    QTest::newRow("other line ends") << "press Up\r\nwait 3\r\n"
                                                         << "0 press 0 Up";
 }
 
-void KeyScriptTest::stepsComeAtTheirTimes()
+void KeyScriptTest::stepsHaveTheirTimes()
 {
     QFETCH(QString, text);
     QFETCH(QString, steps);
@@ -154,7 +154,7 @@ void KeyScriptTest::aRecordKeepsItsNumbers()
     QCOMPARE(record.value, std::numeric_limits<qint32>::min());
 }
 
-void KeyScriptTest::commandsBecomeMaps_data()
+void KeyScriptTest::commandsAreConvertedToMaps_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QVariantMap>("command");
@@ -178,7 +178,7 @@ void KeyScriptTest::commandsBecomeMaps_data()
                                             {ls::keysListKey, QStringList()}};
 }
 
-void KeyScriptTest::commandsBecomeMaps()
+void KeyScriptTest::commandsAreConvertedToMaps()
 {
     QFETCH(QString, line);
     QFETCH(QVariantMap, command);
@@ -228,7 +228,7 @@ void KeyScriptTest::sentencesHaveNamesAndNumbers()
     QCOMPARE(ExpectationWords::named(number), name);
 }
 
-void KeyScriptTest::rowsMakeAllThreeKeyLists()
+void KeyScriptTest::rowsDefineAllThreeKeyLists()
 {
     const ParsedScript parsed = parseKeyScript(QStringLiteral("row long Hold UserMenu Idle 2 Menu"));
     const QMap<QString, QByteArray> lists = KeyListJson::filesOf(parsed.script);
@@ -254,32 +254,32 @@ void KeyScriptTest::faultsAreExplained_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("fault");
     QTest::newRow("unknown keyword") << "\npush Up"
-                                     << "2: \"push\" is no keyword of a key script.";
+                                     << "2: \"push\" is not a keyword of a key script.";
     QTest::newRow("keyword in capitals") << "PRESS Up"
-                                         << "1: \"PRESS\" is no keyword of a key script.";
+                                         << "1: \"PRESS\" is not a keyword of a key script.";
     QTest::newRow("key in small letters") << "press up"
-                                          << "1: There is no key \"up\"; known are Back, Chs,";
+                                          << "1: Unknown key \"up\"; known keys: Back, Chs,";
     QTest::newRow("key missing") << "press"
                                  << "1: Write it as: press KEY";
     QTest::newRow("two keys pressed") << "press Up Ok"
                                       << "1: Write it as: press KEY";
     QTest::newRow("unknown key in a tap") << "tap Up Moo"
-                                          << "1: There is no key \"Moo\"";
+                                          << "1: Unknown key \"Moo\"";
     QTest::newRow("empty tap") << "tap"
                                << "1: Write it as: tap KEY...";
     QTest::newRow("unknown state") << "wait 0\nstate Sleep"
-                                   << "2: There is no state \"Sleep\"";
+                                   << "2: Unknown state \"Sleep\"";
     QTest::newRow("unknown initial state") << "state Sleep"
-                                           << "1: There is no state \"Sleep\"";
+                                           << "1: Unknown state \"Sleep\"";
     QTest::newRow("initial state twice")
         << "state Idle\nstate Print"
-        << "2: The initial state is given already; write \"wait 0\" before the first change.";
+        << "2: The initial state is already given; write \"wait 0\" before the first change.";
     QTest::newRow("late header") << "press Up\nmodel Orvane"
-                                 << "2: \"model\" must stand before the first step.";
+                                 << "2: \"model\" must come before the first step.";
     QTest::newRow("recorded with a word") << "recorded today"
                                           << "1: Write it as: recorded";
     QTest::newRow("late recorded") << "wait 0\nrecorded"
-                                   << "2: \"recorded\" must stand before the first step.";
+                                   << "2: \"recorded\" must come before the first step.";
     QTest::newRow("unknown model") << "model Moo"
                                    << "1: Write it as: model Orvane|Pellit";
     const char* const serviceUsage = "1: Write it as: service state-handler|speechd stop|silent|start";
@@ -287,18 +287,18 @@ void KeyScriptTest::faultsAreExplained_data()
     QTest::newRow("unknown condition") << "service speechd die" << serviceUsage;
     QTest::newRow("service without a condition")
         << "wait 0\nservice speechd" << QString(serviceUsage).replace("1: ", "2: ");
-    QTest::newRow("service and more") << "service speechd stop now" << serviceUsage;
+    QTest::newRow("service with too many words") << "service speechd stop now" << serviceUsage;
     QTest::newRow("third device") << "device 2"
                                   << "1: Write it as: device 0|1";
     QTest::newRow("negative time") << "wait -1"
-                                   << "1: \"-1\" is no time from 0 to 86400000 ms.";
+                                   << "1: \"-1\" is not a time from 0 to 86400000 ms.";
     QTest::newRow("time in words") << "wait long"
-                                   << "1: \"long\" is no time from 0 to 86400000 ms.";
-    QTest::newRow("time beyond numbers") << "wait 99999999999999999999"
-                                         << "1: \"99999999999999999999\" is no time";
-    QTest::newRow("time with a place marker") << "wait %1"
-                                              << "1: \"%1\" is no time from 0 to 86400000 ms.";
-    QTest::newRow("a day and more") << "wait 86400000\nwait 1"
+                                   << "1: \"long\" is not a time from 0 to 86400000 ms.";
+    QTest::newRow("time overflow") << "wait 99999999999999999999"
+                                         << "1: \"99999999999999999999\" is not a time";
+    QTest::newRow("time with a placeholder") << "wait %1"
+                                              << "1: \"%1\" is not a time from 0 to 86400000 ms.";
+    QTest::newRow("more than a day") << "wait 86400000\nwait 1"
                                     << "2: The script would last longer than 24 hours.";
     QTest::newRow("a tap beyond the day") << "wait 86400000\ntap Up"
                                           << "2: The script would last longer than 24 hours.";
@@ -309,46 +309,46 @@ void KeyScriptTest::faultsAreExplained_data()
     QTest::newRow("record out of range") << "record 65536 0 0"
                                          << "1: Write it as: record TYPE CODE VALUE";
     QTest::newRow("unknown command") << "command Dance"
-                                     << "1: There is no command \"Dance\".";
+                                     << "1: Unknown command \"Dance\".";
     QTest::newRow("unknown sender") << "command GetLastKey as Moo"
-                                    << "1: There is no service \"Moo\"";
-    QTest::newRow("arguments too many") << "command GetLastKey Up"
+                                    << "1: Unknown service \"Moo\"";
+    QTest::newRow("too many arguments") << "command GetLastKey Up"
                                         << "1: GetLastKey takes no arguments.";
     QTest::newRow("simulated key without action")
         << "command SimulateKey Up"
         << "1: Write it as: command SimulateKey [as SERVICE] ACTION KEY";
     QTest::newRow("simulated keys unknown") << "command SimulateModifier Up Moo"
-                                            << "1: There is no key \"Moo\"";
-    QTest::newRow("row of no kind") << "row odd"
+                                            << "1: Unknown key \"Moo\"";
+    QTest::newRow("row of unknown kind") << "row odd"
                                     << "1: A row is long, modifier or shortcut, not \"odd\".";
     QTest::newRow("row too short") << "row modifier A UserMenu Idle"
                                    << "1: Write it as: row modifier|shortcut ACTION RECEIVER STATE KEY...";
     QTest::newRow("row with unknown receiver") << "row shortcut A Moo Idle Up"
-                                               << "1: There is no service \"Moo\"";
+                                               << "1: Unknown service \"Moo\"";
     QTest::newRow("row with unknown state") << "row long A UserMenu Idle|Moo 1 Up"
-                                            << "1: There is no state \"Moo\"";
+                                            << "1: Unknown state \"Moo\"";
     QTest::newRow("row with negative time") << "row long A UserMenu Idle -1 Up"
-                                            << "1: \"-1\" is no number of seconds.";
+                                            << "1: \"-1\" is not a number of seconds.";
     QTest::newRow("expectation without time") << "expect cancel"
-                                              << "1: \"cancel\" is no time";
+                                              << "1: \"cancel\" is not a time";
     QTest::newRow("expectation beyond the day") << "wait 2\nexpect +86399999 cancel"
-                                                << "2: \"+86399999\" is no time";
-    QTest::newRow("expectation of nothing") << "expect 5"
+                                                << "2: \"+86399999\" is not a time";
+    QTest::newRow("empty expectation") << "expect 5"
                                             << "1: Expect one of announce, speak, cancel, log and answer";
     QTest::newRow("expectation of an unknown sentence file") << "expect 5 speak Moo 1"
-                                                             << "1: There is no translation file \"Moo\".";
-    QTest::newRow("expectation of no sentence") << "expect 5 speak EmbosserCore Up"
-                                                << "1: \"Up\" is no sentence number.";
+                                                             << "1: Unknown translation file \"Moo\".";
+    QTest::newRow("expectation without a sentence") << "expect 5 speak EmbosserCore Up"
+                                                << "1: \"Up\" is not a sentence number.";
     QTest::newRow("expectation of an unknown sentence") << "expect 5 speak EmbosserCore"
-                                                        << "1: There is no sentence \"EmbosserCore\".";
-    QTest::newRow("expectation of a sentence and more") << "expect 5 speak KeyUp 24 now"
+                                                        << "1: Unknown sentence \"EmbosserCore\".";
+    QTest::newRow("expectation of a sentence with too many words") << "expect 5 speak KeyUp 24 now"
                                                         << "1: Write it as: expect MS speak SENTENCE or";
-    QTest::newRow("expectation of half a notice") << "expect 5 announce SingleKey UserMenu"
+    QTest::newRow("incomplete expectation") << "expect 5 announce SingleKey UserMenu"
                                                   << "1: Write it as: expect MS announce";
     QTest::newRow("expectation of an unknown receiver") << "expect 5 announce SingleKey Moo -"
-                                                        << "1: There is no service \"Moo\"";
+                                                        << "1: Unknown service \"Moo\"";
     QTest::newRow("expectation of an unknown key") << "expect 5 announce SingleKey UserMenu - Moo"
-                                                   << "1: There is no key \"Moo\"";
+                                                   << "1: Unknown key \"Moo\"";
     QTest::newRow("too many steps") << QStringLiteral("tap") + QStringLiteral(" Up").repeated(60000)
                                     << "1: The script has more than 100000 steps.";
 }
@@ -361,7 +361,7 @@ void KeyScriptTest::faultsAreExplained()
     QVERIFY2(found.startsWith(fault), qPrintable(found));
 }
 
-void KeyScriptTest::everyFaultyLineIsNamed()
+void KeyScriptTest::everyFaultyLineIsReported()
 {
     const ParsedScript parsed = parseKeyScript(QStringLiteral("press Moo\npress Up\nwait x\n"));
     QCOMPARE(parsed.faults.size(), 2);
@@ -373,10 +373,10 @@ void KeyScriptTest::typedLinesHaveNoHeader()
 {
     QCOMPARE(stepsOf(parseKeyScriptSteps(QStringLiteral("state Print"))), QStringList("0 state 0 Print"));
     QCOMPARE(firstFault(parseKeyScriptSteps(QStringLiteral("model Orvane"))),
-             QStringLiteral("1: \"model\" must stand before the first step."));
+             QStringLiteral("1: \"model\" must come before the first step."));
 }
 
-void KeyScriptTest::aScriptSurvivesBeingWritten()
+void KeyScriptTest::aWrittenScriptParsesToTheSame()
 {
     const QString text = QStringLiteral("model Orvane\n"
                                         "state Print\n"
@@ -405,7 +405,7 @@ void KeyScriptTest::aScriptSurvivesBeingWritten()
     QCOMPARE(writeKeyScript(parsed.script), text);
 }
 
-void KeyScriptTest::aRecordingSaysThatItIsOne()
+void KeyScriptTest::aRecordingIsMarked()
 {
     const QString text = QStringLiteral("recorded\nmodel Pellit\nstate Idle\ndevice 0\npress Up\n");
     const ParsedScript parsed = parseKeyScript(text);
@@ -415,13 +415,13 @@ void KeyScriptTest::aRecordingSaysThatItIsOne()
     QVERIFY(!parseKeyScript(QStringLiteral("press Up")).script.recorded);
 }
 
-void KeyScriptTest::aFileThatCannotBeReadIsRefused()
+void KeyScriptTest::anUnreadableFileIsRefused()
 {
     QCOMPARE(firstFault(loadKeyScript(QStringLiteral("/nowhere/at.keys"))),
              QStringLiteral("0: /nowhere/at.keys cannot be read: No such file or directory"));
 }
 
-void KeyScriptTest::aFileThatIsTooLongIsRefused()
+void KeyScriptTest::anOverlongFileIsRefused()
 {
     const QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("long.keys")));
@@ -431,7 +431,7 @@ void KeyScriptTest::aFileThatIsTooLongIsRefused()
              QStringLiteral("0: %1 is longer than 1048576 bytes.").arg(file.fileName()));
 }
 
-void KeyScriptTest::bytesThatAreNoTextAreRefused()
+void KeyScriptTest::binaryFilesAreRefused()
 {
     const QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("binary.keys")));
@@ -442,10 +442,10 @@ void KeyScriptTest::bytesThatAreNoTextAreRefused()
     file.close();
     const ParsedScript parsed = loadKeyScript(file.fileName());
     QCOMPARE(parsed.faults.value(0).line, 1);
-    QVERIFY(parsed.faults.value(0).text.endsWith(QStringLiteral("is no keyword of a key script.")));
+    QVERIFY(parsed.faults.value(0).text.endsWith(QStringLiteral("is not a keyword of a key script.")));
 }
 
-void KeyScriptTest::aFaultyWordOfAnyLengthIsQuotedInPart()
+void KeyScriptTest::aLongFaultyWordIsQuotedInPart()
 {
     const QString word(1024 * 1024, 'x');
     for (const char* const line : {"%1", "wait %1", "press %1", "state %1", "expect %1 cancel"}) {

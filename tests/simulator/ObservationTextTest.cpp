@@ -33,8 +33,8 @@ private Q_SLOTS:
     void speeches();
     void answers_data();
     void answers();
-    void logLinesLoseTheBlanksAtTheirEnd();
-    void onlyLogLinesAreLogLines();
+    void trailingBlanksOfLogLinesAreRemoved();
+    void logLinesAreRecognised();
 };
 
 void ObservationTextTest::announcements_data()
@@ -50,9 +50,9 @@ void ObservationTextTest::announcements_data()
                                   << "announce SingleKey UserMenu - Up";
     QTest::newRow("action of two words") << keyboardChange({{ls::actionIdKey, "two words"}})
                                          << "announce \"two words\" UserMenu KeyboardHandler";
-    QTest::newRow("action that looks empty")
+    QTest::newRow("action written like an empty one")
         << keyboardChange({{ls::actionIdKey, "-"}}) << "announce \"-\" UserMenu KeyboardHandler";
-    QTest::newRow("a field too many")
+    QTest::newRow("an additional field")
         << keyboardChange({{"odd", 1}})
         << R"(announce {"actionId":"SingleKey","notificationId":"KeyboardChange","odd":1,"receiverId":"UserMenu",)"
            R"("senderId":"KeyboardHandler"})";
@@ -110,13 +110,13 @@ void ObservationTextTest::answers()
     QTEST(ObservationText::answer(response), "text");
 }
 
-void ObservationTextTest::logLinesLoseTheBlanksAtTheirEnd()
+void ObservationTextTest::trailingBlanksOfLogLinesAreRemoved()
 {
     QCOMPARE(ObservationText::logLine(QStringLiteral("  two  blanks \r")),
              QStringLiteral("log   two  blanks"));
 }
 
-void ObservationTextTest::onlyLogLinesAreLogLines()
+void ObservationTextTest::logLinesAreRecognised()
 {
     QVERIFY(ObservationText::isLogLine(ObservationText::logLine({})));
     QVERIFY(!ObservationText::isLogLine(ObservationText::cancellation()));

@@ -12,7 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-/// A panel whose second FIFO does not exist, and the reading end of the first.
+/// Tests a panel whose second FIFO does not exist.
 class PanelTest : public QObject
 {
     Q_OBJECT
@@ -21,12 +21,12 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void aKeyBecomesWholeRecordsOfTheKernelsForm();
-    void anAbsentDeviceIsToldAndSwallowsItsKeys();
-    void whatDoesNotFitIsWrittenLater();
-    void aFullFifoTearsNoRecord();
-    void partsOfRecordsAreWrittenAsTheyAre();
-    void eachRecordIsToldAsItIsWritten();
+    void aKeyIsWrittenAsKernelRecords();
+    void anAbsentDeviceIsReportedAndItsKeysAreDropped();
+    void recordsWithoutRoomAreQueued();
+    void aFullFifoDoesNotSplitRecords();
+    void partsOfRecordsAreWrittenUnchanged();
+    void eachWrittenRecordIsReported();
 
 private:
     QByteArray readAvailable();
@@ -61,7 +61,7 @@ QByteArray PanelTest::readAvailable()
     return count > 0 ? QByteArray(buffer.data(), int(count)) : QByteArray();
 }
 
-void PanelTest::aKeyBecomesWholeRecordsOfTheKernelsForm()
+void PanelTest::aKeyIsWrittenAsKernelRecords()
 {
     m_panel->press(0, ls::KeyId::Menu);
     const QByteArray bytes = readAvailable();
@@ -75,7 +75,7 @@ void PanelTest::aKeyBecomesWholeRecordsOfTheKernelsForm()
     QCOMPARE(int(records[1].type), EV_SYN);
 }
 
-void PanelTest::anAbsentDeviceIsToldAndSwallowsItsKeys()
+void PanelTest::anAbsentDeviceIsReportedAndItsKeysAreDropped()
 {
     QVERIFY(!m_panel->open(1, m_folder->filePath(QStringLiteral("event1"))));
     m_panel->press(1, ls::KeyId::Menu);
@@ -83,7 +83,7 @@ void PanelTest::anAbsentDeviceIsToldAndSwallowsItsKeys()
     QCOMPARE(readAvailable(), QByteArray());
 }
 
-void PanelTest::whatDoesNotFitIsWrittenLater()
+void PanelTest::recordsWithoutRoomAreQueued()
 {
     QByteArray sent;
     for (int i = 0; i < 30'000; ++i) {
@@ -97,7 +97,7 @@ void PanelTest::whatDoesNotFitIsWrittenLater()
     QCOMPARE(m_panel->pending(0), 0);
 }
 
-void PanelTest::aFullFifoTearsNoRecord()
+void PanelTest::aFullFifoDoesNotSplitRecords()
 {
     for (int i = 0; i < 3000; ++i) {
         m_panel->press(0, ls::KeyId::Up);
@@ -116,14 +116,14 @@ void PanelTest::aFullFifoTearsNoRecord()
     QVERIFY(whole);
 }
 
-void PanelTest::partsOfRecordsAreWrittenAsTheyAre()
+void PanelTest::partsOfRecordsAreWrittenUnchanged()
 {
     m_panel->writeRaw(0, "abc");
     m_panel->writeRaw(0, "de");
     QCOMPARE(readAvailable(), QByteArray("abcde"));
 }
 
-void PanelTest::eachRecordIsToldAsItIsWritten()
+void PanelTest::eachWrittenRecordIsReported()
 {
     QStringList told;
     connect(m_panel.get(), &Panel::written, this, [&](int device, const RawRecord& record) {

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Writes down what is done to it, and when.
+/// Records all calls with their times.
 class RecordingTarget : public ScriptTarget
 {
 public:
@@ -50,12 +50,12 @@ class ScriptPlayerTest : public QObject
 
 private Q_SLOTS:
     void everyKindOfStepReachesTheTarget();
-    void stepsOfOneMomentKeepTheirOrder();
-    void manyStepsLetTheEventLoopHaveItsTurn();
-    void stepsAreShownBeforeTheyAreTaken();
-    void theEndIsToldAfterTheLastExpectation();
-    void anEmptyScriptEndsToo();
-    void aPlayerThatIsGonePlaysNothing();
+    void simultaneousStepsKeepTheirOrder();
+    void manyStepsDoNotBlockTheEventLoop();
+    void stepsAreReportedBeforeTheyArePlayed();
+    void theEndIsReportedAfterTheLastExpectation();
+    void anEmptyScriptEnds();
+    void aDeletedPlayerPlaysNothing();
     void aPlayerCanBeStopped_data();
     void aPlayerCanBeStopped();
 };
@@ -74,7 +74,7 @@ void ScriptPlayerTest::everyKindOfStepReachesTheTarget()
                                         "65 command GetLastKey", "65 console C 4"}));
 }
 
-void ScriptPlayerTest::stepsOfOneMomentKeepTheirOrder()
+void ScriptPlayerTest::simultaneousStepsKeepTheirOrder()
 {
     RecordingTarget target;
     ScriptPlayer player(parseKeyScript("press Up\npress Ok\nrelease Up\nwait 0\nrelease Ok").script, target);
@@ -83,7 +83,7 @@ void ScriptPlayerTest::stepsOfOneMomentKeepTheirOrder()
     QCOMPARE(target.lines, QStringList({"0 press 0 Up", "0 press 0 Ok", "0 release 0 Up", "0 release 0 Ok"}));
 }
 
-void ScriptPlayerTest::manyStepsLetTheEventLoopHaveItsTurn()
+void ScriptPlayerTest::manyStepsDoNotBlockTheEventLoop()
 {
     RecordingTarget target;
     const QString burst = QStringLiteral("press Up\nrelease Up\n").repeated(1000);
@@ -99,18 +99,18 @@ void ScriptPlayerTest::manyStepsLetTheEventLoopHaveItsTurn()
     QCOMPARE(finished.size(), 1);
 }
 
-void ScriptPlayerTest::stepsAreShownBeforeTheyAreTaken()
+void ScriptPlayerTest::stepsAreReportedBeforeTheyArePlayed()
 {
     RecordingTarget target;
     ScriptPlayer player(parseKeyScript("## Title\npress Up").script, target);
-    connect(&player, &ScriptPlayer::stepping, this,
+    connect(&player, &ScriptPlayer::aboutToPlay, this,
             [&](const ScriptStep& step) { target.lines << "shown " + step.text; });
     player.start();
     VirtualDevice::clock().advance(1s);
     QCOMPARE(target.lines, QStringList({"shown Title", "shown Up", "0 press 0 Up"}));
 }
 
-void ScriptPlayerTest::theEndIsToldAfterTheLastExpectation()
+void ScriptPlayerTest::theEndIsReportedAfterTheLastExpectation()
 {
     RecordingTarget target;
     ScriptPlayer player(parseKeyScript("tap Up\nexpect 1550 announce SingleKey UserMenu - Up").script,
@@ -123,7 +123,7 @@ void ScriptPlayerTest::theEndIsToldAfterTheLastExpectation()
     QCOMPARE(finished.size(), 1);
 }
 
-void ScriptPlayerTest::anEmptyScriptEndsToo()
+void ScriptPlayerTest::anEmptyScriptEnds()
 {
     RecordingTarget target;
     ScriptPlayer player(KeyScript(), target);
@@ -133,7 +133,7 @@ void ScriptPlayerTest::anEmptyScriptEndsToo()
     QCOMPARE(finished.size(), 1);
 }
 
-void ScriptPlayerTest::aPlayerThatIsGonePlaysNothing()
+void ScriptPlayerTest::aDeletedPlayerPlaysNothing()
 {
     RecordingTarget target;
     auto player = std::make_unique<ScriptPlayer>(parseKeyScript("wait 10\npress Up").script, target);
@@ -147,7 +147,7 @@ void ScriptPlayerTest::aPlayerCanBeStopped_data()
 {
     QTest::addColumn<QString>("stopAt");
     QTest::addColumn<QStringList>("taken");
-    QTest::newRow("before a step of the same moment") << "Ok" << QStringList("0 press 0 Up");
+    QTest::newRow("before a simultaneous step") << "Ok" << QStringList("0 press 0 Up");
     QTest::newRow("before a later step") << "Down" << QStringList({"0 press 0 Up", "0 press 0 Ok"});
 }
 
@@ -157,7 +157,7 @@ void ScriptPlayerTest::aPlayerCanBeStopped()
     RecordingTarget target;
     ScriptPlayer player(parseKeyScript("press Up\npress Ok\nwait 10\npress Down").script, target);
     const QSignalSpy finished(&player, &ScriptPlayer::finished);
-    connect(&player, &ScriptPlayer::stepping, this, [&](const ScriptStep& step) {
+    connect(&player, &ScriptPlayer::aboutToPlay, this, [&](const ScriptStep& step) {
         if (step.text == stopAt) {
             player.stop();
         }

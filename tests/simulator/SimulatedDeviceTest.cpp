@@ -38,18 +38,18 @@ class SimulatedDeviceTest : public QObject
 
 private Q_SLOTS:
     void aDeviceBecomesReady();
-    void nothingStaysBehind();
-    void twoDevicesHaveNothingInCommon();
-    void aMissingDaemonIsTold();
+    void nothingIsLeftBehind();
+    void devicesAreIndependent();
+    void aMissingDaemonIsReported();
     void aCommandWithoutDaemonFails();
     void aCommandWithoutBusFails();
-    void theDaemonsEndIsTold();
-    void theDaemonsFilesAreTheDevices();
-    void whatDoesNotReactIsKilled_data();
-    void whatDoesNotReactIsKilled();
-    void aKeyListOnAFullDiskIsTold();
-    void aBusOnAFullDiskIsTold();
-    void aServiceThatCannotBeDeclaredIsTold();
+    void theEndOfTheDaemonIsReported();
+    void theDaemonUsesTheFilesOfTheDevice();
+    void stoppedProcessesAreKilled_data();
+    void stoppedProcessesAreKilled();
+    void aKeyListOnAFullDiskIsReported();
+    void aBusOnAFullDiskIsReported();
+    void aFailedReadinessDeclarationIsReported();
 };
 
 void SimulatedDeviceTest::aDeviceBecomesReady()
@@ -61,7 +61,7 @@ void SimulatedDeviceTest::aDeviceBecomesReady()
     QCOMPARE(device.request(getLastKey).value(ls::resultIdKey).toString(), QStringLiteral("Success"));
 }
 
-void SimulatedDeviceTest::nothingStaysBehind()
+void SimulatedDeviceTest::nothingIsLeftBehind()
 {
     qint64 daemon = 0;
     QString folder;
@@ -76,7 +76,7 @@ void SimulatedDeviceTest::nothingStaysBehind()
     QVERIFY(!QFileInfo::exists(folder));
 }
 
-void SimulatedDeviceTest::twoDevicesHaveNothingInCommon()
+void SimulatedDeviceTest::devicesAreIndependent()
 {
     SimulatedDevice first;
     SimulatedDevice second;
@@ -92,13 +92,13 @@ void SimulatedDeviceTest::twoDevicesHaveNothingInCommon()
              QStringLiteral("answer errorId=Undefined key=0 resultId=Success"));
 }
 
-void SimulatedDeviceTest::aMissingDaemonIsTold()
+void SimulatedDeviceTest::aMissingDaemonIsReported()
 {
     DeviceOptions options;
     options.daemon = QStringLiteral("/nowhere/daemon");
     SimulatedDevice device(options);
     QVERIFY(!device.start());
-    QCOMPARE(device.errorString(), QStringLiteral("The daemon /nowhere/daemon is not there."));
+    QCOMPARE(device.errorString(), QStringLiteral("The daemon /nowhere/daemon does not exist."));
 }
 
 void SimulatedDeviceTest::aCommandWithoutDaemonFails()
@@ -122,7 +122,7 @@ void SimulatedDeviceTest::aCommandWithoutBusFails()
     QCOMPARE(failed.size(), 1);
 }
 
-void SimulatedDeviceTest::theDaemonsEndIsTold()
+void SimulatedDeviceTest::theEndOfTheDaemonIsReported()
 {
     SimulatedDevice device;
     QVERIFY(device.start());
@@ -134,7 +134,7 @@ void SimulatedDeviceTest::theDaemonsEndIsTold()
     QVERIFY(!device.isRunning());
 }
 
-void SimulatedDeviceTest::theDaemonsFilesAreTheDevices()
+void SimulatedDeviceTest::theDaemonUsesTheFilesOfTheDevice()
 {
     DeviceOptions options;
     options.daemon = QStringLiteral("/bin/ls");
@@ -153,14 +153,14 @@ void SimulatedDeviceTest::theDaemonsFilesAreTheDevices()
                             "/var/lib/keyboard-handler: longKeyList.json"));
 }
 
-void SimulatedDeviceTest::whatDoesNotReactIsKilled_data()
+void SimulatedDeviceTest::stoppedProcessesAreKilled_data()
 {
     QTest::addColumn<bool>("isBus");
     QTest::newRow("the daemon") << false;
     QTest::newRow("the bus") << true;
 }
 
-void SimulatedDeviceTest::whatDoesNotReactIsKilled()
+void SimulatedDeviceTest::stoppedProcessesAreKilled()
 {
     QFETCH(bool, isBus);
     auto device = std::make_unique<SimulatedDevice>();
@@ -173,9 +173,9 @@ void SimulatedDeviceTest::whatDoesNotReactIsKilled()
     QVERIFY(!isAlive(process));
 }
 
-void SimulatedDeviceTest::aKeyListOnAFullDiskIsTold()
+void SimulatedDeviceTest::aKeyListOnAFullDiskIsReported()
 {
-    // Whatever the depth of the folder: nothing is above the root.
+    // Reaches the root from a folder of any depth.
     const QString file = QStringLiteral("../").repeated(50) + "dev/full";
     DeviceOptions options;
     options.keyLists.insert(file, "{}");
@@ -184,7 +184,7 @@ void SimulatedDeviceTest::aKeyListOnAFullDiskIsTold()
     QVERIFY2(device.errorString().endsWith(file + noSpace), qPrintable(device.errorString()));
 }
 
-void SimulatedDeviceTest::aBusOnAFullDiskIsTold()
+void SimulatedDeviceTest::aBusOnAFullDiskIsReported()
 {
     SimulatedDevice device;
     const QString file = device.folder().busConfiguration();
@@ -193,7 +193,7 @@ void SimulatedDeviceTest::aBusOnAFullDiskIsTold()
     QCOMPARE(device.errorString(), file + noSpace);
 }
 
-void SimulatedDeviceTest::aServiceThatCannotBeDeclaredIsTold()
+void SimulatedDeviceTest::aFailedReadinessDeclarationIsReported()
 {
     SimulatedDevice device;
     QVERIFY(QDir(device.folder().runFolder()).mkpath("service-watcher/speechd"));

@@ -22,7 +22,7 @@ QStringList differenceOf(const Observations& expected, const Observations& obser
     return Transcript::difference(script, observed, clock);
 }
 
-/// As above, of a recording that lasts 10 s.
+/// Likewise, for a recording of 10 s.
 QStringList recordedDifference(const Observations& expected, const Observations& observed, Clock clock)
 {
     KeyScript script;
@@ -39,62 +39,62 @@ class TranscriptTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void whatIsTheSameHasNoDifference_data();
-    void whatIsTheSameHasNoDifference();
-    void aMissingObservationIsNamed_data() { whatIsTheSameHasNoDifference_data(); }
-    void aMissingObservationIsNamed();
-    void anObservationTooMuchIsNamed_data() { whatIsTheSameHasNoDifference_data(); }
-    void anObservationTooMuchIsNamed();
-    void theOrderCounts_data() { whatIsTheSameHasNoDifference_data(); }
-    void theOrderCounts();
-    void oneMillisecondIsADifferenceOnAVirtualClock();
-    void latenessIsNoDifferenceOnARealClock();
-    void earlinessIsADifferenceOnARealClock_data();
-    void earlinessIsADifferenceOnARealClock();
-    void theLogOfARealClockMayHoldMore();
-    void theLogOfARealClockKeepsItsOwnOrder();
-    void theLogOfAVirtualClockIsComparedWhole();
-    void theTimeGrowsWithTheLengthAlone();
+    void equalObservationsHaveNoDifference_data();
+    void equalObservationsHaveNoDifference();
+    void aMissingObservationIsReported_data() { equalObservationsHaveNoDifference_data(); }
+    void aMissingObservationIsReported();
+    void anUnexpectedObservationIsReported_data() { equalObservationsHaveNoDifference_data(); }
+    void anUnexpectedObservationIsReported();
+    void theOrderMatters_data() { equalObservationsHaveNoDifference_data(); }
+    void theOrderMatters();
+    void oneMillisecondMattersOnAVirtualClock();
+    void latenessIsAcceptedOnARealClock();
+    void earlinessIsReportedOnARealClock_data();
+    void earlinessIsReportedOnARealClock();
+    void theLogMayHaveMoreLinesOnARealClock();
+    void theLogIsOrderedSeparatelyOnARealClock();
+    void theLogMustMatchOnAVirtualClock();
+    void comparisonTimeIsLinear();
     void aRecordingIsComparedWithATolerance_data();
     void aRecordingIsComparedWithATolerance();
-    void aRecordingPlayedLateIsNoDifferenceOnARealClock();
-    void aRecordingKeepsTheOrder_data() { whatIsTheSameHasNoDifference_data(); }
-    void aRecordingKeepsTheOrder();
-    void whatComesAfterTheEndOfARecordingIsOfNoAccount_data();
-    void whatComesAfterTheEndOfARecordingIsOfNoAccount();
-    void theLogOfARecordingIsComparedByItself_data() { whatIsTheSameHasNoDifference_data(); }
-    void theLogOfARecordingIsComparedByItself();
+    void aLateRecordingIsAcceptedOnARealClock();
+    void theOrderMattersInARecording_data() { equalObservationsHaveNoDifference_data(); }
+    void theOrderMattersInARecording();
+    void observationsAfterTheEndOfARecordingAreIgnored_data();
+    void observationsAfterTheEndOfARecordingAreIgnored();
+    void theLogOfARecordingIsComparedSeparately_data() { equalObservationsHaveNoDifference_data(); }
+    void theLogOfARecordingIsComparedSeparately();
 };
 
-void TranscriptTest::whatIsTheSameHasNoDifference_data()
+void TranscriptTest::equalObservationsHaveNoDifference_data()
 {
     QTest::addColumn<Clock>("clock");
     QTest::newRow("virtual clock") << Clock::Virtual;
     QTest::newRow("real clock") << Clock::Real;
 }
 
-void TranscriptTest::whatIsTheSameHasNoDifference()
+void TranscriptTest::equalObservationsHaveNoDifference()
 {
     QFETCH(Clock, clock);
     QCOMPARE(differenceOf(spokenThenAnnounced, spokenThenAnnounced, clock), QStringList());
     QCOMPARE(differenceOf({}, {}, clock), QStringList());
 }
 
-void TranscriptTest::aMissingObservationIsNamed()
+void TranscriptTest::aMissingObservationIsReported()
 {
     QFETCH(Clock, clock);
     QCOMPARE(differenceOf(spokenThenAnnounced, {spokenThenAnnounced.last()}, clock),
              QStringList("missing     150 ms: speak EmbosserCore 24"));
 }
 
-void TranscriptTest::anObservationTooMuchIsNamed()
+void TranscriptTest::anUnexpectedObservationIsReported()
 {
     QFETCH(Clock, clock);
     QCOMPARE(differenceOf({spokenThenAnnounced.last()}, spokenThenAnnounced, clock),
              QStringList("unexpected  150 ms: speak EmbosserCore 24"));
 }
 
-void TranscriptTest::theOrderCounts()
+void TranscriptTest::theOrderMatters()
 {
     QFETCH(Clock, clock);
     const Observations expected{{0ms, "cancel"}, {0ms, "speak EmbosserCore 24"}};
@@ -104,18 +104,18 @@ void TranscriptTest::theOrderCounts()
         QStringList({"unexpected  0 ms: speak EmbosserCore 24", "missing     0 ms: speak EmbosserCore 24"}));
 }
 
-void TranscriptTest::oneMillisecondIsADifferenceOnAVirtualClock()
+void TranscriptTest::oneMillisecondMattersOnAVirtualClock()
 {
     QCOMPARE(differenceOf({{1500ms, "cancel"}}, {{1501ms, "cancel"}}, Clock::Virtual),
              QStringList({"missing     1500 ms: cancel", "unexpected  1501 ms: cancel"}));
 }
 
-void TranscriptTest::latenessIsNoDifferenceOnARealClock()
+void TranscriptTest::latenessIsAcceptedOnARealClock()
 {
     QCOMPARE(differenceOf({{150ms, "cancel"}}, {{60000ms, "cancel"}}, Clock::Real), QStringList());
 }
 
-void TranscriptTest::earlinessIsADifferenceOnARealClock_data()
+void TranscriptTest::earlinessIsReportedOnARealClock_data()
 {
     QTest::addColumn<int>("expected");
     QTest::addColumn<int>("observed");
@@ -127,7 +127,7 @@ void TranscriptTest::earlinessIsADifferenceOnARealClock_data()
     QTest::newRow("beyond the limit of a long script") << 60000 << 59399 << true;
 }
 
-void TranscriptTest::earlinessIsADifferenceOnARealClock()
+void TranscriptTest::earlinessIsReportedOnARealClock()
 {
     QFETCH(int, expected);
     QFETCH(int, observed);
@@ -137,7 +137,7 @@ void TranscriptTest::earlinessIsADifferenceOnARealClock()
     QTEST(!lines.isEmpty(), "tooEarly");
 }
 
-void TranscriptTest::theLogOfARealClockMayHoldMore()
+void TranscriptTest::theLogMayHaveMoreLinesOnARealClock()
 {
     const Observations observed{{1ms, "log one"}, {2ms, "log two"}, {3ms, "log three"}};
     QCOMPARE(differenceOf({{0ms, "log two"}}, observed, Clock::Real), QStringList());
@@ -145,20 +145,20 @@ void TranscriptTest::theLogOfARealClockMayHoldMore()
              QStringList("missing     0 ms: log four"));
 }
 
-void TranscriptTest::theLogOfARealClockKeepsItsOwnOrder()
+void TranscriptTest::theLogIsOrderedSeparatelyOnARealClock()
 {
     const Observations observed{{1ms, "log refused"}, {2ms, "cancel"}};
     QCOMPARE(differenceOf({{0ms, "cancel"}, {0ms, "log refused"}}, observed, Clock::Real), QStringList());
 }
 
-void TranscriptTest::theLogOfAVirtualClockIsComparedWhole()
+void TranscriptTest::theLogMustMatchOnAVirtualClock()
 {
     QCOMPARE(differenceOf({}, {{1ms, "log one"}}, Clock::Virtual), QStringList("unexpected  1 ms: log one"));
 }
 
-void TranscriptTest::theTimeGrowsWithTheLengthAlone()
+void TranscriptTest::comparisonTimeIsLinear()
 {
-    // All of one text and too early: each expectation could be sought in the whole list.
+    // The worst case: equal texts, all too early, so that each expectation could be compared with the whole list.
     const auto processorTime = [](int count) {
         const Observations expected(count, {1h, "cancel"});
         const Observations observed(count, {1ms, "cancel"});
@@ -195,19 +195,19 @@ void TranscriptTest::aRecordingIsComparedWithATolerance()
     QTEST(!lines.isEmpty(), "differs");
 }
 
-void TranscriptTest::aRecordingPlayedLateIsNoDifferenceOnARealClock()
+void TranscriptTest::aLateRecordingIsAcceptedOnARealClock()
 {
     QCOMPARE(recordedDifference({{1000ms, "cancel"}}, {{60000ms, "cancel"}}, Clock::Real), QStringList());
 }
 
-void TranscriptTest::aRecordingKeepsTheOrder()
+void TranscriptTest::theOrderMattersInARecording()
 {
     QFETCH(Clock, clock);
     const Observations expected{{1000ms, "cancel"}, {1000ms, "speak EmbosserCore 24"}};
     QCOMPARE(recordedDifference(expected, {expected.last(), expected.first()}, clock).size(), 2);
 }
 
-void TranscriptTest::whatComesAfterTheEndOfARecordingIsOfNoAccount_data()
+void TranscriptTest::observationsAfterTheEndOfARecordingAreIgnored_data()
 {
     QTest::addColumn<Clock>("clock");
     QTest::addColumn<int>("observed");
@@ -220,7 +220,7 @@ void TranscriptTest::whatComesAfterTheEndOfARecordingIsOfNoAccount_data()
     }
 }
 
-void TranscriptTest::whatComesAfterTheEndOfARecordingIsOfNoAccount()
+void TranscriptTest::observationsAfterTheEndOfARecordingAreIgnored()
 {
     QFETCH(Clock, clock);
     QFETCH(int, observed);
@@ -229,7 +229,7 @@ void TranscriptTest::whatComesAfterTheEndOfARecordingIsOfNoAccount()
     QTEST(!lines.isEmpty(), "differs");
 }
 
-void TranscriptTest::theLogOfARecordingIsComparedByItself()
+void TranscriptTest::theLogOfARecordingIsComparedSeparately()
 {
     QFETCH(Clock, clock);
     const Observations observed{{0ms, "log other"}, {0ms, "cancel"}, {1ms, "log refused"}};

@@ -10,10 +10,10 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto lookInterval = 1ms;
+constexpr auto pollInterval = 1ms;
 constexpr auto maxDelay = 10ms;
 
-/// Notices when this process does not run in time.
+/// Detects delays in the scheduling of this process.
 class StallDetector
 {
 public:
@@ -22,7 +22,7 @@ public:
     StallDetector(const StallDetector&) = delete;
     StallDetector& operator=(const StallDetector&) = delete;
 
-    /// Whether there was a stall since construction.
+    /// Stops, and returns whether there was a stall.
     bool finish()
     {
         m_isOver = true;
@@ -38,9 +38,9 @@ private:
     void watch(Clock::time_point last)
     {
         do {
-            std::this_thread::sleep_for(lookInterval);
+            std::this_thread::sleep_for(pollInterval);
             const Clock::time_point now = Clock::now();
-            m_isDisturbed = m_isDisturbed || now - last > lookInterval + maxDelay;
+            m_isDisturbed = m_isDisturbed || now - last > pollInterval + maxDelay;
             last = now;
         } while (!m_isOver);
     }
@@ -64,7 +64,7 @@ QString Attempts::outcome(const std::function<QString()>& attempt, int maxUndist
         if (!detector.finish() && ++undisturbed == maxUndisturbed) {
             return fault;
         }
-        std::printf("Once more, after: %s\n", qPrintable(fault));
+        std::printf("Retrying after: %s\n", qPrintable(fault));
         std::fflush(stdout);
     }
 }

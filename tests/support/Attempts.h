@@ -5,11 +5,11 @@
 
 #include <functional>
 
-/// Attempts of a test that compares real times, which come out wrong on a machine that lets a process wait.
+/// Attempts of a test that compares real times, which are wrong if the machine stalls the process.
 namespace Attempts {
 
-/// Repeats `attempt` until it returns an empty text. Returns the text of a failure when `maxUndisturbed`
-/// attempts failed although the machine let this process run in time; prints those that do not count.
+/// Repeats `attempt` until it returns an empty string. Returns the message of the last failure after
+/// `maxUndisturbed` failures without a stall; prints the others.
 QString outcome(const std::function<QString()>& attempt, int maxUndisturbed = 3);
 
 } // namespace Attempts

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int maxUndisturbed = 3;
 
-/// Stands still for a while, as a process does that gets no processor.
+/// Stops this process for a while, as if it were not scheduled.
 void stall()
 {
     const QString process = QString::number(QCoreApplication::applicationPid());
@@ -22,18 +22,17 @@ void stall()
 
 } // namespace
 
-/// Repeated attempts.
 class AttemptsTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void anAttemptThatSucceedsIsTheLast();
-    void failuresCountWhileNothingDisturbs();
-    void failuresOfADisturbedMachineDoNotCount();
+    void aSuccessfulAttemptIsTheLast();
+    void undisturbedFailuresCount();
+    void disturbedFailuresDoNotCount();
 };
 
-void AttemptsTest::anAttemptThatSucceedsIsTheLast()
+void AttemptsTest::aSuccessfulAttemptIsTheLast()
 {
     int count = 0;
     const auto attempt = [&count] { return ++count == 2 ? QString() : QStringLiteral("wrong"); };
@@ -41,14 +40,14 @@ void AttemptsTest::anAttemptThatSucceedsIsTheLast()
     QCOMPARE(count, 2);
 }
 
-void AttemptsTest::failuresCountWhileNothingDisturbs()
+void AttemptsTest::undisturbedFailuresCount()
 {
     int count = 0;
     const auto attempt = [&count] { return QString::number(++count); };
     QVERIFY(Attempts::outcome(attempt, maxUndisturbed).toInt() >= maxUndisturbed);
 }
 
-void AttemptsTest::failuresOfADisturbedMachineDoNotCount()
+void AttemptsTest::disturbedFailuresDoNotCount()
 {
     int count = 0;
     const auto attempt = [&count] {

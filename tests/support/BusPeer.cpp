@@ -9,7 +9,7 @@
 #include <QMutex>
 #include <QMutexLocker>
 
-/// The object at "/", which takes every call whatever its interface and signature.
+/// The object at "/", which accepts calls of any interface and signature.
 class BusPeer::Object : public QDBusVirtualObject
 {
 public:
@@ -72,8 +72,8 @@ BusPeer::BusPeer(PrivateBus& bus, const QString& name, const Behaviour& behaviou
                                             QDBusConnectionInterface::AllowReplacement);
 }
 
-// The connection stays until the bus ends: Qt takes one down on its thread for the bus, where now and then it
-// runs into what other threads destroy meanwhile.
+// The connection stays open until the bus ends: when Qt closes one on its bus thread, it sometimes races with
+// the destruction of objects on other threads.
 BusPeer::~BusPeer()
 {
     QDBusConnection connection(m_connection);

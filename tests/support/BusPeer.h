@@ -9,12 +9,12 @@
 
 class PrivateBus;
 
-/// A service on the private bus, with a connection and a thread of its own, so that it can answer while
-/// the test itself waits for the answer. Its behaviour may use it from the thread of the service.
+/// A service on the private bus, with a separate connection and thread, so that it can answer while the test
+/// waits for the answer. Its behaviour may use it from the thread of the service.
 class BusPeer
 {
 public:
-    /// What the service does with a call; runs in the thread of the service.
+    /// Handles a call; runs in the thread of the service.
     using Behaviour = std::function<void(const BusPeer& self, const QDBusMessage& call)>;
 
     /// Never answers.
@@ -22,7 +22,7 @@ public:
     /// Answers with the arguments of the call.
     static void echo(const BusPeer& self, const QDBusMessage& call);
 
-    /// Comes to the bus under `name`, which it takes over from a peer that has it.
+    /// Joins the bus as `name`, replacing an existing owner of that name.
     BusPeer(PrivateBus& bus, const QString& name, const Behaviour& behaviour = &BusPeer::hang);
     ~BusPeer();
     BusPeer(const BusPeer&) = delete;
@@ -30,9 +30,9 @@ public:
 
     void reply(const QDBusMessage& call, const QVariantList& arguments) const;
     void refuse(const QDBusMessage& call, const QString& errorName, const QString& errorText) const;
-    /// Emits the signal "notification", with these arguments, from the interface of the service.
+    /// Emits the signal "notification" of the service's interface.
     void announce(const QVariantList& arguments) const;
-    /// Returns when the bus has processed all that this peer sent before.
+    /// Returns when the bus has processed all previous messages of this peer.
     void synchronise() const;
     /// Leaves the bus.
     void vanish() const;

@@ -12,13 +12,13 @@ struct LogLine
     QtMsgType type;
     QString category;
     QString text;
-    bool hasSource = false; ///< whether it names its file, line or function
+    bool hasSource = false; ///< whether it has a file, line or function
 };
 
 bool operator==(const LogLine& left, const LogLine& right);
 
-/// Takes over the log of the process, from all threads, for as long as it lives; nothing is printed
-/// meanwhile. One at a time.
+/// Captures the log of all threads of the process during its lifetime, instead of printing it. Only one may
+/// exist at a time.
 class LogRecorder
 {
 public:
@@ -29,7 +29,7 @@ public:
 
     /// All lines since construction or the last `take()`.
     QVector<LogLine> lines() const;
-    /// The same, and forgets them.
+    /// Returns and clears these lines.
     QVector<LogLine> take();
     /// The texts of the lines of one type, in order.
     QStringList texts(QtMsgType type) const;

@@ -40,7 +40,7 @@ void writeFile(const QString& path, const QString& text)
     }
 }
 
-/// A child that does not outlive a test that crashes.
+/// A child process that ends even if the test crashes.
 class Daemon : public QProcess
 {
 protected:
@@ -73,14 +73,14 @@ QDBusConnection PrivateBus::connect(const QString& name)
 {
     m_connections.append(name);
     const QDBusConnection connection = QDBusConnection::connectToBus(m_address, name);
-    // Qt notes the connection's own name without a lock. Calls to other services read it: they must come
-    // later.
+    // Qt stores the connection's own name without a lock. This call returns after that; later calls to other
+    // services read the name.
     connection.interface()->isServiceRegistered(connection.baseService());
     return connection;
 }
 
-// Opened by the main thread, the connection would hold messages back until the event loop runs, and now and
-// then deliver one that comes at that moment before those held back.
+// A connection opened by the main thread would delay messages until the event loop runs, and sometimes
+// deliver a new message before the delayed ones.
 void PrivateBus::connectThisProcess()
 {
     std::thread([] { QDBusConnection::systemBus(); }).join();

@@ -9,33 +9,31 @@
 
 class QProcess;
 
-/// A `dbus-daemon` of the test's own that stands in for the system bus of this process.
+/// A private `dbus-daemon` that replaces the system bus of this process.
 ///
-/// It lets everybody do everything. Make it, as a member of the fixture, before anything in the process
-/// uses the system bus; a bus that cannot be started ends the program. It ends with this object, or with
-/// the process.
+/// Its policy allows everything. Create it, as a member of the fixture, before the process uses the system
+/// bus. If the bus cannot be started, the program aborts. The bus ends with this object or with the process.
 class PrivateBus
 {
 public:
     /// Whether the constructor connects this process; otherwise the test does.
     enum class Process { Connected, Unconnected };
 
-    /// `activatable` are names for which a service is installed that fails when the bus starts it.
+    /// `activatable` are names of activatable services that fail when the bus starts them.
     explicit PrivateBus(const QStringList& activatable = {}, Process process = Process::Connected);
     ~PrivateBus();
 
     QString address() const { return m_address; }
     QString socketPath() const { return filePath(QStringLiteral("bus")); }
-    /// A further connection of this process, as a peer; `name` tells it from the others. It is closed
-    /// with the bus unless somebody closed it before.
+    /// Opens an additional connection of this process, called `name`. The bus closes it if it is still open.
     QDBusConnection connect(const QString& name);
-    /// Returns when the bus knows nobody of that name any more, and this process knows it too.
+    /// Returns when the bus name has no owner and this process has been notified.
     static void waitForAbsence(const QString& name);
-    /// Returns when everything that the bus has sent to this process up to now is delivered.
+    /// Returns when all messages that the bus has sent to this process are delivered.
     static void settle();
-    /// What the daemon has written up to now.
+    /// The output of the daemon.
     QByteArray output();
-    /// Prints what the daemon wrote if the current test function failed; for a fixture's `cleanup()`.
+    /// Prints the output if the current test function failed; for a fixture's `cleanup()`.
     void report();
 
 private:

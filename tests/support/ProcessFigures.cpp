@@ -53,7 +53,7 @@ int peakKib(qint64 process)
 
 int processorMs(qint64 process)
 {
-    // The fields behind the name, which may hold blanks itself; the state comes first.
+    // The fields after the name, which may contain blanks; the first is the state.
     const QList<QByteArray> fields =
         contentOf(pathOf(process, "stat")).split(')').last().simplified().split(' ');
     if (fields.size() <= systemTicksField) {
@@ -68,7 +68,7 @@ int voluntarySwitches(qint64 process)
     const QString folder = pathOf(process, "task");
     int sum = 0;
     for (const QString& thread : entriesOf(folder)) {
-        // One that has ended meanwhile counts nothing.
+        // A thread that has ended counts as 0.
         sum += qMax(0, numberIn(folder + '/' + thread + QStringLiteral("/status"),
                                 QStringLiteral("voluntary_ctxt_switches")));
     }

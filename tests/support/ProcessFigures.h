@@ -3,18 +3,18 @@
 
 #include <QString>
 
-/// What a process holds and has used, as the kernel counts it; for processes into which this one may look.
+/// The resources of a process according to the kernel. This process must be allowed to inspect it.
 namespace ProcessFigures {
 
-/// A line of /proc/PROCESS/smaps_rollup, for example "Pss", in KiB; -1 when there is none.
+/// A line of /proc/PROCESS/smaps_rollup, for example "Pss", in KiB; -1 if it does not exist.
 int memoryKib(qint64 process, const QString& line);
-/// The most memory that it ever had, pages of its files included; -1 when it is gone.
+/// The peak resident memory; -1 if the process has ended.
 int peakKib(qint64 process);
-/// Processor time since its start, in steps of 10 ms; -1 when the process is gone.
+/// Processor time since its start, in steps of 10 ms; -1 if the process has ended.
 int processorMs(qint64 process);
-/// How often its threads went to sleep.
+/// Voluntary context switches of all its threads.
 int voluntarySwitches(qint64 process);
-/// How many of these it has; 0 when it is gone.
+/// The number of these; 0 if the process has ended.
 int threads(qint64 process);
 int descriptors(qint64 process);
 /// Of this process.

@@ -3,10 +3,10 @@
 
 #include <QStringList>
 
-std::optional<Seeds> chosenSeeds(const char* variable, const Seeds& usual)
+std::optional<Seeds> chosenSeeds(const char* variable, const Seeds& defaults)
 {
     if (!qEnvironmentVariableIsSet(variable)) {
-        return usual;
+        return defaults;
     }
     const QStringList words = qEnvironmentVariable(variable).split(QLatin1Char(':'));
     bool isFirst = false;

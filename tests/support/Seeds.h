@@ -5,13 +5,13 @@
 
 #include <optional>
 
-/// The seeds of a test with random choices: `count` ones from `first` on.
+/// The seeds of a randomised test: `count` seeds from `first`.
 struct Seeds
 {
     quint64 first = 1;
     int count = 1;
 };
 
-/// What the environment's `variable` chooses as FIRST:COUNT, or `usual` when it is not set; nothing when it
-/// is anything else.
-std::optional<Seeds> chosenSeeds(const char* variable, const Seeds& usual);
+/// The seeds that the environment variable sets as FIRST:COUNT, or `defaults` if it is not set; nothing if it
+/// is malformed.
+std::optional<Seeds> chosenSeeds(const char* variable, const Seeds& defaults);

@@ -10,14 +10,15 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// What no event tells of, such as a file, is looked at so often.
-constexpr std::chrono::milliseconds lookInterval = 10ms;
+/// Conditions without an event, such as files, are polled at this interval.
+constexpr std::chrono::milliseconds pollInterval = 10ms;
 
-/// Runs the event loop until something has happened, and lets a flood go by before the next, costly look.
+/// Processes events for up to `pollInterval`, so that a flood of events does not check a costly condition
+/// each time.
 void processEvents()
 {
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    QCoreApplication::processEvents(QEventLoop::AllEvents, int(lookInterval.count()));
+    QCoreApplication::processEvents(QEventLoop::AllEvents, int(pollInterval.count()));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
@@ -27,7 +28,7 @@ void Waiting::until(const std::function<bool()>& holds, const std::function<QByt
                     const Place& place, std::chrono::milliseconds reminderTime)
 {
     QTimer wake;
-    wake.start(lookInterval);
+    wake.start(pollInterval);
     QElapsedTimer sinceReminder;
     sinceReminder.start();
     while (!holds()) {

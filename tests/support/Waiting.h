@@ -7,10 +7,10 @@
 #include <functional>
 #include <memory>
 
-/// Waits of a test, without a limit of time: a busy machine makes a test slow, not wrong.
+/// Waits without a timeout: on a busy machine, a test becomes slow but does not fail.
 namespace Waiting {
 
-/// A condition in the words of the test, and where it is.
+/// The source text of a condition and its location.
 struct Place
 {
     const char* condition;
@@ -18,12 +18,12 @@ struct Place
     int line;
 };
 
-/// Runs the event loop until `holds` returns true. Meanwhile, each `reminderTime`, prints what the test waits
-/// for, and what `state` says about it: a test that hangs shows where.
+/// Runs the event loop until `holds` returns true. Prints the condition and its `state` every `reminderTime`,
+/// so that a hanging test shows where it hangs.
 void until(const std::function<bool()>& holds, const std::function<QByteArray()>& state, const Place& place,
            std::chrono::milliseconds reminderTime = std::chrono::seconds(10));
 
-/// A value as QtTest prints it.
+/// A value as printed by QtTest.
 template <typename Value>
 QByteArray text(const Value& value)
 {

@@ -8,18 +8,17 @@
 
 using namespace std::chrono_literals;
 
-/// Waits of the tests themselves.
 class WaitingTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aConditionIsWaitedForInTheEventLoop();
-    void aWaitSaysWhatItWaitsForAndLastsOn();
-    void theWatchdogOfQtTestIsOff();
+    void waitingRunsTheEventLoop();
+    void aLongWaitPrintsReminders();
+    void theWatchdogOfQtTestIsDisabled();
 };
 
-void WaitingTest::aConditionIsWaitedForInTheEventLoop()
+void WaitingTest::waitingRunsTheEventLoop()
 {
     int count = 0;
     QTimer timer;
@@ -31,7 +30,7 @@ void WaitingTest::aConditionIsWaitedForInTheEventLoop()
     QVERIFY(count >= 7);
 }
 
-void WaitingTest::aWaitSaysWhatItWaitsForAndLastsOn()
+void WaitingTest::aLongWaitPrintsReminders()
 {
     const QTemporaryDir folder;
     QFile output(folder.filePath(QStringLiteral("output")));
@@ -41,15 +40,15 @@ void WaitingTest::aWaitSaysWhatItWaitsForAndLastsOn()
     const QByteArray reminder = "Still waiting at x.cpp:5 for 1 == 2: 1 instead of 2\n";
     QFile reader(output.fileName());
     QVERIFY(reader.open(QIODevice::ReadOnly));
-    QByteArray said;
-    Waiting::until([&] { return (said += reader.readAll()).count('\n') >= 3; },
+    QByteArray printed;
+    Waiting::until([&] { return (printed += reader.readAll()).count('\n') >= 3; },
                    [] { return "1 instead of 2"; }, {"1 == 2", "x.cpp", 5}, 1ms);
     dup2(standardOutput, STDOUT_FILENO);
     close(standardOutput);
-    QCOMPARE(said.count(reminder), said.count('\n'));
+    QCOMPARE(printed.count(reminder), printed.count('\n'));
 }
 
-void WaitingTest::theWatchdogOfQtTestIsOff()
+void WaitingTest::theWatchdogOfQtTestIsDisabled()
 {
     QVERIFY2(qgetenv("QTEST_FUNCTION_TIMEOUT") == "2147483647", "Start CTest with one of the presets.");
 }

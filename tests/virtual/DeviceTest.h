@@ -11,9 +11,9 @@
 #include <chrono>
 
 using namespace std::chrono_literals;
-using namespace ls; // identifiers read as in a key list: KeyId::Menu
+using namespace ls; // short identifiers: KeyId::Menu
 
-/// A `main` that runs the test on a virtual clock.
+/// Defines a `main` that runs the test on a virtual clock.
 #define VIRTUAL_TIME_TEST_MAIN(Test)                                                                         \
     int main(int argc, char* argv[])                                                                         \
     {                                                                                                        \
@@ -22,13 +22,13 @@ using namespace ls; // identifiers read as in a key list: KeyId::Menu
         return QTest::qExec(&test, argc, argv);                                                              \
     }
 
-/// The base of tests that drive the whole daemon: a fresh device for each test function.
+/// The base class of tests of all the daemon's classes together, with a new device for each test function.
 class DeviceTest : public QObject
 {
     Q_OBJECT
 
 protected:
-    /// Builds the device with `rows` as its key lists and starts it; nothing of the start is recorded.
+    /// Creates and starts a device with `rows` as its key lists. Discards observations of the start.
     void start(const QString& state, const QVector<KeyRow>& rows,
                const QString& model = QStringLiteral("Pellit"))
     {

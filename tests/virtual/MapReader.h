@@ -5,14 +5,14 @@
 
 #include <QStringList>
 
-/// Hands out one map for every file, or fails, and notes the paths that were read.
+/// Returns one map for every file, or fails, and records the paths that were read.
 class MapReader : public ls::IReader
 {
 public:
     MapReader() = default;
     explicit MapReader(const QVariantMap& content) : m_content(content), m_succeeds(true) {}
 
-    /// A reader of a file whose section `section` has rows with these keys, and action "A0", "A1", ...
+    /// A reader of a file with rows of these keys in `section`. The actions are "A0", "A1", ...
     static MapReader ofKeys(const QString& section, const QList<QStringList>& rows)
     {
         QVariantList list;

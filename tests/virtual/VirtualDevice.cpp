@@ -27,7 +27,7 @@ namespace {
 const QStringList inputNodes{QStringLiteral("/dev/input/event0"), QStringLiteral("/dev/input/event1")};
 const QStringList keyListFiles{vocabulary::longKeyListFile, vocabulary::modifierKeyListFile,
                                vocabulary::shortcutKeyListFile};
-constexpr int inputChunk = 4096; // a pipe takes this much at once
+constexpr int inputChunk = 4096; // fits into a pipe
 const QString modelFolder = QStringLiteral("/var/lib/configuration-manager");
 std::function<void(const QString&)> g_onLogLine;
 
@@ -92,7 +92,7 @@ VirtualDevice::VirtualDevice()
 
 VirtualDevice::~VirtualDevice()
 {
-    clock().settle(); // what is on its way to the fakes belongs to this device
+    clock().settle(); // delivers pending calls of this device to the fakes
     g_onLogLine = nullptr;
     qInstallMessageHandler(nullptr);
     FakeSpeech::onSpeak([](const QVariantMap&) {});
@@ -141,21 +141,21 @@ void VirtualDevice::start(const QString& state)
     m_handler->init();
 }
 
-void VirtualDevice::press(int device, const QString& key)
+void VirtualDevice::press(int keyboard, const QString& key)
 {
-    m_panel.press(device, key);
+    m_panel.press(keyboard, key);
     clock().settle();
 }
 
-void VirtualDevice::release(int device, const QString& key)
+void VirtualDevice::release(int keyboard, const QString& key)
 {
-    m_panel.release(device, key);
+    m_panel.release(keyboard, key);
     clock().settle();
 }
 
-void VirtualDevice::record(int device, const RawRecord& record)
+void VirtualDevice::record(int keyboard, const RawRecord& record)
 {
-    m_panel.record(device, record);
+    m_panel.record(keyboard, record);
     clock().settle();
 }
 
@@ -165,10 +165,9 @@ void VirtualDevice::setState(const QString& state)
     clock().settle();
 }
 
-/// The fakes cannot fail.
 void VirtualDevice::setService(const ServiceChange& change)
 {
-    qFatal("The virtual device has no service %s that could be stopped.", qPrintable(change.service));
+    qFatal("The virtual device cannot stop the service %s.", qPrintable(change.service));
 }
 
 void VirtualDevice::sendCommand(const QVariantMap& command)
@@ -182,7 +181,7 @@ void VirtualDevice::typeLine(const QString& line)
     for (int i = 0; i < bytes.size(); i += inputChunk) {
         const QByteArray chunk = bytes.mid(i, inputChunk);
         if (::write(m_input, chunk.constData(), static_cast<size_t>(chunk.size())) != chunk.size()) {
-            qFatal("console input not taken");
+            qFatal("cannot write console input");
         }
         clock().settle();
     }

@@ -48,7 +48,7 @@ void VirtualTimeDispatcher::settle()
 bool VirtualTimeDispatcher::processEvents(QEventLoop::ProcessEventsFlags flags)
 {
     settle();
-    // Only a caller that waits for more lets time pass.
+    // Time advances only for callers that wait for events.
     if (flags.testFlag(QEventLoop::WaitForMoreEvents) && !m_timers.isEmpty()) {
         fireNextTimer(m_timers.first().deadline);
         settle();
@@ -114,7 +114,7 @@ int VirtualTimeDispatcher::remainingTime(int timerId)
 
 bool VirtualTimeDispatcher::handleDescriptors()
 {
-    if (!isAnyReady()) {
+    if (!isAnyDescriptorReady()) {
         return false;
     }
     bool handled = false;
@@ -133,8 +133,8 @@ bool VirtualTimeDispatcher::handleDescriptors()
     return handled;
 }
 
-// Nearly always nothing is, which one call tells.
-bool VirtualTimeDispatcher::isAnyReady() const
+// An optimisation: usually none is ready, and one call suffices.
+bool VirtualTimeDispatcher::isAnyDescriptorReady() const
 {
     QVarLengthArray<pollfd, 8> descriptors;
     for (const QSocketNotifier* notifier : m_notifiers) {
@@ -151,7 +151,7 @@ bool VirtualTimeDispatcher::fireNextTimer(milliseconds limit)
     Timer timer = m_timers.takeFirst();
     m_now = std::max(m_now, timer.deadline);
     timer.deadline = m_now + timer.interval;
-    insert(timer); // a timer repeats until its owner ends it, as a single-shot one does while it fires
+    insert(timer); // all timers repeat until unregistered; single-shot ones unregister when they fire
     QTimerEvent event(timer.id);
     QCoreApplication::sendEvent(timer.object, &event);
     return true;

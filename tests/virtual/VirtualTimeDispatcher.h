@@ -7,11 +7,11 @@
 
 #include <chrono>
 
-/// An event dispatcher with a clock of its own, which stands still unless a test moves it.
+/// An event dispatcher with a virtual clock, which only the test advances.
 ///
-/// Timers fire in the order of their deadlines (those of the same deadline in the order in which they were
-/// set), at exactly their deadline. Posted events and readable descriptors are handled before the clock
-/// moves on and after each timer. To be installed before the application object is made.
+/// Timers fire exactly at their deadlines, those with equal deadlines in the order in which they were
+/// started. Posted events and readable descriptors are handled before the clock advances and after each
+/// timer. Must be installed before the application object is created.
 class VirtualTimeDispatcher : public QAbstractEventDispatcher
 {
     Q_OBJECT
@@ -20,13 +20,13 @@ public:
     explicit VirtualTimeDispatcher(QObject* parent = nullptr);
     ~VirtualTimeDispatcher() override;
 
-    /// The time since this dispatcher was made.
+    /// The time since this dispatcher was created.
     std::chrono::milliseconds now() const { return m_now; }
-    /// How many timers run.
+    /// The number of running timers.
     int timerCount() const { return m_timers.size(); }
-    /// Moves the clock on by `duration` and fires all timers that fall due, also those set meanwhile.
+    /// Advances the clock by `duration` and fires all timers that become due, even new ones.
     void advance(std::chrono::milliseconds duration);
-    /// Handles everything that is due now, without moving the clock.
+    /// Handles everything that is due now, without advancing the clock.
     void settle();
 
     bool processEvents(QEventLoop::ProcessEventsFlags flags) override;
@@ -53,7 +53,7 @@ private:
     };
 
     bool handleDescriptors();
-    bool isAnyReady() const;
+    bool isAnyDescriptorReady() const;
     bool fireNextTimer(std::chrono::milliseconds limit);
     void insert(const Timer& timer);
     QList<Timer>::iterator find(int timerId);

@@ -10,25 +10,25 @@ class VirtualTimeDispatcherTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void clockStandsStillUnlessMoved();
+    void clockAdvancesOnlyOnRequest();
     void timerFiresAtExactlyItsDeadline();
-    void timersFireInTheOrderOfTheirDeadlines();
-    void timersOfOneDeadlineFireInTheOrderTheyWereSet();
-    void timerSetDuringTheAdvanceFiresToo();
+    void timersFireInDeadlineOrder();
+    void timersWithEqualDeadlinesFireInStartOrder();
+    void timerStartedDuringAnAdvanceFires();
     void singleShotFiresOnce();
     void stoppedTimerDoesNotFire();
     void restartMovesTheDeadline();
     void runningTimersAreCounted();
     void remainingTimeIsVirtual();
-    void postedEventsComeBeforeTheClockMoves();
-    void descriptorsAreReadBeforeTheClockMoves();
-    void deletedObjectsTimersDoNotFire();
+    void postedEventsAreHandledBeforeTheClockAdvances();
+    void descriptorsAreReadBeforeTheClockAdvances();
+    void timersOfDeletedObjectsDoNotFire();
 
 private:
     VirtualTimeDispatcher& clock = VirtualDevice::clock();
 };
 
-void VirtualTimeDispatcherTest::clockStandsStillUnlessMoved()
+void VirtualTimeDispatcherTest::clockAdvancesOnlyOnRequest()
 {
     const auto before = clock.now();
     QCoreApplication::processEvents();
@@ -52,7 +52,7 @@ void VirtualTimeDispatcherTest::timerFiresAtExactlyItsDeadline()
     QCOMPARE(fired, (QList<qint64>{100, 200, 300}));
 }
 
-void VirtualTimeDispatcherTest::timersFireInTheOrderOfTheirDeadlines()
+void VirtualTimeDispatcherTest::timersFireInDeadlineOrder()
 {
     QString order;
     QTimer::singleShot(30, this, [&order] { order += 'c'; });
@@ -62,7 +62,7 @@ void VirtualTimeDispatcherTest::timersFireInTheOrderOfTheirDeadlines()
     QCOMPARE(order, QString("abc"));
 }
 
-void VirtualTimeDispatcherTest::timersOfOneDeadlineFireInTheOrderTheyWereSet()
+void VirtualTimeDispatcherTest::timersWithEqualDeadlinesFireInStartOrder()
 {
     QString order;
     QTimer::singleShot(20, this, [&order] { order += 'a'; });
@@ -73,7 +73,7 @@ void VirtualTimeDispatcherTest::timersOfOneDeadlineFireInTheOrderTheyWereSet()
     QCOMPARE(order, QString("abc"));
 }
 
-void VirtualTimeDispatcherTest::timerSetDuringTheAdvanceFiresToo()
+void VirtualTimeDispatcherTest::timerStartedDuringAnAdvanceFires()
 {
     const auto start = clock.now();
     qint64 fired = 0;
@@ -141,7 +141,7 @@ void VirtualTimeDispatcherTest::remainingTimeIsVirtual()
     QCOMPARE(timer.remainingTime(), 60);
 }
 
-void VirtualTimeDispatcherTest::postedEventsComeBeforeTheClockMoves()
+void VirtualTimeDispatcherTest::postedEventsAreHandledBeforeTheClockAdvances()
 {
     const auto start = clock.now();
     qint64 handled = -1;
@@ -151,7 +151,7 @@ void VirtualTimeDispatcherTest::postedEventsComeBeforeTheClockMoves()
     QCOMPARE(handled, 0);
 }
 
-void VirtualTimeDispatcherTest::descriptorsAreReadBeforeTheClockMoves()
+void VirtualTimeDispatcherTest::descriptorsAreReadBeforeTheClockAdvances()
 {
     int ends[2];
     QVERIFY(::pipe(ends) == 0);
@@ -171,7 +171,7 @@ void VirtualTimeDispatcherTest::descriptorsAreReadBeforeTheClockMoves()
     ::close(ends[0]);
 }
 
-void VirtualTimeDispatcherTest::deletedObjectsTimersDoNotFire()
+void VirtualTimeDispatcherTest::timersOfDeletedObjectsDoNotFire()
 {
     auto timer = std::make_unique<QTimer>();
     bool fired = false;

@@ -10,7 +10,7 @@
 
 namespace {
 
-bool isAlike(const KeyCardEntry& one, const KeyCardEntry& other)
+bool haveSameOutcome(const KeyCardEntry& one, const KeyCardEntry& other)
 {
     return one.kind == other.kind && one.receivers == other.receivers &&
            one.consequences == other.consequences;
@@ -24,7 +24,7 @@ QVector<KeyCardEntry> withSingleKeysJoined(const QVector<KeyCardEntry>& entries)
         const auto same =
             entry.kind == KeyCardKind::Single
                 ? std::find_if(joined.begin(), joined.end(),
-                               [&entry](const KeyCardEntry& other) { return isAlike(entry, other); })
+                               [&entry](const KeyCardEntry& other) { return haveSameOutcome(entry, other); })
                 : joined.end();
         if (same == joined.end()) {
             joined.append(entry);
@@ -42,7 +42,6 @@ QString textOf(const KeyCardEntry& entry)
     return (sentences + CardSentences::notesOf(entry)).join(QLatin1Char(' '));
 }
 
-/// Writes a card on pages.
 class CardWriter
 {
 public:
@@ -50,10 +49,10 @@ public:
 
     void begin(const QString& section)
     {
-        m_pages.beginSection(m_words.of(QStringLiteral("Key card %1: %2").arg(m_model, section)));
-        m_pages.addHeading(m_words.of(section));
+        m_pages.beginSection(m_words.translate(QStringLiteral("Key card %1: %2").arg(m_model, section)));
+        m_pages.addHeading(m_words.translate(section));
     }
-    void add(const QString& text) { m_pages.addParagraph(m_words.of(text)); }
+    void add(const QString& text) { m_pages.addParagraph(m_words.translate(text)); }
     void add(const QStringList& texts)
     {
         for (const QString& text : texts) {
@@ -97,10 +96,10 @@ QByteArray brailleCard(const KeyCard& card, QString* error)
     for (const KeyCardState& state : card.states) {
         write(state, writer);
     }
-    if (!card.never.isEmpty()) {
+    if (!card.deadRows.isEmpty()) {
         writer.begin(QStringLiteral("Rows that never work"));
-        for (const KeyCardNever& row : card.never) {
-            writer.add(CardSentences::rowThatFails(row) + QLatin1Char(' ') + row.why);
+        for (const KeyCardDeadRow& row : card.deadRows) {
+            writer.add(CardSentences::describe(row) + QLatin1Char(' ') + row.why);
         }
     }
     return writer.bytes();

@@ -6,9 +6,9 @@
 
 struct KeyCard;
 
-/// The card as a BRF file to be embossed: pages of 25 lines of 40 cells, each state from a new page on, then
-/// the rows that never work. Single keys of which the same comes stand together.
+/// The card as a BRF file for embossing: pages of 25 lines of 40 cells, with each state and the rows that
+/// never work starting a new page. Single keys with the same outcome are grouped.
 ///
-/// Nothing without the tables of liblouis; `error` (may be null) is then a sentence. For one thread of the
-/// program at a time, as liblouis is.
+/// Without the tables of liblouis, returns an empty array and sets `error` (may be null) to a sentence. Not
+/// thread-safe, because liblouis is not.
 QByteArray brailleCard(const KeyCard& card, QString* error);

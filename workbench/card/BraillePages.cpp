@@ -4,7 +4,7 @@
 namespace {
 
 constexpr int indentation = 2;
-constexpr char continued = '"'; // dot 5: the word goes on in the next line
+constexpr char continued = '"'; // dot 5: the word continues on the next line
 const QByteArray digits = QByteArrayLiteral("JABCDEFGHI");
 
 QByteArray numberCells(int number)
@@ -16,7 +16,6 @@ QByteArray numberCells(int number)
     return cells;
 }
 
-/// Fills lines with words.
 class LineFiller
 {
 public:

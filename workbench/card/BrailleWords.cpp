@@ -9,10 +9,10 @@
 
 namespace {
 
-// The display table decides which ASCII character stands for a cell.
+// The display table maps cells to ASCII characters.
 constexpr char tableNames[] = "en-us-brf.dis,en-ueb-g1.ctb";
-constexpr int mostAtOnce = 200; // longer words are translated in pieces, so that no buffer grows with them
-constexpr int mostCellsOfCharacter = 16;
+constexpr int maxChunkLength = 200; // limits the buffer for long words
+constexpr int maxCellsPerCharacter = 16;
 constexpr char fullCell = '=';
 
 static_assert(sizeof(widechar) == sizeof(uint), "liblouis must be built for 32-bit characters");
@@ -22,7 +22,7 @@ bool isCell(widechar character)
     return character > 0x20 && character <= 0x5f;
 }
 
-/// A liblouis input; what cannot be printed is replaced, for it would end the text or be lost.
+/// The input for liblouis. Unprintable characters are replaced, because they would end the text or be lost.
 QVector<widechar> inputOf(const QString& word)
 {
     QVector<widechar> input = word.toUcs4();
@@ -37,7 +37,7 @@ QVector<widechar> inputOf(const QString& word)
 QByteArray cellsOf(const QVector<widechar>& input)
 {
     int inputSize = input.size();
-    QVector<widechar> output(inputSize * mostCellsOfCharacter);
+    QVector<widechar> output(inputSize * maxCellsPerCharacter);
     int outputSize = output.size();
     const int done = lou_translateString(tableNames, input.constData(), &inputSize, output.data(),
                                          &outputSize, nullptr, nullptr, 0);
@@ -55,8 +55,8 @@ QByteArray translated(const QString& word)
 {
     const QVector<widechar> input = inputOf(word);
     QByteArray cells;
-    for (int i = 0; i < input.size(); i += mostAtOnce) {
-        cells += cellsOf(input.mid(i, mostAtOnce));
+    for (int i = 0; i < input.size(); i += maxChunkLength) {
+        cells += cellsOf(input.mid(i, maxChunkLength));
     }
     return cells;
 }
@@ -65,7 +65,7 @@ QByteArray translated(const QString& word)
 
 BrailleWords::BrailleWords()
 {
-    // What liblouis has to say about a missing table is said by who asks for words.
+    // Silences liblouis, because brailleCard() reports missing tables.
     lou_registerLogCallback([](logLevels, const char*) {});
     m_isUsable = lou_getTable(tableNames) != nullptr;
 }
@@ -75,16 +75,16 @@ QString BrailleWords::tables()
     return QString::fromLatin1(tableNames);
 }
 
-QByteArrayList BrailleWords::of(const QString& text)
+QByteArrayList BrailleWords::translate(const QString& text)
 {
     QByteArrayList words;
     const QStringList parts = text.simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
     for (const QString& part : parts) {
-        auto known = m_known.find(part);
-        if (known == m_known.end()) {
-            known = m_known.insert(part, translated(part));
+        auto cached = m_cache.find(part);
+        if (cached == m_cache.end()) {
+            cached = m_cache.insert(part, translated(part));
         }
-        words.append(*known);
+        words.append(*cached);
     }
     return words;
 }

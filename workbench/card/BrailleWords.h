@@ -6,26 +6,25 @@
 #include <QHash>
 #include <QString>
 
-/// Puts text into uncontracted Unified English Braille by liblouis, a cell for each character of North
-/// American ASCII braille. liblouis is not thread-safe: for one thread of the program at a time.
+/// Translates text into uncontracted Unified English Braille with liblouis, in North American ASCII braille.
+/// Not thread-safe, because liblouis is not.
 ///
-/// Uncontracted, because the words of a key card are mostly identifiers, which must be read exactly as they
-/// are written; and this code shows capitals, digits and punctuation so that each of them can be told again.
+/// Uncontracted, because most words of a key card are identifiers, which must be read exactly as written. The
+/// code represents capitals, digits and punctuation without ambiguity.
 class BrailleWords
 {
 public:
     BrailleWords();
 
-    /// Whether liblouis has its tables; without them there are no words.
+    /// Whether liblouis has found its tables; `translate` needs them.
     bool isUsable() const { return m_isUsable; }
-    /// The tables by name, for a message.
+    /// The names of the tables, for a message.
     static QString tables();
 
-    /// The words of `text`, none of which has a blank in it. A character that the code does not know is
-    /// written as its number.
-    QByteArrayList of(const QString& text);
+    /// The words of `text`, without blanks. A character unknown to the code becomes its number.
+    QByteArrayList translate(const QString& text);
 
 private:
     bool m_isUsable;
-    QHash<QString, QByteArray> m_known;
+    QHash<QString, QByteArray> m_cache;
 };

@@ -8,12 +8,13 @@
 
 namespace {
 
-/// In Idle, Menu does not wait, and the router forgets the keys before it, unless it comes right after Help.
+/// In Idle, Menu is announced at once, and the router forgets the keys before it, unless it directly follows
+/// Help.
 QVector<KeyCardConsequence> ofMenuIn(const KeyCardEntry& entry)
 {
     if (entry.kind == KeyCardKind::Combination) {
-        const bool comesAfterHelp = entry.keys.value(entry.keys.size() - 2) == ls::KeyId::Help;
-        const bool isAnnounced = entry.keys.last() == ls::KeyId::Menu && !comesAfterHelp;
+        const bool followsHelp = entry.keys.value(entry.keys.size() - 2) == ls::KeyId::Help;
+        const bool isAnnounced = entry.keys.last() == ls::KeyId::Menu && !followsHelp;
         return isAnnounced ? QVector<KeyCardConsequence>{KeyCardConsequence::Menu}
                            : QVector<KeyCardConsequence>{};
     }

@@ -3,11 +3,11 @@
 
 #include "workbench/card/CardTypes.h"
 
-/// What the router does with the single keys of an entry.
+/// How the router handles the single keys of an entry.
 namespace CardConsequences {
 
 KeyCardConsequence ofSingleKey(const QString& key, const QString& state, bool isOrvane);
-/// For an entry that is not a single key; its own consequences are not looked at.
+/// For an entry that is not a single key; ignores `entry.consequences`.
 QVector<KeyCardConsequence> ofGesture(const KeyCardEntry& entry, const QString& state);
 
 } // namespace CardConsequences

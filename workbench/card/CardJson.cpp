@@ -8,8 +8,8 @@
 namespace {
 
 QJsonObject toJson(const KeyCardEntry& entry);
-QJsonObject toJson(const KeyCardState& card);
-QJsonObject toJson(const KeyCardNever& row);
+QJsonObject toJson(const KeyCardState& state);
+QJsonObject toJson(const KeyCardDeadRow& row);
 
 template <typename Item>
 QJsonArray toArray(const QVector<Item>& items)
@@ -35,14 +35,14 @@ QJsonObject toJson(const KeyCardEntry& entry)
     return object;
 }
 
-QJsonObject toJson(const KeyCardState& card)
+QJsonObject toJson(const KeyCardState& state)
 {
-    return {{QStringLiteral("state"), card.state},
-            {QStringLiteral("entries"), toArray(card.entries)},
-            {QStringLiteral("notes"), QJsonArray::fromStringList(CardSentences::notesOf(card))}};
+    return {{QStringLiteral("state"), state.state},
+            {QStringLiteral("entries"), toArray(state.entries)},
+            {QStringLiteral("notes"), QJsonArray::fromStringList(CardSentences::notesOf(state))}};
 }
 
-QJsonObject toJson(const KeyCardNever& row)
+QJsonObject toJson(const KeyCardDeadRow& row)
 {
     return {{QStringLiteral("kind"), CardSentences::nameOf(row.kind)},
             {QStringLiteral("row"), row.row},
@@ -59,6 +59,6 @@ QJsonObject toJson(const KeyCard& card)
 {
     return {{QStringLiteral("model"), card.model},
             {QStringLiteral("states"), toArray(card.states)},
-            {QStringLiteral("never"), toArray(card.never)},
+            {QStringLiteral("never"), toArray(card.deadRows)},
             {QStringLiteral("notes"), QJsonArray::fromStringList(card.notes)}};
 }

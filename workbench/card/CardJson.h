@@ -5,5 +5,5 @@
 
 #include <QJsonObject>
 
-/// `card` as docs/panel-api.md describes it.
+/// `card` as described in docs/panel-api.md.
 QJsonObject toJson(const KeyCard& card);

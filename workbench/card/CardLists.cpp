@@ -16,7 +16,7 @@ QVariantMap mapOf(const QByteArray& content)
                                                  : QJsonDocument::fromJson(content).object().toVariantMap();
 }
 
-/// Keeps the loader's messages back: those of the daemon, about the same files, are the ones to read.
+/// Suppresses the loader's messages, because the daemon logs the same ones.
 class QuietLog
 {
 public:
@@ -34,7 +34,7 @@ QList<KeyEntry> rowsOf(const QByteArray& content, const QString& name, EnumDetai
     const QuietLog quiet;
     const auto file = KeyListFile::take(mapOf(content), section, Q_FUNC_INFO);
     if (file.content.isEmpty()) {
-        notes.append(QStringLiteral("%1 has no list that can be read, so none of its rows count.").arg(name));
+        notes.append(QStringLiteral("%1 has no readable list, so none of its rows work.").arg(name));
     }
     return file.rows;
 }

@@ -15,9 +15,9 @@ struct CardLists
     QList<KeyEntry> longPresses;
     QList<KeyEntry> combinations;
     QList<KeyEntry> shortcuts;
-    /// A sentence for each file that has no rows because it cannot be read.
+    /// A sentence for each unreadable file.
     QStringList notes;
 
-    /// `files` are contents by file names; a name that is not there is a file that cannot be read.
+    /// `files` maps file names to contents; a missing file counts as unreadable.
     static CardLists read(const QMap<QString, QByteArray>& files);
 };

@@ -12,7 +12,7 @@ namespace {
 
 const QString comma = QStringLiteral(", ");
 
-QString shown(const QString& text)
+QString orEmpty(const QString& text)
 {
     return text.trimmed().isEmpty() ? QStringLiteral("(empty)") : text;
 }
@@ -31,7 +31,7 @@ QString seconds(int milliseconds)
     return QString::number(milliseconds / 1000.0, 'f', milliseconds % 1000 == 0 ? 0 : 2);
 }
 
-/// `text` with the time for which a released key waits, in the place of %1.
+/// `text` with the waiting time of a released key in place of %1.
 QString withWait(const QString& text)
 {
     return text.arg(QStringLiteral("%1 ms").arg(KeyRules::singleKeyInterval.count()));
@@ -135,16 +135,16 @@ QString CardSentences::outcome(const QString& action, const QStringList& receive
 {
     QStringList names;
     for (const QString& receiver : receivers) {
-        names.append(shown(receiver));
+        names.append(orEmpty(receiver));
     }
-    return QStringLiteral("%1 to %2.").arg(shown(action), enumeration(names, QStringLiteral(" and ")));
+    return QStringLiteral("%1 to %2.").arg(orEmpty(action), enumeration(names, QStringLiteral(" and ")));
 }
 
-QString CardSentences::rowThatFails(const KeyCardNever& row)
+QString CardSentences::describe(const KeyCardDeadRow& row)
 {
     return QStringLiteral("Row %1 (%2, %3), valid in %4: %5")
-        .arg(QString::number(row.row), nameOf(row.kind), shown(row.keys.join(comma)), shown(row.validOnState),
-             outcome(row.action, {row.receiver}));
+        .arg(QString::number(row.row), nameOf(row.kind), orEmpty(row.keys.join(comma)),
+             orEmpty(row.validOnState), outcome(row.action, {row.receiver}));
 }
 
 QStringList CardSentences::notesOf(const KeyCardEntry& entry)
@@ -162,20 +162,19 @@ QStringList CardSentences::notesOf(const KeyCardEntry& entry)
 QStringList CardSentences::notesOf(const KeyCardState& state)
 {
     if (state.state == ls::StateId::Startup) {
-        return {QStringLiteral(
-            "No key counts: each press is answered with the sentence that the device is starting "
-            "up.")};
+        return {
+            QStringLiteral("Keys are ignored: each press only makes the device say that it is starting up.")};
     }
     if (state.state == vocabulary::undefined) {
-        return {QStringLiteral("The state is not known, because the state handler gave no answer.")};
+        return {QStringLiteral("The state is unknown because the state handler did not answer.")};
     }
     if (state.state != ls::StateId::Idle) {
         return {};
     }
     QStringList notes{
         withWait(QStringLiteral("A single key is announced only if no other key is released while it waits. "
-                                "Within %1 after the last release of another action, single keys but Menu "
-                                "are lost."))};
+                                "Within %1 after the last release of another action, single keys other than "
+                                "Menu are lost."))};
     const auto isCombination = [](const KeyCardEntry& entry) {
         return entry.kind == KeyCardKind::Combination;
     };

@@ -7,15 +7,15 @@
 
 enum class KeyCardKind { Single, Long, Combination, Shortcut, Hold };
 
-/// What else happens when the keys of an entry are pressed.
+/// A further effect of pressing the keys of an entry.
 enum class KeyCardConsequence {
-    /// Of a single key: whether its name is spoken, and when it is announced.
+    /// For a single key: whether its name is spoken, and when it is announced.
     NotSpokenAnnouncedAtRelease,
     MenuNotSpokenAnnouncedAtRelease,
     NotSpokenAnnouncedAfterWait,
     SpokenAnnouncedAfterWait,
     SpokenAsZeroAnnouncedAfterWait,
-    /// Of other entries: the single keys that are announced as well.
+    /// For other entries: the single keys that are also announced.
     EachRelease,
     Menu,
     MenuUnlessAfterHelp,
@@ -23,35 +23,34 @@ enum class KeyCardConsequence {
     LastKey
 };
 
-/// One thing that can be done with the keys in a state, and what comes of it.
+/// One action that the keys can perform in a state.
 struct KeyCardEntry
 {
     KeyCardKind kind = KeyCardKind::Single;
-    /// The keys to press, in their order.
+    /// In the order of pressing.
     QStringList keys;
-    /// How long the key is held, from its press; 0 where that does not matter.
+    /// How long to hold the key; 0 if this does not matter.
     int holdMs = 0;
     QString action;
     /// In the order of the announcements.
     QStringList receivers;
     int timesAnnounced = 1;
     QVector<KeyCardConsequence> consequences;
-    /// Sentences about the row that the entry comes from.
+    /// Sentences about the entry's row.
     QStringList rowNotes;
 };
 
-/// What can be done in one state.
 struct KeyCardState
 {
     QString state;
     QVector<KeyCardEntry> entries;
 };
 
-/// A row of a key list that no keys can complete as long as the state stays as it is.
-struct KeyCardNever
+/// A row of a key list that no keys can complete while the state stays the same.
+struct KeyCardDeadRow
 {
     KeyCardKind kind = KeyCardKind::Long;
-    /// Counted from 1 in the row's own list.
+    /// Counted from 1 within its list.
     int row = 0;
     QStringList keys;
     QString action;

@@ -10,7 +10,7 @@ namespace CardVocabulary {
 QStringList panelKeys()
 {
     QStringList keys = ls::KeyId::meta.keys();
-    keys.removeOne(ls::KeyId::Unknown); // stands for "no key"
+    keys.removeOne(ls::KeyId::Unknown); // means "no key"
     return keys;
 }
 
@@ -28,7 +28,7 @@ QStringList states()
     return byNumber.values() << vocabulary::undefined;
 }
 
-bool hasKeys(const QString& state)
+bool acceptsKeys(const QString& state)
 {
     return state != ls::StateId::Startup &&
            (ls::StateId::meta.contains(state) || state == vocabulary::undefined);

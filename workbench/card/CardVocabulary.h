@@ -4,16 +4,16 @@
 #include <QString>
 #include <QStringList>
 
-/// The keys and states that a key card is about.
+/// The keys and states of a key card.
 namespace CardVocabulary {
 
 /// The identifiers of the keys that the panel has.
 QStringList panelKeys();
 bool isPanelKey(const QString& key);
 
-/// The states of the device in the order of their numbers, then "Undefined": the state that is not known.
+/// The states of the device in the order of their numbers, then "Undefined", the unknown state.
 QStringList states();
-/// Whether `state` is one of them and keys count in it, as they do in all but Startup.
-bool hasKeys(const QString& state);
+/// Whether `state` is one of them, except Startup, in which keys are ignored.
+bool acceptsKeys(const QString& state);
 
 } // namespace CardVocabulary

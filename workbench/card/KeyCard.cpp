@@ -7,7 +7,7 @@
 #include "workbench/card/CardConsequences.h"
 #include "workbench/card/CardLists.h"
 #include "workbench/card/CardVocabulary.h"
-#include "workbench/card/RowFate.h"
+#include "workbench/card/RowOutcome.h"
 
 #include <ls/Identifiers.h>
 
@@ -15,34 +15,35 @@
 
 namespace {
 
-/// The time of a long press begins with the first repetition.
+/// The time of a long press starts at the first repetition.
 constexpr int repeatDelayMs = int(Autorepeat::delay.count());
 constexpr int factoryResetHoldMs = int(KeyRules::factoryResetHold.count());
 
-/// A row of one of the lists, and what becomes of it.
-struct JudgedRow
+struct EvaluatedRow
 {
     KeyCardKind kind;
     int number;
     KeyEntry row;
-    RowFate fate;
+    RowOutcome outcome;
 };
 
-using JudgedRows = QVector<JudgedRow>;
+using EvaluatedRows = QVector<EvaluatedRow>;
 
-void append(JudgedRows& judged, KeyCardKind kind, const QList<KeyEntry>& rows, const QVector<RowFate>& fates)
+void append(EvaluatedRows& evaluated, KeyCardKind kind, const QList<KeyEntry>& rows,
+            const QVector<RowOutcome>& outcomes)
 {
     for (int i = 0; i < rows.size(); ++i) {
-        judged.append({kind, i + 1, rows.at(i), fates.at(i)});
+        evaluated.append({kind, i + 1, rows.at(i), outcomes.at(i)});
     }
 }
 
-JudgedRows judge(const CardLists& lists)
+EvaluatedRows evaluate(const CardLists& lists)
 {
-    JudgedRows rows;
-    append(rows, KeyCardKind::Long, lists.longPresses, RowFates::ofLongPresses(lists.longPresses));
-    append(rows, KeyCardKind::Combination, lists.combinations, RowFates::ofCombinations(lists.combinations));
-    append(rows, KeyCardKind::Shortcut, lists.shortcuts, RowFates::ofShortcuts(lists.shortcuts));
+    EvaluatedRows rows;
+    append(rows, KeyCardKind::Long, lists.longPresses, RowOutcomes::ofLongPresses(lists.longPresses));
+    append(rows, KeyCardKind::Combination, lists.combinations,
+           RowOutcomes::ofCombinations(lists.combinations));
+    append(rows, KeyCardKind::Shortcut, lists.shortcuts, RowOutcomes::ofShortcuts(lists.shortcuts));
     return rows;
 }
 
@@ -58,18 +59,18 @@ KeyCardEntry singleKey(const QString& key, const QString& state, bool isOrvane)
             {}};
 }
 
-KeyCardEntry gesture(const JudgedRow& judged, const QString& state)
+KeyCardEntry gesture(const EvaluatedRow& evaluated, const QString& state)
 {
     const int holdMs =
-        judged.kind == KeyCardKind::Long ? repeatDelayMs + std::max(0, judged.row.timeout()) : 0;
-    KeyCardEntry entry{judged.kind,
-                       judged.fate.keys,
+        evaluated.kind == KeyCardKind::Long ? repeatDelayMs + std::max(0, evaluated.row.timeout()) : 0;
+    KeyCardEntry entry{evaluated.kind,
+                       evaluated.outcome.keys,
                        holdMs,
-                       judged.row.eAction(),
-                       {judged.row.receiverService()},
-                       judged.fate.states.count(state),
+                       evaluated.row.eAction(),
+                       {evaluated.row.receiverService()},
+                       evaluated.outcome.states.count(state),
                        {},
-                       judged.fate.notes};
+                       evaluated.outcome.notes};
     entry.consequences = CardConsequences::ofGesture(entry, state);
     return entry;
 }
@@ -88,15 +89,15 @@ KeyCardEntry factoryReset(const QString& state)
     return entry;
 }
 
-KeyCardState stateCard(const QString& state, const JudgedRows& rows, bool isOrvane)
+KeyCardState stateCard(const QString& state, const EvaluatedRows& rows, bool isOrvane)
 {
     KeyCardState card{state, {}};
-    if (CardVocabulary::hasKeys(state)) {
+    if (CardVocabulary::acceptsKeys(state)) {
         for (const QString& key : CardVocabulary::panelKeys()) {
             card.entries.append(singleKey(key, state, isOrvane));
         }
-        for (const JudgedRow& row : rows) {
-            if (row.fate.states.contains(state)) {
+        for (const EvaluatedRow& row : rows) {
+            if (row.outcome.states.contains(state)) {
                 card.entries.append(gesture(row, state));
             }
         }
@@ -105,22 +106,23 @@ KeyCardState stateCard(const QString& state, const JudgedRows& rows, bool isOrva
     return card;
 }
 
-bool isNamed(const QString& state, const JudgedRows& rows)
+bool isUsed(const QString& state, const EvaluatedRows& rows)
 {
     return std::any_of(rows.cbegin(), rows.cend(),
-                       [&state](const JudgedRow& row) { return row.fate.states.contains(state); });
+                       [&state](const EvaluatedRow& row) { return row.outcome.states.contains(state); });
 }
 
-QVector<KeyCardNever> neverOf(const JudgedRows& rows)
+QVector<KeyCardDeadRow> deadRowsOf(const EvaluatedRows& rows)
 {
-    QVector<KeyCardNever> never;
-    for (const JudgedRow& judged : rows) {
-        if (!judged.fate.why.isEmpty()) {
-            never.append({judged.kind, judged.number, judged.row.keys(), judged.row.eAction(),
-                          judged.row.receiverService(), judged.row.validOnState(), judged.fate.why});
+    QVector<KeyCardDeadRow> deadRows;
+    for (const EvaluatedRow& evaluated : rows) {
+        if (!evaluated.outcome.why.isEmpty()) {
+            deadRows.append({evaluated.kind, evaluated.number, evaluated.row.keys(), evaluated.row.eAction(),
+                             evaluated.row.receiverService(), evaluated.row.validOnState(),
+                             evaluated.outcome.why});
         }
     }
-    return never;
+    return deadRows;
 }
 
 } // namespace
@@ -128,10 +130,10 @@ QVector<KeyCardNever> neverOf(const JudgedRows& rows)
 KeyCard KeyCard::from(const QMap<QString, QByteArray>& keyLists, const QString& model)
 {
     const CardLists lists = CardLists::read(keyLists);
-    const JudgedRows rows = judge(lists);
-    KeyCard card{model, {}, neverOf(rows), lists.notes};
+    const EvaluatedRows rows = evaluate(lists);
+    KeyCard card{model, {}, deadRowsOf(rows), lists.notes};
     for (const QString& state : CardVocabulary::states()) {
-        if (state != vocabulary::undefined || isNamed(state, rows)) {
+        if (state != vocabulary::undefined || isUsed(state, rows)) {
             card.states.append(stateCard(state, rows, model == QLatin1String("Orvane")));
         }
     }

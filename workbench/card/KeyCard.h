@@ -6,18 +6,18 @@
 #include <QByteArray>
 #include <QMap>
 
-/// What people can really do with the keys in each state, as the daemon takes the rows of its key lists. Left
-/// out is what needs more than keys: a change of state meanwhile, a command, the keyboard test.
+/// The actions that keys can perform in each state, according to the daemon's handling of its key lists.
+/// Excludes actions that need more than keys, such as a change of state, a command or the keyboard test.
 struct KeyCard
 {
     QString model;
-    /// The states of the device; the state "Undefined" follows them when a row names it.
+    /// The states of the device, then the state "Undefined" if a row contains it.
     QVector<KeyCardState> states;
-    QVector<KeyCardNever> never;
-    /// Sentences about files that cannot be read.
+    QVector<KeyCardDeadRow> deadRows;
+    /// Sentences about unreadable files.
     QStringList notes;
 
-    /// `keyLists` are the contents of the key-list files by their names; any model but "Orvane" counts as
-    /// Pellit. For the main thread only, for it keeps the log of the process quiet meanwhile.
+    /// `keyLists` maps the names of the key-list files to their contents; any model other than "Orvane"
+    /// counts as Pellit. Not thread-safe, because it temporarily silences the log of the process.
     static KeyCard from(const QMap<QString, QByteArray>& keyLists, const QString& model);
 };

@@ -9,34 +9,34 @@
 
 namespace {
 
-QString whyNotIn(const QString& state)
+QString whyIgnoredIn(const QString& state)
 {
     if (state == ls::StateId::Startup) {
-        return QStringLiteral("No key counts in Startup.");
+        return QStringLiteral("Keys are ignored in Startup.");
     }
-    if (CardVocabulary::hasKeys(state)) {
+    if (CardVocabulary::acceptsKeys(state)) {
         return QStringLiteral("No combination can begin in %1: each key is announced and forgotten there.")
             .arg(state);
     }
     if (state.contains(KeyRules::stateSeparator)) {
-        return QStringLiteral("Only a long press can join states: there is no state \"%1\".").arg(state);
+        return QStringLiteral("Only a long press can join states; \"%1\" is not a state.").arg(state);
     }
-    return QStringLiteral("There is no state \"%1\".").arg(state);
+    return QStringLiteral("Unknown state \"%1\".").arg(state);
 }
 
 } // namespace
 
-RowFate RowDelivery::never(const QString& why)
+RowOutcome RowDelivery::never(const QString& why)
 {
-    RowFate fate;
-    fate.why = why;
-    return fate;
+    RowOutcome outcome;
+    outcome.why = why;
+    return outcome;
 }
 
 QString RowDelivery::missingKeys(const QStringList& keys)
 {
     if (keys.isEmpty()) {
-        return QStringLiteral("The row names no key.");
+        return QStringLiteral("The row has no keys.");
     }
     for (const QString& key : keys) {
         if (!CardVocabulary::isPanelKey(key)) {
@@ -46,21 +46,21 @@ QString RowDelivery::missingKeys(const QStringList& keys)
     return {};
 }
 
-RowFate RowDelivery::of(const KeyEntry& row, const QStringList& keys, const QStringList& named,
-                        bool (*isPossible)(const QString& state))
+RowOutcome RowDelivery::of(const KeyEntry& row, const QStringList& keys, const QStringList& named,
+                           bool (*isPossible)(const QString& state))
 {
     if (row.receiverService() == vocabulary::undefined) {
         return never(QStringLiteral("The action is dropped, because its receiver is \"Undefined\"."));
     }
-    RowFate fate;
-    fate.keys = keys;
+    RowOutcome outcome;
+    outcome.keys = keys;
     for (const QString& state : named) {
         if (isPossible(state)) {
-            fate.states.append(state);
+            outcome.states.append(state);
         } else {
-            fate.notes.append(whyNotIn(state));
+            outcome.notes.append(whyIgnoredIn(state));
         }
     }
-    fate.notes.removeDuplicates();
-    return fate.states.isEmpty() ? never(fate.notes.join(QLatin1Char(' '))) : fate;
+    outcome.notes.removeDuplicates();
+    return outcome.states.isEmpty() ? never(outcome.notes.join(QLatin1Char(' '))) : outcome;
 }

@@ -126,7 +126,7 @@ class ModelBuilder {
                 hold.to = Math.min(model.to, hold.due);
             }
         }
-        model.open = this.#goesOn();
+        model.open = this.#isContinued();
         this.#closeBars(model.to, { open: true });
         this.#lastOf(model.states, model.to);
         this.#lastOf(model.runs, model.to);
@@ -134,7 +134,7 @@ class ModelBuilder {
         return model;
     }
 
-    #goesOn() {
+    #isContinued() {
         return (
             Boolean(this.#window) ||
             [this.#long, this.#reset].some(hold => hold?.outcome === 'running') ||

@@ -6,7 +6,7 @@
 
 namespace {
 
-KeyListJson::Files overlaid(KeyListJson::Files files, const KeyListJson::Files& others)
+KeyListJson::Files merged(KeyListJson::Files files, const KeyListJson::Files& others)
 {
     for (auto file = others.begin(); file != others.end(); ++file) {
         files.insert(file.key(), file.value());
@@ -20,17 +20,17 @@ DeviceSetup::DeviceSetup(const DeviceOptions& options) : m_options(options)
 {
     const QString& folder = options.keyListFolder;
     m_installedKeyLists =
-        overlaid(folder.isEmpty() ? KeyListJson::Files() : KeyListJson::read(folder), options.keyLists);
+        merged(folder.isEmpty() ? KeyListJson::Files() : KeyListJson::read(folder), options.keyLists);
     m_options.keyListFolder.clear();
     m_options.keyLists = m_installedKeyLists;
 }
 
-QString DeviceSetup::faultOf(const Changes& changes)
+QString DeviceSetup::check(const Changes& changes)
 {
     const QStringList names = changes.keyLists.keys();
     for (const QString& name : names) {
         if (!KeyListJson::fileNames().contains(name)) {
-            return QStringLiteral("There is no key list \"%1\".").arg(name);
+            return QStringLiteral("Unknown key list \"%1\".").arg(name);
         }
     }
     const QString sentence = changes.model.isEmpty() ? QString() : ScriptWords::checkModel(changes.model);
@@ -49,7 +49,7 @@ void DeviceSetup::apply(const Changes& changes)
         m_options.state = changes.state;
     }
     const KeyListJson::Files& base = changes.defaultKeyLists ? m_installedKeyLists : m_options.keyLists;
-    m_options.keyLists = overlaid(base, changes.keyLists);
+    m_options.keyLists = merged(base, changes.keyLists);
 }
 
 void DeviceSetup::apply(const KeyScript& script)

@@ -5,17 +5,17 @@
 
 struct KeyScript;
 
-/// What the device of a session is made of at its next start, and how that changes.
+/// The configuration of a session's device at its next start.
 class DeviceSetup
 {
 public:
-    /// What a restart changes; an empty member leaves things as they are.
+    /// The changes of a restart; an empty member changes nothing.
     struct Changes
     {
         QString model;
-        /// File name to content, for those of the three key lists that change.
+        /// File name to content, for the changed key lists.
         QMap<QString, QByteArray> keyLists;
-        /// The installed key lists replace the present ones, before those of `keyLists` do.
+        /// Whether to return to the installed key lists before applying `keyLists`.
         bool defaultKeyLists = false;
         QString state;
     };
@@ -23,16 +23,16 @@ public:
     /// The key lists of `options` are the installed ones.
     explicit DeviceSetup(const DeviceOptions& options);
 
-    /// A sentence when `changes` names something unknown; empty otherwise.
-    static QString faultOf(const Changes& changes);
-    /// `changes` has no fault.
+    /// A sentence if `changes` contains an unknown name; empty otherwise.
+    static QString check(const Changes& changes);
+    /// `changes` must have passed `check`.
     void apply(const Changes& changes);
-    /// The device that the header of `script` describes.
+    /// Applies the header of `script`.
     void apply(const KeyScript& script);
     void setState(const QString& state) { m_options.state = state; }
     void setService(const ServiceChange& change);
 
-    /// The model, the state, all key lists, and the services.
+    /// The model, the state, all key lists and the services.
     const DeviceOptions& options() const { return m_options; }
 
 private:

@@ -12,14 +12,14 @@
 namespace {
 
 /// Longer than the daemon remembers released keys.
-constexpr qint64 restMs = KeyRules::singleKeyInterval.count() + 500;
+constexpr qint64 idleMs = KeyRules::singleKeyInterval.count() + 500;
 
 const QString undefinedReceiverLine =
     QStringLiteral("KeyboardManager::onEvent WARN: Invalid event, receiver service is undefined!");
 const QString undefinedReceiverReason =
-    QStringLiteral("Its receiver is \"Undefined\", so no service gets it.");
+    QStringLiteral("The receiver of the action is \"Undefined\", so no service receives it.");
 
-/// The states of a refusal, if `line` is about one.
+/// The states of the refusal that `line` reports, if any.
 std::optional<entry::Refusal> stateRefusal(const QString& line)
 {
     static const QRegularExpression pattern(QStringLiteral(
@@ -43,7 +43,7 @@ RefusalFinder::RefusalFinder(const QVector<KeyRow>& rows) : m_rows(rows) {}
 
 void RefusalFinder::noteKey(int keyboard, const QString& key, int value)
 {
-    forgetBeforeRest();
+    forgetOldKeys();
     if (value == KeyValue::pressed) {
         m_down.insert({keyboard, key});
         m_pressed.insert(key);
@@ -59,37 +59,37 @@ void RefusalFinder::noteKey(int keyboard, const QString& key, int value)
 
 void RefusalFinder::noteSimulated(const QStringList& keys)
 {
-    forgetBeforeRest();
-    for (QSet<QString>* moved : {&m_pressed, &m_released, &m_repeated}) {
-        moved->unite({keys.begin(), keys.end()});
+    forgetOldKeys();
+    for (QSet<QString>* changed : {&m_pressed, &m_released, &m_repeated}) {
+        changed->unite({keys.begin(), keys.end()});
     }
 }
 
 std::optional<entry::Refusal> RefusalFinder::find(const QString& logLine) const
 {
     if (logLine == undefinedReceiverLine) {
-        const KeyRow* meant =
-            onlyRow([](const KeyRow& row) { return row.receiver == vocabulary::undefined; });
-        return entry::Refusal{undefinedReceiverReason, {}, {}, meant ? meant->action : QString()};
+        const KeyRow* match =
+            uniqueRow([](const KeyRow& row) { return row.receiver == vocabulary::undefined; });
+        return entry::Refusal{undefinedReceiverReason, {}, {}, match ? match->action : QString()};
     }
     std::optional<entry::Refusal> refusal = stateRefusal(logLine);
     if (!refusal) {
         return std::nullopt;
     }
-    const KeyRow* meant = onlyRow([&](const KeyRow& row) {
+    const KeyRow* match = uniqueRow([&](const KeyRow& row) {
         return isFor(row, *refusal->expected) && row.receiver != vocabulary::undefined;
     });
-    // A long press is tried in each of its states; one of them was the current one.
-    if (meant && isFor(*meant, refusal->current)) {
+    // The daemon tries a long press in each of its states, and one of them is current.
+    if (match && isFor(*match, refusal->current)) {
         return std::nullopt;
     }
-    refusal->action = meant ? meant->action : QString();
+    refusal->action = match ? match->action : QString();
     return refusal;
 }
 
-void RefusalFinder::forgetBeforeRest()
+void RefusalFinder::forgetOldKeys()
 {
-    if (m_down.isEmpty() && m_sinceRelease.isValid() && m_sinceRelease.hasExpired(restMs)) {
+    if (m_down.isEmpty() && m_sinceRelease.isValid() && m_sinceRelease.hasExpired(idleMs)) {
         m_pressed.clear();
         m_released.clear();
         m_repeated.clear();
@@ -97,7 +97,7 @@ void RefusalFinder::forgetBeforeRest()
     }
 }
 
-bool RefusalFinder::canBeMeant(const KeyRow& row) const
+bool RefusalFinder::matchesKeys(const KeyRow& row) const
 {
     if (row.keys.isEmpty()) {
         return false;
@@ -114,10 +114,10 @@ bool RefusalFinder::canBeMeant(const KeyRow& row) const
 }
 
 template <typename Condition>
-const KeyRow* RefusalFinder::onlyRow(Condition isCandidate) const
+const KeyRow* RefusalFinder::uniqueRow(Condition isCandidate) const
 {
-    const auto isMeant = [&](const KeyRow& row) { return isCandidate(row) && canBeMeant(row); };
-    const auto row = std::find_if(m_rows.begin(), m_rows.end(), isMeant);
-    const bool isOnly = row != m_rows.end() && std::none_of(row + 1, m_rows.end(), isMeant);
-    return isOnly ? &*row : nullptr;
+    const auto isMatch = [&](const KeyRow& row) { return isCandidate(row) && matchesKeys(row); };
+    const auto row = std::find_if(m_rows.begin(), m_rows.end(), isMatch);
+    const bool isUnique = row != m_rows.end() && std::none_of(row + 1, m_rows.end(), isMatch);
+    return isUnique ? &*row : nullptr;
 }

@@ -9,29 +9,29 @@
 
 #include <optional>
 
-/// Finds refused actions in the daemon's log, and the rows that they are of.
+/// Finds refused actions in the daemon's log and their rows.
 ///
-/// The log does not name the action. It is found by what its row asks for: the state, and keys that were
-/// moved since the panel was last left alone.
+/// The log does not name the action. A row matches by its state and by keys that have changed since the panel
+/// was last idle.
 class RefusalFinder
 {
 public:
     explicit RefusalFinder(const QVector<KeyRow>& rows);
 
-    /// The device reported a key: with 0 released, 1 pressed, 2 repeated.
+    /// Records a key of the device; `value` is 0 released, 1 pressed, 2 repeated.
     void noteKey(int keyboard, const QString& key, int value);
-    /// A command or the console may have simulated these keys.
+    /// Records keys that a command or the console may have simulated.
     void noteSimulated(const QStringList& keys);
 
-    /// The refusal that a line of the log tells of. None when the action was announced all the same: a long
-    /// press leaves a line for each of its states but the current one.
+    /// The refusal that a log line reports, if any. A long press logs a line for each of its states except
+    /// the current one; if it was announced, these lines are not refusals.
     std::optional<entry::Refusal> find(const QString& logLine) const;
 
 private:
-    void forgetBeforeRest();
-    bool canBeMeant(const KeyRow& row) const;
+    void forgetOldKeys();
+    bool matchesKeys(const KeyRow& row) const;
     template <typename Condition>
-    const KeyRow* onlyRow(Condition isCandidate) const;
+    const KeyRow* uniqueRow(Condition isCandidate) const;
 
     QVector<KeyRow> m_rows;
     QSet<QPair<int, QString>> m_down;

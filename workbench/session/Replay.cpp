@@ -8,7 +8,7 @@
 namespace {
 
 constexpr int maxLength = 20'000;
-/// More than any script can expect; so many need some ten megabytes.
+/// More than a script can expect; about ten megabytes.
 constexpr int maxObservations = 200'000;
 constexpr int maxDifferences = 1000;
 constexpr int maxDifferenceLength = 500;
@@ -50,9 +50,9 @@ void Replay::observe(SimulatedDevice& device)
 
 entry::Replay Replay::entryOf(entry::Replay::Status status) const
 {
-    const bool isJudged = status == entry::Replay::Status::Finished && m_observer;
+    const bool isComplete = status == entry::Replay::Status::Finished && m_observer;
     const QStringList differences =
-        isJudged ? Transcript::difference(m_script, m_observer->observations(), Transcript::Clock::Real)
-                 : QStringList();
+        isComplete ? Transcript::difference(m_script, m_observer->observations(), Transcript::Clock::Real)
+                   : QStringList();
     return {status, m_script.expectations.size(), shortened(differences)};
 }

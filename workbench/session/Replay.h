@@ -9,21 +9,20 @@
 class ObservationRecorder;
 class SimulatedDevice;
 
-/// A key script that is played on a device, and what comes of it.
+/// A key script that is played on a device, and its result.
 class Replay
 {
 public:
-    /// Reads a script that is to be replayed; with faults when it cannot be. For any thread, because a long
-    /// text takes a second.
+    /// Parses a script for a replay. Thread-safe, because a long text takes a second.
     static ParsedScript read(const QString& text);
 
     explicit Replay(const KeyScript& script);
     ~Replay();
 
     const KeyScript& script() const { return m_script; }
-    /// The script is played on `device` from now on.
+    /// Starts observing `device`, on which the script is about to be played.
     void observe(SimulatedDevice& device);
-    /// `Finished` compares what was observed with what the script expects.
+    /// With `Finished`, lists the differences between the expectations and the observations.
     entry::Replay entryOf(entry::Replay::Status status) const;
 
 private:

@@ -12,11 +12,11 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto readinessInterval = 20ms;
-constexpr std::chrono::milliseconds readinessPatience = 20s;
-constexpr int mostPendingSteps = 1000;
-constexpr int longestStatements = 64 * 1024;
-constexpr qint64 mostPendingInput = 256 * 1024;
-constexpr int nobody = 0;
+constexpr std::chrono::milliseconds readinessTimeout = 20s;
+constexpr int maxPendingSteps = 1000;
+constexpr int maxStatementsLength = 64 * 1024;
+constexpr qint64 maxPendingInput = 256 * 1024;
+constexpr int noClient = 0;
 constexpr int replayClient = -1;
 
 QVector<ScriptFault> fault(const QString& sentence)
@@ -26,12 +26,12 @@ QVector<ScriptFault> fault(const QString& sentence)
 
 } // namespace
 
-Session::Session(const DeviceOptions& options, QObject* parent) : QObject(parent), m_makeUp(options)
+Session::Session(const DeviceOptions& options, QObject* parent) : QObject(parent), m_setup(options)
 {
     m_buildTimer.setSingleShot(true);
     connect(&m_buildTimer, &QTimer::timeout, this, &Session::build);
     connect(&m_readinessTimer, &QTimer::timeout, this, &Session::awaitReadiness);
-    connect(&m_steps, &StepQueue::stepping, this, &Session::onStepping);
+    connect(&m_steps, &StepQueue::aboutToPlay, this, &Session::onAboutToPlay);
     connect(&m_steps, &StepQueue::finished, this, [this](int client) {
         if (client == replayClient) {
             endReplay(entry::Replay::Status::Finished);
@@ -41,7 +41,7 @@ Session::Session(const DeviceOptions& options, QObject* parent) : QObject(parent
 
 Session::~Session()
 {
-    leaveDevice();
+    disconnectDevice();
 }
 
 void Session::start()
@@ -51,10 +51,10 @@ void Session::start()
 
 QString Session::restart(const Changes& changes)
 {
-    const QString sentence = DeviceSetup::faultOf(changes);
+    const QString sentence = DeviceSetup::check(changes);
     if (sentence.isEmpty()) {
-        leaveDevice();
-        m_makeUp.apply(changes);
+        disconnectDevice();
+        m_setup.apply(changes);
         beginStart();
     }
     return sentence;
@@ -70,40 +70,40 @@ QString Session::busAddress() const
     return m_device ? m_device->bus().address() : QString();
 }
 
-QVector<ScriptFault> Session::take(const QString& statements, int client)
+QVector<ScriptFault> Session::execute(const QString& statements, int client)
 {
-    if (const QString reason = whyNotNow(); !reason.isEmpty()) {
+    if (const QString reason = unavailableReason(); !reason.isEmpty()) {
         return fault(reason);
     }
-    if (statements.size() > longestStatements) {
+    if (statements.size() > maxStatementsLength) {
         return fault(
-            QStringLiteral("More than %1 characters cannot be taken at once.").arg(longestStatements));
+            QStringLiteral("The statements are longer than %1 characters.").arg(maxStatementsLength));
     }
     const ParsedScript parsed = parseKeyScriptSteps(statements);
     if (!parsed.faults.isEmpty()) {
         return parsed.faults;
     }
     if (!parsed.script.expectations.isEmpty()) {
-        return fault(QStringLiteral("Expectations have their place in a script that is replayed."));
+        return fault(QStringLiteral("Expectations are allowed only in a script that is replayed."));
     }
-    if (m_steps.pending() + parsed.script.steps.size() >= mostPendingSteps) {
-        return fault(QStringLiteral("More than %1 steps cannot wait for their time.").arg(mostPendingSteps));
+    if (m_steps.pending() + parsed.script.steps.size() >= maxPendingSteps) {
+        return fault(QStringLiteral("No more than %1 steps can be pending.").arg(maxPendingSteps));
     }
-    m_steps.take(parsed.script, client);
+    m_steps.execute(parsed.script, client);
     return {};
 }
 
 void Session::releaseKeysOf(int client)
 {
-    if (client != nobody && client != replayClient) {
-        m_steps.drop(client);
+    if (client != noClient && client != replayClient) {
+        m_steps.cancel(client);
     }
 }
 
 void Session::replay(const KeyScript& script)
 {
-    leaveDevice();
-    m_makeUp.apply(script);
+    disconnectDevice();
+    m_setup.apply(script);
     m_replay.emplace(script);
     beginStart();
 }
@@ -126,8 +126,8 @@ void Session::stopReplay()
 
 void Session::restartRecording()
 {
-    const bool isFresh = m_status == Status::Ready && m_recording.isUntouched();
-    if (isFresh && !m_replay) {
+    const bool isUnused = m_status == Status::Ready && !m_recording.hasSteps();
+    if (isUnused && !m_replay) {
         beginRecording();
     } else {
         restart({});
@@ -155,14 +155,14 @@ void Session::beginStart()
     m_reason.clear();
     m_status = Status::Starting;
     report();
-    // Not at once: what asked for it may have been called by the device that goes now.
+    // Deferred, because the caller may be a slot of the device that build() deletes.
     m_buildTimer.start(0);
 }
 
 void Session::build()
 {
-    dropDevice();
-    m_device = std::make_unique<SimulatedDevice>(m_makeUp.options());
+    deleteDevice();
+    m_device = std::make_unique<SimulatedDevice>(m_setup.options());
     m_events = std::make_unique<SessionReporter>(*m_device, state(), KeyListJson::rowsOf(keyLists()).rows);
     connect(m_events.get(), &SessionReporter::happened, this, &Session::add);
     connect(m_events.get(), &SessionReporter::observed, this, &Session::onObserved);
@@ -180,8 +180,8 @@ void Session::awaitReadiness()
 {
     if (m_device->isReady()) {
         becomeReady();
-    } else if (m_startClock.hasExpired(readinessPatience.count())) {
-        end(QStringLiteral("The daemon does not become ready."));
+    } else if (m_startClock.hasExpired(readinessTimeout.count())) {
+        end(QStringLiteral("The daemon did not become ready."));
     }
 }
 
@@ -192,7 +192,7 @@ void Session::becomeReady()
     m_status = Status::Ready;
     watchDaemon();
     report();
-    // Who is told may restart the device.
+    // A receiver of the report may have restarted the device.
     if (m_status == Status::Ready) {
         beginRecording();
     }
@@ -203,7 +203,7 @@ void Session::becomeReady()
 
 void Session::onDaemonExited(int status)
 {
-    end(DaemonProcess::describeEnd(status));
+    end(DaemonProcess::describeExit(status));
 }
 
 void Session::onBusEnded()
@@ -213,24 +213,24 @@ void Session::onBusEnded()
 
 void Session::end(const QString& reason)
 {
-    leaveDevice();
+    disconnectDevice();
     m_reason = reason;
     m_status = Status::Ended;
     report();
     QTimer::singleShot(0, this, [this] {
         if (m_status == Status::Ended) {
-            dropDevice();
+            deleteDevice();
         }
     });
 }
 
-void Session::leaveDevice()
+void Session::disconnectDevice()
 {
     m_buildTimer.stop();
     m_readinessTimer.stop();
     m_recording.stop();
     m_steps.setTarget(nullptr);
-    leaveDaemon();
+    unwatchDaemon();
     if (m_events) {
         m_events->disconnect(this);
         m_device->disconnect(this);
@@ -238,7 +238,7 @@ void Session::leaveDevice()
     stopReplay();
 }
 
-void Session::dropDevice()
+void Session::deleteDevice()
 {
     m_events.reset();
     m_device.reset();
@@ -249,7 +249,7 @@ void Session::report()
     add(entry::Device{m_status, model(), state(), m_reason});
 }
 
-QString Session::whyNotNow() const
+QString Session::unavailableReason() const
 {
     switch (m_status) {
     case Status::Starting:
@@ -262,16 +262,16 @@ QString Session::whyNotNow() const
     if (m_replay) {
         return QStringLiteral("A script is being replayed.");
     }
-    const bool isStuck = m_device->pendingInput() > mostPendingInput;
-    return isStuck ? QStringLiteral("The daemon does not take what it is given.") : QString();
+    const bool isStuck = m_device->pendingInput() > maxPendingInput;
+    return isStuck ? QStringLiteral("The daemon does not read its input.") : QString();
 }
 
-void Session::onStepping(const ScriptStep& step)
+void Session::onAboutToPlay(const ScriptStep& step)
 {
     if (step.kind == ScriptStep::Kind::State) {
-        m_makeUp.setState(step.text);
+        m_setup.setState(step.text);
     } else if (step.kind == ScriptStep::Kind::Service) {
-        m_makeUp.setService(step.service);
+        m_setup.setService(step.service);
     }
     m_recording.add(step);
     m_events->noteStep(step);
@@ -301,16 +301,16 @@ void Session::add(const SessionEvent& event)
 
 void Session::beginRecording()
 {
-    if (!m_recording.isUntouched()) {
+    if (m_recording.hasSteps()) {
         m_formerRecording = m_recording;
     }
-    m_recording.begin(model(), state(), keyLists(), m_makeUp.options().services);
+    m_recording.begin(model(), state(), keyLists(), m_setup.options().services);
     add(entry::Recording{false, hasFormerRecording()});
 }
 
 void Session::watchRecording()
 {
-    if (m_recording.takeFullness()) {
+    if (m_recording.takeFullFlag()) {
         add(entry::Recording{true, hasFormerRecording()});
     }
 }
@@ -322,11 +322,11 @@ void Session::watchDaemon()
             [this](bool isAnswering) { add(entry::Daemon{isAnswering}); });
 }
 
-void Session::leaveDaemon()
+void Session::unwatchDaemon()
 {
     if (m_watch) {
         m_watch->disconnect(this);
-        m_watch->deleteLater(); // what it reports may have led here
+        m_watch->deleteLater(); // the caller may be a slot of its signal
         m_watch = nullptr;
     }
 }
@@ -341,8 +341,8 @@ void Session::beginReplay()
 void Session::endReplay(entry::Replay::Status status)
 {
     const entry::Replay end = m_replay->entryOf(status);
-    // A receiver of the entries that follow may replay another script.
+    // Reset first, because a receiver of the following entries may start another replay.
     m_replay.reset();
-    m_steps.drop(replayClient);
+    m_steps.cancel(replayClient);
     add(end);
 }

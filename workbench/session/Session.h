@@ -20,75 +20,74 @@ class DaemonWatch;
 class SessionReporter;
 class SimulatedDevice;
 
-/// A simulated device that people work with: it can be restarted, remembers what happened, records and
-/// replays. All that is done to it are statements of key scripts. For the main thread only.
+/// A simulated device for interactive use, which can be restarted, recorded and replayed. It is controlled by
+/// statements of key scripts. Not thread-safe.
 class Session : public QObject
 {
     Q_OBJECT
 
 public:
     using Status = entry::Device::Status;
-
     using Changes = DeviceSetup::Changes;
 
-    /// The key lists of `options` are the installed ones. Nothing runs before `start`, `restart` or `replay`.
+    /// The key lists of `options` are the installed ones. Nothing is started yet.
     explicit Session(const DeviceOptions& options, QObject* parent = nullptr);
     ~Session() override;
 
     /// Starts the device; entries of the type `entry::Device` report its progress.
     void start();
-    /// Makes the device, its bus and its daemon anew; keys, pending statements and a replay are given up.
-    /// Returns a sentence when the changes name something that there is not, and does nothing then.
+    /// Restarts the device, its bus and its daemon; cancels pending statements and a replay. If the changes
+    /// contain an unknown name, returns a sentence and does nothing.
     QString restart(const Changes& changes);
 
     Status status() const { return m_status; }
     /// Why the device has ended, as a sentence; empty while it has not.
     QString reason() const { return m_reason; }
 
-    /// The process id of the daemon; 0 while none runs.
+    /// The process id of the running daemon; 0 otherwise.
     qint64 daemonProcess() const;
 
-    /// The address of the device's bus, another one after each start; empty while there is none.
+    /// The address of the device's bus, which differs after each start; empty without a device.
     QString busAddress() const;
 
-    /// Takes statements of a key script ("press Menu"), those that are due at once before it returns. When
-    /// one of them is faulty or cannot be taken now, nothing is done. Keys that they press and leave down
-    /// are held by `client`; 0 is nobody.
-    QVector<ScriptFault> take(const QString& statements, int client = 0);
-    /// The client is gone: gives up what it still wanted to do and releases the keys that it holds.
+    /// Executes statements of a key script ("press Menu"); those without a delay before it returns. Executes
+    /// nothing if a statement is faulty or the device is not available. Keys left down are held by `client`;
+    /// 0 is no client.
+    QVector<ScriptFault> execute(const QString& statements, int client = 0);
+    /// Cancels pending statements of `client` and releases the keys that it holds.
     void releaseKeysOf(int client);
 
-    /// Restarts the device as the script's header says, plays the script and judges the result; entries of
-    /// the type `entry::Replay` report it.
+    /// Restarts the device as described in the script's header and plays the script; entries of the type
+    /// `entry::Replay` report the result.
     void replay(const KeyScript& script);
-    /// Reads and replays a script; does nothing but return the faults when it has some.
+    /// Parses a script and, if it has no faults, replays it.
     QVector<ScriptFault> replay(const QString& text);
-    /// Ends a replay, if there is one, and releases the keys that it holds.
+    /// Stops a running replay and releases the keys that it holds.
     void stopReplay();
     bool isReplaying() const { return m_replay.has_value(); }
 
-    /// Forgets what was recorded. A recording begins with a fresh daemon, for what a daemon that is at work
-    /// remembers stands in no header: unless nothing was done yet, the device restarts as it is.
+    /// Starts a new recording. A script cannot describe the state of a daemon in use, so this restarts the
+    /// device unless it is unused.
     void restartRecording();
-    /// What was done since the device became ready, and what came of it, as the text of a *.keys file; empty,
-    /// with sentences in `faults`, when a script cannot tell it.
+    /// All actions since the device became ready and their results, as the text of a *.keys file. If a script
+    /// cannot represent them, returns an empty text and sets `faults`.
     QString recording(QStringList* faults) const;
-    /// The recording that a restart of the device ended last, if anything was done in it; in the same way.
+    /// Likewise, for the last recording with actions that a restart of the device ended.
     QString formerRecording(QStringList* faults) const;
 
-    QString model() const { return m_makeUp.options().model; }
-    QString state() const { return m_makeUp.options().state; }
+    QString model() const { return m_setup.options().model; }
+    QString state() const { return m_setup.options().state; }
     QVector<HeldKey> heldKeys() const { return m_facts.heldKeys(); }
     /// Whether the daemon runs a keyboard test.
     bool isTesting() const { return m_facts.isTesting(); }
-    /// Whether the daemon answers calls, as far as is known.
+    /// False only if the daemon is known not to answer calls.
     bool isAnswering() const;
     bool isRecording() const { return m_recording.isRunning(); }
     bool hasFormerRecording() const { return m_formerRecording.isStarted(); }
-    /// The time since the device was started: the moment of an entry that would come now.
+    /// The time since the device was started, as in the entries.
     std::chrono::milliseconds now() const;
-    /// File name to content, as the daemon has read them at its start; a list that is not there is left out.
-    QMap<QString, QByteArray> keyLists() const { return m_makeUp.options().keyLists; }
+    /// File name to content of the existing key lists, as the daemon read them at its start.
+    QMap<QString, QByteArray> keyLists() const { return m_setup.options().keyLists; }
 
 Q_SIGNALS:
     void added(const SessionEntry& entry);
@@ -101,24 +100,24 @@ private:
     void onDaemonExited(int status);
     void onBusEnded();
     void end(const QString& reason);
-    /// Nothing of the device is heard any more.
-    void leaveDevice();
-    void dropDevice();
+    void disconnectDevice();
+    void deleteDevice();
     void report();
 
-    QString whyNotNow() const;
-    void onStepping(const ScriptStep& step);
+    /// Why statements cannot be executed now, as a sentence; empty if they can.
+    QString unavailableReason() const;
+    void onAboutToPlay(const ScriptStep& step);
     void onObserved(const QString& text);
     void add(const SessionEvent& event);
     void beginRecording();
     void watchRecording();
     void watchDaemon();
-    void leaveDaemon();
+    void unwatchDaemon();
 
     void beginReplay();
     void endReplay(entry::Replay::Status status);
 
-    DeviceSetup m_makeUp;
+    DeviceSetup m_setup;
     SessionRecording m_recording;
     SessionRecording m_formerRecording;
     SessionFacts m_facts;
@@ -132,7 +131,7 @@ private:
     StepQueue m_steps;
     std::unique_ptr<SimulatedDevice> m_device;
     std::unique_ptr<SessionReporter> m_events;
-    /// While the daemon is ready; a child.
+    /// A child; null unless the daemon is ready.
     DaemonWatch* m_watch = nullptr;
     std::optional<Replay> m_replay;
 };

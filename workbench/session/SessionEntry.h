@@ -10,7 +10,7 @@
 #include <optional>
 #include <variant>
 
-/// What can happen in a session, one type for each kind.
+/// The events of a session.
 namespace entry {
 
 /// The simulated device starts, is ready for keys, or has ended.
@@ -21,7 +21,7 @@ struct Device
     Status status = Status::Starting;
     QString model;
     QString state;
-    /// Why the device has ended, as a sentence; empty while it has not.
+    /// Why the device has ended, as a sentence; empty otherwise.
     QString reason;
 };
 
@@ -82,14 +82,14 @@ struct Announcement
     QString receiver;
     QString sender;
     QStringList keys;
-    /// As key scripts expect it.
+    /// As in key scripts.
     QString observation;
 };
 
 struct Speech
 {
     QString sentence;
-    /// As key scripts expect it.
+    /// As in key scripts.
     QString observation;
 };
 
@@ -99,20 +99,20 @@ struct SpeechCancelled
 struct Answer
 {
     QVariantMap response;
-    /// As key scripts expect it.
+    /// As in key scripts.
     QString observation;
 };
 
 /// The daemon recognised an action and did not announce it.
 struct Refusal
 {
-    /// The daemon's own words, or a sentence where those say too little.
+    /// The daemon's message, or a sentence that explains it.
     QString reason;
-    /// The state that the action is for; it may be empty. None where the action was refused in any state.
+    /// The state of the action's row, possibly empty; not set if the action is refused in every state.
     std::optional<QString> expected;
-    /// The state that the device was in; empty where the action was refused in any state.
+    /// The state of the device; empty if the action is refused in every state.
     QString current;
-    /// Empty when several rows of the key lists can be meant.
+    /// Empty if several rows of the key lists match.
     QString action;
 };
 
@@ -120,7 +120,7 @@ struct Refusal
 struct Recording
 {
     bool isFull = false;
-    /// Whether the recording before this one can be read.
+    /// Whether the recording before this one is available.
     bool hasFormer = false;
 };
 
@@ -153,17 +153,17 @@ using SessionEvent =
                  entry::Speech, entry::SpeechCancelled, entry::Answer, entry::Refusal, entry::Recording,
                  entry::Replay, entry::KeyboardTest, entry::Daemon>;
 
-/// Something that happened in a session, and when.
+/// An event of a session with its time.
 struct SessionEntry
 {
-    /// Counts up over the whole session.
+    /// Increases throughout the session.
     qint64 id = 0;
     /// Since the device was started.
     std::chrono::milliseconds at{0};
     SessionEvent event;
 };
 
-/// Makes one visitor of several functions, one for each kind of event.
+/// A visitor that combines several functions.
 template <typename... Function>
 struct Overloaded : Function...
 {

@@ -26,8 +26,8 @@ void SessionFacts::note(const SessionEvent& event)
     std::visit(Overloaded{[this](const entry::Device& /*device*/) { *this = SessionFacts(); },
                           [this](const entry::Key& key) { noteKey(key); },
                           [this](const entry::Command& command) {
-                              m_open.enqueue(command.command.value(ls::commandIdKey).toString() ==
-                                             ls::KeyboardHandlerCmdId::StartTestMode);
+                              m_unanswered.enqueue(command.command.value(ls::commandIdKey).toString() ==
+                                                   ls::KeyboardHandlerCmdId::StartTestMode);
                           },
                           [this](const entry::Answer& answer) { noteAnswer(answer); },
                           [this](const entry::Announcement& announcement) {
@@ -55,7 +55,7 @@ void SessionFacts::noteKey(const entry::Key& key)
 
 void SessionFacts::noteAnswer(const entry::Answer& answer)
 {
-    const bool startsTest = !m_open.isEmpty() && m_open.dequeue();
+    const bool startsTest = !m_unanswered.isEmpty() && m_unanswered.dequeue();
     if (startsTest && answer.response.value(ls::resultIdKey).toString() == ls::ResultId::Success) {
         m_isTesting = true;
     }

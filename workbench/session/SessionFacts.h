@@ -8,14 +8,14 @@
 #include <QSet>
 #include <QVector>
 
-/// The number of a keyboard, and a key that is down there.
+/// The number of a keyboard and a key that is down.
 using HeldKey = QPair<int, QString>;
 
-/// What the events of a session say about the device now, however long ago they came.
+/// The current state of the device, derived from the events of a session.
 class SessionFacts
 {
 public:
-    /// Takes in `event`, the next one of the session.
+    /// Processes the next event of the session.
     void note(const SessionEvent& event);
 
     /// Whether the daemon runs a keyboard test: from the answer to StartTestMode to the announcement that
@@ -29,7 +29,7 @@ private:
     void noteAnswer(const entry::Answer& answer);
 
     QSet<HeldKey> m_held;
-    /// For each command without an answer yet, whether it starts a keyboard test.
-    QQueue<bool> m_open;
+    /// For each unanswered command, whether it starts a keyboard test.
+    QQueue<bool> m_unanswered;
     bool m_isTesting = false;
 };

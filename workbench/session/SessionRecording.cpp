@@ -11,11 +11,11 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr int mostEntries = 20'000;
-constexpr int mostText = 800'000;
-/// What a line has beside its text: a time or the wait before it, keyword and end.
-constexpr int lineSize = 32;
-constexpr int mostFaults = 20;
+constexpr int maxEntries = 20'000;
+constexpr int maxSize = 800'000;
+/// The size of a line without its text: a time or the preceding wait, keyword and line feed.
+constexpr int lineOverhead = 32;
+constexpr int maxFaults = 20;
 
 int textSize(const ScriptStep& step)
 {
@@ -24,7 +24,7 @@ int textSize(const ScriptStep& step)
     return step.text.toUtf8().size() + words;
 }
 
-/// Log lines that a script cannot expect (blank ones, for example) are none of its matters.
+/// False for log lines that a script cannot express, such as blank ones.
 bool canBeExpected(const QString& text)
 {
     return !ObservationText::isLogLine(text) ||
@@ -82,8 +82,8 @@ void SessionRecording::add(const ScriptStep& step)
 
 void SessionRecording::observe(const QString& text)
 {
-    // What is logged before the first step comes from the start of the daemon, and sooner or later.
-    if (!isRunning() || !canBeExpected(text) || (isUntouched() && ObservationText::isLogLine(text))) {
+    // Log lines before the first step belong to the daemon's start and arrive at no definite time.
+    if (!isRunning() || !canBeExpected(text) || (!hasSteps() && ObservationText::isLogLine(text))) {
         return;
     }
     m_script.expectations.append({elapsed(), text});
@@ -93,7 +93,7 @@ void SessionRecording::observe(const QString& text)
 QString SessionRecording::toText(QStringList* faults) const
 {
     if (m_state == State::None) {
-        *faults = QStringList{QStringLiteral("Nothing was recorded yet.")};
+        *faults = QStringList{QStringLiteral("Nothing has been recorded yet.")};
         return {};
     }
     KeyScript script = m_script;
@@ -103,7 +103,7 @@ QString SessionRecording::toText(QStringList* faults) const
     if (!isInstalled(m_keyLists)) {
         const KeyListJson::Parsed lists = KeyListJson::rowsOf(m_keyLists);
         script.rows = lists.rows;
-        *faults = lists.faults.mid(0, mostFaults);
+        *faults = lists.faults.mid(0, maxFaults);
     }
     if (!faults->isEmpty()) {
         return {};
@@ -120,9 +120,9 @@ milliseconds SessionRecording::elapsed() const
 
 void SessionRecording::grow(int textSize)
 {
-    m_size += textSize + lineSize;
-    if (m_size > mostText || m_script.steps.size() + m_script.expectations.size() >= mostEntries) {
+    m_size += textSize + lineOverhead;
+    if (m_size > maxSize || m_script.steps.size() + m_script.expectations.size() >= maxEntries) {
         stop();
-        m_isFullNow = true;
+        m_becameFull = true;
     }
 }

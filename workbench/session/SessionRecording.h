@@ -7,30 +7,28 @@
 
 #include <utility>
 
-/// What is done to a device and what its daemon does, as a key script that can be played again. It holds no
-/// more than a script file may have.
+/// The actions at a device and the observations of its daemon, as a key script for replay. The size is
+/// limited to that of a script file.
 class SessionRecording
 {
 public:
-    /// Starts a new recording: the daemon of a device with this model, state, key lists and services is ready
-    /// now.
+    /// Starts a new recording. The daemon of the described device must just have become ready.
     void begin(const QString& model, const QString& state, const QMap<QString, QByteArray>& keyLists,
                const QMap<QString, ServiceChange::Condition>& services);
-    /// Nothing more happens at the device.
     void stop();
 
     void add(const ScriptStep& step);
     void observe(const QString& text);
 
     bool isRunning() const { return m_state == State::Running; }
-    /// Whether it was ever begun.
+    /// Whether `begin` was ever called.
     bool isStarted() const { return m_state != State::None; }
-    /// Whether the recording was stopped since the last call, because it holds as much as it may.
-    bool takeFullness() { return std::exchange(m_isFullNow, false); }
-    /// Whether nothing was done yet.
-    bool isUntouched() const { return m_script.steps.isEmpty(); }
+    /// Whether the recording has reached its limit, and stopped, since the last call.
+    bool takeFullFlag() { return std::exchange(m_becameFull, false); }
+    bool hasSteps() const { return !m_script.steps.isEmpty(); }
 
-    /// The text of a script file; empty, with sentences in `faults`, when a script cannot tell it.
+    /// The text of a script file. If a script cannot represent the recording, returns an empty text and sets
+    /// `faults`.
     QString toText(QStringList* faults) const;
 
 private:
@@ -40,7 +38,7 @@ private:
     void grow(int textSize);
 
     State m_state = State::None;
-    bool m_isFullNow = false;
+    bool m_becameFull = false;
     KeyScript m_script;
     QMap<QString, QByteArray> m_keyLists;
     QElapsedTimer m_clock;

@@ -9,8 +9,8 @@
 
 class SimulatedDevice;
 
-/// Reports what happens at a simulated device as the events of a session and as the observations that a key
-/// script can expect.
+/// Reports the activity of a simulated device both as events of a session and as observations of a key
+/// script.
 class SessionReporter : public QObject
 {
     Q_OBJECT
@@ -20,7 +20,7 @@ public:
     SessionReporter(SimulatedDevice& device, const QString& state, const QVector<KeyRow>& rows,
                     QObject* parent = nullptr);
 
-    /// `step` is about to be taken; its keys and records report themselves.
+    /// Reports a step that is about to be played. Keys and records are reported when the panel writes them.
     void noteStep(const ScriptStep& step);
 
 Q_SIGNALS:

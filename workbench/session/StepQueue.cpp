@@ -26,14 +26,14 @@ int StepQueue::pending() const
                            [](int sum, const Play& play) { return sum + play.stepsLeft + 1; });
 }
 
-void StepQueue::take(const KeyScript& script, int client)
+void StepQueue::execute(const KeyScript& script, int client)
 {
     KeyScript later = script;
     const auto end = std::find_if(later.steps.begin(), later.steps.end(),
                                   [](const ScriptStep& step) { return step.at > 0ms; });
     later.steps.erase(later.steps.begin(), end);
     for (int i = 0; i < script.steps.size() - later.steps.size(); ++i) {
-        takeNow(script.steps.at(i), client);
+        executeNow(script.steps.at(i), client);
     }
     if (!later.steps.isEmpty() && m_target) {
         play(later, client);
@@ -44,13 +44,13 @@ void StepQueue::play(const KeyScript& script, int client)
 {
     auto* player = new ScriptPlayer(script, *m_target, this);
     m_plays.append({player, client, script.steps.size()});
-    connect(player, &ScriptPlayer::stepping, this,
-            [this, player, client](const ScriptStep& step) { onStepping(player, client, step); });
+    connect(player, &ScriptPlayer::aboutToPlay, this,
+            [this, player, client](const ScriptStep& step) { onAboutToPlay(player, client, step); });
     connect(player, &ScriptPlayer::finished, this, [this, player, client] { onFinished(player, client); });
     player->start();
 }
 
-void StepQueue::drop(int client)
+void StepQueue::cancel(int client)
 {
     for (int i = m_plays.size() - 1; i >= 0; --i) {
         if (m_plays.at(i).client == client) {
@@ -59,11 +59,11 @@ void StepQueue::drop(int client)
     }
     const QList<Key> keys = m_held.keys(client);
     for (const Key& key : keys) {
-        takeNow({0ms, ScriptStep::Kind::Release, key.first, key.second, {}, {}}, client);
+        executeNow({0ms, ScriptStep::Kind::Release, key.first, key.second, {}, {}}, client);
     }
 }
 
-void StepQueue::onStepping(ScriptPlayer* player, int client, const ScriptStep& step)
+void StepQueue::onAboutToPlay(ScriptPlayer* player, int client, const ScriptStep& step)
 {
     for (Play& play : m_plays) {
         play.stepsLeft -= play.player == player ? 1 : 0;
@@ -79,14 +79,14 @@ void StepQueue::onFinished(ScriptPlayer* player, int client)
     Q_EMIT finished(client);
 }
 
-void StepQueue::takeNow(const ScriptStep& step, int client)
+void StepQueue::executeNow(const ScriptStep& step, int client)
 {
     if (m_target) {
         prepare(step, client);
     }
-    // Who is told of the step may take the device away.
+    // A slot may have removed the device.
     if (m_target) {
-        m_target->take(step);
+        m_target->play(step);
     }
 }
 
@@ -97,12 +97,12 @@ void StepQueue::prepare(const ScriptStep& step, int client)
     } else if (step.kind == ScriptStep::Kind::Release) {
         m_held.remove({step.keyboard, step.text});
     }
-    Q_EMIT stepping(step);
+    Q_EMIT aboutToPlay(step);
 }
 
 void StepQueue::remove(int index)
 {
-    // Not deleted at once: it may be the one that is taking a step.
+    // Deleted later, because the player may be the caller.
     ScriptPlayer* player = m_plays.takeAt(index).player;
     player->stop();
     player->deleteLater();

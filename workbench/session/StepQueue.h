@@ -11,7 +11,7 @@
 class ScriptPlayer;
 class ScriptTarget;
 
-/// What several clients have under way on one device, and the keys that they hold.
+/// The pending steps of several clients on one device, and the keys that the clients hold.
 class StepQueue : public QObject
 {
     Q_OBJECT
@@ -19,22 +19,21 @@ class StepQueue : public QObject
 public:
     explicit StepQueue(QObject* parent = nullptr);
 
-    /// The device for what follows, or none. What was under way is given up, the keys are forgotten.
+    /// Sets the device, or null. Clears pending steps and held keys.
     void setTarget(ScriptTarget* target);
 
-    /// How many steps, and ends of scripts, are still to come.
+    /// The number of pending steps and ends of scripts.
     int pending() const;
 
-    /// Takes the steps that are due at once, then the others at their times.
-    void take(const KeyScript& script, int client);
-    /// Plays a whole script; `finished` tells when nothing more is expected of it.
+    /// Executes steps without a delay immediately, the others at their times.
+    void execute(const KeyScript& script, int client);
+    /// Plays a whole script; `finished` reports its end.
     void play(const KeyScript& script, int client);
-    /// Gives up what `client` has under way and releases its keys.
-    void drop(int client);
+    /// Cancels pending steps of `client` and releases its keys.
+    void cancel(int client);
 
 Q_SIGNALS:
-    /// `step` is about to be taken.
-    void stepping(const ScriptStep& step);
+    void aboutToPlay(const ScriptStep& step);
     void finished(int client);
 
 private:
@@ -46,14 +45,14 @@ private:
     };
     using Key = QPair<int, QString>;
 
-    void onStepping(ScriptPlayer* player, int client, const ScriptStep& step);
+    void onAboutToPlay(ScriptPlayer* player, int client, const ScriptStep& step);
     void onFinished(ScriptPlayer* player, int client);
-    void takeNow(const ScriptStep& step, int client);
+    void executeNow(const ScriptStep& step, int client);
     void prepare(const ScriptStep& step, int client);
     void remove(int index);
 
     ScriptTarget* m_target = nullptr;
     QVector<Play> m_plays;
-    /// Who pressed each key that is down.
+    /// The client that pressed each key that is down.
     QMap<Key, int> m_held;
 };

@@ -26,8 +26,8 @@ void addOptions(QCommandLineParser& parser)
 {
     parser.setApplicationDescription(QStringLiteral(
         "Plays a key script on a simulated embosser and shows what the key daemon does. "
-        "At a terminal the embosser then stays, with a front panel for a browser.\n\n"
-        "Status: 0 all came as expected, 1 something did not, 2 the script could not be played, "
+        "At a terminal, the embosser then keeps running and serves a front panel to browsers.\n\n"
+        "Status: 0 all results as expected, 1 unexpected results, 2 the script could not be played, "
         "3 wrong arguments."));
     parser.addHelpOption();
     parser.addOptions(
@@ -35,21 +35,21 @@ void addOptions(QCommandLineParser& parser)
           QStringLiteral(KEYBOARD_HANDLER_DAEMON)},
          {dataOption, QStringLiteral("The folder of the key lists."), QStringLiteral("folder"),
           QStringLiteral(KEYBOARD_HANDLER_DATA_FOLDER)},
-         {recordOption, QStringLiteral("Write what was done, and what came of it, as a key script."),
+         {recordOption, QStringLiteral("Record all actions and their results as a key script."),
           QStringLiteral("file")},
-         {portOption, QStringLiteral("The port of the front panel on this machine; 0 is any that is free."),
+         {portOption, QStringLiteral("The local port of the front panel; 0 chooses a free port."),
           QStringLiteral("number"), defaultPort},
-         {serveOption, QStringLiteral("Keep the embosser and its front panel also without a terminal.")},
-         {noDemoOption, QStringLiteral("Play nothing but a script that is named.")},
+         {serveOption,
+          QStringLiteral("Keep the embosser and its front panel running even without a terminal.")},
+         {noDemoOption, QStringLiteral("Do not play the demonstration.")},
          {modelOption,
-          QStringLiteral(
-              "The embosser's model, Orvane or Pellit, where no script is played; a script names its own."),
+          QStringLiteral("The embosser's model, Orvane or Pellit, without a script; a script names its own."),
           QStringLiteral("model"), defaultModel}});
     parser.addPositionalArgument(QStringLiteral("script"), QStringLiteral("The key script (*.keys)."),
                                  QStringLiteral("[script]"));
 }
 
-/// Qt would take blanks and a sign, too.
+/// Unlike QString::toUShort(), rejects blanks and signs.
 std::optional<quint16> portOf(const QString& word)
 {
     const bool isDigits =
@@ -74,19 +74,18 @@ std::optional<CommandLine> CommandLine::read(const QCoreApplication& application
     if (!parser.parse(application.arguments())) {
         return refuse(parser.errorText() + QStringLiteral("\n--help lists the options."));
     }
-    parser.process(application); // which ends the program where help is asked for
+    parser.process(application); // exits after printing requested help
     const QStringList scripts = parser.positionalArguments();
     if (scripts.size() > 1) {
-        return refuse(QStringLiteral("One key script can be played, not %1.").arg(scripts.size()));
+        return refuse(QStringLiteral("Only one key script can be played, not %1.").arg(scripts.size()));
     }
     CommandLine line;
     const QString demonstration =
         parser.isSet(noDemoOption) ? QString() : QStringLiteral(DEMONSTRATION_SCRIPT);
     line.script = scripts.value(0, demonstration);
     if (parser.isSet(modelOption) && !line.script.isEmpty()) {
-        return refuse(
-            QStringLiteral("--model is for an embosser without a script, which --no-demo asks for: a script "
-                           "names its own model."));
+        return refuse(QStringLiteral(
+            "--model requires --no-demo and no script, because a script names its own model."));
     }
     line.device.model = parser.value(modelOption);
     if (const QString fault = ScriptWords::checkModel(line.device.model); !fault.isEmpty()) {
@@ -98,11 +97,11 @@ std::optional<CommandLine> CommandLine::read(const QCoreApplication& application
     line.serve = parser.isSet(serveOption) || Prompt::isAtTerminal();
     const std::optional<quint16> port = portOf(parser.value(portOption));
     if (!port) {
-        return refuse(QStringLiteral("\"%1\" is no port number.").arg(parser.value(portOption)));
+        return refuse(QStringLiteral("\"%1\" is not a port number.").arg(parser.value(portOption)));
     }
     line.port = *port;
     if (line.script.isEmpty() && !line.serve) {
-        return refuse(QStringLiteral("There is nothing to do: name a key script, or add --serve."));
+        return refuse(QStringLiteral("Nothing to do: name a key script or add --serve."));
     }
     return line;
 }

@@ -9,7 +9,7 @@
 
 class QCoreApplication;
 
-/// What the simulator's arguments ask for.
+/// The parsed arguments of the simulator.
 struct CommandLine
 {
     /// The script to play; empty for none.
@@ -17,11 +17,11 @@ struct CommandLine
     DeviceOptions device;
     /// The file to record to; empty for none.
     QString recording;
-    /// Whether the device is kept and served to browsers, and at which port; 0 is any.
+    /// Whether to keep the device and serve it to browsers, and the port; 0 chooses a free one.
     bool serve = false;
     quint16 port = 0;
 
-    /// Nothing, when the arguments ask for what cannot be done; standard error tells then. Asked for help, it
-    /// ends the program.
+    /// Parses the arguments; prints an error and returns nothing if they are invalid. Exits after printing
+    /// requested help.
     static std::optional<CommandLine> read(const QCoreApplication& application);
 };

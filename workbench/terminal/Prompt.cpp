@@ -12,7 +12,8 @@ namespace {
 
 constexpr auto backgroundPause = 1s;
 
-/// Whether somebody else has the terminal: the kernel stops a process that reads from it all the same.
+/// Whether another process group is in the foreground. The kernel stops background processes that read from
+/// the terminal.
 bool isInBackground()
 {
     const pid_t foreground = tcgetpgrp(STDIN_FILENO);

@@ -5,7 +5,7 @@
 #include <QObject>
 #include <QSocketNotifier>
 
-/// The lines that a person types at the terminal.
+/// Reads the lines that are typed at the terminal.
 class Prompt : public QObject
 {
     Q_OBJECT
@@ -13,10 +13,10 @@ class Prompt : public QObject
 public:
     explicit Prompt(QObject* parent = nullptr);
 
-    /// Whether a person sits at standard input.
+    /// Whether standard input is a terminal.
     static bool isAtTerminal();
 
-    /// Shows that a line may be typed.
+    /// Prints the prompt.
     void show();
 
 Q_SIGNALS:

@@ -20,10 +20,10 @@ QString cannotBeWritten(const QFile& file)
 
 } // namespace
 
-QString RecordingFile::whyNotWritable(const QString& path)
+QString RecordingFile::check(const QString& path)
 {
     const QFileInfo info(path);
-    // The reader of a pipe would take the check for the whole recording.
+    // Opening and closing a pipe would end the recording for its reader.
     if (info.exists() && !info.isFile() && !info.isDir()) {
         return {};
     }

@@ -13,18 +13,19 @@ constexpr int maxRows = 20;
 
 } // namespace
 
-QString StartHints::rowsThatNeverWork(const QMap<QString, QByteArray>& keyLists, const QString& model)
+QString StartHints::deadRows(const QMap<QString, QByteArray>& keyLists, const QString& model)
 {
-    const QVector<KeyCardNever> rows = KeyCard::from(keyLists, model).never;
+    const QVector<KeyCardDeadRow> rows = KeyCard::from(keyLists, model).deadRows;
     if (rows.isEmpty()) {
         return {};
     }
     QString text = QStringLiteral("Rows of the key lists that can never be announced:");
-    for (const KeyCardNever& row : rows.mid(0, maxRows)) {
-        text += QStringLiteral("\n  ") + CardSentences::rowThatFails(row) + QLatin1Char(' ') + row.why;
+    for (const KeyCardDeadRow& row : rows.mid(0, maxRows)) {
+        text += QStringLiteral("\n  ") + CardSentences::describe(row) + QLatin1Char(' ') + row.why;
     }
     if (rows.size() > maxRows) {
-        text += QStringLiteral("\n  ... and %1 more; the key card has them all.").arg(rows.size() - maxRows);
+        text +=
+            QStringLiteral("\n  ... and %1 more; the key card lists them all.").arg(rows.size() - maxRows);
     }
     return text;
 }

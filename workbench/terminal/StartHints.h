@@ -5,13 +5,13 @@
 #include <QMap>
 #include <QString>
 
-/// What the program prints about a device at its start.
+/// Hints that the program prints at the start of a device.
 namespace StartHints {
 
-/// The rows of these key lists that no keys can complete, with the reasons; empty when there are none.
-QString rowsThatNeverWork(const QMap<QString, QByteArray>& keyLists, const QString& model);
+/// The rows of the key lists that no keys can complete, with the reasons.
+QString deadRows(const QMap<QString, QByteArray>& keyLists, const QString& model);
 
-/// How other programs reach the bus at `address`, with a command for a shell.
+/// A shell command that accesses the bus at `address`.
 QString bus(const QString& address);
 
 } // namespace StartHints

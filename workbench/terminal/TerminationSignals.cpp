@@ -12,7 +12,7 @@ int signalPipe[2] = {-1, -1};
 void onSignal(int number)
 {
     const auto byte = static_cast<unsigned char>(number);
-    // Nothing can be done about a full pipe: a signal is waiting in it then.
+    // A full pipe can be ignored, because it contains a signal already.
     if (write(signalPipe[1], &byte, 1) == -1) {
     }
 }
@@ -21,7 +21,7 @@ void onSignal(int number)
 
 TerminationSignals::TerminationSignals(QObject* parent) : QObject(parent)
 {
-    // Handlers rather than a blocked mask: the mask would be handed down to the daemon.
+    // Handlers instead of a signal mask, which the daemon would inherit.
     if (pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) == -1) {
         return;
     }

@@ -6,7 +6,8 @@
 
 #include <memory>
 
-/// Brings SIGINT, SIGTERM and SIGHUP to the event loop, so that a program can clean up. One object at most.
+/// Delivers SIGINT, SIGTERM and SIGHUP to the event loop, so that a program can clean up. Only one object may
+/// exist.
 class TerminationSignals : public QObject
 {
     Q_OBJECT

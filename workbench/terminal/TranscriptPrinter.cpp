@@ -61,7 +61,7 @@ void TranscriptPrinter::print(const entry::Heading& heading)
 void TranscriptPrinter::print(const entry::Key& key)
 {
     const QString text = QStringLiteral("%1  (device %2)").arg(key.key).arg(key.keyboard);
-    // Repetitions would bury everything else.
+    // Repetitions are omitted, because they would flood the transcript.
     if (key.value == KeyValue::pressed) {
         printLine("press", text);
     } else if (key.value == KeyValue::released) {
@@ -124,7 +124,7 @@ void TranscriptPrinter::print(const entry::Speech& speech)
 
 void TranscriptPrinter::print(const entry::SpeechCancelled& /*cancelled*/)
 {
-    printLine("hushed", QStringLiteral("all speech is cancelled"));
+    printLine("cancelled", QStringLiteral("all speech"));
 }
 
 void TranscriptPrinter::print(const entry::Answer& answer)
@@ -143,7 +143,7 @@ void TranscriptPrinter::print(const entry::Replay& replay)
         return;
     }
     if (replay.differences.isEmpty()) {
-        printText(QStringLiteral("\nAll %1 expectations came true, and nothing else happened.")
+        printText(QStringLiteral("\nAll %1 expectations were met, and nothing else happened.")
                       .arg(replay.expectations));
     } else {
         printText(QStringLiteral("\nNot as expected:\n") + replay.differences.join('\n'));

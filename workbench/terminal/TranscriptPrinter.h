@@ -8,8 +8,7 @@
 
 class Session;
 
-/// Writes what happens in a session for a person to follow: a line for each event, with the seconds since the
-/// device became ready.
+/// Prints a transcript of a session: a line for each event, with the seconds since the device became ready.
 class TranscriptPrinter : public QObject
 {
     Q_OBJECT
@@ -36,14 +35,14 @@ private:
     void print(const entry::SpeechCancelled& cancelled);
     void print(const entry::Answer& answer);
     void print(const entry::Replay& replay);
-    /// Other events have no line.
+    /// Other events are not printed.
     template <typename Event>
     void print(const Event& /*event*/)
     {}
     void printLine(const char* label, const QString& text);
 
     QTextStream m_output;
-    /// When the device became ready, and when the present entry came.
+    /// The times at which the device became ready and the current entry was added.
     std::chrono::milliseconds m_ready{0};
     std::chrono::milliseconds m_now{0};
 };

@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// For what a typed line causes to be printed before the next one is asked for.
+/// Leaves time for the output of a typed line before the next prompt.
 constexpr std::chrono::milliseconds promptPause = 500ms;
 
 } // namespace
@@ -24,10 +24,10 @@ Workbench::Workbench(const CommandLine& line, QObject* parent)
 
 void Workbench::start(const std::optional<KeyScript>& script)
 {
-    // Before the script is played: a port in use is better told at once.
+    // Before the script is played, so that a port in use is reported at once.
     if (m_line.serve && !m_server.listen(m_line.port)) {
         m_printer.printText(m_server.errorString() +
-                            QStringLiteral(" --port takes another one; --port 0 takes any that is free."));
+                            QStringLiteral(" --port chooses another port; --port 0 chooses a free one."));
         Q_EMIT finished(NotStarted);
     } else if (script) {
         m_isPlaying = true;
@@ -46,12 +46,12 @@ void Workbench::onAdded(const SessionEntry& entry)
     }
 }
 
-/// Also after each restart, which brings other key lists and another bus.
-void Workbench::introduce(entry::Device::Status status)
+/// Called after each restart as well, because the key lists and the bus may have changed.
+void Workbench::printHints(entry::Device::Status status)
 {
     QString text;
     if (status == entry::Device::Status::Starting) {
-        text = StartHints::rowsThatNeverWork(m_session.keyLists(), m_session.model());
+        text = StartHints::deadRows(m_session.keyLists(), m_session.model());
     } else if (status == entry::Device::Status::Ready && m_line.serve) {
         text = StartHints::bus(m_session.busAddress());
     }
@@ -62,18 +62,18 @@ void Workbench::introduce(entry::Device::Status status)
 
 void Workbench::onDevice(entry::Device::Status status)
 {
-    introduce(status);
-    if (m_isAttending) {
+    printHints(status);
+    if (m_isInteractive) {
         return;
     }
     if (status == entry::Device::Status::Ready) {
         m_wasReady = true;
         if (!m_isPlaying) {
-            attend();
+            beginInteraction();
         }
     } else if (status == entry::Device::Status::Ended) {
         if (m_wasReady && m_line.serve) {
-            // People can look at what has happened and restart the device.
+            // The user can inspect the events and restart the device.
             onPlayed(NotAsExpected);
         } else {
             Q_EMIT finished(NotStarted);
@@ -86,7 +86,7 @@ void Workbench::onReplay(const entry::Replay& replay)
     if (replay.status == entry::Replay::Status::Finished) {
         onPlayed(replay.differences.isEmpty() ? AsExpected : NotAsExpected);
     } else if (replay.status == entry::Replay::Status::Stopped) {
-        // Later: where it is the end of the device that stopped it, that is told next.
+        // Deferred, because the end of the device, which may have stopped the replay, is reported next.
         QTimer::singleShot(0, this, [this] {
             if (m_isPlaying && m_session.status() != Session::Status::Ended) {
                 onPlayed(NotAsExpected);
@@ -100,15 +100,15 @@ void Workbench::onPlayed(Status status)
     m_isPlaying = false;
     m_status = status;
     if (m_line.serve) {
-        attend();
+        beginInteraction();
     } else {
         Q_EMIT finished(status);
     }
 }
 
-void Workbench::attend()
+void Workbench::beginInteraction()
 {
-    m_isAttending = true;
+    m_isInteractive = true;
     m_printer.printText(QStringLiteral("\nThe front panel: %1 (Ctrl-C ends)").arg(m_server.url()));
     if (Prompt::isAtTerminal()) {
         openPrompt();
@@ -127,20 +127,20 @@ void Workbench::openPrompt()
 
 void Workbench::onTyped(const QString& line)
 {
-    static const QStringList ends{QStringLiteral("quit"), QStringLiteral("exit")};
-    static const QStringList questions{QStringLiteral("help"), QStringLiteral("?")};
-    if (ends.contains(line.trimmed())) {
+    static const QStringList quitWords{QStringLiteral("quit"), QStringLiteral("exit")};
+    static const QStringList helpWords{QStringLiteral("help"), QStringLiteral("?")};
+    if (quitWords.contains(line.trimmed())) {
         Q_EMIT finished(m_status);
         return;
     }
-    if (questions.contains(line.trimmed())) {
+    if (helpWords.contains(line.trimmed())) {
         m_printer.printText(statementHelp() +
-                            QStringLiteral("Several stand in a line with \";\" between them."));
+                            QStringLiteral("Separate several statements on a line with \";\"."));
         m_prompt->show();
         return;
     }
     const QString statements = QString(line).replace(';', '\n');
-    const QVector<ScriptFault> faults = m_session.take(statements);
+    const QVector<ScriptFault> faults = m_session.execute(statements);
     if (faults.isEmpty()) {
         QTimer::singleShot(parseKeyScriptSteps(statements).script.duration() + promptPause, m_prompt.get(),
                            &Prompt::show);

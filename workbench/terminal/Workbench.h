@@ -11,8 +11,8 @@
 
 #include <memory>
 
-/// Plays a key script on a simulated device as a transcript and judges what came of it. If asked for, it then
-/// keeps the device for people: in a browser and, where there is one, at the terminal.
+/// Plays a key script on a simulated device, prints a transcript and checks the expectations. On request,
+/// then keeps the device for interactive use in browsers and at the terminal.
 class Workbench : public QObject
 {
     Q_OBJECT
@@ -22,7 +22,7 @@ public:
 
     explicit Workbench(const CommandLine& line, QObject* parent = nullptr);
 
-    /// Plays `script`, or nothing.
+    /// Starts the device and plays `script`, if any.
     void start(const std::optional<KeyScript>& script);
 
     const Session& session() const { return m_session; }
@@ -33,10 +33,10 @@ Q_SIGNALS:
 private:
     void onAdded(const SessionEntry& entry);
     void onDevice(entry::Device::Status status);
-    void introduce(entry::Device::Status status);
+    void printHints(entry::Device::Status status);
     void onReplay(const entry::Replay& replay);
     void onPlayed(Status status);
-    void attend();
+    void beginInteraction();
     void openPrompt();
     void onTyped(const QString& line);
 
@@ -48,5 +48,5 @@ private:
     Status m_status = AsExpected;
     bool m_isPlaying = false;
     bool m_wasReady = false;
-    bool m_isAttending = false;
+    bool m_isInteractive = false;
 };

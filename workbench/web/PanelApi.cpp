@@ -142,7 +142,7 @@ HttpAnswer PanelApi::takeSteps(const HttpRequest& request)
     if (!statements) {
         return HttpAnswer::error(badRequest, notText);
     }
-    const QVector<ScriptFault> faults = m_session.take(*statements, client);
+    const QVector<ScriptFault> faults = m_session.execute(*statements, client);
     return faults.isEmpty() ? HttpAnswer::json({}) : refuse(faults);
 }
 

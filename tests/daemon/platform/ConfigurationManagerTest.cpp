@@ -29,12 +29,12 @@ class ConfigurationManagerTest : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void contentOfTheFileTellsTheModel_data();
-    void contentOfTheFileTellsTheModel();
+    void fileContentDeterminesTheModel_data();
+    void fileContentDeterminesTheModel();
     void missingFolderIsPellit();
     void missingFileIsPellit();
     void folderIsPellit();
-    void fifoIsPellitAtOnce();
+    void fifoIsPellitWithoutBlocking();
     void linkToTheFileIsFollowed();
     void linkToADeviceIsPellit();
     void everyQueryReadsTheFile();
@@ -54,7 +54,7 @@ void ConfigurationManagerTest::cleanup()
     QDir(folder).removeRecursively();
 }
 
-void ConfigurationManagerTest::contentOfTheFileTellsTheModel_data()
+void ConfigurationManagerTest::fileContentDeterminesTheModel_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<bool>("isOrvane");
@@ -63,7 +63,7 @@ void ConfigurationManagerTest::contentOfTheFileTellsTheModel_data()
     QTest::newRow("Orvane among others") << QByteArray(R"({"a": [1], "model": "Orvane", "z": {}})") << true;
     QTest::newRow("Pellit") << QByteArray(R"({"model": "Pellit"})") << false;
     QTest::newRow("lower case") << QByteArray(R"({"model": "orvane"})") << false;
-    QTest::newRow("blank behind") << QByteArray(R"({"model": "Orvane "})") << false;
+    QTest::newRow("trailing blank") << QByteArray(R"({"model": "Orvane "})") << false;
     QTest::newRow("other key") << QByteArray(R"({"Model": "Orvane"})") << false;
     QTest::newRow("list") << QByteArray(R"({"model": ["Orvane"]})") << false;
     QTest::newRow("number") << QByteArray(R"({"model": 1})") << false;
@@ -77,7 +77,7 @@ void ConfigurationManagerTest::contentOfTheFileTellsTheModel_data()
                                 << false;
 }
 
-void ConfigurationManagerTest::contentOfTheFileTellsTheModel()
+void ConfigurationManagerTest::fileContentDeterminesTheModel()
 {
     QFETCH(QByteArray, text);
     write(configurationFile, text);
@@ -106,7 +106,7 @@ void ConfigurationManagerTest::folderIsPellit()
     QVERIFY(!m_manager.isOrvane());
 }
 
-void ConfigurationManagerTest::fifoIsPellitAtOnce()
+void ConfigurationManagerTest::fifoIsPellitWithoutBlocking()
 {
     QCOMPARE(::mkfifo(qPrintable(configurationFile), 0600), 0);
 

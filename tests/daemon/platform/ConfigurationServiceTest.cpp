@@ -32,9 +32,9 @@ private Q_SLOTS:
     void init() { writeModel("Orvane"); }
     void cleanup() { m_bus.report(); }
     void connectionIsCheckedByDefault();
-    void modelIsReadWhileTheServiceIsThere();
-    void fileAloneAnswersWithoutCheck();
-    void serviceItselfIsNotAsked();
+    void modelIsReadWhileTheServiceIsRunning();
+    void onlyTheFileIsReadWithoutCheck();
+    void serviceIsNotCalled();
 
 private:
     PrivateBus m_bus;
@@ -51,7 +51,7 @@ void ConfigurationServiceTest::connectionIsCheckedByDefault()
     WAIT_FOR(!manager.isOrvane());
 }
 
-void ConfigurationServiceTest::modelIsReadWhileTheServiceIsThere()
+void ConfigurationServiceTest::modelIsReadWhileTheServiceIsRunning()
 {
     const BusPeer peer(m_bus, service);
     const ConfigurationManager manager;
@@ -61,7 +61,7 @@ void ConfigurationServiceTest::modelIsReadWhileTheServiceIsThere()
     QVERIFY(!manager.isOrvane());
 }
 
-void ConfigurationServiceTest::fileAloneAnswersWithoutCheck()
+void ConfigurationServiceTest::onlyTheFileIsReadWithoutCheck()
 {
     ConfigurationManager manager;
 
@@ -71,7 +71,7 @@ void ConfigurationServiceTest::fileAloneAnswersWithoutCheck()
     QVERIFY(!manager.isOrvane());
 }
 
-void ConfigurationServiceTest::serviceItselfIsNotAsked()
+void ConfigurationServiceTest::serviceIsNotCalled()
 {
     const BusPeer peer(m_bus, service, &BusPeer::hang);
 

@@ -22,7 +22,7 @@ constexpr int limit = 64 * 1024;
 const QString overlongText =
     QStringLiteral("ls::ConsoleReader::readInput ERROR: line over 65536 bytes dropped.");
 
-bool isEventLoopAtRest()
+bool isEventLoopIdle()
 {
     return !QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents);
 }
@@ -42,25 +42,25 @@ class ConsoleReaderTest : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void lineComesWithoutItsLineEnd_data();
-    void lineComesWithoutItsLineEnd();
-    void lineComesWholeHoweverItWasSplit_data();
-    void lineComesWholeHoweverItWasSplit();
-    void unfinishedLineIsHeldBack();
+    void lineEndIsRemoved_data();
+    void lineEndIsRemoved();
+    void splitLineIsJoined_data();
+    void splitLineIsJoined();
+    void unfinishedLineIsBuffered();
     void lineOfUpTo64KiBIsReported_data();
     void lineOfUpTo64KiBIsReported();
     void endlessLineIsDroppedWithOneLogLine();
     void endlessLineIsReportedBeforeItEnds();
-    void endlessLineTakesNoMemory();
-    void lineEndMaySplitBehind64KiB();
-    void eachOverlongLineHasItsLogLine();
-    void manyLinesComeInOrder();
-    void floodLeavesOthersTheirTurn();
+    void endlessLineUsesNoMemory();
+    void lineEndAfter64KiBMayBeSplit();
+    void eachOverlongLineIsLogged();
+    void manyLinesKeepTheirOrder();
+    void floodDoesNotStarveOtherEvents();
     void staleWakeUpDoesNotBlock();
     void endOfInputDropsTheUnfinishedLine();
-    void endOfInputEndsTheWatchForGood();
-    void inputWithoutDataCostsNothing_data();
-    void inputWithoutDataCostsNothing();
+    void endOfInputDisablesTheNotifier();
+    void inputWithoutDataIsNotPolled_data();
+    void inputWithoutDataIsNotPolled();
     void regularFileIsReadToItsEnd();
 
 private:
@@ -136,7 +136,7 @@ void ConsoleReaderTest::endInput()
     m_keyboard = -1;
 }
 
-void ConsoleReaderTest::lineComesWithoutItsLineEnd_data()
+void ConsoleReaderTest::lineEndIsRemoved_data()
 {
     QTest::addColumn<QByteArray>("typed");
     QTest::addColumn<QStringList>("expected");
@@ -157,7 +157,7 @@ void ConsoleReaderTest::lineComesWithoutItsLineEnd_data()
                                << QStringList{QString(1, QChar::ReplacementCharacter), "x"};
 }
 
-void ConsoleReaderTest::lineComesWithoutItsLineEnd()
+void ConsoleReaderTest::lineEndIsRemoved()
 {
     QFETCH(QByteArray, typed);
     QFETCH(QStringList, expected);
@@ -167,7 +167,7 @@ void ConsoleReaderTest::lineComesWithoutItsLineEnd()
     WAIT_FOR_EQUAL(m_lines, expected);
 }
 
-void ConsoleReaderTest::lineComesWholeHoweverItWasSplit_data()
+void ConsoleReaderTest::splitLineIsJoined_data()
 {
     QTest::addColumn<int>("pieceSize");
 
@@ -177,23 +177,23 @@ void ConsoleReaderTest::lineComesWholeHoweverItWasSplit_data()
     QTest::newRow("within a character") << 7;
 }
 
-void ConsoleReaderTest::lineComesWholeHoweverItWasSplit()
+void ConsoleReaderTest::splitLineIsJoined()
 {
     QFETCH(int, pieceSize);
     const QByteArray typed = "abc\r\nä€\r\nxyz\n";
 
     for (int start = 0; start < typed.size(); start += pieceSize) {
         type(typed.mid(start, pieceSize));
-        WAIT_FOR(isEventLoopAtRest());
+        WAIT_FOR(isEventLoopIdle());
     }
 
     WAIT_FOR_EQUAL(m_lines, QStringList({"abc", "ä€", "xyz"}));
 }
 
-void ConsoleReaderTest::unfinishedLineIsHeldBack()
+void ConsoleReaderTest::unfinishedLineIsBuffered()
 {
     type("HEL");
-    WAIT_FOR(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopIdle());
     QVERIFY(m_lines.isEmpty());
 
     type("P\n");
@@ -251,7 +251,7 @@ void ConsoleReaderTest::endlessLineIsReportedBeforeItEnds()
     WAIT_FOR_EQUAL(log.texts(QtCriticalMsg), QStringList(overlongText));
 }
 
-void ConsoleReaderTest::endlessLineTakesNoMemory()
+void ConsoleReaderTest::endlessLineUsesNoMemory()
 {
     const LogRecorder log;
     const QByteArray piece(1024 * 1024, 'x');
@@ -262,23 +262,23 @@ void ConsoleReaderTest::endlessLineTakesNoMemory()
         type(piece);
     }
 
-    WAIT_FOR(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopIdle());
     QVERIFY(allocatedBytes() < before + 1024 * 1024);
 }
 
-void ConsoleReaderTest::lineEndMaySplitBehind64KiB()
+void ConsoleReaderTest::lineEndAfter64KiBMayBeSplit()
 {
-    const QByteArray longest(limit, 'x');
+    const QByteArray maxLine(limit, 'x');
 
-    type(longest + '\r');
-    WAIT_FOR(isEventLoopAtRest());
+    type(maxLine + '\r');
+    WAIT_FOR(isEventLoopIdle());
     QVERIFY(m_lines.isEmpty());
 
     type("\n");
-    WAIT_FOR_EQUAL(m_lines, QStringList(longest));
+    WAIT_FOR_EQUAL(m_lines, QStringList(maxLine));
 }
 
-void ConsoleReaderTest::eachOverlongLineHasItsLogLine()
+void ConsoleReaderTest::eachOverlongLineIsLogged()
 {
     const QByteArray overlong = QByteArray(limit + 1, 'x') + '\n';
     const LogRecorder log;
@@ -289,7 +289,7 @@ void ConsoleReaderTest::eachOverlongLineHasItsLogLine()
     QCOMPARE(log.texts(QtCriticalMsg), QStringList({overlongText, overlongText, overlongText}));
 }
 
-void ConsoleReaderTest::manyLinesComeInOrder()
+void ConsoleReaderTest::manyLinesKeepTheirOrder()
 {
     QByteArray typed;
     QStringList expected;
@@ -303,7 +303,7 @@ void ConsoleReaderTest::manyLinesComeInOrder()
     WAIT_FOR_EQUAL(m_lines, expected);
 }
 
-void ConsoleReaderTest::floodLeavesOthersTheirTurn()
+void ConsoleReaderTest::floodDoesNotStarveOtherEvents()
 {
     int turns = 0;
     QTimer other;
@@ -332,32 +332,32 @@ void ConsoleReaderTest::endOfInputDropsTheUnfinishedLine()
     type("whole\nunfinis");
     endInput();
 
-    WAIT_FOR(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopIdle());
     QCOMPARE(m_lines, QStringList("whole"));
     QVERIFY(log.lines().isEmpty());
 }
 
-void ConsoleReaderTest::endOfInputEndsTheWatchForGood()
+void ConsoleReaderTest::endOfInputDisablesTheNotifier()
 {
     endInput();
-    WAIT_FOR(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopIdle());
 
     makePipe();
     type("late\n");
 
-    WAIT_FOR(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopIdle());
     QVERIFY(m_lines.isEmpty());
 }
 
-void ConsoleReaderTest::inputWithoutDataCostsNothing_data()
+void ConsoleReaderTest::inputWithoutDataIsNotPolled_data()
 {
     QTest::addColumn<QString>("input");
 
     QTest::newRow("/dev/null") << "/dev/null";
-    QTest::newRow("folder that cannot be read") << "/tmp";
+    QTest::newRow("unreadable folder") << "/tmp";
 }
 
-void ConsoleReaderTest::inputWithoutDataCostsNothing()
+void ConsoleReaderTest::inputWithoutDataIsNotPolled()
 {
     QFETCH(QString, input);
     const int fd = ::open(qPrintable(input), O_RDONLY | O_CLOEXEC);
@@ -367,7 +367,7 @@ void ConsoleReaderTest::inputWithoutDataCostsNothing()
 
     start();
 
-    WAIT_FOR(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopIdle());
     QVERIFY(log.lines().isEmpty());
 }
 
@@ -381,7 +381,7 @@ void ConsoleReaderTest::regularFileIsReadToItsEnd()
 
     start();
 
-    WAIT_FOR(isEventLoopAtRest());
+    WAIT_FOR(isEventLoopIdle());
     QCOMPARE(m_lines, QStringList({"first", "second"}));
 }
 

@@ -124,16 +124,16 @@ class DBusArgumentUnpackTest : public QObject
 private Q_SLOTS:
     void initTestCase();
     void cleanup() { m_bus.report(); }
-    void valueFromTheBusBecomesPlain_data();
-    void valueFromTheBusBecomesPlain();
-    void unpackingTwiceGivesTheSame_data() { valueFromTheBusBecomesPlain_data(); }
-    void unpackingTwiceGivesTheSame();
-    void plainContainersAreUnpackedInside();
+    void valueFromTheBusIsUnpacked_data();
+    void valueFromTheBusIsUnpacked();
+    void unpackingIsRepeatable_data() { valueFromTheBusIsUnpacked_data(); }
+    void unpackingIsRepeatable();
+    void elementsOfPlainContainersAreUnpacked();
     void containersWithBusArgumentsInsideAreUnpacked();
-    void plainValuesStayAsTheyAre_data();
-    void plainValuesStayAsTheyAre();
-    void argumentThatWasNeverOnTheBusIsNoValue();
-    void descriptorOfAnotherBusIsNoValue();
+    void plainValuesAreUnchanged_data();
+    void plainValuesAreUnchanged();
+    void unsentArgumentIsInvalid();
+    void descriptorOfAnotherBusIsInvalid();
 
 private:
     QVariant overTheBus(const QVariant& value) const;
@@ -158,7 +158,7 @@ QVariant DBusArgumentUnpackTest::overTheBus(const QVariant& value) const
     return reply.arguments().constFirst();
 }
 
-void DBusArgumentUnpackTest::valueFromTheBusBecomesPlain_data()
+void DBusArgumentUnpackTest::valueFromTheBusIsUnpacked_data()
 {
     QTest::addColumn<QVariant>("sent");
     QTest::addColumn<QString>("signature");
@@ -225,7 +225,7 @@ void DBusArgumentUnpackTest::valueFromTheBusBecomesPlain_data()
     row("no integer keys", "a{ii}", dictionaryOf<int, int>({}), QVariantMap());
 }
 
-void DBusArgumentUnpackTest::valueFromTheBusBecomesPlain()
+void DBusArgumentUnpackTest::valueFromTheBusIsUnpacked()
 {
     QFETCH(QVariant, sent);
     QFETCH(QVariant, expected);
@@ -237,7 +237,7 @@ void DBusArgumentUnpackTest::valueFromTheBusBecomesPlain()
     QCOMPARE(unpacked, expected);
 }
 
-void DBusArgumentUnpackTest::unpackingTwiceGivesTheSame()
+void DBusArgumentUnpackTest::unpackingIsRepeatable()
 {
     QFETCH(QVariant, sent);
     const QVariant received = overTheBus(sent);
@@ -250,7 +250,7 @@ void DBusArgumentUnpackTest::unpackingTwiceGivesTheSame()
     QCOMPARE(dbusArgumentUnpack(first), first);
 }
 
-void DBusArgumentUnpackTest::plainContainersAreUnpackedInside()
+void DBusArgumentUnpackTest::elementsOfPlainContainersAreUnpacked()
 {
     const QVariantMap packed{
         {"variant", busVariant(busVariant(1))},
@@ -272,7 +272,7 @@ void DBusArgumentUnpackTest::containersWithBusArgumentsInsideAreUnpacked()
     QCOMPARE(unpacked, QVariantMap({{"outer", QVariantList{QVariantMap{{"a", 1}}}}}));
 }
 
-void DBusArgumentUnpackTest::plainValuesStayAsTheyAre_data()
+void DBusArgumentUnpackTest::plainValuesAreUnchanged_data()
 {
     QTest::addColumn<QVariant>("value");
 
@@ -287,7 +287,7 @@ void DBusArgumentUnpackTest::plainValuesStayAsTheyAre_data()
     QTest::newRow("deep list") << nestedLists(1000);
 }
 
-void DBusArgumentUnpackTest::plainValuesStayAsTheyAre()
+void DBusArgumentUnpackTest::plainValuesAreUnchanged()
 {
     QFETCH(QVariant, value);
 
@@ -297,14 +297,14 @@ void DBusArgumentUnpackTest::plainValuesStayAsTheyAre()
     QCOMPARE(unpacked, value);
 }
 
-void DBusArgumentUnpackTest::argumentThatWasNeverOnTheBusIsNoValue()
+void DBusArgumentUnpackTest::unsentArgumentIsInvalid()
 {
     QVERIFY(!dbusArgumentUnpack(QVariant::fromValue(QDBusArgument())).isValid());
     QVERIFY(!dbusArgumentUnpack(arrayOf<int>({1})).isValid());
     QVERIFY(!dbusArgumentUnpack(structureOf(1)).isValid());
 }
 
-void DBusArgumentUnpackTest::descriptorOfAnotherBusIsNoValue()
+void DBusArgumentUnpackTest::descriptorOfAnotherBusIsInvalid()
 {
     QVERIFY(!dbusArgumentUnpack(QVariant::fromValue(descriptor())).isValid());
     QVERIFY(!dbusArgumentUnpack(busVariant(QVariant::fromValue(QDBusUnixFileDescriptor()))).isValid());

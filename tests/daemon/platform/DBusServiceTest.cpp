@@ -36,7 +36,7 @@ QVariant busVariant(const QVariant& value)
     return QVariant::fromValue(QDBusVariant(value));
 }
 
-/// Rows of argument lists whose first argument is no map.
+/// Rows of argument lists whose first argument is not a map.
 void addRowsWithoutMap()
 {
     QTest::addColumn<QVariantList>("arguments");
@@ -61,27 +61,27 @@ private Q_SLOTS:
     void init();
     void cleanup();
     void commandReachesTheService();
-    void replyMapComesBackUnpacked_data();
-    void replyMapComesBackUnpacked();
+    void replyMapIsUnpacked_data();
+    void replyMapIsUnpacked();
     void replyWithoutMapIsReported_data() { addRowsWithoutMap(); }
     void replyWithoutMapIsReported();
     void absentServiceIsReported();
     void serviceIsNotStartedForACommand();
     void refusalIsReported();
     void hangingServiceIsReported();
-    void serviceThatLeavesWhileAskedIsReported();
-    void lateAnswerIsServed();
+    void serviceThatDisappearsDuringACallIsReported();
+    void lateAnswerIsAccepted();
     void notificationIsAnnouncedUnpacked_data();
     void notificationIsAnnouncedUnpacked();
     void notificationWithoutMapIsReported_data() { addRowsWithoutMap(); }
     void notificationWithoutMapIsReported();
-    void badNotificationDoesNotDisturbTheNext();
-    void notificationsComeInOrder();
+    void invalidNotificationDoesNotAffectTheNext();
+    void notificationsKeepTheirOrder();
     void notificationDuringACommandIsNotLost();
-    void serviceMayAppearLaterAndAgain();
+    void serviceMayAppearLateAndReappear();
     void serviceMayChangeItsOwner();
     void notificationOfAnImpostorIsIgnored();
-    void storeMakesOneProxyForEachService();
+    void storeCreatesOneProxyPerService();
 
 private:
     QList<QVariantMap> notifications() const;
@@ -133,7 +133,7 @@ void DBusServiceTest::commandReachesTheService()
     QVERIFY(m_log->lines().isEmpty());
 }
 
-void DBusServiceTest::replyMapComesBackUnpacked_data()
+void DBusServiceTest::replyMapIsUnpacked_data()
 {
     QTest::addColumn<QVariantList>("arguments");
     QTest::addColumn<QVariantMap>("expected");
@@ -145,7 +145,7 @@ void DBusServiceTest::replyMapComesBackUnpacked_data()
     QTest::newRow("further arguments") << QVariantList{command, 1, "x"} << command;
 }
 
-void DBusServiceTest::replyMapComesBackUnpacked()
+void DBusServiceTest::replyMapIsUnpacked()
 {
     QFETCH(QVariantList, arguments);
     const BusPeer peer(m_bus, stateHandler, answerWith(arguments));
@@ -202,7 +202,7 @@ void DBusServiceTest::hangingServiceIsReported()
         processError("gave no answer: \"org.freedesktop.DBus.Error.NoReply\" \"Did not receive a reply.")));
 }
 
-void DBusServiceTest::serviceThatLeavesWhileAskedIsReported()
+void DBusServiceTest::serviceThatDisappearsDuringACallIsReported()
 {
     const BusPeer peer(m_bus, stateHandler, [](const BusPeer& self, const QDBusMessage&) { self.vanish(); });
 
@@ -212,7 +212,7 @@ void DBusServiceTest::serviceThatLeavesWhileAskedIsReported()
                                                 "replying\"")));
 }
 
-void DBusServiceTest::lateAnswerIsServed()
+void DBusServiceTest::lateAnswerIsAccepted()
 {
     const BusPeer peer(m_bus, stateHandler, [](const BusPeer& self, const QDBusMessage& call) {
         QThread::sleep(3);
@@ -225,7 +225,7 @@ void DBusServiceTest::lateAnswerIsServed()
 
 void DBusServiceTest::notificationIsAnnouncedUnpacked_data()
 {
-    replyMapComesBackUnpacked_data();
+    replyMapIsUnpacked_data();
 }
 
 void DBusServiceTest::notificationIsAnnouncedUnpacked()
@@ -252,7 +252,7 @@ void DBusServiceTest::notificationWithoutMapIsReported()
     QVERIFY(m_spy->isEmpty());
 }
 
-void DBusServiceTest::badNotificationDoesNotDisturbTheNext()
+void DBusServiceTest::invalidNotificationDoesNotAffectTheNext()
 {
     const BusPeer peer(m_bus, stateHandler);
 
@@ -263,7 +263,7 @@ void DBusServiceTest::badNotificationDoesNotDisturbTheNext()
     QCOMPARE(errors().size(), 1);
 }
 
-void DBusServiceTest::notificationsComeInOrder()
+void DBusServiceTest::notificationsKeepTheirOrder()
 {
     const BusPeer peer(m_bus, stateHandler);
     QList<QVariantMap> announced;
@@ -288,7 +288,7 @@ void DBusServiceTest::notificationDuringACommandIsNotLost()
     WAIT_FOR_EQUAL(notifications(), QList<QVariantMap>{nested});
 }
 
-void DBusServiceTest::serviceMayAppearLaterAndAgain()
+void DBusServiceTest::serviceMayAppearLateAndReappear()
 {
     for (int appearance = 1; appearance <= 20; ++appearance) {
         const BusPeer peer(m_bus, stateHandler, &BusPeer::echo);
@@ -314,7 +314,7 @@ void DBusServiceTest::serviceMayChangeItsOwner()
 
 void DBusServiceTest::notificationOfAnImpostorIsIgnored()
 {
-    const BusPeer former(m_bus, stateHandler);
+    const BusPeer previous(m_bus, stateHandler);
     const BusPeer owner(m_bus, stateHandler);
 
     former.announce({QVariantMap{{"stateId", "Error"}}});
@@ -324,7 +324,7 @@ void DBusServiceTest::notificationOfAnImpostorIsIgnored()
     WAIT_FOR_EQUAL(notifications(), QList<QVariantMap>{nested});
 }
 
-void DBusServiceTest::storeMakesOneProxyForEachService()
+void DBusServiceTest::storeCreatesOneProxyPerService()
 {
     ls::DBusServiceStore* const store = ls::DBusServiceStore::instance();
     QCOMPARE(ls::DBusServiceStore::instance(), store);

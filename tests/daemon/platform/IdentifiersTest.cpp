@@ -20,8 +20,8 @@ private Q_SLOTS:
     void noOrdinalMeansNoMember();
     void ordinalsAreUnique_data() { familyHasExactlyTheseOrdinals_data(); }
     void ordinalsAreUnique();
-    void identifierIsTheTextOfItsName_data();
-    void identifierIsTheTextOfItsName();
+    void identifierTextIsItsName_data();
+    void identifierTextIsItsName();
     void messageKeyHasItsText_data();
     void messageKeyHasItsText();
     void messageKeysAreUnique();
@@ -80,7 +80,7 @@ void IdentifiersTest::ordinalsAreUnique()
     QCOMPARE(QSet<int>(ordinals.begin(), ordinals.end()).size(), meta.size());
 }
 
-void IdentifiersTest::identifierIsTheTextOfItsName_data()
+void IdentifiersTest::identifierTextIsItsName_data()
 {
     QTest::addColumn<QString>("identifier");
 
@@ -104,7 +104,7 @@ void IdentifiersTest::identifierIsTheTextOfItsName_data()
     QTest::newRow("ServiceError") << ls::ErrorId::ServiceError;
 }
 
-void IdentifiersTest::identifierIsTheTextOfItsName()
+void IdentifiersTest::identifierTextIsItsName()
 {
     QFETCH(QString, identifier);
 

@@ -15,15 +15,15 @@ class JFileTest : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void topLevelObjectBecomesTheContent_data();
-    void topLevelObjectBecomesTheContent();
+    void topLevelObjectIsRead_data();
+    void topLevelObjectIsRead();
     void otherContentIsRefused_data();
     void otherContentIsRefused();
     void pathsWithoutRegularFileAreRefused_data();
     void pathsWithoutRegularFileAreRefused();
-    void fifoIsRefusedAtOnce();
+    void fifoIsRefusedWithoutBlocking();
     void linkToARegularFileIsFollowed();
-    void contentIsReplacedAsAWhole();
+    void contentIsReplacedCompletely();
     void tenMebibytesAreRead();
     void filesUpTo16MebibytesAreRead_data();
     void filesUpTo16MebibytesAreRead();
@@ -67,7 +67,7 @@ void JFileTest::verifyRefused(const QString& file)
     QVERIFY(log.lines().isEmpty());
 }
 
-void JFileTest::topLevelObjectBecomesTheContent_data()
+void JFileTest::topLevelObjectIsRead_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QVariantMap>("expected");
@@ -82,11 +82,11 @@ void JFileTest::topLevelObjectBecomesTheContent_data()
     QTest::newRow("nested") << QByteArray(R"({"a": {"b": [1.5, "x", {}]}})") << QVariantMap{{"a", inner}};
     QTest::newRow("duplicate keys") << QByteArray(R"({"a": 1, "b": 5, "a": 2, "a": 3})")
                                     << QVariantMap{{"a", 3}, {"b", 5}};
-    QTest::newRow("white space around") << QByteArray("\r\n {} \n\t") << QVariantMap();
+    QTest::newRow("surrounding white space") << QByteArray("\r\n {} \n\t") << QVariantMap();
     QTest::newRow("UTF-8") << QByteArray("{\"ä\": \"€\"}") << QVariantMap{{"ä", "€"}};
 }
 
-void JFileTest::topLevelObjectBecomesTheContent()
+void JFileTest::topLevelObjectIsRead()
 {
     QFETCH(QByteArray, text);
     QVariantMap content;
@@ -108,10 +108,10 @@ void JFileTest::otherContentIsRefused_data()
     QTest::newRow("null") << QByteArray("null");
     QTest::newRow("truncated object") << QByteArray("{\"a\": [1, 2");
     QTest::newRow("truncated string") << QByteArray("{\"a");
-    QTest::newRow("text behind the object") << QByteArray("{} x");
+    QTest::newRow("text after the object") << QByteArray("{} x");
     QTest::newRow("two objects") << QByteArray("{}{}");
     QTest::newRow("NUL bytes") << QByteArray(4096, '\0');
-    QTest::newRow("NUL byte behind the object") << QByteArray("{}\0", 3);
+    QTest::newRow("NUL byte after the object") << QByteArray("{}\0", 3);
     QTest::newRow("invalid UTF-8") << QByteArray("{\"a\": \"\xff\xfe\"}");
     QTest::newRow("nested too deep") << "{\"a\":" + QByteArray(2000, '[') + QByteArray(2000, ']') + "}";
     QTest::newRow("opened a million times") << QByteArray(1000000, '{');
@@ -144,7 +144,7 @@ void JFileTest::pathsWithoutRegularFileAreRefused()
     verifyRefused(file);
 }
 
-void JFileTest::fifoIsRefusedAtOnce()
+void JFileTest::fifoIsRefusedWithoutBlocking()
 {
     QCOMPARE(::mkfifo(QFile::encodeName(path("fifo")).constData(), 0600), 0);
     QVERIFY(QFile::link(path("fifo"), path("link")));
@@ -162,7 +162,7 @@ void JFileTest::linkToARegularFileIsFollowed()
     QCOMPARE(content, QVariantMap({{"a", 1}}));
 }
 
-void JFileTest::contentIsReplacedAsAWhole()
+void JFileTest::contentIsReplacedCompletely()
 {
     ls::IReader& reader = m_reader;
     QVariantMap content{{"old", 1}};

@@ -24,25 +24,25 @@ class KeyEventTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void recordHasTheSizeThatTheKernelWrites();
-    void emptyEventIsNoKeyEvent();
-    void valueTellsWhatHappenedToTheKey_data();
-    void valueTellsWhatHappenedToTheKey();
+    void recordHasTheSizeOfTheKernelRecord();
+    void defaultEventIsNotAKeyEvent();
+    void valueDeterminesTheKeyAction_data();
+    void valueDeterminesTheKeyAction();
     void recordIsKeptUnchanged();
-    void copiesCarryTheRecord();
-    void allEventsShareOneTypeOfTheirOwn();
-    void travelsInAVariant();
+    void copiesKeepTheRecord();
+    void allEventsHaveTheSameUniqueType();
+    void canBeStoredInAVariant();
 };
 
-void KeyEventTest::recordHasTheSizeThatTheKernelWrites()
+void KeyEventTest::recordHasTheSizeOfTheKernelRecord()
 {
-    // Two times of a word each, then type, code and value.
+    // Two words of time, then type, code and value.
     const std::size_t size = QSysInfo::WordSize == 32 ? 16 : 24;
 
     QCOMPARE(sizeof(ls::KeyEvent().event()), size);
 }
 
-void KeyEventTest::emptyEventIsNoKeyEvent()
+void KeyEventTest::defaultEventIsNotAKeyEvent()
 {
     const ls::KeyEvent event;
 
@@ -53,7 +53,7 @@ void KeyEventTest::emptyEventIsNoKeyEvent()
     QCOMPARE(event.code(), quint16(0));
 }
 
-void KeyEventTest::valueTellsWhatHappenedToTheKey_data()
+void KeyEventTest::valueDeterminesTheKeyAction_data()
 {
     QTest::addColumn<int>("type");
     QTest::addColumn<int>("value");
@@ -65,7 +65,7 @@ void KeyEventTest::valueTellsWhatHappenedToTheKey_data()
     QTest::newRow("released") << EV_KEY << 0 << true << true << false << false;
     QTest::newRow("pressed") << EV_KEY << 1 << true << false << true << false;
     QTest::newRow("repeated") << EV_KEY << 2 << true << false << false << true;
-    QTest::newRow("above all") << EV_KEY << 3 << true << false << false << false;
+    QTest::newRow("above repeated") << EV_KEY << 3 << true << false << false << false;
     QTest::newRow("negative") << EV_KEY << -1 << true << false << false << false;
     QTest::newRow("no value") << EV_KEY << std::numeric_limits<int>::min() << true << false << false << false;
     QTest::newRow("synchronisation 0") << EV_SYN << 0 << false << false << false << false;
@@ -73,7 +73,7 @@ void KeyEventTest::valueTellsWhatHappenedToTheKey_data()
     QTest::newRow("relative axis 2") << EV_REL << 2 << false << false << false << false;
 }
 
-void KeyEventTest::valueTellsWhatHappenedToTheKey()
+void KeyEventTest::valueDeterminesTheKeyAction()
 {
     QFETCH(int, type);
     QFETCH(int, value);
@@ -97,7 +97,7 @@ void KeyEventTest::recordIsKeptUnchanged()
     QCOMPARE(std::memcmp(&event.event(), &original, sizeof original), 0);
 }
 
-void KeyEventTest::copiesCarryTheRecord()
+void KeyEventTest::copiesKeepTheRecord()
 {
     ls::KeyEvent original(record(EV_KEY, KEY_BACK, 1));
     const ls::KeyEvent copy(original);
@@ -111,7 +111,7 @@ void KeyEventTest::copiesCarryTheRecord()
     QCOMPARE(assigned.code(), quint16(KEY_BACK));
 }
 
-void KeyEventTest::allEventsShareOneTypeOfTheirOwn()
+void KeyEventTest::allEventsHaveTheSameUniqueType()
 {
     const ls::KeyEvent event;
 
@@ -120,7 +120,7 @@ void KeyEventTest::allEventsShareOneTypeOfTheirOwn()
     QVERIFY(QEvent::registerEventType() != int(event.type()));
 }
 
-void KeyEventTest::travelsInAVariant()
+void KeyEventTest::canBeStoredInAVariant()
 {
     const QVariant variant = QVariant::fromValue(ls::KeyEvent(record(EV_KEY, KEY_OK, 2)));
 

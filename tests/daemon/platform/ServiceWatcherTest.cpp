@@ -28,13 +28,13 @@ Q_DECLARE_METATYPE(Make)
 
 namespace {
 
-/// Called before the kernel is asked for a watch on `path`.
+/// Called before a watch on `path` is added.
 Make g_beforeWatch = nullptr;
 std::atomic<int> g_watches = 0;
 
 } // namespace
 
-// In the place of the C library's, for changes between two steps of a question.
+// Replaces the C library's function, so that tests can make changes during a query.
 int inotify_add_watch(int fd, const char* path, uint32_t mask) noexcept
 {
     ++g_watches;
@@ -78,7 +78,7 @@ public:
         ::close(m_socket);
     }
 
-    /// The next message; empty when there is none.
+    /// The next message; empty if there is none.
     QByteArray receive() const
     {
         char message[256];
@@ -91,7 +91,7 @@ private:
     const int m_socket = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
 };
 
-/// What became of one question, asked on a thread of its own.
+/// The result of one query on a separate thread.
 struct Answer
 {
     bool ready = false;
@@ -114,7 +114,7 @@ Answer ask(const QString& name)
     return answer;
 }
 
-// These need no descriptor; the file is that of the speech daemon.
+// These functions need no descriptor; they use the readiness file of the speech daemon.
 void makeFolder()
 {
     ::mkdir(qPrintable(folder), S_IRWXU);
@@ -141,10 +141,9 @@ void removeFolder()
 constexpr int maxHoldMs = 1000;
 constexpr int maxWakeUpsPerSecond = 4;
 
-/// Asks for a service that `change` makes ready meanwhile. False when each answer came at once, so that it
-/// was no answer to the change, or with the end of the hold: a busy machine may let the change come too early
-/// or too late, but not always.
-bool isNoticedWhileAsked(Step before, Step change)
+/// Queries a service that `change` makes ready. True if an attempt ended because of the change, not before it and
+/// not with the timeout: on a busy machine, the change may be too early or too late, but not always.
+bool isNoticedDuringQuery(Step before, Step change)
 {
     constexpr int maxAttempts = 10;
     for (int i = 0; i < maxAttempts; ++i) {
@@ -164,7 +163,7 @@ bool isNoticedWhileAsked(Step before, Step change)
     return false;
 }
 
-/// For as long as it lives, no descriptor is left.
+/// Leaves no free descriptors during its lifetime.
 class NoDescriptors
 {
 public:
@@ -182,7 +181,7 @@ private:
     rlimit m_limit = {};
 };
 
-/// What stands at a path: its own kind, number and size, not those of what it points to.
+/// The mode, inode and size of the entry at a path, without following links.
 QVector<quint64> entryAt(const QString& path)
 {
     struct stat status = {};
@@ -204,26 +203,26 @@ private Q_SLOTS:
     void readinessIsAFileOfThatName();
     void declarationsMayBeRepeated();
     void revocationOfAnUnknownServiceIsSilent();
-    void unreadyServiceIsNoticedWhileAsked_data();
-    void unreadyServiceIsNoticedWhileAsked();
-    void aChangeJustBeforeTheWatchIsNoticed_data();
-    void aChangeJustBeforeTheWatchIsNoticed();
-    void aNoCostsFewWakeUps_data();
-    void aNoCostsFewWakeUps();
-    void filesThatComeAndGoCostLittle();
-    void aServiceIsAwaitedWithoutDescriptors();
-    void questionsLeaveNoDescriptors();
-    void namesThatAreNoFileNamesAreRefused_data();
-    void namesThatAreNoFileNamesAreRefused();
-    void whatIsNoRegularFileIsRefused_data();
-    void whatIsNoRegularFileIsRefused();
-    void aRegularFileIsAcceptedAsItIs();
+    void changeDuringAQueryIsNoticed_data();
+    void changeDuringAQueryIsNoticed();
+    void changeJustBeforeTheWatchIsNoticed_data();
+    void changeJustBeforeTheWatchIsNoticed();
+    void negativeAnswerCausesFewWakeUps_data();
+    void negativeAnswerCausesFewWakeUps();
+    void otherFilesCauseFewWakeUps();
+    void queryWorksWithoutFreeDescriptors();
+    void queriesLeakNoDescriptors();
+    void invalidFileNamesAreRefused_data();
+    void invalidFileNamesAreRefused();
+    void irregularFilesAreRefused_data();
+    void irregularFilesAreRefused();
+    void existingRegularFileIsUnchanged();
     void unusableFolderIsReported_data();
     void unusableFolderIsReported();
-    void aLinkedFolderIsNotFollowed();
-    void fileThatCannotBeRemovedIsReported();
-    void serviceManagerIsToldOfReadinessOnly();
-    void serviceManagerIsToldEvenWithoutFile();
+    void linkedFolderIsNotFollowed();
+    void failedRemovalIsReported();
+    void serviceManagerIsNotifiedOnlyOfReadiness();
+    void serviceManagerIsNotifiedEvenWithoutFile();
     void unreachableServiceManagerIsReported();
 };
 
@@ -275,7 +274,7 @@ void ServiceWatcherTest::revocationOfAnUnknownServiceIsSilent()
     QVERIFY(!QFile::exists(folder));
 }
 
-void ServiceWatcherTest::unreadyServiceIsNoticedWhileAsked_data()
+void ServiceWatcherTest::changeDuringAQueryIsNoticed_data()
 {
     QTest::addColumn<Step>("before");
     QTest::addColumn<Step>("change");
@@ -286,7 +285,7 @@ void ServiceWatcherTest::unreadyServiceIsNoticedWhileAsked_data()
         makeFolder();
         makeFile();
     });
-    QTest::newRow("file made a little after the folder") << Step([] {}) << Step([] {
+    QTest::newRow("file made shortly after the folder") << Step([] {}) << Step([] {
         makeFolder();
         QThread::msleep(30);
         makeFile();
@@ -304,15 +303,15 @@ void ServiceWatcherTest::unreadyServiceIsNoticedWhileAsked_data()
     });
 }
 
-void ServiceWatcherTest::unreadyServiceIsNoticedWhileAsked()
+void ServiceWatcherTest::changeDuringAQueryIsNoticed()
 {
     QFETCH(Step, before);
     QFETCH(Step, change);
 
-    QVERIFY(isNoticedWhileAsked(before, change));
+    QVERIFY(isNoticedDuringQuery(before, change));
 }
 
-void ServiceWatcherTest::aChangeJustBeforeTheWatchIsNoticed_data()
+void ServiceWatcherTest::changeJustBeforeTheWatchIsNoticed_data()
 {
     QTest::addColumn<Step>("before");
     QTest::addColumn<Make>("beforeWatch");
@@ -326,27 +325,27 @@ void ServiceWatcherTest::aChangeJustBeforeTheWatchIsNoticed_data()
     }) << Step(makeFile);
 }
 
-void ServiceWatcherTest::aChangeJustBeforeTheWatchIsNoticed()
+void ServiceWatcherTest::changeJustBeforeTheWatchIsNoticed()
 {
     QFETCH(Step, before);
     QFETCH(Make, beforeWatch);
     QFETCH(Step, change);
 
     g_beforeWatch = beforeWatch;
-    const bool isNoticed = isNoticedWhileAsked(before, change);
+    const bool isNoticed = isNoticedDuringQuery(before, change);
     g_beforeWatch = nullptr;
 
     QVERIFY(isNoticed);
 }
 
-void ServiceWatcherTest::aNoCostsFewWakeUps_data()
+void ServiceWatcherTest::negativeAnswerCausesFewWakeUps_data()
 {
     QTest::addColumn<bool>("hasFolder");
     QTest::newRow("folder there") << true;
     QTest::newRow("no folder") << false;
 }
 
-void ServiceWatcherTest::aNoCostsFewWakeUps()
+void ServiceWatcherTest::negativeAnswerCausesFewWakeUps()
 {
     QFETCH(bool, hasFolder);
     if (hasFolder) {
@@ -360,7 +359,7 @@ void ServiceWatcherTest::aNoCostsFewWakeUps()
              qPrintable(QString::number(answer.wakeUps)));
 }
 
-void ServiceWatcherTest::filesThatComeAndGoCostLittle()
+void ServiceWatcherTest::otherFilesCauseFewWakeUps()
 {
     makeFolder();
     std::atomic<bool> isOver = false;
@@ -376,28 +375,28 @@ void ServiceWatcherTest::filesThatComeAndGoCostLittle()
     others.join();
 
     QVERIFY(!answer.ready);
-    // Two for each change that is waited for; a change is waited for every 2 ms at the most.
+    // Two for each change that is noticed; changes are checked at most every 2 ms.
     QVERIFY2(answer.wakeUps <= answer.milliseconds, qPrintable(QString::number(answer.wakeUps)));
 }
 
-void ServiceWatcherTest::aServiceIsAwaitedWithoutDescriptors()
+void ServiceWatcherTest::queryWorksWithoutFreeDescriptors()
 {
     const NoDescriptors none;
 
-    QVERIFY(isNoticedWhileAsked(makeFolder, makeFile));
+    QVERIFY(isNoticedDuringQuery(makeFolder, makeFile));
     removeFolder();
     const Answer no = ask("speechd");
 
     QVERIFY(!no.ready);
     QVERIFY(no.milliseconds >= maxHoldMs);
-    // A look every 50 ms.
+    // One poll every 50 ms.
     QVERIFY2(no.wakeUps <= 2 * maxHoldMs / 50 + 2, qPrintable(QString::number(no.wakeUps)));
 }
 
-void ServiceWatcherTest::questionsLeaveNoDescriptors()
+void ServiceWatcherTest::queriesLeakNoDescriptors()
 {
     makeFolder();
-    QVERIFY(!ServiceWatcher::isReady("speechd")); // this thread has its watch now
+    QVERIFY(!ServiceWatcher::isReady("speechd")); // creates this thread's watch
     const int before = ProcessFigures::ownDescriptors();
 
     ask("speechd");
@@ -413,7 +412,7 @@ void ServiceWatcherTest::questionsLeaveNoDescriptors()
     QCOMPARE(ProcessFigures::ownDescriptors(), before);
 }
 
-void ServiceWatcherTest::namesThatAreNoFileNamesAreRefused_data()
+void ServiceWatcherTest::invalidFileNamesAreRefused_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("quoted");
@@ -429,7 +428,7 @@ void ServiceWatcherTest::namesThatAreNoFileNamesAreRefused_data()
     QTest::newRow("NUL character") << QString("a") + QChar::Null << "\"a\\u0000\"";
 }
 
-void ServiceWatcherTest::namesThatAreNoFileNamesAreRefused()
+void ServiceWatcherTest::invalidFileNamesAreRefused()
 {
     QFETCH(QString, name);
     QFETCH(QString, quoted);
@@ -442,7 +441,7 @@ void ServiceWatcherTest::namesThatAreNoFileNamesAreRefused()
     QVERIFY(!QFile::exists(folder));
 }
 
-void ServiceWatcherTest::whatIsNoRegularFileIsRefused_data()
+void ServiceWatcherTest::irregularFilesAreRefused_data()
 {
     QTest::addColumn<Make>("make");
     const auto add = [](const char* name, Make make) { QTest::newRow(name) << make; };
@@ -451,11 +450,11 @@ void ServiceWatcherTest::whatIsNoRegularFileIsRefused_data()
     add("link to nothing", [](const char* path) { ::symlink("/run/nothing", path); });
     add("link to a folder", [](const char* path) { ::symlink("/run/service-watcher", path); });
     add("folder", [](const char* path) { ::mkdir(path, S_IRWXU); });
-    // The one device that needs no privilege.
+    // The only device that needs no privileges.
     add("device", [](const char* path) { ::mknod(path, S_IFCHR, makedev(0, 0)); });
 }
 
-void ServiceWatcherTest::whatIsNoRegularFileIsRefused()
+void ServiceWatcherTest::irregularFilesAreRefused()
 {
     QFETCH(Make, make);
     const QString path = readinessFile("keyboard-handler");
@@ -477,7 +476,7 @@ void ServiceWatcherTest::whatIsNoRegularFileIsRefused()
     QVERIFY(!QFile::exists("/run/nothing"));
 }
 
-void ServiceWatcherTest::aRegularFileIsAcceptedAsItIs()
+void ServiceWatcherTest::existingRegularFileIsUnchanged()
 {
     makeFolder();
     QFile file(readinessFile("keyboard-handler"));
@@ -519,7 +518,7 @@ void ServiceWatcherTest::unusableFolderIsReported()
     QVERIFY(!QFile::exists("/run/nothing"));
 }
 
-void ServiceWatcherTest::aLinkedFolderIsNotFollowed()
+void ServiceWatcherTest::linkedFolderIsNotFollowed()
 {
     QVERIFY(QDir().mkpath("/run/elsewhere"));
     QVERIFY(QFile("/run/elsewhere/speechd").open(QIODevice::WriteOnly));
@@ -534,7 +533,7 @@ void ServiceWatcherTest::aLinkedFolderIsNotFollowed()
              criticalLine("creating \"/run/service-watcher/state-handler\" failed: \"Not a directory\""));
 }
 
-void ServiceWatcherTest::fileThatCannotBeRemovedIsReported()
+void ServiceWatcherTest::failedRemovalIsReported()
 {
     QVERIFY(QDir().mkpath(readinessFile("speechd/inner")));
     const LogRecorder log;
@@ -545,7 +544,7 @@ void ServiceWatcherTest::fileThatCannotBeRemovedIsReported()
              criticalLine("removing \"/run/service-watcher/speechd\" failed: \"Is a directory\""));
 }
 
-void ServiceWatcherTest::serviceManagerIsToldOfReadinessOnly()
+void ServiceWatcherTest::serviceManagerIsNotifiedOnlyOfReadiness()
 {
     const NotifySocket manager;
 
@@ -556,7 +555,7 @@ void ServiceWatcherTest::serviceManagerIsToldOfReadinessOnly()
     QCOMPARE(manager.receive(), QByteArray());
 }
 
-void ServiceWatcherTest::serviceManagerIsToldEvenWithoutFile()
+void ServiceWatcherTest::serviceManagerIsNotifiedEvenWithoutFile()
 {
     QVERIFY(QFile(folder).open(QIODevice::WriteOnly));
     const NotifySocket manager;

@@ -15,7 +15,7 @@ public:
     explicit Counted(QObject* parent) : QObject(parent)
     {
         ++s_made;
-        // Long enough for the other threads to ask while the object is being made.
+        // Long enough for the other threads to request the object during its construction.
         QThread::msleep(10);
         m_complete = true;
     }
@@ -43,13 +43,13 @@ class SingletonTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void allThreadsGetTheOneCompleteObject();
+    void allThreadsGetTheSameCompleteObject();
     void hasNoParent();
-    void everyTypeHasItsOwn();
+    void everyTypeHasASeparateInstance();
     void isNotDestroyed();
 };
 
-void SingletonTest::allThreadsGetTheOneCompleteObject()
+void SingletonTest::allThreadsGetTheSameCompleteObject()
 {
     std::atomic<int> complete{0};
     std::vector<std::thread> threads;
@@ -70,7 +70,7 @@ void SingletonTest::hasNoParent()
     QVERIFY(!libvantre::Singleton<Counted>::instance()->parent());
 }
 
-void SingletonTest::everyTypeHasItsOwn()
+void SingletonTest::everyTypeHasASeparateInstance()
 {
     QObject* const counted = libvantre::Singleton<Counted>::instance();
     QObject* const other = libvantre::Singleton<Other>::instance();

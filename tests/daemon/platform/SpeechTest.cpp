@@ -36,9 +36,9 @@ class SpeechTest : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void daemonThatWasThereBeforeIsConnected();
+    void existingDaemonIsConnected();
     void nothingIsReportedDuringConstruction();
-    void daemonThatAppearsLaterIsConnected();
+    void laterDaemonIsConnected();
     void everyAppearanceIsReportedOnce();
     void appearanceDuringTheQueryIsReportedOnce();
     void disappearanceDuringTheQueryIsNotMissed();
@@ -47,9 +47,9 @@ private Q_SLOTS:
     void sentenceIsRequestedWithoutReply();
     void cancellationIsRequestedWithoutReply();
     void requestsKeepTheirOrder();
-    void refusedRequestsAreSilent();
-    void hangingDaemonDoesNotHoldUpTheCaller();
-    void requestsForAnAbsentDaemonAreGone();
+    void refusedRequestsAreNotReported();
+    void hangingDaemonDoesNotBlockTheCaller();
+    void requestsToAnAbsentDaemonAreDropped();
     void daemonIsNotStartedForARequest();
 
 private:
@@ -82,7 +82,7 @@ void SpeechTest::makeSpeech()
     connect(m_speech.get(), &Speech::disconnected, this, [this] { m_events.append("disconnected"); });
 }
 
-void SpeechTest::daemonThatWasThereBeforeIsConnected()
+void SpeechTest::existingDaemonIsConnected()
 {
     const BusPeer daemon(m_bus, speechDaemon);
 
@@ -103,7 +103,7 @@ void SpeechTest::nothingIsReportedDuringConstruction()
     WAIT_FOR_EQUAL(m_events, QStringList("connected"));
 }
 
-void SpeechTest::daemonThatAppearsLaterIsConnected()
+void SpeechTest::laterDaemonIsConnected()
 {
     makeSpeech();
     PrivateBus::settle();
@@ -223,7 +223,7 @@ void SpeechTest::requestsKeepTheirOrder()
     WAIT_FOR_EQUAL(membersOf(daemon.calls()), QStringList({"speakFromId", "cancelAll", "speakFromId"}));
 }
 
-void SpeechTest::refusedRequestsAreSilent()
+void SpeechTest::refusedRequestsAreNotReported()
 {
     const BusPeer daemon(m_bus, speechDaemon, [](const BusPeer& self, const QDBusMessage& call) {
         self.refuse(call, "com.vantre.Error.Busy", "busy");
@@ -239,7 +239,7 @@ void SpeechTest::refusedRequestsAreSilent()
     QVERIFY(m_log->lines().isEmpty());
 }
 
-void SpeechTest::hangingDaemonDoesNotHoldUpTheCaller()
+void SpeechTest::hangingDaemonDoesNotBlockTheCaller()
 {
     const BusPeer daemon(m_bus, speechDaemon, &BusPeer::hang);
     makeSpeech();
@@ -252,7 +252,7 @@ void SpeechTest::hangingDaemonDoesNotHoldUpTheCaller()
     QVERIFY(m_log->lines().isEmpty());
 }
 
-void SpeechTest::requestsForAnAbsentDaemonAreGone()
+void SpeechTest::requestsToAnAbsentDaemonAreDropped()
 {
     makeSpeech();
     for (int i = 0; i < 1000; ++i) {

@@ -14,7 +14,7 @@ private Q_SLOTS:
     void cleanup();
     void isSilentByDefault();
     void reportsNameAndTimeWhenEnabled();
-    void measuresTheTimeBetween();
+    void measuresTheElapsedTime();
     void finishWithoutStartReportsNothing();
     void secondFinishReportsNothing();
     void startedTwiceRunsOnce();
@@ -53,7 +53,7 @@ void TimerTest::reportsNameAndTimeWhenEnabled()
     QVERIFY(QRegularExpression("^\"Console\" took \\d+ ms$").match(log.lines().constFirst().text).hasMatch());
 }
 
-void TimerTest::measuresTheTimeBetween()
+void TimerTest::measuresTheElapsedTime()
 {
     enable();
     const LogRecorder log;

@@ -22,14 +22,14 @@ private Q_SLOTS:
     void smallestOrdinalMeansNoMember();
     void emptyFamilyHasNoMembers();
     void responseHoldsExactlyResultAndError();
-    void successCarriesTheNoErrorMarker();
+    void successHasTheNoErrorMarker();
     void keyNamesAreSentences17To29And31();
-    void everyCallOfKeyNamesGivesACopyOfItsOwn();
-    void logPrefixIsCutFromTheSignature_data();
-    void logPrefixIsCutFromTheSignature();
+    void keyNamesReturnsIndependentCopies();
+    void logPrefixIsExtractedFromTheSignature_data();
+    void logPrefixIsExtractedFromTheSignature();
     void logLineQuotesIdentifiersButNotThePrefix();
     void failedLineEndsWithTheTag();
-    void keyListFilesHaveTheirNames();
+    void keyListFileNamesAreExact();
 };
 
 void VocabularyTest::membershipIsExact_data()
@@ -72,7 +72,7 @@ void VocabularyTest::responseHoldsExactlyResultAndError()
     QCOMPARE(vocabulary::response(ls::ResultId::Failure, ls::ErrorId::InvalidValue), expected);
 }
 
-void VocabularyTest::successCarriesTheNoErrorMarker()
+void VocabularyTest::successHasTheNoErrorMarker()
 {
     const QVariantMap expected{{QStringLiteral("resultId"), QStringLiteral("Success")},
                                {QStringLiteral("errorId"), QStringLiteral("Undefined")}};
@@ -96,14 +96,14 @@ void VocabularyTest::keyNamesAreSentences17To29And31()
     QCOMPARE(int(names.value(ls::KeyId::FactoryReset)), 0);
 }
 
-void VocabularyTest::everyCallOfKeyNamesGivesACopyOfItsOwn()
+void VocabularyTest::keyNamesReturnsIndependentCopies()
 {
     vocabulary::KeyNames mine = vocabulary::keyNames();
     mine.insert(ls::KeyId::Function, EmbosserCore::KeyFunctionOrvane);
     QCOMPARE(vocabulary::keyNames().value(ls::KeyId::Function), EmbosserCore::KeyFunction);
 }
 
-void VocabularyTest::logPrefixIsCutFromTheSignature_data()
+void VocabularyTest::logPrefixIsExtractedFromTheSignature_data()
 {
     QTest::addColumn<QString>("shortName");
     QTest::addColumn<QString>("signature");
@@ -128,12 +128,12 @@ void VocabularyTest::logPrefixIsCutFromTheSignature_data()
         << "operator()"
         << "Console::Console(KeyboardHandler*)::<lambda(const QVariantMap&)>"
         << "QVariantMap&)> FAILED!";
-    QTest::newRow("nothing to cut") << "f"
+    QTest::newRow("bare name") << "f"
                                     << ""
                                     << " FAILED!";
 }
 
-void VocabularyTest::logPrefixIsCutFromTheSignature()
+void VocabularyTest::logPrefixIsExtractedFromTheSignature()
 {
     QFETCH(QString, shortName);
     QFETCH(QString, signature);
@@ -160,7 +160,7 @@ void VocabularyTest::failedLineEndsWithTheTag()
     QCOMPARE(log.lines(), expected);
 }
 
-void VocabularyTest::keyListFilesHaveTheirNames()
+void VocabularyTest::keyListFileNamesAreExact()
 {
     QCOMPARE(vocabulary::dataDirectory, QStringLiteral("/var/lib/keyboard-handler"));
     QCOMPARE(vocabulary::keyListFile, QStringLiteral("keyList.json"));

@@ -61,7 +61,7 @@ public:
 
     QString precede(FaultTest& test) override
     {
-        test.device().stateHandler().setBehaviour(StateHandlerStandIn::Behaviour::KeepsSilent);
+        test.device().stateHandler().setBehaviour(StateHandlerStandIn::Behaviour::StaysSilent);
         for (int i = 0; i < m_earlyKeys; ++i) {
             test.tap(ls::KeyId::Back, dice.below(Panel::keyboardCount));
         }
@@ -240,7 +240,7 @@ public:
             QStringLiteral("/"), QStringLiteral("com.vantre.Stranger"), QStringLiteral("notification"));
         const int size = largest / (1 + dice.below(4));
         message << QByteArray(size, 'x');
-        for (int sent = 0; sent <= mostKept + size; sent += size) {
+        for (int sent = 0; sent <= maxKept + size; sent += size) {
             // Another one each time: the bus hears no more from one of whom it keeps so much.
             BusClient sender(test.device().bus().address());
             sender.connection().send(message);
@@ -250,7 +250,7 @@ public:
         }
         const int held =
             ProcessFigures::memoryKib(test.device().bus().processId(), QStringLiteral("Anonymous"));
-        return held >= mostKept / 1024 ? QString() : QStringLiteral("the bus is not full");
+        return held >= maxKept / 1024 ? QString() : QStringLiteral("the bus is not full");
     }
     QString end(FaultTest&) override
     {
@@ -260,7 +260,7 @@ public:
 
 private:
     static constexpr int largest = 31 * 1024 * 1024;
-    static constexpr int mostKept = 127 * 1024 * 1024; // the bus keeps this much for a client
+    static constexpr int maxKept = 127 * 1024 * 1024; // the bus keeps this much for a client
 
     std::unique_ptr<RawBusClient> m_subscriber;
 };

@@ -96,7 +96,7 @@ void GoldenTest::scriptGoesAsExpected()
 
     for (const ScriptStep& step : qAsConst(script.steps)) {
         device->waitUntil(step.at); // what falls due at the same moment comes before the step
-        device->take(step);
+        device->play(step);
     }
     device->waitUntil(script.duration() + 5s);
     const Observations observed = withNames(device->takeObservations());

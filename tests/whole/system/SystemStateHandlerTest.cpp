@@ -85,7 +85,7 @@ void SystemStateHandlerTest::aStateHandlerThatDiesWhileAskedIsGivenUp()
 void SystemStateHandlerTest::aStateHandlerThatKeepsSilentIsGivenUp()
 {
     QVERIFY(prepare());
-    device().stateHandler().setBehaviour(StateHandlerStandIn::Behaviour::KeepsSilent);
+    device().stateHandler().setBehaviour(StateHandlerStandIn::Behaviour::StaysSilent);
     QVERIFY(launch());
     QVERIFY(awaitLog(invalidResult));
     QVERIFY(nextKeyWorks());

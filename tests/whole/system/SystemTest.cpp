@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int shownObservations = 50;
+constexpr int maxShownObservations = 50;
 
 } // namespace
 
@@ -132,7 +132,7 @@ void SystemTest::showEnd() const
 {
     // The end tells what went wrong; a flood before it would hide that.
     const Observations last =
-        m_recorder->observations().mid(std::max(0, m_recorder->observations().size() - shownObservations));
+        m_recorder->observations().mid(std::max(0, m_recorder->observations().size() - maxShownObservations));
     for (const Observation& observation : last) {
         qInfo("%6lld ms  %s", static_cast<long long>(observation.at.count()), qPrintable(observation.text));
     }

@@ -100,7 +100,7 @@ async function toldOf(panel, text) {
 
 for (const [name, text, first] of [
     ['no JSON', '{\n  "ModifierKeys": [}', /^modifierKeyList\.json: Not JSON: line 2, column 20: /],
-    ['another list', '{"Wrong": []}', /^modifierKeyList\.json has no list that can be read/],
+    ['another list', '{"Wrong": []}', /^modifierKeyList\.json has no readable list/],
 ]) {
     test(`the faults of a file with ${name} are told first, and no success`, async () => {
         const panel = await openLists();

@@ -230,7 +230,7 @@ const shortcut = (receiverService, validOnState) =>
     });
 
 for (const [name, list, text] of [
-    ['no service', shortcut('Undefined', 'Idle'), 'Refused: Void. Its receiver is "Undefined", so no service gets it.'],
+    ['no service', shortcut('Undefined', 'Idle'), 'Refused: Void. The receiver of the action is "Undefined", so no service receives it.'],
     ['no state', shortcut('UserMenu', ''), 'Refused: Void. It is for no state, and the current state is Idle.'],
 ]) {
     test(`an action for ${name} is refused in words`, async () => {

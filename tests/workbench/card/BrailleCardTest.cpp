@@ -14,8 +14,8 @@
 
 namespace {
 
-/// What is wrong with the form of a BRF file; empty when it is good.
-QString formFault(const QByteArray& brf)
+/// A fault in the format of a BRF file; empty if there is none.
+QString formatFault(const QByteArray& brf)
 {
     const QByteArray lineEnds = QByteArray(brf).replace("\r\n", "");
     if (lineEnds.contains('\r') || lineEnds.contains('\n') || !brf.endsWith("\r\n")) {
@@ -42,8 +42,8 @@ QByteArray brfOf(const KeyLists& lists, const QString& model = "Pellit")
     return error.isEmpty() ? brf : QByteArray();
 }
 
-/// The lines of the one page that `words`, added as a paragraph behind `before` others, are on.
-QVector<QByteArrayList> laidOut(const QVector<QByteArrayList>& paragraphs)
+/// The pages of `paragraphs`.
+QVector<QByteArrayList> layOut(const QVector<QByteArrayList>& paragraphs)
 {
     BraillePages pages;
     pages.beginSection({"HEAD"});
@@ -53,7 +53,7 @@ QVector<QByteArrayList> laidOut(const QVector<QByteArrayList>& paragraphs)
     return BrailleText::pages(pages.bytes());
 }
 
-/// A paragraph of so many lines.
+/// A paragraph of `lines` lines.
 QByteArrayList linesOfWords(int lines)
 {
     QByteArrayList words{QByteArray(40, 'A')};
@@ -79,39 +79,39 @@ class BrailleCardTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void wordsAreExactBraille_data();
-    void wordsAreExactBraille();
-    void wordsThatNoTableKnowsDoNoHarm_data();
-    void wordsThatNoTableKnowsDoNoHarm();
-    void longLinesGoOnIndented();
-    void wordsOfALineAreNotBroken();
-    void wordsLongerThanALineAreBrokenWithASign();
-    void paragraphsAreNotTorn();
-    void paragraphsLongerThanAPageAreTorn();
-    void headsNameSectionAndPage();
-    void longHeadsLeaveRoomForTheNumber();
-    void formIsGoodForAllLists_data() { lists(); }
-    void formIsGoodForAllLists();
-    void nothingIsLostInBraille_data() { lists(); }
-    void nothingIsLostInBraille();
-    void eachStateBeginsAPage();
-    void rowsThatNeverWorkAndUnreadableFilesAreOnIt();
-    void randomListsDoNoHarm();
-    void missingTablesAreTold();
+    void wordsAreTranslatedExactly_data();
+    void wordsAreTranslatedExactly();
+    void unknownCharactersAreHandled_data();
+    void unknownCharactersAreHandled();
+    void continuationLinesAreIndented();
+    void shortWordsAreNotSplit();
+    void longWordsAreSplitWithASign();
+    void shortParagraphsAreNotSplit();
+    void longParagraphsAreSplit();
+    void headsShowSectionAndPage();
+    void longHeadsAreTruncated();
+    void allListsHaveAValidFormat_data() { lists(); }
+    void allListsHaveAValidFormat();
+    void brailleContainsTheWholeCard_data() { lists(); }
+    void brailleContainsTheWholeCard();
+    void eachStateStartsAPage();
+    void deadRowsAndUnreadableFilesAreListed();
+    void randomListsAreHandled();
+    void missingTablesAreReported();
 
 private:
     void lists();
     static QString singleKeyPattern(const KeyCardEntry& entry);
 };
 
-void BrailleCardTest::wordsAreExactBraille_data()
+void BrailleCardTest::wordsAreTranslatedExactly_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QByteArray>("cells");
     QTest::newRow("capitals") << "Help" << QByteArray(",HELP");
     QTest::newRow("inner capitals") << "KeyDescription" << QByteArray(",KEY,DESCRIPTION");
     QTest::newRow("digits") << "2.25" << QByteArray("#B4BE");
-    QTest::newRow("letters behind digits") << "2a" << QByteArray("#B;A");
+    QTest::newRow("letters after digits") << "2a" << QByteArray("#B;A");
     QTest::newRow("all capitals") << "OK" << QByteArray(",,OK");
     QTest::newRow("stop and comma") << "a, b." << QByteArray("A1 B4");
     QTest::newRow("underscore and bar") << "a_b|c" << QByteArray("A.-B_\\C");
@@ -119,14 +119,14 @@ void BrailleCardTest::wordsAreExactBraille_data()
     QTest::newRow("nothing") << "" << QByteArray();
 }
 
-void BrailleCardTest::wordsAreExactBraille()
+void BrailleCardTest::wordsAreTranslatedExactly()
 {
     QFETCH(QString, text);
     QFETCH(QByteArray, cells);
-    QCOMPARE(BrailleWords().of(text).join(' '), cells);
+    QCOMPARE(BrailleWords().translate(text).join(' '), cells);
 }
 
-void BrailleCardTest::wordsThatNoTableKnowsDoNoHarm_data()
+void BrailleCardTest::unknownCharactersAreHandled_data()
 {
     QTest::addColumn<QString>("text");
     QTest::newRow("Cyrillic") << QString::fromUtf8("\xD0\x96");
@@ -140,53 +140,53 @@ void BrailleCardTest::wordsThatNoTableKnowsDoNoHarm_data()
     QTest::newRow("very long") << QString(100000, 'x');
 }
 
-void BrailleCardTest::wordsThatNoTableKnowsDoNoHarm()
+void BrailleCardTest::unknownCharactersAreHandled()
 {
     QFETCH(QString, text);
-    const QByteArrayList words = BrailleWords().of("a" + text + "b c");
+    const QByteArrayList words = BrailleWords().translate("a" + text + "b c");
     QCOMPARE(words.size(), 2);
-    QVERIFY(words.first().size() > 2); // something stands for it
+    QVERIFY(words.first().size() > 2); // more than the letter a
     for (const char cell : words.join()) {
         QVERIFY(cell > 0x20 && cell <= 0x5f);
     }
     QCOMPARE(words.last(), QByteArray("C"));
 }
 
-void BrailleCardTest::longLinesGoOnIndented()
+void BrailleCardTest::continuationLinesAreIndented()
 {
-    const QByteArrayList page = laidOut({{QByteArray(30, 'A'), QByteArray(9, 'B'), "C", "D"}}).first();
+    const QByteArrayList page = layOut({{QByteArray(30, 'A'), QByteArray(9, 'B'), "C", "D"}}).first();
     QCOMPARE(page.mid(1), (QByteArrayList{QByteArray(30, 'A') + ' ' + QByteArray(9, 'B'), "  C D"}));
 }
 
-void BrailleCardTest::wordsOfALineAreNotBroken()
+void BrailleCardTest::shortWordsAreNotSplit()
 {
     const QByteArrayList page =
-        laidOut({{QByteArray(30, 'A'), QByteArray(10, 'B'), QByteArray(38, 'C')}}).first();
+        layOut({{QByteArray(30, 'A'), QByteArray(10, 'B'), QByteArray(38, 'C')}}).first();
     QCOMPARE(page.mid(1),
              (QByteArrayList{QByteArray(30, 'A'), "  " + QByteArray(10, 'B'), "  " + QByteArray(38, 'C')}));
 }
 
-void BrailleCardTest::wordsLongerThanALineAreBrokenWithASign()
+void BrailleCardTest::longWordsAreSplitWithASign()
 {
-    const QByteArrayList page = laidOut({{"A", QByteArray(80, 'B'), "C"}}).first();
+    const QByteArrayList page = layOut({{"A", QByteArray(80, 'B'), "C"}}).first();
     QCOMPARE(page.mid(1),
              (QByteArrayList{"A", "  " + QByteArray(37, 'B') + '"', "  " + QByteArray(37, 'B') + '"',
                              "  " + QByteArray(6, 'B') + " C"}));
 }
 
-void BrailleCardTest::paragraphsAreNotTorn()
+void BrailleCardTest::shortParagraphsAreNotSplit()
 {
-    QCOMPARE(sizesOf(laidOut({linesOfWords(20), linesOfWords(4)})), (QVector<int>{25}));
-    QCOMPARE(sizesOf(laidOut({linesOfWords(20), linesOfWords(5)})), (QVector<int>{21, 6}));
-    QCOMPARE(sizesOf(laidOut({linesOfWords(1), linesOfWords(24)})), (QVector<int>{2, 25}));
+    QCOMPARE(sizesOf(layOut({linesOfWords(20), linesOfWords(4)})), (QVector<int>{25}));
+    QCOMPARE(sizesOf(layOut({linesOfWords(20), linesOfWords(5)})), (QVector<int>{21, 6}));
+    QCOMPARE(sizesOf(layOut({linesOfWords(1), linesOfWords(24)})), (QVector<int>{2, 25}));
 }
 
-void BrailleCardTest::paragraphsLongerThanAPageAreTorn()
+void BrailleCardTest::longParagraphsAreSplit()
 {
-    QCOMPARE(sizesOf(laidOut({linesOfWords(1), linesOfWords(25)})), (QVector<int>{25, 3}));
+    QCOMPARE(sizesOf(layOut({linesOfWords(1), linesOfWords(25)})), (QVector<int>{25, 3}));
 }
 
-void BrailleCardTest::headsNameSectionAndPage()
+void BrailleCardTest::headsShowSectionAndPage()
 {
     BraillePages pages;
     pages.beginSection({"CARD", "ONE"});
@@ -199,7 +199,7 @@ void BrailleCardTest::headsNameSectionAndPage()
     QCOMPARE(all.at(2).first(), QByteArray("CARD TWO").leftJustified(38) + "#C");
 }
 
-void BrailleCardTest::longHeadsLeaveRoomForTheNumber()
+void BrailleCardTest::longHeadsAreTruncated()
 {
     BraillePages pages;
     for (int i = 0; i < 1024; ++i) {
@@ -217,13 +217,13 @@ void BrailleCardTest::lists()
     }
 }
 
-void BrailleCardTest::formIsGoodForAllLists()
+void BrailleCardTest::allListsHaveAValidFormat()
 {
     QFETCH(KeyLists, lists);
-    QCOMPARE(formFault(brfOf(lists)), QString());
+    QCOMPARE(formatFault(brfOf(lists)), QString());
 }
 
-/// Single keys with one outcome stand together.
+/// Single keys with the same outcome are grouped.
 QString BrailleCardTest::singleKeyPattern(const KeyCardEntry& entry)
 {
     return QStringLiteral("Press and release [^.]*\\b%1\\b[^.]*\\. %2 %3")
@@ -232,7 +232,7 @@ QString BrailleCardTest::singleKeyPattern(const KeyCardEntry& entry)
              QRegularExpression::escape(CardSentences::notesOf(entry).join(' ')));
 }
 
-void BrailleCardTest::nothingIsLostInBraille()
+void BrailleCardTest::brailleContainsTheWholeCard()
 {
     QFETCH(KeyLists, lists);
     const KeyCard card = KeyCard::from(lists, "Orvane");
@@ -256,7 +256,7 @@ void BrailleCardTest::nothingIsLostInBraille()
     }
 }
 
-void BrailleCardTest::eachStateBeginsAPage()
+void BrailleCardTest::eachStateStartsAPage()
 {
     const QByteArray brf = brfOf(CardKeyLists::installed());
     QStringList headings;
@@ -270,32 +270,32 @@ void BrailleCardTest::eachStateBeginsAPage()
     QCOMPARE(headings, (QStringList{"Startup", "Idle", "Print", "PrintOff", "Update", "Error"}));
 }
 
-void BrailleCardTest::rowsThatNeverWorkAndUnreadableFilesAreOnIt()
+void BrailleCardTest::deadRowsAndUnreadableFilesAreListed()
 {
     const KeyCard card = KeyCard::from(CardKeyLists::odd().value("shortcuts"), "Pellit");
-    QVERIFY(!card.never.isEmpty());
+    QVERIFY(!card.deadRows.isEmpty());
     const QString text = BrailleText::body(brailleCard(card, nullptr));
     QVERIFY(text.contains("Rows that never work"));
-    for (const KeyCardNever& row : card.never) {
+    for (const KeyCardDeadRow& row : card.deadRows) {
         QVERIFY2(text.contains(row.why), qPrintable(row.why + '\n' + text));
     }
     const QString withoutLists = BrailleText::body(brfOf({}));
     QVERIFY(withoutLists.startsWith("Notes longKeyList.json has no list"));
 }
 
-void BrailleCardTest::randomListsDoNoHarm()
+void BrailleCardTest::randomListsAreHandled()
 {
     for (int seed = 0; seed < 300; ++seed) {
         RandomJson json(static_cast<quint64>(seed));
         const KeyCard card = KeyCard::from(json.keyLists(), "Pellit");
         QVERIFY(!QJsonDocument(toJson(card)).toJson().isEmpty());
-        QVERIFY2(formFault(brailleCard(card, nullptr)).isEmpty(), qPrintable(QString::number(seed)));
+        QVERIFY2(formatFault(brailleCard(card, nullptr)).isEmpty(), qPrintable(QString::number(seed)));
     }
 }
 
-void BrailleCardTest::missingTablesAreTold()
+void BrailleCardTest::missingTablesAreReported()
 {
-    lou_free(); // forgets the tables that are loaded
+    lou_free(); // unloads the tables
     qputenv("LOUIS_TABLEPATH", "/nowhere");
     QString error;
     const QByteArray brf = brailleCard(KeyCard::from({}, "Pellit"), &error);

@@ -9,24 +9,24 @@ namespace {
 
 constexpr char tables[] = "en-us-brf.dis,en-ueb-g1.ctb";
 constexpr int cellsPerLine = 40;
-constexpr int mostCharactersOfCell = 8;
+constexpr int maxCharactersPerCell = 8;
 
-QByteArrayList brokenWordsJoined(const QByteArrayList& lines)
+QByteArrayList joinSplitWords(const QByteArrayList& lines)
 {
     QByteArrayList words;
-    bool goesOn = false;
+    bool isContinued = false;
     for (const QByteArray& line : lines) {
         const QByteArrayList parts = line.simplified().split(' ');
         for (const QByteArray& part : parts) {
-            if (goesOn) {
+            if (isContinued) {
                 words.last() += part;
             } else {
                 words.append(part);
             }
-            goesOn = false;
+            isContinued = false;
         }
-        goesOn = line.size() == cellsPerLine && line.endsWith('"');
-        if (goesOn) {
+        isContinued = line.size() == cellsPerLine && line.endsWith('"');
+        if (isContinued) {
             words.last().chop(1);
         }
     }
@@ -40,7 +40,7 @@ QVector<QByteArrayList> BrailleText::pages(const QByteArray& brf)
     QVector<QByteArrayList> pages;
     for (const QByteArray& page : brf.split('\f')) {
         QByteArrayList lines = page.split('\n');
-        if (lines.last().isEmpty()) { // what is behind the last line end
+        if (lines.last().isEmpty()) { // the part after the last line end
             lines.removeLast();
         }
         for (QByteArray& line : lines) {
@@ -60,7 +60,7 @@ QString BrailleText::textOf(const QByteArray& cells)
         input.append(static_cast<unsigned char>(cell));
     }
     int inputSize = input.size();
-    QVector<widechar> output(inputSize * mostCharactersOfCell);
+    QVector<widechar> output(inputSize * maxCharactersPerCell);
     int outputSize = output.size();
     lou_backTranslateString(tables, input.constData(), &inputSize, output.data(), &outputSize, nullptr,
                             nullptr, 0);
@@ -72,7 +72,7 @@ QString BrailleText::body(const QByteArray& brf)
     QHash<QByteArray, QString> known;
     QStringList texts;
     for (const QByteArrayList& page : pages(brf)) {
-        for (const QByteArray& word : brokenWordsJoined(page.mid(1))) {
+        for (const QByteArray& word : joinSplitWords(page.mid(1))) {
             if (!known.contains(word)) {
                 known.insert(word, textOf(word));
             }

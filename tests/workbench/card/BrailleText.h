@@ -6,14 +6,14 @@
 #include <QString>
 #include <QVector>
 
-/// Reads what a blind reader reads: the pages of a BRF file and the text in them.
+/// Reads the pages of a BRF file and their text.
 namespace BrailleText {
 
-/// The pages, each as its lines without their ends.
+/// The pages, as lines without line ends.
 QVector<QByteArrayList> pages(const QByteArray& brf);
 /// The text of cells, by back-translation.
 QString textOf(const QByteArray& cells);
-/// The text of all lines but the running heads. Words that were broken are whole again.
+/// The text of all lines except the running heads, with split words joined.
 QString body(const QByteArray& brf);
 
 } // namespace BrailleText

@@ -20,8 +20,8 @@ namespace {
 constexpr int tapTime = 50;
 constexpr int chordTime = 100;
 constexpr int window = 1500;
-constexpr int longestHold = 60000;
-constexpr int rowHold = 12000; // longer than any time in the rows of these tests that is tried out
+constexpr int maxHold = 60000;
+constexpr int rowHold = 12000; // longer than any time in a row passed to tryRow()
 
 struct Release
 {
@@ -41,7 +41,7 @@ bool hasAny(const KeyCardEntry& entry, std::initializer_list<KeyCardConsequence>
     });
 }
 
-/// When `play` lets go of the keys.
+/// When `play` releases the keys.
 QVector<Release> releasesOf(const KeyCardEntry& entry)
 {
     switch (entry.kind) {
@@ -59,7 +59,7 @@ QVector<Release> releasesOf(const KeyCardEntry& entry)
     case KeyCardKind::Hold:
         break;
     }
-    return {{qMin(entry.holdMs, longestHold), entry.keys.first()}};
+    return {{qMin(entry.holdMs, maxHold), entry.keys.first()}};
 }
 
 int timeOf(const KeyCardEntry& entry)
@@ -95,12 +95,12 @@ QStringList loneKey(int at, const QString& key, const KeyCardState& card)
     return singleKey(at + (waits ? window : 0), key, card);
 }
 
-/// The single keys that another entry announces as well.
-QStringList expectedBesides(const KeyCardEntry& entry, const KeyCardState& card)
+/// The single keys that another entry also announces.
+QStringList expectedSingleKeys(const KeyCardEntry& entry, const KeyCardState& card)
 {
     const QVector<Release> releases = releasesOf(entry);
     const bool isCombination = entry.kind == KeyCardKind::Combination;
-    bool menuCame = false;
+    bool isMenuAnnounced = false;
     QStringList texts;
     for (int i = 0; i < releases.size(); ++i) {
         const bool isLast = i == releases.size() - 1;
@@ -112,10 +112,10 @@ QStringList expectedBesides(const KeyCardEntry& entry, const KeyCardState& card)
         } else if (isMenu && hasAny(entry, {KeyCardConsequence::Menu, KeyCardConsequence::MenuUnlessAfterHelp,
                                             KeyCardConsequence::MenuUnlessAfterHelpAndNextKey})) {
             texts += singleKey(release.at, release.key, card);
-            menuCame = true;
+            isMenuAnnounced = true;
         } else if (isLast &&
                    (hasAny(entry, {KeyCardConsequence::LastKey}) ||
-                    (menuCame && hasAny(entry, {KeyCardConsequence::MenuUnlessAfterHelpAndNextKey})))) {
+                    (isMenuAnnounced && hasAny(entry, {KeyCardConsequence::MenuUnlessAfterHelpAndNextKey})))) {
             texts += singleKey(release.at + window, release.key, card);
         }
     }
@@ -154,13 +154,13 @@ void CardDevice::play(const KeyCardEntry& entry)
         break;
     case KeyCardKind::Long:
     case KeyCardKind::Hold:
-        hold(entry.keys.first(), qMin(entry.holdMs, longestHold));
+        hold(entry.keys.first(), qMin(entry.holdMs, maxHold));
         break;
     }
     m_device.wait(5s);
 }
 
-void CardDevice::tryOut(const KeyCardNever& row)
+void CardDevice::tryRow(const KeyCardDeadRow& row)
 {
     QStringList keys;
     for (const QString& key : row.keys) {
@@ -173,7 +173,7 @@ void CardDevice::tryOut(const KeyCardNever& row)
     } else if (!keys.isEmpty() && row.kind == KeyCardKind::Shortcut) {
         chord(keys.first(), keys.last());
     } else {
-        tapInEveryWay(keys.size() == 1 ? keys + keys : keys);
+        tapInAllVariants(keys.size() == 1 ? keys + keys : keys);
     }
     m_device.wait(5s);
 }
@@ -193,14 +193,14 @@ QStringList CardDevice::heardAbout(const KeyCardEntry& entry) const
 
 QStringList CardDevice::expected(const KeyCardEntry& entry, const KeyCardState& card)
 {
-    if (entry.kind == KeyCardKind::Single || entry.holdMs > longestHold) {
+    if (entry.kind == KeyCardKind::Single || entry.holdMs > maxHold) {
         return loneKey(timeOf(entry), entry.keys.first(), card);
     }
     QStringList texts;
     for (int i = 0; i < entry.timesAnnounced; ++i) {
         texts.append(text(timeOf(entry), entry.action, entry.receivers.first()));
     }
-    return texts + expectedBesides(entry, card);
+    return texts + expectedSingleKeys(entry, card);
 }
 
 void CardDevice::hold(const QString& key, int duration)
@@ -216,8 +216,8 @@ void CardDevice::tapInTurn(const QStringList& keys)
     }
 }
 
-/// Also after another key, which may open another row, and after Help, which makes Menu wait.
-void CardDevice::tapInEveryWay(const QStringList& keys)
+/// Repeats the keys after each other key, which may open another row, and after Help, which delays Menu.
+void CardDevice::tapInAllVariants(const QStringList& keys)
 {
     tapInTurn(keys);
     for (const QString& key : CardVocabulary::panelKeys()) {
@@ -230,7 +230,7 @@ void CardDevice::tapInEveryWay(const QStringList& keys)
 
 void CardDevice::chord(const QString& held, const QString& pressed)
 {
-    const int device = held == pressed ? 1 : 0; // one key is on both devices
+    const int device = held == pressed ? 1 : 0; // the same key needs both devices
     m_device.press(0, held);
     m_device.wait(milliseconds(chordTime));
     m_device.press(device, pressed);

@@ -8,33 +8,32 @@
 
 using KeyLists = QMap<QString, QByteArray>;
 
-/// A virtual device on which key cards are put to the test. It notes what is announced, as texts
-/// "MILLISECONDS ACTION RECEIVER", counted from its start.
+/// A virtual device for testing key cards. It records announcements as "MILLISECONDS ACTION RECEIVER", with the
+/// time since its start.
 class CardDevice
 {
 public:
     CardDevice(const KeyLists& lists, const QString& model, const QString& state);
 
-    /// Does what the entry says, and waits until nothing can come any more. A hold of more than a minute is
-    /// given up.
+    /// Performs the entry and waits for all its effects. Holds keys for at most a minute.
     void play(const KeyCardEntry& entry);
-    /// Does with the row's keys what its kind asks for, as far as the panel has them; with those of a
-    /// combination also after every other key.
-    void tryOut(const KeyCardNever& row);
+    /// Presses the row's keys according to its kind, except keys that the panel lacks. Repeats a combination after
+    /// every other key.
+    void tryRow(const KeyCardDeadRow& row);
 
     VirtualDevice& panel() { return m_device; }
     QStringList heard() const { return m_heard; }
-    /// Of what was heard, the action of `entry` and the single keys.
+    /// The recorded announcements of the action of `entry` and of single keys.
     QStringList heardAbout(const KeyCardEntry& entry) const;
 
-    /// What must be heard about `entry` of `card` when it is played: its action and the single keys that it
-    /// announces as well. After a hold that is given up it is the single key alone.
+    /// The expected announcements of `entry` of `card`: its action and single keys. If the hold is too long, only
+    /// the single key.
     static QStringList expected(const KeyCardEntry& entry, const KeyCardState& card);
 
 private:
     void hold(const QString& key, int milliseconds);
     void tapInTurn(const QStringList& keys);
-    void tapInEveryWay(const QStringList& keys);
+    void tapInAllVariants(const QStringList& keys);
     void chord(const QString& held, const QString& pressed);
 
     VirtualDevice m_device;

@@ -10,7 +10,7 @@ namespace {
 
 using Kind = KeyRow::Kind;
 
-/// Collects rows whose actions are numbered.
+/// Collects rows and numbers their actions.
 class Rows
 {
 public:
@@ -29,7 +29,7 @@ public:
     {
         return add({Kind::Shortcut, {}, receiver, state, 0, keys});
     }
-    /// Gives the last row this action.
+    /// Sets the action of the last row.
     Rows& named(const QString& action)
     {
         m_script.rows.last().action = action;

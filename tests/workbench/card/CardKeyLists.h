@@ -3,14 +3,14 @@
 
 #include "tests/workbench/card/CardDevice.h"
 
-/// Key lists for the tests of the card.
+/// Key lists for tests of the card.
 namespace CardKeyLists {
 
-/// Those of `data/`.
+/// The key lists of `data/`.
 KeyLists installed();
-/// Lists in which rows get in each other's way, by a name that says how. Each action stands for one row.
+/// Named lists in which rows affect each other. Each action identifies one row.
 QMap<QString, KeyLists> odd();
-/// The same and the installed ones.
+/// The odd and the installed lists.
 QMap<QString, KeyLists> all();
 
 } // namespace CardKeyLists

@@ -3,20 +3,20 @@
 #include "tests/workbench/card/CardKeyLists.h"
 #include "workbench/card/CardVocabulary.h"
 
-/// The card and the daemon agree: what a card announces comes, and what it leaves out does not.
+/// Compares the card with the daemon: all actions of the card are announced, and no others.
 class KeyCardPlayTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void entriesComeAsTheCardSays_data();
-    void entriesComeAsTheCardSays();
-    void nothingElseComesOfTheInstalledLists_data() { models(); }
-    void nothingElseComesOfTheInstalledLists();
-    void rowsThatNeverWorkStaySilent_data() { lists(); }
-    void rowsThatNeverWorkStaySilent();
-    void namesAreSpokenAsTheCardSays_data() { models(); }
-    void namesAreSpokenAsTheCardSays();
+    void entriesWorkAsDescribed_data();
+    void entriesWorkAsDescribed();
+    void installedListsAnnounceNothingElse_data() { models(); }
+    void installedListsAnnounceNothingElse();
+    void deadRowsAreNeverAnnounced_data() { lists(); }
+    void deadRowsAreNeverAnnounced();
+    void namesAreSpokenAsDescribed_data() { models(); }
+    void namesAreSpokenAsDescribed();
 
 private:
     void lists();
@@ -39,12 +39,12 @@ void KeyCardPlayTest::models()
     QTest::newRow("Orvane") << "Orvane";
 }
 
-void KeyCardPlayTest::entriesComeAsTheCardSays_data()
+void KeyCardPlayTest::entriesWorkAsDescribed_data()
 {
     lists();
 }
 
-void KeyCardPlayTest::entriesComeAsTheCardSays()
+void KeyCardPlayTest::entriesWorkAsDescribed()
 {
     QFETCH(KeyLists, lists);
     const KeyCard card = KeyCard::from(lists, "Pellit");
@@ -57,7 +57,7 @@ void KeyCardPlayTest::entriesComeAsTheCardSays()
     }
 }
 
-void KeyCardPlayTest::nothingElseComesOfTheInstalledLists()
+void KeyCardPlayTest::installedListsAnnounceNothingElse()
 {
     QFETCH(QString, model);
     const KeyLists lists = CardKeyLists::installed();
@@ -71,27 +71,27 @@ void KeyCardPlayTest::nothingElseComesOfTheInstalledLists()
             ++played;
         }
     }
-    QCOMPARE(card.never.size(), 0);
+    QCOMPARE(card.deadRows.size(), 0);
     // Single keys and the factory reset in five states, ten states of long presses, six combinations, five
     // shortcuts.
     QCOMPARE(played, 5 * (15 + 1) + 11 + 6 + 5);
 }
 
-void KeyCardPlayTest::rowsThatNeverWorkStaySilent()
+void KeyCardPlayTest::deadRowsAreNeverAnnounced()
 {
     QFETCH(KeyLists, lists);
     const KeyCard card = KeyCard::from(lists, "Pellit");
-    for (const KeyCardNever& row : card.never) {
+    for (const KeyCardDeadRow& row : card.deadRows) {
         for (const QString& state : CardVocabulary::states()) {
             CardDevice device(lists, card.model, state);
-            device.tryOut(row);
+            device.tryRow(row);
             const QString heard = device.heard().join('\n') + '\n';
             QVERIFY2(!heard.contains(' ' + row.action + ' '), qPrintable(heard + row.why));
         }
     }
 }
 
-void KeyCardPlayTest::namesAreSpokenAsTheCardSays()
+void KeyCardPlayTest::namesAreSpokenAsDescribed()
 {
     QFETCH(QString, model);
     const KeyCard card = KeyCard::from({}, model);

@@ -20,7 +20,7 @@ QVector<KeyRow> numbered(QVector<KeyRow> rows)
     return rows;
 }
 
-/// Pairs of few keys and a longer row of them, so that closing keys often belong to the longer row.
+/// Pairs and a longer row of only a few keys, so that closing keys often belong to the longer row.
 QVector<KeyRow> chainedRows(Dice& dice)
 {
     const QStringList keys{ls::KeyId::Help, ls::KeyId::Menu, ls::KeyId::Ok, ls::KeyId::Up, ls::KeyId::Feed};
@@ -35,7 +35,7 @@ QVector<KeyRow> chainedRows(Dice& dice)
     return numbered(rows);
 }
 
-/// Random lists in which each action stands for one row.
+/// Random lists in which each action identifies one row.
 QVector<KeyRow> rolledRows(Dice& dice)
 {
     return dice.oneIn(3) ? chainedRows(dice) : numbered(RandomRows::roll(dice));
@@ -58,7 +58,7 @@ QSet<QString> actionsOf(const Items& items)
     return actions;
 }
 
-/// What a card allows to be heard, without the times.
+/// The announcements that a card allows, without their times.
 QSet<QString> outcomes(const KeyCardState& card)
 {
     QSet<QString> texts;
@@ -70,7 +70,7 @@ QSet<QString> outcomes(const KeyCardState& card)
     return texts;
 }
 
-/// A key of `rows` that the panel has, or any.
+/// A random key of `rows` if the panel has it, otherwise any key.
 QString someKey(const QVector<KeyRow>& rows, Dice& dice)
 {
     const QStringList keys = dice.pick(rows).keys;
@@ -80,23 +80,23 @@ QString someKey(const QVector<KeyRow>& rows, Dice& dice)
 
 } // namespace
 
-/// Cards of random key lists: everything on them can be done, and nothing else can.
+/// Checks cards of random key lists: all their entries work, and nothing else is announced.
 class KeyCardRandomTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void eachRowWorksOrIsExplained();
-    void entriesOfRandomListsCome();
-    void rowsOfChainsThatNeverWorkStaySilent();
-    void randomKeysBringNothingThatIsNotOnTheCard();
+    void eachRowWorksOrHasAReason();
+    void entriesOfRandomListsWork();
+    void deadRowsOfChainsAreNeverAnnounced();
+    void randomKeysAnnounceOnlyEntriesOfTheCard();
 
 private:
     static void tapRow(const QVector<KeyRow>& rows, Dice& dice, VirtualDevice& panel);
     static void pressAnything(const QVector<KeyRow>& rows, Dice& dice, VirtualDevice& panel);
 };
 
-void KeyCardRandomTest::eachRowWorksOrIsExplained()
+void KeyCardRandomTest::eachRowWorksOrHasAReason()
 {
     for (int seed = 0; seed < seeds; ++seed) {
         Dice dice(static_cast<quint64>(seed));
@@ -106,14 +106,14 @@ void KeyCardRandomTest::eachRowWorksOrIsExplained()
         for (const KeyCardState& state : card.states) {
             working += actionsOf(state.entries);
         }
-        const QSet<QString> explained = actionsOf(card.never);
+        const QSet<QString> explained = actionsOf(card.deadRows);
         for (const KeyRow& row : rows) {
             QVERIFY2(working.contains(row.action) != explained.contains(row.action), qPrintable(row.action));
         }
     }
 }
 
-void KeyCardRandomTest::entriesOfRandomListsCome()
+void KeyCardRandomTest::entriesOfRandomListsWork()
 {
     int played = 0;
     for (int seed = 0; seed < seeds; ++seed) {
@@ -138,27 +138,26 @@ void KeyCardRandomTest::entriesOfRandomListsCome()
     QVERIFY(played > 2 * seeds);
 }
 
-void KeyCardRandomTest::rowsOfChainsThatNeverWorkStaySilent()
+void KeyCardRandomTest::deadRowsOfChainsAreNeverAnnounced()
 {
     int tried = 0;
     for (int seed = 0; seed < chains; ++seed) {
         Dice dice(static_cast<quint64>(seed));
         const KeyLists lists = listsOf(chainedRows(dice));
-        for (const KeyCardNever& row : KeyCard::from(lists, "Pellit").never) {
+        for (const KeyCardDeadRow& row : KeyCard::from(lists, "Pellit").deadRows) {
             CardDevice device(lists, "Pellit", ls::StateId::Idle);
-            device.tryOut(row);
+            device.tryRow(row);
             const QString heard = device.heard().join('\n') + '\n';
-            QVERIFY2(!heard.contains(' ' + row.action + ' '),
-                     qPrintable(QStringLiteral("seed %1: ").arg(seed) + CardSentences::rowThatFails(row) +
-                                row.why));
+            QVERIFY2(
+                !heard.contains(' ' + row.action + ' '),
+                qPrintable(QStringLiteral("seed %1: ").arg(seed) + CardSentences::describe(row) + row.why));
             ++tried;
         }
     }
     QVERIFY(tried > chains);
 }
 
-/// The keys of a row as a combination, sometimes after Help, which makes Menu wait, or after a key that may
-/// open another row.
+/// Taps the keys of a row, sometimes after Help, which delays Menu, or after a key that may open another row.
 void KeyCardRandomTest::tapRow(const QVector<KeyRow>& rows, Dice& dice, VirtualDevice& panel)
 {
     QStringList keys = dice.pick(rows).keys;
@@ -200,7 +199,7 @@ void KeyCardRandomTest::pressAnything(const QVector<KeyRow>& rows, Dice& dice, V
     }
 }
 
-void KeyCardRandomTest::randomKeysBringNothingThatIsNotOnTheCard()
+void KeyCardRandomTest::randomKeysAnnounceOnlyEntriesOfTheCard()
 {
     int heard = 0;
     for (int seed = 0; seed < seeds; ++seed) {
@@ -219,7 +218,7 @@ void KeyCardRandomTest::randomKeysBringNothingThatIsNotOnTheCard()
             heard += text.contains("Action") ? 1 : 0;
         }
     }
-    QVERIFY(heard > seeds); // more than single keys came
+    QVERIFY(heard > seeds); // not only single keys were announced
 }
 
 VIRTUAL_TIME_TEST_MAIN(KeyCardRandomTest)

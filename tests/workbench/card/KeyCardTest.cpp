@@ -37,11 +37,11 @@ QStringList statesOf(const KeyLists& lists)
     return states;
 }
 
-/// "ROW WHY" of each row that never works.
+/// "ROW REASON" for each row that never works.
 QStringList reasons(const KeyLists& lists)
 {
     QStringList texts;
-    for (const KeyCardNever& row : KeyCard::from(lists, "Pellit").never) {
+    for (const KeyCardDeadRow& row : KeyCard::from(lists, "Pellit").deadRows) {
         texts.append(QString::number(row.row) + ' ' + row.why);
     }
     return texts;
@@ -51,7 +51,7 @@ QStringList g_log;
 
 } // namespace
 
-/// What a card says. That it is true is tested by playing it.
+/// Tests the text of a card; KeyCardPlayTest checks that it is true.
 class KeyCardTest : public QObject
 {
     Q_OBJECT
@@ -61,17 +61,17 @@ private Q_SLOTS:
     void entriesAreDescribed();
     void notesOfEntries_data();
     void notesOfEntries();
-    void nothingCanBeDoneInStartup();
-    void statesAreThoseOfTheDevice();
-    void unknownStateIsOnTheCardOfARowThatNamesIt();
-    void rowsThatNeverWorkAreExplained_data();
-    void rowsThatNeverWorkAreExplained();
-    void rowsThatNeverWorkAreDescribed();
-    void filesThatCannotBeReadAreNoted_data();
-    void filesThatCannotBeReadAreNoted();
+    void startupHasNoEntries();
+    void allStatesAreListed();
+    void undefinedStateIsListedIfARowContainsIt();
+    void deadRowsAreExplained_data();
+    void deadRowsAreExplained();
+    void deadRowsAreDescribed();
+    void unreadableFilesAreNoted_data();
+    void unreadableFilesAreNoted();
     void nothingIsLogged();
-    void hugeListsAreTaken_data();
-    void hugeListsAreTaken();
+    void hugeListsAreAccepted_data();
+    void hugeListsAreAccepted();
 };
 
 void KeyCardTest::entriesAreDescribed_data()
@@ -148,13 +148,13 @@ void KeyCardTest::notesOfEntries_data()
                                    << "Idle"
                                    << "long"
                                    << "Up"
-                                   << QStringList{"There is no state \"\".", "No key counts in Startup.",
+                                   << QStringList{"Unknown state \"\".", "Keys are ignored in Startup.",
                                                   "Announced 2 times."};
-    QTest::newRow("single key as well") << "long presses"
+    QTest::newRow("also a single key") << "long presses"
                                         << "Print"
                                         << "long"
                                         << "Up"
-                                        << QStringList{"There is no state \"\".", "No key counts in Startup.",
+                                        << QStringList{"Unknown state \"\".", "Keys are ignored in Startup.",
                                                        "Each release is also announced as a single key."};
     QTest::newRow("Menu that opens") << "Menu after a Help that opens nothing"
                                      << "Idle"
@@ -194,92 +194,95 @@ void KeyCardTest::notesOfEntries()
     QTEST(entry["notes"].toVariant().toStringList(), "notes");
 }
 
-void KeyCardTest::nothingCanBeDoneInStartup()
+void KeyCardTest::startupHasNoEntries()
 {
     const QJsonObject startup = stateOf(CardKeyLists::installed(), "Startup");
     QCOMPARE(startup["entries"].toArray(), QJsonArray{});
     QCOMPARE(startup["notes"].toArray().size(), 1);
 }
 
-void KeyCardTest::statesAreThoseOfTheDevice()
+void KeyCardTest::allStatesAreListed()
 {
     QCOMPARE(statesOf(CardKeyLists::installed()),
              (QStringList{"Startup", "Idle", "Print", "PrintOff", "Update", "Error"}));
 }
 
-void KeyCardTest::unknownStateIsOnTheCardOfARowThatNamesIt()
+void KeyCardTest::undefinedStateIsListedIfARowContainsIt()
 {
     const KeyLists lists = CardKeyLists::odd().value("shortcuts");
     QCOMPARE(statesOf(lists).last(), "Undefined");
     QVERIFY(!entryOf(stateOf(lists, "Undefined"), "shortcut", "Ten One").isEmpty());
 }
 
-void KeyCardTest::rowsThatNeverWorkAreExplained_data()
+void KeyCardTest::deadRowsAreExplained_data()
 {
     QTest::addColumn<QString>("lists");
     QTest::addColumn<QStringList>("reasons");
     QTest::newRow("long presses") << "long presses"
                                   << QStringList{
-                                         "1 The last row for a key decides, and for Help that is row 2.",
-                                         "5 There is no state \"Idle \".",
-                                         "6 No key counts in Startup.",
+                                         "1 Only the last row for a key works; for Help, that is row 2.",
+                                         "5 Unknown state \"Idle \".",
+                                         "6 Keys are ignored in Startup.",
                                          "7 The action is dropped, because its receiver is \"Undefined\".",
                                          "8 The panel has no key \"Bell\".",
                                          "9 The panel has no key \"Unknown\".",
-                                         "10 The row names no key.",
-                                         "14 There is no state \"Dreaming\". There is no state \"idle\"."};
+                                         "10 The row has no keys.",
+                                         "14 Unknown state \"Dreaming\". Unknown state \"idle\"."};
     QTest::newRow("shortcuts")
         << "shortcuts"
         << QStringList{"1 The action is dropped, because its receiver is \"Undefined\".",
-                       "2 The first row for a pair of keys counts, and for Function and Up that is row 1.",
-                       "6 Only a long press can join states: there is no state \"Idle|Print\".",
-                       "7 The first row for a pair of keys counts, and for Ok and Chs that is row 6.",
-                       "8 No key counts in Startup.",
+                       "2 Only the first row for a pair of keys works; for Function and Up, that is row 1.",
+                       "6 Only a long press can join states; \"Idle|Print\" is not a state.",
+                       "7 Only the first row for a pair of keys works; for Ok and Chs, that is row 6.",
+                       "8 Keys are ignored in Startup.",
                        "10 The panel has no key \"Bell\".",
-                       "12 The row names no key."};
+                       "12 The row has no keys."};
     QTest::newRow("longer row hides others")
         << "longer row hides others"
-        << QStringList{"2 The row names no key.",
+        << QStringList{"2 The row has no keys.",
                        "5 Row 3 has three or more keys and hides the rows behind it.",
                        "6 No combination can begin in Print: each key is announced and forgotten there.",
                        "7 Only the first row of three or more keys can match, and that is row 3.",
                        "8 Row 7 has three or more keys and hides the rows behind it."};
     QTest::newRow("pair breaks longer row")
         << "pair breaks longer row"
-        << QStringList{"2 Row 1 is complete with Up and breaks the sequence.",
-                       "3 It could come only with row 2, which never matches: Row 1 is complete with Up and "
-                       "breaks the "
-                       "sequence."};
+        << QStringList{
+               "2 Row 1 is complete with Up and breaks the sequence.",
+               "3 The pair could match only with row 2, which never matches: Row 1 is complete with Up and "
+               "breaks the "
+               "sequence."};
     QTest::newRow("Menu after a Help that opens a row")
         << "Menu after a Help that opens a row"
         << QStringList{"1 Menu is announced at its release, and all keys before it are forgotten.",
                        "3 The panel has no key \"Bell\"."};
     QTest::newRow("Menu in the middle")
         << "Menu in the middle"
-        << QStringList{"1 Menu is announced at its release, and all keys before it are forgotten.",
-                       "2 It could come only with row 1, which never matches: Menu is announced at its "
-                       "release, and all keys before it are forgotten."};
+        << QStringList{
+               "1 Menu is announced at its release, and all keys before it are forgotten.",
+               "2 The pair could match only with row 1, which never matches: Menu is announced at its "
+               "release, and all keys before it are forgotten."};
     QTest::newRow("closing key begins a longer row")
         << "closing key begins a longer row"
-        << QStringList{
-               "5 It could come only with row 3, which does not match after Ok: Row 2 is complete with "
-               "Up and breaks the sequence."};
+        << QStringList{"5 The pair could match only with row 3, which does not match after Ok: Row 2 is "
+                       "complete with "
+                       "Up and breaks the sequence."};
     QTest::newRow("closing Menu begins a longer row") << "closing Menu begins a longer row" << QStringList{};
     QTest::newRow("closing key begins a longer row and breaks it")
         << "closing key begins a longer row and breaks it"
-        << QStringList{"3 Row 2 is complete with Up and breaks the sequence.",
-                       "4 It could come only with row 3, which never matches: Row 2 is complete with Up and "
-                       "breaks the sequence."};
-    QTest::newRow("odd texts") << "odd texts" << QStringList{"1 There is no state \"%1\"."};
+        << QStringList{
+               "3 Row 2 is complete with Up and breaks the sequence.",
+               "4 The pair could match only with row 3, which never matches: Row 2 is complete with Up and "
+               "breaks the sequence."};
+    QTest::newRow("odd texts") << "odd texts" << QStringList{"1 Unknown state \"%1\"."};
 }
 
-void KeyCardTest::rowsThatNeverWorkAreExplained()
+void KeyCardTest::deadRowsAreExplained()
 {
     QFETCH(QString, lists);
     QTEST(reasons(CardKeyLists::odd().value(lists)), "reasons");
 }
 
-void KeyCardTest::rowsThatNeverWorkAreDescribed()
+void KeyCardTest::deadRowsAreDescribed()
 {
     const KeyLists lists{{"shortcutKeyList.json",
                           R"({"ShortcutKeys": [7, {"keys": ["Up", "Bell"], "eAction": "Ring",
@@ -295,7 +298,7 @@ void KeyCardTest::rowsThatNeverWorkAreDescribed()
     QCOMPARE(never, QJsonArray{row});
 }
 
-void KeyCardTest::filesThatCannotBeReadAreNoted_data()
+void KeyCardTest::unreadableFilesAreNoted_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<bool>("isNoted");
@@ -303,22 +306,21 @@ void KeyCardTest::filesThatCannotBeReadAreNoted_data()
     QTest::newRow("broken") << QByteArray("{\"LongKeys\": [") << true;
     QTest::newRow("array") << QByteArray("[]") << true;
     QTest::newRow("no section") << QByteArray("{}") << true;
-    QTest::newRow("section that is no list") << QByteArray("{\"LongKeys\": {}}") << true;
+    QTest::newRow("section that is not a list") << QByteArray("{\"LongKeys\": {}}") << true;
     QTest::newRow("over 1 MiB") << QByteArray("{\"LongKeys\": []}").leftJustified(1024 * 1024 + 1) << true;
     QTest::newRow("1 MiB") << QByteArray("{\"LongKeys\": []}").leftJustified(1024 * 1024) << false;
     QTest::newRow("empty list") << QByteArray("{\"LongKeys\": []}") << false;
 }
 
-void KeyCardTest::filesThatCannotBeReadAreNoted()
+void KeyCardTest::unreadableFilesAreNoted()
 {
     QFETCH(QByteArray, content);
     QFETCH(bool, isNoted);
     KeyLists lists = CardKeyLists::installed();
     lists.insert("longKeyList.json", content);
     const QJsonArray notes = toJson(KeyCard::from(lists, "Pellit"))["notes"].toArray();
-    QCOMPARE(notes,
-             isNoted ? QJsonArray{"longKeyList.json has no list that can be read, so none of its rows count."}
-                     : QJsonArray{});
+    QCOMPARE(notes, isNoted ? QJsonArray{"longKeyList.json has no readable list, so none of its rows work."}
+                            : QJsonArray{});
 }
 
 void KeyCardTest::nothingIsLogged()
@@ -332,7 +334,7 @@ void KeyCardTest::nothingIsLogged()
     QCOMPARE(g_log, QStringList{"still heard"});
 }
 
-void KeyCardTest::hugeListsAreTaken_data()
+void KeyCardTest::hugeListsAreAccepted_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<QByteArray>("content");
@@ -349,7 +351,7 @@ void KeyCardTest::hugeListsAreTaken_data()
                                         QByteArray("|Idle|x").repeated(100000) + "\"}]}";
 }
 
-void KeyCardTest::hugeListsAreTaken()
+void KeyCardTest::hugeListsAreAccepted()
 {
     QFETCH(QByteArray, name);
     QFETCH(QByteArray, content);

@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr int deepest = 4;
-constexpr int mostRows = 8;
+constexpr int maxDepth = 4;
+constexpr int maxRows = 8;
 
 } // namespace
 
@@ -24,7 +24,7 @@ KeyLists RandomJson::keyLists()
 QByteArray RandomJson::file(const QString& section)
 {
     QJsonArray rows;
-    for (int i = m_dice.below(mostRows); i > 0; --i) {
+    for (int i = m_dice.below(maxRows); i > 0; --i) {
         rows.append(row());
     }
     const QJsonValue content = m_dice.oneIn(10) ? value(0) : QJsonValue(rows);
@@ -59,7 +59,7 @@ QJsonValue RandomJson::row()
 
 QJsonValue RandomJson::value(int depth)
 {
-    switch (m_dice.below(depth < deepest ? 7 : 5)) {
+    switch (m_dice.below(depth < maxDepth ? 7 : 5)) {
     case 0:
         return {};
     case 1:

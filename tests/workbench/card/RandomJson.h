@@ -6,8 +6,7 @@
 
 #include <QJsonValue>
 
-/// Rolls key-list files of any content: rows with fields of any type, sections that are no lists, broken
-/// JSON.
+/// Generates random key-list files, including fields of any type, sections that are not lists and malformed JSON.
 class RandomJson
 {
 public:

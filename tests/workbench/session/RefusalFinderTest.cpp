@@ -30,14 +30,14 @@ class RefusalFinderTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void otherLinesTellOfNoRefusal_data();
-    void otherLinesTellOfNoRefusal();
-    void theStatesAreTheLogs();
-    void theActionIsTheOneWhoseKeysWereMoved_data();
-    void theActionIsTheOneWhoseKeysWereMoved();
-    void keysFromBeforeARestDoNotCount();
-    void simulatedKeysCountAsMoved();
-    void aLongPressThatIsAnnouncedInAnotherStateIsNotRefused();
+    void otherLinesAreNotRefusals_data();
+    void otherLinesAreNotRefusals();
+    void theStatesAreTakenFromTheLog();
+    void theActionIsIdentifiedByItsKeys_data();
+    void theActionIsIdentifiedByItsKeys();
+    void keysBeforeAnIdlePeriodAreIgnored();
+    void simulatedKeysAreConsidered();
+    void aLongPressAnnouncedInAnotherStateIsNotRefused();
 
 private:
     /// "Feed+" is a press, "Feed*" a repetition, "Feed-" a release.
@@ -52,23 +52,23 @@ void RefusalFinderTest::move(RefusalFinder& finder, const QString& keys)
     }
 }
 
-void RefusalFinderTest::otherLinesTellOfNoRefusal_data()
+void RefusalFinderTest::otherLinesAreNotRefusals_data()
 {
     QTest::addColumn<QString>("line");
     QTest::newRow("empty") << QString();
     QTest::newRow("another") << "KeyboardManager::onEvent WARN: Expected state is: none";
     QTest::newRow("words before") << "x" + offLine;
-    QTest::newRow("words behind") << offLine + "x";
-    QTest::newRow("words behind the receiver") << undefinedLine + "x";
+    QTest::newRow("words after") << offLine + "x";
+    QTest::newRow("words after the receiver") << undefinedLine + "x";
 }
 
-void RefusalFinderTest::otherLinesTellOfNoRefusal()
+void RefusalFinderTest::otherLinesAreNotRefusals()
 {
     QFETCH(QString, line);
     QVERIFY(!RefusalFinder(rows).find(line));
 }
 
-void RefusalFinderTest::theStatesAreTheLogs()
+void RefusalFinderTest::theStatesAreTakenFromTheLog()
 {
     const std::optional<entry::Refusal> refusal = RefusalFinder(rows).find(offLine);
     QVERIFY(refusal);
@@ -78,26 +78,26 @@ void RefusalFinderTest::theStatesAreTheLogs()
     QCOMPARE(refusal->action, QString());
 }
 
-void RefusalFinderTest::theActionIsTheOneWhoseKeysWereMoved_data()
+void RefusalFinderTest::theActionIsIdentifiedByItsKeys_data()
 {
     QTest::addColumn<QString>("keys");
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("action");
     QTest::newRow("a long press") << "Feed+ Feed*" << offLine << "Eject";
     QTest::newRow("a long press of joined states") << "Feed+ Feed*" << withState("Idle") << "Eject";
-    QTest::newRow("a press too short for it") << "Feed+" << offLine << "";
-    QTest::newRow("pressed anew") << "Feed+ Feed* Feed- Feed+" << offLine << "";
+    QTest::newRow("a press that is too short") << "Feed+" << offLine << "";
+    QTest::newRow("pressed again") << "Feed+ Feed* Feed- Feed+" << offLine << "";
     QTest::newRow("a combination") << "Help+ Help- Feed+ Feed-" << offLine << "Status";
-    QTest::newRow("a combination half done") << "Help+ Help- Feed+" << offLine << "";
+    QTest::newRow("an incomplete combination") << "Help+ Help- Feed+" << offLine << "";
     QTest::newRow("a shortcut") << "Feed+ Ok+" << offLine << "Load";
-    QTest::newRow("several that can be meant") << "Feed+ Feed* Ok+" << offLine << "";
+    QTest::newRow("several candidates") << "Feed+ Feed* Ok+" << offLine << "";
     QTest::newRow("of another state") << "Function+ Up+" << offLine << "";
     QTest::newRow("of its state") << "Function+ Up+" << withState("Print") << "Volume";
     QTest::newRow("an undefined receiver") << "Help+ Up+" << undefinedLine << "Void";
     QTest::newRow("not the undefined receiver") << "Help+ Up+" << offLine << "";
 }
 
-void RefusalFinderTest::theActionIsTheOneWhoseKeysWereMoved()
+void RefusalFinderTest::theActionIsIdentifiedByItsKeys()
 {
     QFETCH(QString, keys);
     QFETCH(QString, line);
@@ -107,7 +107,7 @@ void RefusalFinderTest::theActionIsTheOneWhoseKeysWereMoved()
     QTEST(finder.find(line)->action, "action");
 }
 
-void RefusalFinderTest::keysFromBeforeARestDoNotCount()
+void RefusalFinderTest::keysBeforeAnIdlePeriodAreIgnored()
 {
     RefusalFinder finder(rows);
     move(finder, "Feed+ Feed* Feed-");
@@ -116,16 +116,16 @@ void RefusalFinderTest::keysFromBeforeARestDoNotCount()
     QCOMPARE(finder.find(offLine)->action, QStringLiteral("Load"));
 }
 
-void RefusalFinderTest::simulatedKeysCountAsMoved()
+void RefusalFinderTest::simulatedKeysAreConsidered()
 {
     RefusalFinder finder(rows);
     finder.noteSimulated({"Function", "Up"});
     QCOMPARE(finder.find(withState("Print"))->action, QStringLiteral("Volume"));
 }
 
-void RefusalFinderTest::aLongPressThatIsAnnouncedInAnotherStateIsNotRefused()
+void RefusalFinderTest::aLongPressAnnouncedInAnotherStateIsNotRefused()
 {
-    // Eject is announced in Idle and tried in PrintOff.
+    // The daemon announces Eject in Idle and logs a refusal for PrintOff.
     RefusalFinder finder({rows.first()});
     move(finder, QStringLiteral("Feed+ Feed*"));
     QVERIFY(!finder.find(QString(offLine).replace("\"Update\"", "\"Idle\"")));

@@ -17,34 +17,33 @@ QJsonObject withoutTime(QJsonObject entry)
 
 } // namespace
 
-/// What a session reports.
 class SessionEntriesTest : public SessionTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void entriesAreNumberedFromTheStart();
+    void entriesAreNumberedConsecutively();
     void timesCountFromTheStartOfTheDevice();
-    void keysAreReportedAsTheDeviceWritesThem();
+    void keysAreReported();
     void recordsAreReported();
     void commandsAndAnswersAreReported();
     void aCommandThatTheBusRefusesIsAnswered();
     void consoleLinesAndTheLogAreReported();
     void headingsAndStatesAreReported();
-    void speechIsReportedInWords();
+    void speechIsReportedAsText();
     void announcementsAreReported();
     void aRefusedActionIsNamed();
-    void aRefusedActionThatMayBeSeveralIsNotNamed();
-    void anActionForNobodyIsRefused();
+    void anAmbiguousRefusedActionIsNotNamed();
+    void anActionWithoutReceiverIsRefused();
     void anActionForAnEmptyStateIsRefused();
     void aKeyWhileStartingUpIsRefused();
-    void aKeyboardTestIsReportedFromBeginToEnd();
+    void startAndEndOfAKeyboardTestAreReported();
 };
 
-void SessionEntriesTest::entriesAreNumberedFromTheStart()
+void SessionEntriesTest::entriesAreNumberedConsecutively()
 {
     QVERIFY(launch());
-    QCOMPARE(take("tap Menu"), QString());
+    QCOMPARE(execute("tap Menu"), QString());
     QVERIFY(awaitEntry("announcement", "action", "SingleKey"));
     QCOMPARE(
         withoutTime(entries().first()),
@@ -58,18 +57,18 @@ void SessionEntriesTest::timesCountFromTheStartOfTheDevice()
 {
     QVERIFY(launch());
     QTest::qWait(100);
-    QVERIFY(take("press Up").isEmpty());
+    QVERIFY(execute("press Up").isEmpty());
     QVERIFY(entries("key").first().value("at").toInt() >= 100);
     QVERIFY(session().restart({}).isEmpty());
     QVERIFY(entries("device").last().value("at").toInt() < entries("key").first().value("at").toInt());
 }
 
-void SessionEntriesTest::keysAreReportedAsTheDeviceWritesThem()
+void SessionEntriesTest::keysAreReported()
 {
     QVERIFY(launch());
-    QCOMPARE(take("device 1; press Up"), QString());
+    QCOMPARE(execute("device 1; press Up"), QString());
     WAIT_FOR(keys().size() >= 3);
-    QCOMPARE(take("device 1; release Up; press Ok; press Ok; release Ok; release Ok"), QString());
+    QCOMPARE(execute("device 1; release Up; press Ok; press Ok; release Ok; release Ok"), QString());
     WAIT_FOR(keys().contains("1 Ok 0"));
     QCOMPARE(keys().mid(0, 3), QStringList({"1 Up 1", "1 Up 2", "1 Up 2"}));
     QCOMPARE(keys().mid(keys().size() - 3), QStringList({"1 Up 0", "1 Ok 1", "1 Ok 0"}));
@@ -78,7 +77,7 @@ void SessionEntriesTest::keysAreReportedAsTheDeviceWritesThem()
 void SessionEntriesTest::recordsAreReported()
 {
     QVERIFY(launch());
-    QCOMPARE(take("record 1 139 5; device 1; record 4 4 -7; record 1 139 1; record 1 30 1"), QString());
+    QCOMPARE(execute("record 1 139 5; device 1; record 4 4 -7; record 1 139 1; record 1 30 1"), QString());
     QCOMPARE(keys(), QStringList("1 Menu 1"));
     const QVector<QJsonObject> records = entries("record");
     QCOMPARE(records.size(), 3);
@@ -92,7 +91,7 @@ void SessionEntriesTest::recordsAreReported()
 void SessionEntriesTest::commandsAndAnswersAreReported()
 {
     QVERIFY(launch());
-    QCOMPARE(take("command GetLastKey as WwwApi"), QString());
+    QCOMPARE(execute("command GetLastKey as WwwApi"), QString());
     QCOMPARE(members("command", "text"), QStringList("GetLastKey as WwwApi"));
     QVERIFY(awaitEntry("answer", "text", "answer errorId=Undefined key=0 resultId=Success"));
     QCOMPARE(entries("answer").first().value("response").toObject(),
@@ -103,7 +102,7 @@ void SessionEntriesTest::aCommandThatTheBusRefusesIsAnswered()
 {
     options.namePolicy = DeviceOptions::NamePolicy::DenyOwnership;
     QVERIFY(launch());
-    QCOMPARE(take("command GetLastKey"), QString());
+    QCOMPARE(execute("command GetLastKey"), QString());
     WAIT_FOR_EQUAL(entries("answer").size(), 1);
     const QJsonObject answer = entries("answer").first();
     QVERIFY(answer.value("text").toString().startsWith("answer busError=org.freedesktop.DBus.Error."));
@@ -113,7 +112,7 @@ void SessionEntriesTest::aCommandThatTheBusRefusesIsAnswered()
 void SessionEntriesTest::consoleLinesAndTheLogAreReported()
 {
     QVERIFY(launch());
-    QCOMPARE(take("console C 4; wait 0"), QString());
+    QCOMPARE(execute("console C 4; wait 0"), QString());
     QCOMPARE(members("console", "text"), QStringList("C 4"));
     QVERIFY(awaitEntry("log", "text", "Process command response"));
 }
@@ -121,15 +120,15 @@ void SessionEntriesTest::consoleLinesAndTheLogAreReported()
 void SessionEntriesTest::headingsAndStatesAreReported()
 {
     QVERIFY(launch());
-    QCOMPARE(take("## A change; state Print"), QString());
+    QCOMPARE(execute("## A change; state Print"), QString());
     QCOMPARE(members("heading", "text"), QStringList("A change"));
     QCOMPARE(members("state", "state"), QStringList("Print"));
 }
 
-void SessionEntriesTest::speechIsReportedInWords()
+void SessionEntriesTest::speechIsReportedAsText()
 {
     QVERIFY(launch());
-    QCOMPARE(take("tap Chs"), QString());
+    QCOMPARE(execute("tap Chs"), QString());
     QVERIFY(awaitEntry("speech", "text", "Character set"));
     QVERIFY(entries("speech").first().value("observation").toString().startsWith("speak EmbosserCore "));
 }
@@ -137,7 +136,7 @@ void SessionEntriesTest::speechIsReportedInWords()
 void SessionEntriesTest::announcementsAreReported()
 {
     QVERIFY(launch());
-    QCOMPARE(take("tap Help Feed"), QString());
+    QCOMPARE(execute("tap Help Feed"), QString());
     QVERIFY(awaitEntry("announcement", "action", "PaperStatus"));
     QCOMPARE(withoutTime(entries("announcement").first()),
              QJsonObject({{"type", "announcement"},
@@ -151,7 +150,7 @@ void SessionEntriesTest::announcementsAreReported()
 void SessionEntriesTest::aRefusedActionIsNamed()
 {
     QVERIFY(launch());
-    QCOMPARE(take("press Feed; tap Ok; release Feed"), QString());
+    QCOMPARE(execute("press Feed; tap Ok; release Feed"), QString());
     QVERIFY(awaitEntry("refusal", "action", "LoadPaper"));
     const QJsonObject refusal = entries("refusal").first();
     QCOMPARE(refusal.value("expected").toString(), QStringLiteral("PrintOff"));
@@ -159,24 +158,25 @@ void SessionEntriesTest::aRefusedActionIsNamed()
     QVERIFY(members("log", "text").contains(refusal.value("reason").toString()));
 }
 
-void SessionEntriesTest::aRefusedActionThatMayBeSeveralIsNotNamed()
+void SessionEntriesTest::anAmbiguousRefusedActionIsNotNamed()
 {
     QVERIFY(launch());
-    QCOMPARE(take("hold Feed 300; wait 100; press Feed; wait 300; tap Ok; release Feed"), QString());
+    QCOMPARE(execute("hold Feed 300; wait 100; press Feed; wait 300; tap Ok; release Feed"), QString());
     WAIT_FOR_EQUAL(entries("refusal").size(), 1);
     QVERIFY(!entries("refusal").first().contains("action"));
 }
 
-void SessionEntriesTest::anActionForNobodyIsRefused()
+void SessionEntriesTest::anActionWithoutReceiverIsRefused()
 {
     options.keyLists.insert(shortcutFile, undefinedRow);
     QVERIFY(launch());
-    QCOMPARE(take("press Help; tap Up; release Help"), QString());
+    QCOMPARE(execute("press Help; tap Up; release Help"), QString());
     WAIT_FOR_EQUAL(entries("refusal").size(), 1);
-    QCOMPARE(withoutTime(entries("refusal").first()),
-             QJsonObject({{"type", "refusal"},
-                          {"reason", "Its receiver is \"Undefined\", so no service gets it."},
-                          {"action", "Void"}}));
+    QCOMPARE(
+        withoutTime(entries("refusal").first()),
+        QJsonObject({{"type", "refusal"},
+                     {"reason", "The receiver of the action is \"Undefined\", so no service receives it."},
+                     {"action", "Void"}}));
 }
 
 void SessionEntriesTest::anActionForAnEmptyStateIsRefused()
@@ -185,7 +185,7 @@ void SessionEntriesTest::anActionForAnEmptyStateIsRefused()
         shortcutFile,
         QByteArray(undefinedRow).replace(R"("Undefined")", R"("UserMenu")").replace(R"("Idle")", R"("")"));
     QVERIFY(launch());
-    QCOMPARE(take("press Help; wait 50; tap Up; release Help"), QString());
+    QCOMPARE(execute("press Help; wait 50; tap Up; release Help"), QString());
     WAIT_FOR_EQUAL(entries("refusal").size(), 1);
     const QJsonObject refusal = entries("refusal").first();
     QCOMPARE(refusal.value("expected"), QJsonValue(""));
@@ -197,7 +197,7 @@ void SessionEntriesTest::aKeyWhileStartingUpIsRefused()
 {
     options.state = ls::StateId::Startup;
     QVERIFY(launch());
-    QCOMPARE(take("tap Up"), QString());
+    QCOMPARE(execute("tap Up"), QString());
     WAIT_FOR_EQUAL(entries("refusal").size(), 1);
     QCOMPARE(
         withoutTime(entries("refusal").first()),
@@ -205,14 +205,14 @@ void SessionEntriesTest::aKeyWhileStartingUpIsRefused()
     QCOMPARE(entries("cancel").size(), 1);
 }
 
-void SessionEntriesTest::aKeyboardTestIsReportedFromBeginToEnd()
+void SessionEntriesTest::startAndEndOfAKeyboardTestAreReported()
 {
     options.state = ls::StateId::Error;
     QVERIFY(launch());
-    QCOMPARE(take("command StartTestMode"), QString());
+    QCOMPARE(execute("command StartTestMode"), QString());
     QVERIFY(awaitEntry("test", "running", "true"));
     QVERIFY(session().isTesting());
-    QCOMPARE(take("tap Up; wait 50; tap Ten"), QString());
+    QCOMPARE(execute("tap Up; wait 50; tap Ten"), QString());
     QVERIFY(awaitEntry("test", "running", "false"));
     QVERIFY(!session().isTesting());
     QCOMPARE(members("announcement", "observation"),

@@ -30,9 +30,9 @@ class SessionFactsTest : public QObject
 
 private Q_SLOTS:
     void keysAreHeldUntilTheyAreReleased();
-    void newDeviceHoldsNothingAndTestsNothing();
-    void testRunsFromItsAnswerToItsOk_data();
-    void testRunsFromItsAnswerToItsOk();
+    void aNewDeviceResetsTheFacts();
+    void testRunsFromItsAnswerToOk_data();
+    void testRunsFromItsAnswerToOk();
 };
 
 void SessionFactsTest::keysAreHeldUntilTheyAreReleased()
@@ -45,7 +45,7 @@ void SessionFactsTest::keysAreHeldUntilTheyAreReleased()
     QCOMPARE(facts.heldKeys(), QVector<HeldKey>({{0, "Help"}, {1, "Up"}}));
 }
 
-void SessionFactsTest::newDeviceHoldsNothingAndTestsNothing()
+void SessionFactsTest::aNewDeviceResetsTheFacts()
 {
     SessionFacts facts;
     facts.note(entry::Key{1, "Up", 1});
@@ -56,7 +56,7 @@ void SessionFactsTest::newDeviceHoldsNothingAndTestsNothing()
     QVERIFY(!facts.isTesting() && facts.heldKeys().isEmpty());
 }
 
-void SessionFactsTest::testRunsFromItsAnswerToItsOk_data()
+void SessionFactsTest::testRunsFromItsAnswerToOk_data()
 {
     QTest::addColumn<QVector<SessionEvent>>("events");
     QTest::addColumn<bool>("runs");
@@ -76,7 +76,7 @@ void SessionFactsTest::testRunsFromItsAnswerToItsOk_data()
     row("another key", {start, success, single("Up", "PrintManager")}, true);
 }
 
-void SessionFactsTest::testRunsFromItsAnswerToItsOk()
+void SessionFactsTest::testRunsFromItsAnswerToOk()
 {
     QFETCH(QVector<SessionEvent>, events);
     SessionFacts facts;

@@ -18,7 +18,7 @@ const QString longFile = QStringLiteral("longKeyList.json");
 const QByteArray oneLongRow =
     R"({"LongKeys": [{"keys": ["Up"], "eAction": "Rise", "receiverService": "WwwApi", "timeout": 1, "validOnState": "Idle"}]})";
 
-/// Lets no other program be found than those in a folder of its own.
+/// Restricts PATH to a private folder.
 class SearchPath
 {
 public:
@@ -48,7 +48,7 @@ bool mentions(const QString& file, const QByteArray& text)
     return source.open(QIODevice::ReadOnly) && source.readAll().contains(text);
 }
 
-/// The process id of the bus that this process has started; 0 for none.
+/// The process id of this process's bus; 0 if there is none.
 pid_t busProcess()
 {
     const QByteArray parent = "\nPPid:\t" + QByteArray::number(getpid()) + '\n';
@@ -65,32 +65,32 @@ pid_t busProcess()
 
 } // namespace
 
-/// The device of a session: started, restarted with changes, crashed and brought back.
+/// Starts, restarts, changes and crashes of a session's device.
 class SessionLifeTest : public SessionTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void aDeviceStarts();
-    void nothingIsTakenBeforeTheStart();
+    void statementsNeedAReadyDevice();
     void aRestartKeepsModelStateAndLists();
-    void aRestartChangesWhatItIsTold();
-    void theInstalledListsComeBack();
-    void aListThatIsNotThereIsLeftOut();
-    void whatThereIsNotIsRefused_data();
-    void whatThereIsNotIsRefused();
-    void aRestartForgetsHeldKeysAndPlans();
-    void restartsWhileStartingBecomeOne();
-    void aRestartMayBeAskedForByWhoIsTold_data();
-    void aRestartMayBeAskedForByWhoIsTold();
+    void aRestartAppliesChanges();
+    void installedListsCanBeRestored();
+    void missingListsAreOmitted();
+    void unknownNamesAreRefused_data();
+    void unknownNamesAreRefused();
+    void aRestartClearsHeldKeysAndPendingSteps();
+    void restartsDuringAStartAreMerged();
+    void aReceiverOfEntriesMayRestart_data();
+    void aReceiverOfEntriesMayRestart();
     void aCrashEndsTheDevice();
-    void aRestartAfterACrashBringsEverythingBack();
+    void aRestartAfterACrashRestoresTheDevice();
     void theEndOfTheBusEndsTheDevice();
-    void aDaemonThatEndsWhileStartingIsTold();
-    void aDaemonThatDoesNotBecomeReadyIsGivenUp();
-    void aHelperThatFailsIsTold_data();
-    void aHelperThatFailsIsTold();
-    void nothingStaysBehind();
+    void aDaemonThatEndsDuringTheStartIsReported();
+    void aDaemonThatDoesNotBecomeReadyIsStopped();
+    void aFailingHelperIsReported_data();
+    void aFailingHelperIsReported();
+    void nothingIsLeftBehind();
 };
 
 void SessionLifeTest::aDeviceStarts()
@@ -115,13 +115,13 @@ void SessionLifeTest::aDeviceStarts()
     QVERIFY(!description.value("replaying").toBool());
 }
 
-void SessionLifeTest::nothingIsTakenBeforeTheStart()
+void SessionLifeTest::statementsNeedAReadyDevice()
 {
-    QCOMPARE(take("press Up"), QStringLiteral("The device has not been started."));
+    QCOMPARE(execute("press Up"), QStringLiteral("The device has not been started."));
     session().start();
-    QCOMPARE(take("press Up"), QStringLiteral("The device is starting."));
+    QCOMPARE(execute("press Up"), QStringLiteral("The device is starting."));
     QVERIFY(awaitStatus(Status::Ready));
-    QCOMPARE(take("press Up"), QString());
+    QCOMPARE(execute("press Up"), QString());
 }
 
 void SessionLifeTest::aRestartKeepsModelStateAndLists()
@@ -129,7 +129,7 @@ void SessionLifeTest::aRestartKeepsModelStateAndLists()
     options.model = QStringLiteral("Orvane");
     options.keyLists.insert(longFile, oneLongRow);
     QVERIFY(launch());
-    QCOMPARE(take("state Update"), QString());
+    QCOMPARE(execute("state Update"), QString());
     const auto lists = session().keyLists();
     const qint64 before = session().daemonProcess();
     QCOMPARE(session().restart({}), QString());
@@ -138,11 +138,11 @@ void SessionLifeTest::aRestartKeepsModelStateAndLists()
     QCOMPARE(session().model(), QStringLiteral("Orvane"));
     QCOMPARE(session().state(), QStringLiteral("Update"));
     QCOMPARE(session().keyLists(), lists);
-    QCOMPARE(take("tap Up"), QString());
+    QCOMPARE(execute("tap Up"), QString());
     QVERIFY(awaitEntry("announcement", "receiver", "UpdateManager"));
 }
 
-void SessionLifeTest::aRestartChangesWhatItIsTold()
+void SessionLifeTest::aRestartAppliesChanges()
 {
     QVERIFY(launch());
     Session::Changes changes;
@@ -154,13 +154,13 @@ void SessionLifeTest::aRestartChangesWhatItIsTold()
     QCOMPARE(session().model(), QStringLiteral("Orvane"));
     QCOMPARE(session().keyLists().value(longFile), oneLongRow);
     QCOMPARE(session().keyLists().size(), 3);
-    QCOMPARE(take("state Idle; command GetLongKeysTimeout; wait 100; hold Up 1400"), QString());
+    QCOMPARE(execute("state Idle; command GetLongKeysTimeout; wait 100; hold Up 1400"), QString());
     QVERIFY(
         awaitEntry("answer", "text", "answer errorId=Undefined keyTimeouts={\"Up\":1000} resultId=Success"));
     QVERIFY(awaitEntry("announcement", "action", "Rise"));
 }
 
-void SessionLifeTest::theInstalledListsComeBack()
+void SessionLifeTest::installedListsCanBeRestored()
 {
     options.keyLists.insert(longFile, oneLongRow);
     QVERIFY(launch());
@@ -175,7 +175,7 @@ void SessionLifeTest::theInstalledListsComeBack()
     QVERIFY(awaitStatus(Status::Ready));
 }
 
-void SessionLifeTest::aListThatIsNotThereIsLeftOut()
+void SessionLifeTest::missingListsAreOmitted()
 {
     options.keyListFolder.clear();
     options.keyLists.insert(longFile, oneLongRow);
@@ -184,7 +184,7 @@ void SessionLifeTest::aListThatIsNotThereIsLeftOut()
     QVERIFY(awaitEntry("log", "text", "ModifierKey::load ERROR: value list ModifierKeys not found!."));
 }
 
-void SessionLifeTest::whatThereIsNotIsRefused_data()
+void SessionLifeTest::unknownNamesAreRefused_data()
 {
     QTest::addColumn<QString>("model");
     QTest::addColumn<QString>("state");
@@ -193,19 +193,19 @@ void SessionLifeTest::whatThereIsNotIsRefused_data()
     QTest::newRow("a model") << "Moo"
                              << ""
                              << ""
-                             << "There is no model \"Moo\"; known are Orvane, Pellit.";
+                             << "Unknown model \"Moo\"; known models: Orvane, Pellit.";
     QTest::newRow("a state") << ""
                              << "Sleep"
                              << ""
-                             << "There is no state \"Sleep\"; known are Error, Idle, Print, "
+                             << "Unknown state \"Sleep\"; known states: Error, Idle, Print, "
                                 "PrintOff, Startup, Update.";
     QTest::newRow("a key list") << ""
                                 << ""
                                 << "../../escape.json"
-                                << "There is no key list \"../../escape.json\".";
+                                << "Unknown key list \"../../escape.json\".";
 }
 
-void SessionLifeTest::whatThereIsNotIsRefused()
+void SessionLifeTest::unknownNamesAreRefused()
 {
     QFETCH(QString, model);
     QFETCH(QString, state);
@@ -220,20 +220,20 @@ void SessionLifeTest::whatThereIsNotIsRefused()
     QCOMPARE(session().keyLists().size(), 3);
 }
 
-void SessionLifeTest::aRestartForgetsHeldKeysAndPlans()
+void SessionLifeTest::aRestartClearsHeldKeysAndPendingSteps()
 {
     QVERIFY(launch());
-    QCOMPARE(take("press Menu; wait 600; press Down; wait 3600000; press Up", 1), QString());
+    QCOMPARE(execute("press Menu; wait 600; press Down; wait 3600000; press Up", 1), QString());
     QCOMPARE(session().restart({}), QString());
     QVERIFY(awaitStatus(Status::Ready));
     forgetEntries();
     session().releaseKeysOf(1);
-    QVERIFY(tapsMenuAfter(800));
+    QVERIFY(tapMenuAfter(800));
     QVERIFY(awaitEntry("announcement", "observation", "announce SingleKey UserMenu - Menu"));
     QCOMPARE(keys(), QStringList({"0 Menu 1", "0 Menu 0"}));
 }
 
-void SessionLifeTest::restartsWhileStartingBecomeOne()
+void SessionLifeTest::restartsDuringAStartAreMerged()
 {
     session().start();
     for (const char* state : {"Print", "Update", "Error"}) {
@@ -241,7 +241,7 @@ void SessionLifeTest::restartsWhileStartingBecomeOne()
         changes.state = QString::fromLatin1(state);
         QCOMPARE(session().restart(changes), QString());
     }
-    // Once more as soon as the device is there: its daemon is not ready yet.
+    // Restarts again as soon as the device exists, before its daemon is ready.
     QTimer watch;
     Status status = Status::Ended;
     connect(&watch, &QTimer::timeout, this, [&] {
@@ -257,11 +257,11 @@ void SessionLifeTest::restartsWhileStartingBecomeOne()
     QVERIFY(awaitStatus(Status::Ready));
     QCOMPARE(members("device", "status").filter("ready").size(), 1);
     QCOMPARE(session().state(), QStringLiteral("Error"));
-    QCOMPARE(take("tap Up"), QString());
+    QCOMPARE(execute("tap Up"), QString());
     QVERIFY(awaitEntry("announcement", "receiver", "ErrorHandler"));
 }
 
-void SessionLifeTest::aRestartMayBeAskedForByWhoIsTold_data()
+void SessionLifeTest::aReceiverOfEntriesMayRestart_data()
 {
     QTest::addColumn<QString>("type");
     for (const char* type : {"key", "state", "answer", "announcement", "speech", "log", "command"}) {
@@ -269,7 +269,7 @@ void SessionLifeTest::aRestartMayBeAskedForByWhoIsTold_data()
     }
 }
 
-void SessionLifeTest::aRestartMayBeAskedForByWhoIsTold()
+void SessionLifeTest::aReceiverOfEntriesMayRestart()
 {
     QFETCH(QString, type);
     QVERIFY(launch());
@@ -281,7 +281,7 @@ void SessionLifeTest::aRestartMayBeAskedForByWhoIsTold()
         }
     });
     QCOMPARE(
-        take("tap Up; wait 300; state Print; wait 100; tap Up; command GetLastKey; console C; tap Up Up"),
+        execute("tap Up; wait 300; state Print; wait 100; tap Up; command GetLastKey; console C; tap Up Up"),
         QString());
     WAIT_FOR(restarted);
     QVERIFY(awaitStatus(Status::Ready));
@@ -291,23 +291,23 @@ void SessionLifeTest::aRestartMayBeAskedForByWhoIsTold()
 void SessionLifeTest::aCrashEndsTheDevice()
 {
     QVERIFY(launch());
-    QCOMPARE(take("press Up; wait 3600000; press Down"), QString());
+    QCOMPARE(execute("press Up; wait 3600000; press Down"), QString());
     QVERIFY(crash());
     QCOMPARE(session().reason(), QStringLiteral("The daemon was ended by the signal SIGKILL (killed)."));
     QCOMPARE(entries("device").last().value("status").toString(), QStringLiteral("ended"));
     QCOMPARE(entries("device").last().value("reason").toString(), session().reason());
-    QCOMPARE(take("press Up"), session().reason());
+    QCOMPARE(execute("press Up"), session().reason());
     QCOMPARE(session().status(), Status::Ended);
     QVERIFY(!session().isRecording());
     forgetEntries();
     session().releaseKeysOf(1);
     QVERIFY(entries().isEmpty());
     QCOMPARE(session().restart({}), QString());
-    QVERIFY(awaitStatus(Status::Ready) && tapsMenuAfter(400));
+    QVERIFY(awaitStatus(Status::Ready) && tapMenuAfter(400));
     QCOMPARE(keys(), QStringList({"0 Menu 1", "0 Menu 0"}));
 }
 
-void SessionLifeTest::aRestartAfterACrashBringsEverythingBack()
+void SessionLifeTest::aRestartAfterACrashRestoresTheDevice()
 {
     QVERIFY(launch());
     const qint64 lastId = qint64(entries().last().value("id").toDouble());
@@ -315,7 +315,7 @@ void SessionLifeTest::aRestartAfterACrashBringsEverythingBack()
     QCOMPARE(session().restart({}), QString());
     QVERIFY(awaitStatus(Status::Ready));
     QCOMPARE(session().reason(), QString());
-    QCOMPARE(take("tap Menu"), QString());
+    QCOMPARE(execute("tap Menu"), QString());
     QVERIFY(awaitEntry("announcement", "action", "SingleKey"));
     for (int i = 1; i < entries().size(); ++i) {
         QVERIFY(entries().at(i).value("id").toDouble() > entries().at(i - 1).value("id").toDouble());
@@ -334,12 +334,12 @@ void SessionLifeTest::theEndOfTheBusEndsTheDevice()
     WAIT_FOR_EQUAL(session().daemonProcess(), 0);
     QCOMPARE(session().restart({}), QString());
     QVERIFY(awaitStatus(Status::Ready));
-    QCOMPARE(take("tap Menu"), QString());
+    QCOMPARE(execute("tap Menu"), QString());
     QVERIFY(awaitEntry("announcement", "action", "SingleKey"));
     QCOMPARE(members("device", "status"), QStringList({"starting", "ready", "ended", "starting", "ready"}));
 }
 
-void SessionLifeTest::aDaemonThatEndsWhileStartingIsTold()
+void SessionLifeTest::aDaemonThatEndsDuringTheStartIsReported()
 {
     options.daemon = QStringLiteral("/bin/false");
     session().start();
@@ -347,17 +347,17 @@ void SessionLifeTest::aDaemonThatEndsWhileStartingIsTold()
     QCOMPARE(session().reason(), QStringLiteral("The daemon has ended with status 1."));
 }
 
-void SessionLifeTest::aDaemonThatDoesNotBecomeReadyIsGivenUp()
+void SessionLifeTest::aDaemonThatDoesNotBecomeReadyIsStopped()
 {
     options.daemon = QStringLiteral("/bin/sleep");
     options.daemonArguments = QStringList("3600");
     session().start();
     QVERIFY(awaitEntry("device", "status", "ended"));
-    QCOMPARE(session().reason(), QStringLiteral("The daemon does not become ready."));
+    QCOMPARE(session().reason(), QStringLiteral("The daemon did not become ready."));
     WAIT_FOR_EQUAL(session().daemonProcess(), 0);
 }
 
-void SessionLifeTest::aHelperThatFailsIsTold_data()
+void SessionLifeTest::aFailingHelperIsReported_data()
 {
     QTest::addColumn<QString>("helper");
     QTest::addColumn<QString>("other");
@@ -367,16 +367,16 @@ void SessionLifeTest::aHelperThatFailsIsTold_data()
 eval "exec $2>&-"; exec /bin/sleep 3600' bash "$@")";
     QTest::newRow("the sandbox") << "bwrap"
                                  << "dbus-daemon"
-                                 << "bwrap does not start the daemon: " << QByteArray("exit 1");
+                                 << "bwrap did not start the daemon: " << QByteArray("exit 1");
     QTest::newRow("a sandbox that hangs") << "bwrap"
                                           << "dbus-daemon"
-                                          << "bwrap does not start the daemon: " << hangsMutely;
+                                          << "bwrap did not start the daemon: " << hangsMutely;
     QTest::newRow("the bus") << "dbus-daemon"
                              << "bwrap"
-                             << "dbus-daemon does not start: " << QByteArray("exit 1");
+                             << "dbus-daemon did not start: " << QByteArray("exit 1");
 }
 
-void SessionLifeTest::aHelperThatFailsIsTold()
+void SessionLifeTest::aFailingHelperIsReported()
 {
     QFETCH(QString, helper);
     QFETCH(QString, other);
@@ -394,7 +394,7 @@ void SessionLifeTest::aHelperThatFailsIsTold()
     QVERIFY(awaitStatus(Status::Ready));
 }
 
-void SessionLifeTest::nothingStaysBehind()
+void SessionLifeTest::nothingIsLeftBehind()
 {
     const QTemporaryDir folder;
     qputenv("TMPDIR", folder.path().toLocal8Bit());

@@ -15,7 +15,7 @@ const QString longFile = QStringLiteral("longKeyList.json");
 const QByteArray oneLongRow =
     R"({"LongKeys": [{"keys": ["Up"], "eAction": "Rise", "receiverService": "WwwApi", "timeout": 1, "validOnState": "Idle | Error"}]})";
 
-/// A lone key, a combination, a shortcut, a refused action, a long press, a command, a console line, an odd
+/// A lone key, a combination, a shortcut, a refused action, a long press, a command, a console line, an unusual
 /// record and a change of state.
 const QString busyHour = QStringLiteral("tap Up; wait 1900; tap Help; wait 100; tap Feed; wait 1900;"
                                         "press Function; wait 100; tap Up; release Function; wait 1900;"
@@ -26,41 +26,40 @@ const QString busyHour = QStringLiteral("tap Up; wait 1900; tap Help; wait 100; 
 
 } // namespace
 
-/// What a session records, and what the recordings are worth.
 class SessionRecordingTest : public SessionTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theFormerRecordingOutlivesARestart();
-    void aRecordingComesTrueAgain_data();
-    void aRecordingComesTrueAgain();
-    void aFalsifiedRecordingDoesNotComeTrue();
-    void otherKeyListsBecomeRows();
-    void whatRowsCannotTellIsAFault();
-    void aRecordingBeginsWithModelAndState();
-    void aRecordingBeginsWithTheServicesThatFail();
-    void anUntouchedDeviceStaysForANewRecording();
-    void aNewRecordingBeginsWithANewDaemon();
+    void theFormerRecordingSurvivesARestart();
+    void aRecordingCanBeReplayed_data();
+    void aRecordingCanBeReplayed();
+    void aFalsifiedRecordingFails();
+    void otherKeyListsAreRecordedAsRows();
+    void unrepresentableRowsAreFaults();
+    void aRecordingStartsWithModelAndState();
+    void aRecordingStartsWithFailedServices();
+    void anUnusedDeviceIsNotRestartedForARecording();
+    void aNewRecordingRestartsTheDaemon();
     void keysHeldAtTheEndStayDown();
-    void keysHeldAtTheBeginningAreForgotten();
-    void whatSeveralClientsDoIsRecorded();
+    void keysHeldAtTheStartAreDropped();
+    void actionsOfSeveralClientsAreRecorded();
     void aReplayIsRecorded();
     void aCrashEndsARecording();
-    void withoutADeviceThereIsNoRecording();
-    void aFullRecordingStopsAndCanBeRead();
+    void aRecordingNeedsADevice();
+    void aFullRecordingStopsAndIsAvailable();
 
 private:
-    /// The recording; empty, and a warning, when there are faults.
+    /// The recording; empty, with a warning, if there are faults.
     QString recording();
-    /// What the golden tests, and a replay, say of a script.
-    QString playedVirtually(const QString& text);
-    /// Does this on the device as soon as it is ready; the recording of it.
-    QString recordingOf(const QString& done, int client = 0);
-    /// What the golden tests say of a recording of this, done on a device that has just started. `text`
-    /// becomes that recording.
-    QString recordedAndPlayed(const QString& done, QString& text);
-    QString replayed(const QString& text);
+    /// Plays a script in the golden test; returns its output on failure.
+    QString playOnVirtualClock(const QString& text);
+    /// Executes the statements when the device is ready; returns the recording.
+    QString record(const QString& statements, int client = 0);
+    /// Records the statements on a new device, sets `text` to the recording and plays it in the golden test.
+    QString recordAndPlay(const QString& statements, QString& text);
+    /// Replays a script on the device; returns the differences.
+    QString replay(const QString& text);
 };
 
 QString SessionRecordingTest::recording()
@@ -73,7 +72,7 @@ QString SessionRecordingTest::recording()
     return text;
 }
 
-QString SessionRecordingTest::playedVirtually(const QString& text)
+QString SessionRecordingTest::playOnVirtualClock(const QString& text)
 {
     const QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("recording.keys")));
@@ -93,25 +92,25 @@ QString SessionRecordingTest::playedVirtually(const QString& text)
     return ended && played && process.exitCode() == 0 ? QString() : output;
 }
 
-QString SessionRecordingTest::recordingOf(const QString& done, int client)
+QString SessionRecordingTest::record(const QString& statements, int client)
 {
     forgetEntries();
-    if (!awaitStatus(Status::Ready) || !take(done + "; ## Done", client).isEmpty()) {
-        return QStringLiteral("It cannot be done.");
+    if (!awaitStatus(Status::Ready) || !execute(statements + "; ## Done", client).isEmpty()) {
+        return QStringLiteral("The statements cannot be executed.");
     }
     return awaitEntry("heading", "text", "Done") ? recording() : session().reason();
 }
 
-QString SessionRecordingTest::recordedAndPlayed(const QString& done, QString& text)
+QString SessionRecordingTest::recordAndPlay(const QString& statements, QString& text)
 {
     return Attempts::outcome([&] {
         session().restart({{}, {}, false, ls::StateId::Idle});
-        text = recordingOf(done);
-        return playedVirtually(text);
+        text = record(statements);
+        return playOnVirtualClock(text);
     });
 }
 
-QString SessionRecordingTest::replayed(const QString& text)
+QString SessionRecordingTest::replay(const QString& text)
 {
     forgetEntries();
     const QVector<ScriptFault> faults = session().replay(text);
@@ -124,16 +123,16 @@ QString SessionRecordingTest::replayed(const QString& text)
     return entries("replay").last().value("differences").toVariant().toStringList().join('\n');
 }
 
-void SessionRecordingTest::theFormerRecordingOutlivesARestart()
+void SessionRecordingTest::theFormerRecordingSurvivesARestart()
 {
     QVERIFY(launch());
     QStringList faults;
     QVERIFY(!session().hasFormerRecording());
     QCOMPARE(session().formerRecording(&faults), QString());
-    QCOMPARE(faults, QStringList("Nothing was recorded yet."));
-    QCOMPARE(take("tap Chs"), QString());
+    QCOMPARE(faults, QStringList("Nothing has been recorded yet."));
+    QCOMPARE(execute("tap Chs"), QString());
     QVERIFY(awaitEntry("speech", "text", "Character set"));
-    // The second restart ends a recording in which nothing was done.
+    // The second restart ends a recording without actions.
     for (int restarts = 0; restarts < 2; ++restarts) {
         QCOMPARE(session().restart({}), QString());
         QVERIFY(awaitStatus(Status::Ready));
@@ -144,7 +143,7 @@ void SessionRecordingTest::theFormerRecordingOutlivesARestart()
     QVERIFY(session().hasFormerRecording());
 }
 
-void SessionRecordingTest::aRecordingComesTrueAgain_data()
+void SessionRecordingTest::aRecordingCanBeReplayed_data()
 {
     QTest::addColumn<QString>("model");
     QTest::addColumn<QString>("done");
@@ -152,7 +151,7 @@ void SessionRecordingTest::aRecordingComesTrueAgain_data()
     QTest::newRow("nothing at all") << "Pellit"
                                     << "wait 300"
                                     << "recorded\n";
-    QTest::newRow("a lone key that still waits") << "Pellit"
+    QTest::newRow("a pending lone key") << "Pellit"
                                                  << "tap Up; wait 300"
                                                  << "release Up\n";
     QTest::newRow("everything") << "Orvane" << busyHour << "announce PaperStatus PrintManager";
@@ -162,41 +161,41 @@ void SessionRecordingTest::aRecordingComesTrueAgain_data()
         << "EmbosserError 69";
 }
 
-void SessionRecordingTest::aRecordingComesTrueAgain()
+void SessionRecordingTest::aRecordingCanBeReplayed()
 {
     QFETCH(QString, model);
     QFETCH(QString, done);
     QFETCH(QString, mark);
     options.model = model;
     QString text;
-    QCOMPARE(recordedAndPlayed(done, text), QString());
+    QCOMPARE(recordAndPlay(done, text), QString());
     QVERIFY2(text.startsWith("recorded\nmodel " + model + "\nstate Idle\n"), qPrintable(text));
     QVERIFY2(text.contains(mark), qPrintable(text));
-    QCOMPARE(Attempts::outcome([&] { return replayed(text); }), QString());
+    QCOMPARE(Attempts::outcome([&] { return replay(text); }), QString());
 }
 
-void SessionRecordingTest::aFalsifiedRecordingDoesNotComeTrue()
+void SessionRecordingTest::aFalsifiedRecordingFails()
 {
     QVERIFY(launch());
-    recordingOf("tap Menu");
+    record("tap Menu");
     QVERIFY(awaitEntry("announcement", "action", "SingleKey"));
     const QString text =
-        recordingOf("wait 300").replace(QStringLiteral("UserMenu"), QStringLiteral("WwwApi"));
-    QVERIFY(playedVirtually(text).contains(QStringLiteral("announce SingleKey WwwApi - Menu")));
-    QVERIFY(replayed(text).contains(QStringLiteral("announce SingleKey WwwApi - Menu")));
+        record("wait 300").replace(QStringLiteral("UserMenu"), QStringLiteral("WwwApi"));
+    QVERIFY(playOnVirtualClock(text).contains(QStringLiteral("announce SingleKey WwwApi - Menu")));
+    QVERIFY(replay(text).contains(QStringLiteral("announce SingleKey WwwApi - Menu")));
 }
 
-void SessionRecordingTest::otherKeyListsBecomeRows()
+void SessionRecordingTest::otherKeyListsAreRecordedAsRows()
 {
     options.keyLists.insert(longFile, oneLongRow);
     QString text;
-    QCOMPARE(recordedAndPlayed("hold Up 1400; wait 300", text), QString());
+    QCOMPARE(recordAndPlay("hold Up 1400; wait 300", text), QString());
     QVERIFY2(text.contains("\nrow long Rise WwwApi Idle|Error 1 Up\n"), qPrintable(text));
     QVERIFY(text.contains("\nrow shortcut VolumeUp UserMenu Idle Function Up\n"));
-    QCOMPARE(Attempts::outcome([&] { return replayed(text); }), QString());
+    QCOMPARE(Attempts::outcome([&] { return replay(text); }), QString());
 }
 
-void SessionRecordingTest::whatRowsCannotTellIsAFault()
+void SessionRecordingTest::unrepresentableRowsAreFaults()
 {
     options.keyLists.insert(longFile, QByteArray(oneLongRow).replace("\"timeout\": 1", "\"timeout\": 1.5"));
     QVERIFY(launch());
@@ -206,20 +205,20 @@ void SessionRecordingTest::whatRowsCannotTellIsAFault()
     QVERIFY(faults.first().startsWith("Row 1 of longKeyList.json cannot be written in a script: "));
 }
 
-void SessionRecordingTest::aRecordingBeginsWithModelAndState()
+void SessionRecordingTest::aRecordingStartsWithModelAndState()
 {
     QVERIFY(launch());
-    QCOMPARE(take("state Update"), QString());
+    QCOMPARE(execute("state Update"), QString());
     QVERIFY(session().restart({QStringLiteral("Orvane"), {}, false, {}}).isEmpty());
     QVERIFY(awaitStatus(Status::Ready));
     QVERIFY(recording().startsWith("recorded\nmodel Orvane\nstate Update\ndevice 0\n"));
     QCOMPARE(members("recording", "status"), QStringList({"recording", "recording"}));
 }
 
-void SessionRecordingTest::aRecordingBeginsWithTheServicesThatFail()
+void SessionRecordingTest::aRecordingStartsWithFailedServices()
 {
     QVERIFY(launch());
-    QCOMPARE(take("service speechd stop"), QString());
+    QCOMPARE(execute("service speechd stop"), QString());
     const QString steps = recording().section("device 0\n", 1);
     QVERIFY2(steps.contains("service speechd stop\n"), qPrintable(recording()));
     QVERIFY(session().restart({}).isEmpty());
@@ -230,7 +229,7 @@ void SessionRecordingTest::aRecordingBeginsWithTheServicesThatFail()
     QVERIFY2(!recording().contains("service"), qPrintable(recording()));
 }
 
-void SessionRecordingTest::anUntouchedDeviceStaysForANewRecording()
+void SessionRecordingTest::anUnusedDeviceIsNotRestartedForARecording()
 {
     QVERIFY(launch());
     const qint64 daemon = session().daemonProcess();
@@ -244,16 +243,16 @@ void SessionRecordingTest::anUntouchedDeviceStaysForANewRecording()
     QVERIFY(end <= sinceRestart.elapsed());
 }
 
-void SessionRecordingTest::aNewRecordingBeginsWithANewDaemon()
+void SessionRecordingTest::aNewRecordingRestartsTheDaemon()
 {
     QVERIFY(launch());
-    QCOMPARE(take("state Error; command StartTestMode; wait 100; tap Up"), QString());
+    QCOMPARE(execute("state Error; command StartTestMode; wait 100; tap Up"), QString());
     QVERIFY(awaitEntry("speech", "text", "Up"));
     QString text;
     const auto attempt = [&] {
         session().restartRecording();
-        text = recordingOf("tap Up; wait 1800");
-        return playedVirtually(text);
+        text = record("tap Up; wait 1800");
+        return playOnVirtualClock(text);
     };
     QCOMPARE(Attempts::outcome(attempt), QString());
     QVERIFY(text.startsWith("recorded\nmodel Pellit\nstate Error\ndevice 0\n"));
@@ -263,41 +262,41 @@ void SessionRecordingTest::aNewRecordingBeginsWithANewDaemon()
 void SessionRecordingTest::keysHeldAtTheEndStayDown()
 {
     QString text;
-    QCOMPARE(recordedAndPlayed("press Help; wait 100; device 1; press Up; wait 600", text), QString());
+    QCOMPARE(recordAndPlay("press Help; wait 100; device 1; press Up; wait 600", text), QString());
     QVERIFY(text.contains("press Help\n") && !text.contains("release"));
-    QCOMPARE(Attempts::outcome([&] { return replayed(text); }), QString());
+    QCOMPARE(Attempts::outcome([&] { return replay(text); }), QString());
     QVERIFY(keys().contains("0 Help 0") && keys().contains("1 Up 0"));
 }
 
-void SessionRecordingTest::keysHeldAtTheBeginningAreForgotten()
+void SessionRecordingTest::keysHeldAtTheStartAreDropped()
 {
     QVERIFY(launch());
     QString text;
     const auto attempt = [&] {
         forgetEntries();
-        take("press Help", 1);
+        execute("press Help", 1);
         WAIT_FOR(keys().contains("0 Help 2"));
         session().restartRecording();
-        text = recordingOf("release Help; tap Menu; wait 300", 1);
-        return playedVirtually(text);
+        text = record("release Help; tap Menu; wait 300", 1);
+        return playOnVirtualClock(text);
     };
     QCOMPARE(Attempts::outcome(attempt), QString());
     QVERIFY(!text.contains("press Help"));
     QVERIFY(text.contains("announce SingleKey UserMenu - Menu"));
 }
 
-void SessionRecordingTest::whatSeveralClientsDoIsRecorded()
+void SessionRecordingTest::actionsOfSeveralClientsAreRecorded()
 {
     QVERIFY(launch());
     QString text;
     const auto attempt = [&] {
         session().restartRecording();
-        recordingOf("press Function; wait 50", 1);
-        take("press Up", 2);
+        record("press Function; wait 50", 1);
+        execute("press Up", 2);
         awaitEntry("announcement", "observation", "announce VolumeUp UserMenu - Function Up");
         session().releaseKeysOf(2);
-        text = recordingOf("wait 50; release Function; wait 300", 1);
-        return playedVirtually(text);
+        text = record("wait 50; release Function; wait 300", 1);
+        return playOnVirtualClock(text);
     };
     QCOMPARE(Attempts::outcome(attempt), QString());
     QStringList texts;
@@ -314,9 +313,9 @@ void SessionRecordingTest::aReplayIsRecorded()
                                           "tap Up Down\n");
     QString text;
     const auto attempt = [&] {
-        replayed(script);
+        replay(script);
         text = recording();
-        return playedVirtually(text);
+        return playOnVirtualClock(text);
     };
     QCOMPARE(Attempts::outcome(attempt), QString());
     QVERIFY(text.startsWith("recorded\nmodel Orvane\nstate Idle\nrow modifier Both WwwApi Idle Up Down\n"));
@@ -328,10 +327,10 @@ void SessionRecordingTest::aCrashEndsARecording()
     QString text;
     const auto attempt = [&] {
         session().restart({});
-        recordingOf("tap Menu; wait 300");
+        record("tap Menu; wait 300");
         crash();
         text = recording();
-        return playedVirtually(text);
+        return playOnVirtualClock(text);
     };
     QCOMPARE(Attempts::outcome(attempt), QString());
     QTest::qWait(300);
@@ -339,26 +338,26 @@ void SessionRecordingTest::aCrashEndsARecording()
     QVERIFY(text.contains("announce SingleKey UserMenu - Menu"));
 }
 
-void SessionRecordingTest::withoutADeviceThereIsNoRecording()
+void SessionRecordingTest::aRecordingNeedsADevice()
 {
     QStringList faults;
     QCOMPARE(session().recording(&faults), QString());
-    QCOMPARE(faults, QStringList("Nothing was recorded yet."));
+    QCOMPARE(faults, QStringList("Nothing has been recorded yet."));
 }
 
-void SessionRecordingTest::aFullRecordingStopsAndCanBeRead()
+void SessionRecordingTest::aFullRecordingStopsAndIsAvailable()
 {
     options.state = ls::StateId::Print;
     QVERIFY(launch());
     const QString burst = QString("console " + QString(20'000, 'x') + ';').repeated(3);
     while (session().isRecording()) {
-        // A slow daemon takes what it was given before.
-        WAIT_FOR(take(burst).isEmpty());
+        // A slow daemon first reads its pending input.
+        WAIT_FOR(execute(burst).isEmpty());
     }
     QCOMPARE(members("recording", "status"), QStringList({"recording", "full"}));
     const QString text = recording();
     QVERIFY(text.size() > 500'000);
-    WAIT_FOR(take("tap Up").isEmpty());
+    WAIT_FOR(execute("tap Up").isEmpty());
     QVERIFY(awaitEntry("announcement", "action", "SingleKey"));
     QCOMPARE(recording(), text);
     session().restartRecording();

@@ -18,7 +18,6 @@ const QString longScript = QStringLiteral("press Help\nwait 3600000\npress Up\n"
 
 } // namespace
 
-/// Scripts that a session replays.
 class SessionReplayTest : public SessionTest
 {
     Q_OBJECT
@@ -26,17 +25,17 @@ class SessionReplayTest : public SessionTest
 private Q_SLOTS:
     void aScriptIsPlayedOnItsDevice();
     void aScriptWithoutRowsHasTheInstalledLists();
-    void whatIsDifferentIsTold();
+    void differencesAreReported();
     void aFaultyScriptChangesNothing_data();
     void aFaultyScriptChangesNothing();
-    void othersWaitForTheEnd();
+    void otherClientsWaitForTheEnd();
     void aReplayCanBeStopped();
-    void aReplayCanBeStoppedBeforeItBegins();
+    void aReplayCanBeStoppedBeforeItsStart();
     void aRestartStopsAReplay();
-    void aReplayTakesThePlaceOfAnother();
+    void aReplayReplacesAnother();
     void aCrashStopsAReplay();
-    void whoIsToldMayStopIt_data();
-    void whoIsToldMayStopIt();
+    void aReceiverOfEntriesMayStopAReplay_data();
+    void aReceiverOfEntriesMayStopAReplay();
 
 private:
     QStringList replayStatus() const { return members("replay", "status"); }
@@ -56,7 +55,7 @@ void SessionReplayTest::aScriptIsPlayedOnItsDevice()
     QCOMPARE(session().state(), QStringLiteral("Print"));
     QVERIFY(!session().isReplaying());
     QVERIFY(keys().contains("0 Help 0") && keys().contains("0 Up 0"));
-    QCOMPARE(take("tap Menu"), QString());
+    QCOMPARE(execute("tap Menu"), QString());
 }
 
 void SessionReplayTest::aScriptWithoutRowsHasTheInstalledLists()
@@ -71,7 +70,7 @@ void SessionReplayTest::aScriptWithoutRowsHasTheInstalledLists()
     QCOMPARE(session().model(), QStringLiteral("Pellit"));
 }
 
-void SessionReplayTest::whatIsDifferentIsTold()
+void SessionReplayTest::differencesAreReported()
 {
     QVERIFY(session().replay(QStringLiteral("tap Menu\nexpect +0 cancel\n")).isEmpty());
     QVERIFY(awaitReplay("finished"));
@@ -87,7 +86,7 @@ void SessionReplayTest::aFaultyScriptChangesNothing_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("line");
     QTest::addColumn<QString>("fault");
-    QTest::newRow("a faulty line") << "press Up\njump" << 2 << "\"jump\" is no keyword of a key script.";
+    QTest::newRow("a faulty line") << "press Up\njump" << 2 << "\"jump\" is not a keyword of a key script.";
     QTest::newRow("too long") << QString(1024 * 1024 + 1, '#') << 0
                               << "The script is longer than 1048576 bytes.";
     QTest::newRow("too many steps") << QString("press Up\n").repeated(20'001) << 0
@@ -106,11 +105,11 @@ void SessionReplayTest::aFaultyScriptChangesNothing()
     QVERIFY(!session().isReplaying());
 }
 
-void SessionReplayTest::othersWaitForTheEnd()
+void SessionReplayTest::otherClientsWaitForTheEnd()
 {
     QVERIFY(session().replay(longScript).isEmpty());
     QVERIFY(awaitReplay("playing"));
-    QCOMPARE(take("press Up", 1), QStringLiteral("A script is being replayed."));
+    QCOMPARE(execute("press Up", 1), QStringLiteral("A script is being replayed."));
     session().releaseKeysOf(1);
     WAIT_FOR_EQUAL(keys().mid(0, 1), QStringList("0 Help 1"));
     QVERIFY(!keys().contains("0 Help 0"));
@@ -126,15 +125,15 @@ void SessionReplayTest::aReplayCanBeStopped()
     QCOMPARE(replayStatus(), QStringList({"playing", "stopped"}));
     QCOMPARE(keys().last(), QStringLiteral("0 Help 0"));
     QCOMPARE(session().status(), Status::Ready);
-    QCOMPARE(take("press Menu"), QString());
+    QCOMPARE(execute("press Menu"), QString());
 }
 
-void SessionReplayTest::aReplayCanBeStoppedBeforeItBegins()
+void SessionReplayTest::aReplayCanBeStoppedBeforeItsStart()
 {
     QVERIFY(session().replay(longScript).isEmpty());
     session().stopReplay();
     QVERIFY(awaitStatus(Status::Ready));
-    QVERIFY(tapsMenuAfter(100));
+    QVERIFY(tapMenuAfter(100));
     QCOMPARE(replayStatus(), QStringList("stopped"));
     QCOMPARE(keys(), QStringList({"0 Menu 1", "0 Menu 0"}));
 }
@@ -147,11 +146,11 @@ void SessionReplayTest::aRestartStopsAReplay()
     QVERIFY(awaitStatus(Status::Ready));
     QCOMPARE(replayStatus(), QStringList({"playing", "stopped"}));
     forgetEntries();
-    QVERIFY(tapsMenuAfter(400));
+    QVERIFY(tapMenuAfter(400));
     QCOMPARE(keys(), QStringList({"0 Menu 1", "0 Menu 0"}));
 }
 
-void SessionReplayTest::aReplayTakesThePlaceOfAnother()
+void SessionReplayTest::aReplayReplacesAnother()
 {
     QVERIFY(session().replay(longScript).isEmpty());
     QVERIFY(awaitReplay("playing"));
@@ -170,7 +169,7 @@ void SessionReplayTest::aCrashStopsAReplay()
     QVERIFY(!session().isReplaying());
 }
 
-void SessionReplayTest::whoIsToldMayStopIt_data()
+void SessionReplayTest::aReceiverOfEntriesMayStopAReplay_data()
 {
     QTest::addColumn<QString>("type");
     for (const char* type : {"replay", "key", "heading", "state", "announcement", "recording", "device"}) {
@@ -178,7 +177,7 @@ void SessionReplayTest::whoIsToldMayStopIt_data()
     }
 }
 
-void SessionReplayTest::whoIsToldMayStopIt()
+void SessionReplayTest::aReceiverOfEntriesMayStopAReplay()
 {
     QFETCH(QString, type);
     connect(&session(), &Session::added, this, [&](const SessionEntry& entry) {
@@ -190,11 +189,11 @@ void SessionReplayTest::whoIsToldMayStopIt()
         "press Up\n## Next\nstate Print\nrelease Up\nwait 50\npress Up\nrelease Up\nwait 50\n";
     QVERIFY(session().replay(text + longScript).isEmpty());
     QVERIFY(awaitStatus(Status::Ready) && awaitReplay("stopped"));
-    QVERIFY(tapsMenuAfter(150));
+    QVERIFY(tapMenuAfter(150));
     QVERIFY(!session().isReplaying() && !replayStatus().contains("finished"));
     QCOMPARE(keys().filter("Up 1").size(), keys().filter("Up 0").size());
     QCOMPARE(keys().filter("Help 1").size(), keys().filter("Help 0").size());
-    QCOMPARE(take("press Menu"), QString());
+    QCOMPARE(execute("press Menu"), QString());
 }
 
 QTEST_GUILESS_MAIN(SessionReplayTest)

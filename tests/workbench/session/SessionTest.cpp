@@ -41,9 +41,9 @@ bool SessionTest::awaitStatus(Session::Status status)
     return session().status() == status;
 }
 
-QString SessionTest::take(const QString& statements, int client)
+QString SessionTest::execute(const QString& statements, int client)
 {
-    const QVector<ScriptFault> faults = session().take(QString(statements).replace(';', '\n'), client);
+    const QVector<ScriptFault> faults = session().execute(QString(statements).replace(';', '\n'), client);
     return faults.isEmpty() ? QString() : faults.first().text;
 }
 
@@ -82,12 +82,12 @@ bool SessionTest::awaitEntry(const QString& type, const QString& name, const QSt
     return members(type, name).contains(text);
 }
 
-bool SessionTest::tapsMenuAfter(int ms)
+bool SessionTest::tapMenuAfter(int ms)
 {
-    constexpr int oneMoreClient = 1000;
-    const bool isTaken = take(QStringLiteral("wait %1; tap Menu").arg(ms), oneMoreClient).isEmpty();
-    WAIT_FOR(keys().contains(QStringLiteral("0 Menu 0")) || !isTaken || hasEnded());
-    return isTaken && !hasEnded();
+    constexpr int additionalClient = 1000;
+    const bool isAccepted = execute(QStringLiteral("wait %1; tap Menu").arg(ms), additionalClient).isEmpty();
+    WAIT_FOR(keys().contains(QStringLiteral("0 Menu 0")) || !isAccepted || hasEnded());
+    return isAccepted && !hasEnded();
 }
 
 bool SessionTest::crash()

@@ -9,42 +9,41 @@
 
 #include <memory>
 
-/// The base of tests that work with a session: a fresh one for each test function, and what it reported.
+/// The base class of tests with a session: a new session for each test function and its entries.
 class SessionTest : public QObject
 {
     Q_OBJECT
 
 protected:
-    /// Makes the session with `options`, once; it is not started.
+    /// The session; the first call creates it with `options`, without starting it.
     Session& session();
     /// Starts the session and waits until it is ready.
     bool launch();
-    /// Waits for it; false when the device ends instead.
+    /// Waits for `status`; false if the device ends instead.
     bool awaitStatus(Session::Status status);
 
-    /// Takes the statements, separated by ";", and returns the first fault.
-    QString take(const QString& statements, int client = 0);
+    /// Executes the statements, separated by ";", and returns the first fault.
+    QString execute(const QString& statements, int client = 0);
 
-    /// All entries so far, and those of one type, as the page reads them.
+    /// All entries so far, or those of one type, in the JSON form of the page.
     const QVector<QJsonObject>& entries() const { return m_entries; }
     QVector<QJsonObject> entries(const QString& type) const;
     /// One member of each entry of a type, as text.
     QStringList members(const QString& type, const QString& name) const;
-    /// The keys that were written, as "device KEY value".
+    /// The written keys as "DEVICE KEY VALUE".
     QStringList keys() const;
     void forgetEntries() { m_entries.clear(); }
 
-    /// Waits for an entry of this type whose member has this text; false when the device ends without it.
+    /// Waits for an entry of this type and member value; false if the device ends first.
     bool awaitEntry(const QString& type, const QString& name, const QString& text);
 
-    /// Taps Menu after `ms`, as one more client, and waits for it: what was to be done before that is done
-    /// then.
-    bool tapsMenuAfter(int ms);
+    /// Taps Menu after `ms`, as an additional client, and waits for the tap. Earlier steps are then finished.
+    bool tapMenuAfter(int ms);
 
-    /// Kills the daemon and waits until the session has seen it.
+    /// Kills the daemon and waits until the session reports its end.
     bool crash();
 
-    /// Set before the session is used.
+    /// Must be set before the first call of `session`.
     DeviceOptions options;
 
 private Q_SLOTS:

@@ -10,37 +10,36 @@ using Status = Session::Status;
 
 namespace {
 
-/// Holds the main thread of a process up; all its other threads run on.
-class HeldMainThread
+/// Stops the main thread of a process, but not its other threads.
+class BlockedMainThread
 {
 public:
-    explicit HeldMainThread(qint64 process)
+    explicit BlockedMainThread(qint64 process)
         : m_thread(pid_t(process))
-        , m_isHeld(ptrace(PTRACE_ATTACH, m_thread, nullptr, nullptr) == 0 &&
+        , m_isStopped(ptrace(PTRACE_ATTACH, m_thread, nullptr, nullptr) == 0 &&
                    waitpid(m_thread, nullptr, __WALL) == m_thread)
     {}
-    ~HeldMainThread() { ptrace(PTRACE_DETACH, m_thread, nullptr, nullptr); }
-    Q_DISABLE_COPY(HeldMainThread)
+    ~BlockedMainThread() { ptrace(PTRACE_DETACH, m_thread, nullptr, nullptr); }
+    Q_DISABLE_COPY(BlockedMainThread)
 
-    bool isHeld() const { return m_isHeld; }
+    bool isStopped() const { return m_isStopped; }
 
 private:
     pid_t m_thread;
-    bool m_isHeld;
+    bool m_isStopped;
 };
 
 } // namespace
 
-/// Whether the daemon still answers.
 class SessionWatchTest : public SessionTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aStoppedDaemonDoesNotAnswerUntilItContinues();
-    void aDaemonDoesNotAnswerWithoutItsMainThread();
-    void theQuestionsLeaveTheSenderOfTheNextAnnouncement();
-    void aNewDaemonIsAskedAfterOneThatDidNotAnswer();
+    void aStoppedDaemonIsUnresponsiveUntilItContinues();
+    void aBlockedMainThreadIsDetected();
+    void checksDoNotChangeTheSenderOfTheNextAnnouncement();
+    void aNewDaemonIsCheckedAfterAnUnresponsiveOne();
 
 private:
     bool isAnswering() { return session().isAnswering(); }
@@ -48,7 +47,7 @@ private:
     bool resume() { return kill(pid_t(session().daemonProcess()), SIGCONT) == 0; }
 };
 
-void SessionWatchTest::aStoppedDaemonDoesNotAnswerUntilItContinues()
+void SessionWatchTest::aStoppedDaemonIsUnresponsiveUntilItContinues()
 {
     QVERIFY(launch());
     QVERIFY(isAnswering());
@@ -62,32 +61,32 @@ void SessionWatchTest::aStoppedDaemonDoesNotAnswerUntilItContinues()
     QCOMPARE(entries("daemon").size(), 2);
 }
 
-void SessionWatchTest::aDaemonDoesNotAnswerWithoutItsMainThread()
+void SessionWatchTest::aBlockedMainThreadIsDetected()
 {
     QVERIFY(launch());
     {
-        const HeldMainThread mainThread(session().daemonProcess());
-        QVERIFY(mainThread.isHeld());
+        const BlockedMainThread mainThread(session().daemonProcess());
+        QVERIFY(mainThread.isStopped());
         QVERIFY(awaitEntry("daemon", "answering", "false"));
     }
     QVERIFY(awaitEntry("daemon", "answering", "true"));
 }
 
-void SessionWatchTest::theQuestionsLeaveTheSenderOfTheNextAnnouncement()
+void SessionWatchTest::checksDoNotChangeTheSenderOfTheNextAnnouncement()
 {
     QVERIFY(launch());
-    QCOMPARE(take("command GetLastKey as WwwApi"), QString());
+    QCOMPARE(execute("command GetLastKey as WwwApi"), QString());
     WAIT_FOR_EQUAL(entries("answer").size(), 1);
-    // Between these two entries a question was asked and answered.
+    // A check was answered between these two entries.
     QVERIFY(stop());
     QVERIFY(awaitEntry("daemon", "answering", "false"));
     QVERIFY(resume());
     QVERIFY(awaitEntry("daemon", "answering", "true"));
-    QCOMPARE(take("tap Menu; wait 100; tap Menu"), QString());
+    QCOMPARE(execute("tap Menu; wait 100; tap Menu"), QString());
     WAIT_FOR_EQUAL(members("announcement", "sender"), QStringList({"WwwApi", "KeyboardHandler"}));
 }
 
-void SessionWatchTest::aNewDaemonIsAskedAfterOneThatDidNotAnswer()
+void SessionWatchTest::aNewDaemonIsCheckedAfterAnUnresponsiveOne()
 {
     QVERIFY(launch());
     QVERIFY(stop());

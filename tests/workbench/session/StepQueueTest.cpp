@@ -10,7 +10,7 @@ namespace {
 constexpr int anna = 1;
 constexpr int ben = 2;
 
-/// Writes down the keys that are moved.
+/// Records pressed and released keys.
 class KeyTarget : public ScriptTarget
 {
 public:
@@ -46,17 +46,17 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void whatIsDueIsTakenAtOnce();
-    void theRestComesAtItsTime();
-    void severalClientsPlayAtOnce();
-    void whatIsPendingIsCounted();
-    void aClientThatGoesReleasesItsKeys();
-    void theLastOneToPressAKeyHoldsIt();
-    void aKeyThatWasReleasedIsHeldByNobody();
-    void aClientThatGoesGivesUpItsPlans();
-    void aScriptTellsWhenItIsOver();
-    void withoutADeviceAllIsForgotten();
-    void aStepMayTakeTheDeviceAway();
+    void stepsWithoutDelayAreExecutedImmediately();
+    void otherStepsAreExecutedAtTheirTimes();
+    void severalClientsPlaySimultaneously();
+    void pendingStepsAreCounted();
+    void aDepartingClientReleasesItsKeys();
+    void theLastClientToPressAKeyHoldsIt();
+    void aReleasedKeyIsNotHeld();
+    void aDepartingClientCancelsItsSteps();
+    void theEndOfAScriptIsReported();
+    void removingTheDeviceClearsTheQueue();
+    void aStepMayRemoveTheDevice();
 
 private:
     void advance(std::chrono::milliseconds time) { VirtualDevice::clock().advance(time); }
@@ -78,37 +78,37 @@ void StepQueueTest::cleanup()
     m_target.reset();
 }
 
-void StepQueueTest::whatIsDueIsTakenAtOnce()
+void StepQueueTest::stepsWithoutDelayAreExecutedImmediately()
 {
-    m_queue->take(steps("press Up; device 1; press Ok"), anna);
+    m_queue->execute(steps("press Up; device 1; press Ok"), anna);
     QCOMPARE(m_target->lines, QStringList({"+Up", "1+Ok"}));
     QCOMPARE(m_queue->pending(), 0);
 }
 
-void StepQueueTest::theRestComesAtItsTime()
+void StepQueueTest::otherStepsAreExecutedAtTheirTimes()
 {
-    m_queue->take(steps("hold Up 100; press Ok"), anna);
+    m_queue->execute(steps("hold Up 100; press Ok"), anna);
     advance(99ms);
     QCOMPARE(m_target->lines, QStringList("+Up"));
     advance(1ms);
     QCOMPARE(m_target->lines, QStringList({"+Up", "-Up", "+Ok"}));
 }
 
-void StepQueueTest::severalClientsPlayAtOnce()
+void StepQueueTest::severalClientsPlaySimultaneously()
 {
-    m_queue->take(steps("hold Up 100"), anna);
+    m_queue->execute(steps("hold Up 100"), anna);
     advance(50ms);
-    m_queue->take(steps("tap Ok"), ben);
-    m_queue->take(steps("state Print"), anna);
+    m_queue->execute(steps("tap Ok"), ben);
+    m_queue->execute(steps("state Print"), anna);
     advance(100ms);
     QCOMPARE(m_target->lines, QStringList({"+Up", "+Ok", "Print", "-Up", "-Ok"}));
 }
 
-void StepQueueTest::whatIsPendingIsCounted()
+void StepQueueTest::pendingStepsAreCounted()
 {
-    m_queue->take(steps("tap Up Ok"), anna);
+    m_queue->execute(steps("tap Up Ok"), anna);
     QCOMPARE(m_queue->pending(), 3 + 1);
-    m_queue->take(steps("wait 100000"), ben);
+    m_queue->execute(steps("wait 100000"), ben);
     QCOMPARE(m_queue->pending(), 3 + 1);
     advance(50ms);
     QCOMPARE(m_queue->pending(), 2 + 1);
@@ -116,47 +116,47 @@ void StepQueueTest::whatIsPendingIsCounted()
     QCOMPARE(m_queue->pending(), 0);
 }
 
-void StepQueueTest::aClientThatGoesReleasesItsKeys()
+void StepQueueTest::aDepartingClientReleasesItsKeys()
 {
-    m_queue->take(steps("press Up; device 1; press Ok"), anna);
-    m_queue->take(steps("press Down"), ben);
+    m_queue->execute(steps("press Up; device 1; press Ok"), anna);
+    m_queue->execute(steps("press Down"), ben);
     m_target->lines.clear();
-    m_queue->drop(anna);
+    m_queue->cancel(anna);
     QCOMPARE(m_target->lines, QStringList({"-Up", "1-Ok"}));
-    m_queue->drop(anna);
+    m_queue->cancel(anna);
     QCOMPARE(m_target->lines.size(), 2);
 }
 
-void StepQueueTest::theLastOneToPressAKeyHoldsIt()
+void StepQueueTest::theLastClientToPressAKeyHoldsIt()
 {
-    m_queue->take(steps("press Up"), anna);
-    m_queue->take(steps("press Up"), ben);
-    m_queue->drop(anna);
+    m_queue->execute(steps("press Up"), anna);
+    m_queue->execute(steps("press Up"), ben);
+    m_queue->cancel(anna);
     QCOMPARE(m_target->lines, QStringList({"+Up", "+Up"}));
-    m_queue->drop(ben);
+    m_queue->cancel(ben);
     QCOMPARE(m_target->lines.last(), QStringLiteral("-Up"));
 }
 
-void StepQueueTest::aKeyThatWasReleasedIsHeldByNobody()
+void StepQueueTest::aReleasedKeyIsNotHeld()
 {
-    m_queue->take(steps("press Up"), anna);
-    m_queue->take(steps("release Up"), ben);
-    m_queue->drop(anna);
-    m_queue->drop(ben);
+    m_queue->execute(steps("press Up"), anna);
+    m_queue->execute(steps("release Up"), ben);
+    m_queue->cancel(anna);
+    m_queue->cancel(ben);
     QCOMPARE(m_target->lines, QStringList({"+Up", "-Up"}));
 }
 
-void StepQueueTest::aClientThatGoesGivesUpItsPlans()
+void StepQueueTest::aDepartingClientCancelsItsSteps()
 {
-    m_queue->take(steps("press Up; wait 100; press Down"), anna);
-    m_queue->take(steps("wait 100; press Ok"), ben);
-    m_queue->drop(anna);
+    m_queue->execute(steps("press Up; wait 100; press Down"), anna);
+    m_queue->execute(steps("wait 100; press Ok"), ben);
+    m_queue->cancel(anna);
     advance(1s);
     QCOMPARE(m_target->lines, QStringList({"+Up", "-Up", "+Ok"}));
     QCOMPARE(m_queue->pending(), 0);
 }
 
-void StepQueueTest::aScriptTellsWhenItIsOver()
+void StepQueueTest::theEndOfAScriptIsReported()
 {
     const QSignalSpy finished(m_queue.get(), &StepQueue::finished);
     m_queue->play(steps("tap Up"), ben);
@@ -168,33 +168,33 @@ void StepQueueTest::aScriptTellsWhenItIsOver()
     QCOMPARE(m_target->lines, QStringList({"+Up", "-Up"}));
 }
 
-void StepQueueTest::withoutADeviceAllIsForgotten()
+void StepQueueTest::removingTheDeviceClearsTheQueue()
 {
-    m_queue->take(steps("press Up; wait 100; press Down"), anna);
+    m_queue->execute(steps("press Up; wait 100; press Down"), anna);
     m_queue->setTarget(nullptr);
-    m_queue->take(steps("press Ok; wait 100; press Ok"), anna);
+    m_queue->execute(steps("press Ok; wait 100; press Ok"), anna);
     KeyTarget next;
     m_queue->setTarget(&next);
-    m_queue->drop(anna);
+    m_queue->cancel(anna);
     advance(1s);
     QCOMPARE(m_target->lines, QStringList("+Up"));
     QCOMPARE(next.lines, QStringList());
     m_queue->setTarget(nullptr);
 }
 
-void StepQueueTest::aStepMayTakeTheDeviceAway()
+void StepQueueTest::aStepMayRemoveTheDevice()
 {
-    connect(m_queue.get(), &StepQueue::stepping, m_queue.get(), [this](const ScriptStep& step) {
+    connect(m_queue.get(), &StepQueue::aboutToPlay, m_queue.get(), [this](const ScriptStep& step) {
         if (step.kind == ScriptStep::Kind::State) {
             m_queue->setTarget(nullptr);
             m_target.reset();
         }
     });
-    m_queue->take(steps("press Up; state Print; press Ok; wait 100; press Ok"), anna);
+    m_queue->execute(steps("press Up; state Print; press Ok; wait 100; press Ok"), anna);
     advance(1s);
     m_target = std::make_unique<KeyTarget>();
     m_queue->setTarget(m_target.get());
-    m_queue->take(steps("wait 10; state Print; press Ok; wait 100; press Ok"), anna);
+    m_queue->execute(steps("wait 10; state Print; press Ok; wait 100; press Ok"), anna);
     advance(1s);
     QVERIFY(!m_target);
     QCOMPARE(m_queue->pending(), 0);

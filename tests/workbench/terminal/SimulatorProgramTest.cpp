@@ -24,13 +24,13 @@ bool mentions(const QString& file, const QString& text)
     return source.open(QIODevice::ReadOnly) && source.readAll().contains(text.toUtf8());
 }
 
-/// What names the temporary folder in a list of mounts, where its path may begin at its file system.
-QString markOf(const QString& folder)
+/// Identifies the temporary folder in a list of mounts, where its path may be relative to its file system.
+QString mountMarkOf(const QString& folder)
 {
     return QDir(folder).dirName();
 }
 
-/// The processes that were started with files in `folder`, or see files of it in places of their own.
+/// The number of processes that have files of `folder` as arguments or mounts.
 int processesIn(const QString& folder)
 {
     int count = 0;
@@ -39,7 +39,7 @@ int processesIn(const QString& folder)
     for (const QString& process : processes) {
         const QString path = QStringLiteral("/proc/%1/").arg(process);
         if (mentions(path + QStringLiteral("cmdline"), folder) ||
-            mentions(path + QStringLiteral("mountinfo"), markOf(folder))) {
+            mentions(path + QStringLiteral("mountinfo"), mountMarkOf(folder))) {
             ++count;
         }
     }
@@ -48,7 +48,7 @@ int processesIn(const QString& folder)
 
 } // namespace
 
-/// `keyboard-handler-simulator`, run with a folder of its own for temporary files.
+/// Tests `keyboard-handler-simulator` with a private folder for temporary files.
 class SimulatorProgramTest : public QObject
 {
     Q_OBJECT
@@ -57,41 +57,41 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void aScriptThatComesTrueSucceeds();
-    void aScriptThatDoesNotComeTrueFails_data();
-    void aScriptThatDoesNotComeTrueFails();
+    void aScriptAsExpectedSucceeds();
+    void aScriptNotAsExpectedFails_data();
+    void aScriptNotAsExpectedFails();
     void aFaultyScriptIsExplained();
-    void aDaemonThatEndsIsTold();
-    void aRecordingComesTrueAgain();
-    void aRecordingThatCannotBeWrittenIsToldBeforeTheScript();
-    void aRecordingThatCannotBeWrittenAnyMoreIsSavedElsewhere();
-    void theFileOfARecordingStaysUntilTheEnd();
+    void theEndOfTheDaemonIsReported();
+    void aRecordingCanBeReplayed();
+    void anUnwritableRecordingIsReportedBeforeTheScript();
+    void aRecordingThatBecomesUnwritableIsSavedElsewhere();
+    void theRecordingFileIsUnchangedUntilTheEnd();
     void aSignalCleansUp_data();
     void aSignalCleansUp();
-    void evenKilledItLeavesNothingRunning();
+    void aKilledProgramLeavesNothingRunning();
     void wrongArgumentsAreExplained_data();
     void wrongArgumentsAreExplained();
-    void aServedDeviceStaysUntilASignal_data() { aSignalCleansUp_data(); }
-    void aServedDeviceStaysUntilASignal();
-    void clientsOfThePanelHoldNothingUp();
-    void aPortInUseIsTold();
+    void aServedDeviceRunsUntilASignal_data() { aSignalCleansUp_data(); }
+    void aServedDeviceRunsUntilASignal();
+    void clientsDoNotDelayTheExit();
+    void aPortInUseIsReported();
     void aCrashDoesNotEndAServedDevice();
-    void aCrashDuringTheScriptIsTold();
-    void aDaemonThatEndsBeforeItIsServedIsTold();
-    void atATerminalTheDeviceStays_data();
-    void atATerminalTheDeviceStays();
-    void whatIsTypedAtTheTerminalIsDone();
+    void aCrashDuringTheScriptIsReported();
+    void anEarlyEndOfTheDaemonIsReported();
+    void atATerminalTheDeviceKeepsRunning_data();
+    void atATerminalTheDeviceKeepsRunning();
+    void typedStatementsAreExecuted();
     void thePromptListsTheStatements_data();
     void thePromptListsTheStatements();
-    void theModelIsChosen_data();
-    void theModelIsChosen();
-    void afterTheScriptTheDeviceStaysAsItIs();
-    void theBusCanBeReachedAsPrinted();
-    void rowsThatNeverWorkAreToldAtTheStart();
-    void servicesFailAndComeBack();
+    void theModelCanBeChosen_data();
+    void theModelCanBeChosen();
+    void theScriptsDeviceIsKept();
+    void thePrintedBusCommandWorks();
+    void deadRowsAreReportedAtTheStart();
+    void servicesFailAndRecover();
     void theDaemonStartsWithoutItsServices_data();
     void theDaemonStartsWithoutItsServices();
-    void whatIsTypedIsForTheForeground();
+    void onlyTheForegroundProcessReadsTheTerminal();
 
 private:
     QString write(const QByteArray& script);
@@ -101,7 +101,7 @@ private:
     bool expectStatus(int status);
     void type(const QByteArray& line);
     QByteArray openTerminal();
-    void startInBackground(const QStringList& arguments);
+    void startInBackgroundOfTerminal(const QStringList& arguments);
     bool answers();
     qint64 daemon() const;
 
@@ -182,8 +182,8 @@ QByteArray SimulatorProgramTest::openTerminal()
     return isOpen ? QByteArray(ptsname(m_terminal)) : QByteArray();
 }
 
-/// From a shell that has the terminal and fetches the program into the foreground when it gets SIGUSR1.
-void SimulatorProgramTest::startInBackground(const QStringList& arguments)
+/// Starts the program from a shell, which brings it to the foreground of the terminal on SIGUSR1.
+void SimulatorProgramTest::startInBackgroundOfTerminal(const QStringList& arguments)
 {
     m_program = std::make_unique<QProcess>();
     m_program->setProcessChannelMode(QProcess::MergedChannels);
@@ -194,7 +194,7 @@ void SimulatorProgramTest::startInBackground(const QStringList& arguments)
                          arguments);
 }
 
-/// Whether the page is served.
+/// Whether the server of the page answers.
 bool SimulatorProgramTest::answers()
 {
     QTcpSocket client;
@@ -209,41 +209,40 @@ void SimulatorProgramTest::type(const QByteArray& line)
     QCOMPARE(::write(m_terminal, line.constData(), size_t(line.size())), ssize_t(line.size()));
 }
 
-/// The daemon is the process that has the device's folder of services as its own.
+/// Finds the daemon by the device's folders among its mounts.
 qint64 SimulatorProgramTest::daemon() const
 {
     const QStringList processes =
         QDir(QStringLiteral("/proc")).entryList({QStringLiteral("[0-9]*")}, QDir::Dirs);
     for (const QString& process : processes) {
         const QString path = QStringLiteral("/proc/%1/").arg(process);
-        if (mentions(path + "mountinfo", markOf(m_folder->path())) && !mentions(path + "cmdline", "bwrap")) {
+        if (mentions(path + "mountinfo", mountMarkOf(m_folder->path())) && !mentions(path + "cmdline", "bwrap")) {
             return process.toLongLong();
         }
     }
     return 0;
 }
 
-void SimulatorProgramTest::aScriptThatComesTrueSucceeds()
+void SimulatorProgramTest::aScriptAsExpectedSucceeds()
 {
     QCOMPARE(run({write("## A key\ntap Menu\nexpect +0 announce SingleKey UserMenu - Menu\n")}), 0);
     QVERIFY2(m_output.contains(QStringLiteral("\nA key\n")), qPrintable(m_output));
     QVERIFY2(m_output.contains(QStringLiteral(" s  announced  SingleKey Menu  to UserMenu, no sender\n")),
              qPrintable(m_output));
-    QVERIFY2(
-        m_output.endsWith(QStringLiteral("\nAll 1 expectations came true, and nothing else happened.\n")),
-        qPrintable(m_output));
+    QVERIFY2(m_output.endsWith(QStringLiteral("\nAll 1 expectations were met, and nothing else happened.\n")),
+             qPrintable(m_output));
 }
 
-void SimulatorProgramTest::aScriptThatDoesNotComeTrueFails_data()
+void SimulatorProgramTest::aScriptNotAsExpectedFails_data()
 {
     QTest::addColumn<QByteArray>("script");
     QTest::addColumn<QString>("line");
-    QTest::newRow("something is missing") << QByteArray("expect 10 cancel\n") << "missing     10 ms: cancel";
-    QTest::newRow("something is too much")
+    QTest::newRow("a missing observation") << QByteArray("expect 10 cancel\n") << "missing     10 ms: cancel";
+    QTest::newRow("an unexpected observation")
         << QByteArray("state Startup\npress Up\nexpect 0 speak EmbosserError 69\n") << "ms: cancel";
 }
 
-void SimulatorProgramTest::aScriptThatDoesNotComeTrueFails()
+void SimulatorProgramTest::aScriptNotAsExpectedFails()
 {
     QFETCH(QByteArray, script);
     QFETCH(QString, line);
@@ -257,19 +256,19 @@ void SimulatorProgramTest::aFaultyScriptIsExplained()
 {
     const QString path = write("tap Up\nwait a while\n");
     QCOMPARE(run({path}), 2);
-    QCOMPARE(m_output, path + QStringLiteral(":2: \"a while\" is no time from 0 to 86400000 ms.\n"));
+    QCOMPARE(m_output, path + QStringLiteral(":2: \"a while\" is not a time from 0 to 86400000 ms.\n"));
 }
 
-void SimulatorProgramTest::aDaemonThatEndsIsTold()
+void SimulatorProgramTest::theEndOfTheDaemonIsReported()
 {
     QCOMPARE(run({QStringLiteral("--daemon"), QStringLiteral("/bin/false"), write("wait 20000\n")}), 2);
     QVERIFY2(m_output.endsWith(QStringLiteral("The daemon has ended with status 1.\n")),
              qPrintable(m_output));
 }
 
-void SimulatorProgramTest::aRecordingComesTrueAgain()
+void SimulatorProgramTest::aRecordingCanBeReplayed()
 {
-    // A busy machine can hold a play up for longer than a recording allows, but not each time.
+    // A busy machine can delay a replay for longer than the tolerance of a recording, but not each time.
     int status = -1;
     for (int attempt = 0; attempt < 5 && status != 0; ++attempt) {
         const QString recording = m_folder->filePath(QStringLiteral("%1.keys").arg(attempt));
@@ -285,14 +284,14 @@ void SimulatorProgramTest::aRecordingComesTrueAgain()
     QCOMPARE(status, 0);
 }
 
-void SimulatorProgramTest::aRecordingThatCannotBeWrittenIsToldBeforeTheScript()
+void SimulatorProgramTest::anUnwritableRecordingIsReportedBeforeTheScript()
 {
     const QString path = m_folder->filePath("gone/recording.keys");
     QCOMPARE(run({"--record", path, write("wait 0\n")}), 2);
     QCOMPARE(m_output, path + " cannot be written: No such file or directory.\n");
 }
 
-void SimulatorProgramTest::aRecordingThatCannotBeWrittenAnyMoreIsSavedElsewhere()
+void SimulatorProgramTest::aRecordingThatBecomesUnwritableIsSavedElsewhere()
 {
     QDir folder(m_folder->path());
     QVERIFY(folder.mkdir("gone"));
@@ -313,7 +312,7 @@ void SimulatorProgramTest::aRecordingThatCannotBeWrittenAnyMoreIsSavedElsewhere(
     QCOMPARE(parsed.script.steps.size(), 2);
 }
 
-void SimulatorProgramTest::theFileOfARecordingStaysUntilTheEnd()
+void SimulatorProgramTest::theRecordingFileIsUnchangedUntilTheEnd()
 {
     const QString path = write("# an older recording\n");
     m_input = openTerminal();
@@ -348,7 +347,7 @@ void SimulatorProgramTest::aSignalCleansUp()
         QStringList());
 }
 
-void SimulatorProgramTest::evenKilledItLeavesNothingRunning()
+void SimulatorProgramTest::aKilledProgramLeavesNothingRunning()
 {
     start({write("## Begun\nwait 20000\n")});
     WAIT_FOR(m_output.append(QString::fromUtf8(m_program->readAll())).contains(QStringLiteral("Begun")));
@@ -362,26 +361,27 @@ void SimulatorProgramTest::wrongArgumentsAreExplained_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("sentence");
-    const QString nothing = QStringLiteral("There is nothing to do: name a key script, or add --serve.\n");
+    const QString nothing = QStringLiteral("Nothing to do: name a key script or add --serve.\n");
     QTest::newRow("nothing to do") << QStringList("--no-demo") << nothing;
     QTest::newRow("a word as port") << QStringList({"--serve", "--port", "moo"})
-                                    << "\"moo\" is no port number.\n";
+                                    << "\"moo\" is not a port number.\n";
     QTest::newRow("a port too high") << QStringList({"--serve", "--port", "65536"})
-                                     << "\"65536\" is no port number.\n";
+                                     << "\"65536\" is not a port number.\n";
     QTest::newRow("a port and a blank")
-        << QStringList({"--serve", "--port", "80 "}) << "\"80 \" is no port number.\n";
+        << QStringList({"--serve", "--port", "80 "}) << "\"80 \" is not a port number.\n";
     QTest::newRow("a port with a sign")
-        << QStringList({"--serve", "--port", "+80"}) << "\"+80\" is no port number.\n";
+        << QStringList({"--serve", "--port", "+80"}) << "\"+80\" is not a port number.\n";
     QTest::newRow("an unknown option")
         << QStringList("--moo") << "Unknown option 'moo'.\n--help lists the options.\n";
     QTest::newRow("two scripts") << QStringList({"one.keys", "two.keys"})
-                                 << "One key script can be played, not 2.\n";
+                                 << "Only one key script can be played, not 2.\n";
     QTest::newRow("an unknown model") << QStringList({"--serve", "--no-demo", "--model", "Moo"})
-                                      << "There is no model \"Moo\"; known are Orvane, Pellit.\n";
+                                      << "Unknown model \"Moo\"; known models: Orvane, Pellit.\n";
     QTest::newRow("a model for a script") << QStringList({"--model", "Orvane", "one.keys"})
-                                          << "--model is for an embosser without a script, which --no-demo "
-                                             "asks for: a script names its own model.\n";
-    QTest::newRow("an empty port") << QStringList({"--serve", "--port", ""}) << "\"\" is no port number.\n";
+                                          << "--model requires --no-demo and no script, because a script "
+                                             "names its own model.\n";
+    QTest::newRow("an empty port") << QStringList({"--serve", "--port", ""})
+                                   << "\"\" is not a port number.\n";
 }
 
 void SimulatorProgramTest::wrongArgumentsAreExplained()
@@ -391,12 +391,12 @@ void SimulatorProgramTest::wrongArgumentsAreExplained()
     QTEST(m_output, "sentence");
 }
 
-void SimulatorProgramTest::aServedDeviceStaysUntilASignal()
+void SimulatorProgramTest::aServedDeviceRunsUntilASignal()
 {
     QFETCH(int, signal);
     start({"--serve", "--port", "0", write("tap Menu\nexpect +0 announce SingleKey UserMenu - Menu\n")});
     QVERIFY(awaitOutput(panelLine));
-    QVERIFY(m_output.contains(QStringLiteral("\nAll 1 expectations came true")));
+    QVERIFY(m_output.contains(QStringLiteral("\nAll 1 expectations were met")));
     QVERIFY(processesIn(m_folder->path()) >= 3);
     QCOMPARE(kill(pid_t(m_program->processId()), signal), 0);
     QVERIFY(expectStatus(128 + signal));
@@ -404,7 +404,7 @@ void SimulatorProgramTest::aServedDeviceStaysUntilASignal()
     QVERIFY(QDir(m_folder->filePath(QStringLiteral("tmp"))).isEmpty());
 }
 
-void SimulatorProgramTest::clientsOfThePanelHoldNothingUp()
+void SimulatorProgramTest::clientsDoNotDelayTheExit()
 {
     start({"--serve", "--no-demo", "--port", "0"});
     QVERIFY(awaitOutput(panelLine));
@@ -428,7 +428,7 @@ void SimulatorProgramTest::clientsOfThePanelHoldNothingUp()
     }
 }
 
-void SimulatorProgramTest::aPortInUseIsTold()
+void SimulatorProgramTest::aPortInUseIsReported()
 {
     start({"--serve", "--no-demo", "--port", "0"});
     QVERIFY(awaitOutput(panelLine));
@@ -436,7 +436,7 @@ void SimulatorProgramTest::aPortInUseIsTold()
     const std::unique_ptr<QProcess> first = std::move(m_program);
     QCOMPARE(run({"--serve", "--no-demo", "--port", port}), 2);
     QVERIFY2(m_output.contains(port), qPrintable(m_output));
-    QVERIFY2(m_output.endsWith(". --port takes another one; --port 0 takes any that is free.\n"),
+    QVERIFY2(m_output.endsWith(". --port chooses another port; --port 0 chooses a free one.\n"),
              qPrintable(m_output));
     QCOMPARE(first->state(), QProcess::Running);
     first->terminate();
@@ -455,7 +455,7 @@ void SimulatorProgramTest::aCrashDoesNotEndAServedDevice()
     QVERIFY(expectStatus(128 + SIGINT));
 }
 
-void SimulatorProgramTest::aCrashDuringTheScriptIsTold()
+void SimulatorProgramTest::aCrashDuringTheScriptIsReported()
 {
     m_input = openTerminal();
     start({"--port", "0", write("## Begun\nwait 20000\n")});
@@ -470,7 +470,7 @@ void SimulatorProgramTest::aCrashDuringTheScriptIsTold()
     QVERIFY(expectStatus(1));
 }
 
-void SimulatorProgramTest::aDaemonThatEndsBeforeItIsServedIsTold()
+void SimulatorProgramTest::anEarlyEndOfTheDaemonIsReported()
 {
     QCOMPARE(run({"--serve", "--no-demo", "--port", "0", "--daemon", "/bin/false"}), 2);
     QVERIFY2(m_output.endsWith(QStringLiteral("The daemon has ended with status 1.\n")),
@@ -478,7 +478,7 @@ void SimulatorProgramTest::aDaemonThatEndsBeforeItIsServedIsTold()
     QVERIFY(!m_output.contains(panelLine));
 }
 
-void SimulatorProgramTest::atATerminalTheDeviceStays_data()
+void SimulatorProgramTest::atATerminalTheDeviceKeepsRunning_data()
 {
     QTest::addColumn<QByteArray>("script");
     QTest::addColumn<QByteArray>("typed");
@@ -489,7 +489,7 @@ void SimulatorProgramTest::atATerminalTheDeviceStays_data()
     QTest::newRow("end of input") << QByteArray("wait 0\n") << endOfInput << 0;
 }
 
-void SimulatorProgramTest::atATerminalTheDeviceStays()
+void SimulatorProgramTest::atATerminalTheDeviceKeepsRunning()
 {
     QFETCH(QByteArray, script);
     QFETCH(QByteArray, typed);
@@ -503,7 +503,7 @@ void SimulatorProgramTest::atATerminalTheDeviceStays()
     QVERIFY(expectStatus(status));
 }
 
-void SimulatorProgramTest::whatIsTypedAtTheTerminalIsDone()
+void SimulatorProgramTest::typedStatementsAreExecuted()
 {
     m_input = openTerminal();
     start({"--no-demo", "--port", "0"});
@@ -511,7 +511,7 @@ void SimulatorProgramTest::whatIsTypedAtTheTerminalIsDone()
     type("state Print; wait 100; tap Up\n");
     QVERIFY(awaitOutput(QStringLiteral("announced  SingleKey Up  to PrintManager, no sender\n> ")));
     type("jump\n");
-    QVERIFY(awaitOutput(QStringLiteral("\"jump\" is no keyword of a key script.\n> ")));
+    QVERIFY(awaitOutput(QStringLiteral("\"jump\" is not a keyword of a key script.\n> ")));
     type("exit\n");
     QVERIFY(expectStatus(0));
 }
@@ -530,14 +530,14 @@ void SimulatorProgramTest::thePromptListsTheStatements()
     start({"--no-demo", "--port", "0"});
     QVERIFY(awaitOutput(QStringLiteral("\n> ")));
     type(question);
-    QVERIFY(awaitOutput(QStringLiteral("\nSeveral stand in a line with \";\" between them.\n> ")));
+    QVERIFY(awaitOutput(QStringLiteral("\nSeparate several statements on a line with \";\".\n> ")));
     QVERIFY2(m_output.contains("  hold KEY MS "), qPrintable(m_output));
     QVERIFY2(!m_output.contains("keyword"), qPrintable(m_output));
     type("quit\n");
     QVERIFY(expectStatus(0));
 }
 
-void SimulatorProgramTest::theModelIsChosen_data()
+void SimulatorProgramTest::theModelCanBeChosen_data()
 {
     QTest::addColumn<QStringList>("options");
     QTest::addColumn<QString>("model");
@@ -545,7 +545,7 @@ void SimulatorProgramTest::theModelIsChosen_data()
     QTest::newRow("another one") << QStringList({"--model", "Pellit"}) << "Pellit";
 }
 
-void SimulatorProgramTest::theModelIsChosen()
+void SimulatorProgramTest::theModelCanBeChosen()
 {
     QFETCH(QStringList, options);
     QFETCH(QString, model);
@@ -560,7 +560,7 @@ void SimulatorProgramTest::theModelIsChosen()
     QVERIFY(expectStatus(0));
 }
 
-void SimulatorProgramTest::afterTheScriptTheDeviceStaysAsItIs()
+void SimulatorProgramTest::theScriptsDeviceIsKept()
 {
     m_input = openTerminal();
     start({"--port", "0", write("model Orvane\nstate Print\nrow long Test UserMenu Idle 0 Up\nwait 100\n")});
@@ -573,7 +573,7 @@ void SimulatorProgramTest::afterTheScriptTheDeviceStaysAsItIs()
     QVERIFY(expectStatus(0));
 }
 
-void SimulatorProgramTest::theBusCanBeReachedAsPrinted()
+void SimulatorProgramTest::thePrintedBusCommandWorks()
 {
     m_input = openTerminal();
     start({"--no-demo", "--port", "0"});
@@ -591,7 +591,7 @@ void SimulatorProgramTest::theBusCanBeReachedAsPrinted()
     QVERIFY(expectStatus(0));
 }
 
-void SimulatorProgramTest::rowsThatNeverWorkAreToldAtTheStart()
+void SimulatorProgramTest::deadRowsAreReportedAtTheStart()
 {
     QCOMPARE(
         run({write(
@@ -599,13 +599,13 @@ void SimulatorProgramTest::rowsThatNeverWorkAreToldAtTheStart()
         0);
     const QString lines = QStringLiteral("\nRows of the key lists that can never be announced:\n"
                                          "  Row 2 (shortcut, Up, Down), valid in Startup: Sing to UserMenu. "
-                                         "No key counts in Startup.\n");
+                                         "Keys are ignored in Startup.\n");
     QVERIFY2(m_output.contains(lines), qPrintable(m_output));
     QCOMPARE(run({write("wait 0\n")}), 0);
     QVERIFY2(!m_output.contains("never"), qPrintable(m_output));
 }
 
-void SimulatorProgramTest::servicesFailAndComeBack()
+void SimulatorProgramTest::servicesFailAndRecover()
 {
     const QByteArray script = "service speechd stop\n"
                               "tap Up\n"
@@ -652,13 +652,13 @@ void SimulatorProgramTest::theDaemonStartsWithoutItsServices()
     QVERIFY2(m_output.contains("StateHandler::getState ERROR: invalid result!"), qPrintable(m_output));
 }
 
-void SimulatorProgramTest::whatIsTypedIsForTheForeground()
+void SimulatorProgramTest::onlyTheForegroundProcessReadsTheTerminal()
 {
     m_input = openTerminal();
-    startInBackground({"--no-demo", "--port", "0"});
+    startInBackgroundOfTerminal({"--no-demo", "--port", "0"});
     QVERIFY(awaitOutput(QStringLiteral("\n> ")));
     type("quit\n");
-    // Long enough for a second look at the terminal.
+    // Long enough for a second check of the terminal.
     QVERIFY(!m_program->waitForFinished(1500));
     QVERIFY(answers());
     QCOMPARE(kill(pid_t(m_program->processId()), SIGUSR1), 0);

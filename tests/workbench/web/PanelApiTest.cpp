@@ -148,7 +148,7 @@ private Q_SLOTS:
     void theSessionGoesOnWhileACardIsMade();
     void restartsThatCannotBeAreExplained_data();
     void restartsThatCannotBeAreExplained();
-    void aDaemonThatEndsIsTold();
+    void theEndOfTheDaemonIsReported();
     void noEntryIsLostAndNoneComesTwice();
 
 private:
@@ -485,7 +485,7 @@ void PanelApiTest::restartsThatCannotBeAreExplained()
     QVERIFY(reply.error().size() < 500);
 }
 
-void PanelApiTest::aDaemonThatEndsIsTold()
+void PanelApiTest::theEndOfTheDaemonIsReported()
 {
     QVERIFY(daemonProcess() > 0);
     QCOMPARE(kill(daemonProcess(), SIGKILL), 0);

@@ -436,9 +436,9 @@ void RequestTest::faultyRestartsAreExplained_data()
     QTest::newRow("list of another type") << QByteArray("{\"keyLists\": {\"longKeyList.json\": []}}")
                                           << QStringLiteral("The content of longKeyList.json is not a text.");
     QTest::newRow("file elsewhere") << QByteArray("{\"keyLists\": {\"../x.json\": \"\"}}")
-                                    << QStringLiteral("There is no key list \"../x.json\".");
+                                    << QStringLiteral("Unknown key list \"../x.json\".");
     QTest::newRow("unknown model") << QByteArray("{\"model\": \"Xyz\"}")
-                                   << QStringLiteral("There is no model \"Xyz\"; known are Orvane, Pellit.");
+                                   << QStringLiteral("Unknown model \"Xyz\"; known models: Orvane, Pellit.");
 }
 
 void RequestTest::faultyRestartsAreExplained()
@@ -471,7 +471,7 @@ void RequestTest::faultyScriptsAreExplained()
 {
     const HttpReply reply = post("/api/replay", "tap Up\nwait a while\ntap Nothing\n");
     QCOMPARE(reply.status, 400);
-    QCOMPARE(reply.error(), QStringLiteral("\"a while\" is no time from 0 to 86400000 ms."));
+    QCOMPARE(reply.error(), QStringLiteral("\"a while\" is not a time from 0 to 86400000 ms."));
     const QJsonArray faults = reply.json().value(QStringLiteral("faults")).toArray();
     QCOMPARE(faults.size(), 2);
     QCOMPARE(faults.at(0).toObject().value(QStringLiteral("line")).toInt(), 2);
@@ -486,7 +486,7 @@ void RequestTest::scriptsAreReadWithoutHoldingTheSessionUp()
     const qint64 before = processorTime(CLOCK_PROCESS_CPUTIME_ID);
     const qint64 ownBefore = processorTime(CLOCK_THREAD_CPUTIME_ID);
     client.send(postRequest("/api/replay", QByteArray("tap Up\n").repeated(49'000) + "wait a while\n"));
-    QCOMPARE(client.reply().error(), QStringLiteral("\"a while\" is no time from 0 to 86400000 ms."));
+    QCOMPARE(client.reply().error(), QStringLiteral("\"a while\" is not a time from 0 to 86400000 ms."));
     const qint64 own = processorTime(CLOCK_THREAD_CPUTIME_ID) - ownBefore;
     const qint64 all = processorTime(CLOCK_PROCESS_CPUTIME_ID) - before;
     QVERIFY2(own * 2 < all, qPrintable(QStringLiteral("%1 of %2 us").arg(own).arg(all)));

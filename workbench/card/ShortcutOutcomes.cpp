@@ -14,33 +14,33 @@ Ends endsOf(const KeyEntry& row)
     return {row.firstKey(), row.lastKey()};
 }
 
-RowFate fateOf(const KeyEntry& row, bool counts, int countingNumber)
+RowOutcome outcomeOf(const KeyEntry& row, bool isFirst, int firstNumber)
 {
     const QStringList keys = row.isValid() ? QStringList{row.firstKey(), row.lastKey()} : QStringList{};
     const QString missing = RowDelivery::missingKeys(keys);
     if (!missing.isEmpty()) {
         return RowDelivery::never(missing);
     }
-    if (!counts) {
+    if (!isFirst) {
         return RowDelivery::never(
-            QStringLiteral("The first row for a pair of keys counts, and for %1 and %2 that is row %3.")
-                .arg(keys.first(), keys.last(), QString::number(countingNumber)));
+            QStringLiteral("Only the first row for a pair of keys works; for %1 and %2, that is row %3.")
+                .arg(keys.first(), keys.last(), QString::number(firstNumber)));
     }
-    return RowDelivery::of(row, keys, {row.validOnState()}, CardVocabulary::hasKeys);
+    return RowDelivery::of(row, keys, {row.validOnState()}, CardVocabulary::acceptsKeys);
 }
 
 } // namespace
 
-QVector<RowFate> RowFates::ofShortcuts(const QList<KeyEntry>& rows)
+QVector<RowOutcome> RowOutcomes::ofShortcuts(const QList<KeyEntry>& rows)
 {
     QHash<Ends, int> firstOf;
     for (int i = rows.size() - 1; i >= 0; --i) {
         firstOf.insert(endsOf(rows.at(i)), i);
     }
-    QVector<RowFate> fates;
+    QVector<RowOutcome> outcomes;
     for (int i = 0; i < rows.size(); ++i) {
-        const int counting = firstOf.value(endsOf(rows.at(i)));
-        fates.append(fateOf(rows.at(i), counting == i, counting + 1));
+        const int first = firstOf.value(endsOf(rows.at(i)));
+        outcomes.append(outcomeOf(rows.at(i), first == i, first + 1));
     }
-    return fates;
+    return outcomes;
 }
