@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Measures the daemon beside the references and prints the figures as JSON. With --short it measures hardly
-// anything, to see whether everything works.
+// Measures the daemon and the references, and prints the figures as JSON. With --short, runs only a smoke
+// test.
 #include "benchmarks/Measurements.h"
 
 #include <QCoreApplication>
@@ -24,8 +24,8 @@ Measurements::Programs makePrograms()
     };
     add("daemon", KEYBOARD_HANDLER_DAEMON);
     add("relayingQt", RELAYING_QT);
-    add("leastQt", LEAST_QT);
-    add("leastSdBus", LEAST_SD_BUS);
+    add("minimalQt", MINIMAL_QT);
+    add("minimalSdBus", MINIMAL_SD_BUS);
     return programs;
 }
 

@@ -25,10 +25,10 @@ using std::chrono::system_clock;
 
 namespace {
 
-constexpr int startPatienceMs = 60'000; // a program that is counted starts slowly
+constexpr int startTimeoutMs = 60'000; // programs start slowly under callgrind
 const QStringList awaitedServices{QStringLiteral("state-handler"), QStringLiteral("speechd")};
 constexpr auto betweenServices = std::chrono::milliseconds(100);
-// The device gives a program this folder to write in.
+// The writable folder of programs on the device.
 constexpr char writableFolder[] = "/run";
 constexpr char readinessSocket[] = "/run/readiness";
 constexpr char launchFile[] = "/run/launched";
@@ -42,11 +42,11 @@ constexpr input_event key(qint32 value)
     return record;
 }
 
-/// A key event as the kernel reports it: the record and the mark behind it.
+/// A key event as the kernel reports it: the record and a SYN_REPORT record.
 struct Report
 {
     input_event record;
-    input_event mark;
+    input_event sync;
 };
 constexpr Report pressed{key(1), {}};
 constexpr Report released{key(0), {}};
@@ -56,7 +56,7 @@ struct Tap
     Report down = pressed;
     Report up = released;
 };
-// A pipe takes this much as a whole or not at all; half a record would be lost.
+// Writes of this size are atomic; the program would drop an incomplete record.
 constexpr int tapsPerWrite = PIPE_BUF / sizeof(Tap);
 
 void require(bool condition, const QString& fault)
@@ -81,7 +81,7 @@ DeviceOptions printingDevice()
 void write(int device, const Report& report)
 {
     require(::write(device, &report, sizeof report) == sizeof report,
-            QStringLiteral("The input device takes no keys."));
+            QStringLiteral("The input device does not accept keys."));
 }
 
 } // namespace
@@ -95,8 +95,8 @@ MeasuredProgram::MeasuredProgram(const QString& name, const QString& executable)
     requireNone(m_folder.errorString());
     m_input =
         ::open(QFile::encodeName(m_folder.keyboardFile(0)).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
-    require(m_input != -1, QStringLiteral("There is no input device."));
-    m_readiness = std::make_unique<ReadinessSocket>(ofDevice(readinessSocket));
+    require(m_input != -1, QStringLiteral("The input device cannot be opened."));
+    m_readiness = std::make_unique<ReadinessSocket>(hostPath(readinessSocket));
     requireNone(m_bus.start(m_folder, m_options.namePolicy));
     m_services = std::make_unique<OtherServices>(m_bus.address());
     QObject::connect(&m_process, &DaemonProcess::logLine, [this](const QString& line) {
@@ -154,7 +154,7 @@ void MeasuredProgram::stop()
 qint64 MeasuredProgram::stopCounting()
 {
     m_process.stop();
-    require(m_instructions != -1, QStringLiteral("callgrind tells no number of instructions."));
+    require(m_instructions != -1, QStringLiteral("callgrind does not report the number of instructions."));
     return m_instructions;
 }
 
@@ -168,12 +168,12 @@ void MeasuredProgram::release()
     write(m_input, released);
 }
 
-int MeasuredProgram::tap(int mostKeys)
+int MeasuredProgram::tap(int maxKeys)
 {
     static const std::array<Tap, tapsPerWrite> taps;
     int keys = 0;
-    while (keys < mostKeys) {
-        const int count = std::min(mostKeys - keys, tapsPerWrite);
+    while (keys < maxKeys) {
+        const int count = std::min(maxKeys - keys, tapsPerWrite);
         if (::write(m_input, taps.data(), size_t(count) * sizeof(Tap)) == -1) {
             break;
         }
@@ -200,8 +200,8 @@ ReadinessSocket::Time MeasuredProgram::awaitReadiness()
     pollfd pollers[] = {{m_readiness->descriptor(), POLLIN, 0}, {m_services->descriptor(), POLLIN, 0}};
     std::optional<ReadinessSocket::Time> ready;
     while (!ready) {
-        require(::poll(pollers, 2, startPatienceMs) > 0,
-                m_executable + QStringLiteral(" does not get ready."));
+        require(::poll(pollers, 2, startTimeoutMs) > 0,
+                m_executable + QStringLiteral(" does not become ready."));
         m_services->work(); // the program may ask for the state
         ready = m_readiness->takeDeclaration();
     }
@@ -210,12 +210,12 @@ ReadinessSocket::Time MeasuredProgram::awaitReadiness()
 
 ReadinessSocket::Time MeasuredProgram::launchTime() const
 {
-    QFile file(ofDevice(launchFile));
+    QFile file(hostPath(launchFile));
     require(file.open(QIODevice::ReadOnly), file.errorString());
     return ReadinessSocket::Time(file.readAll().toLongLong());
 }
 
-QString MeasuredProgram::ofDevice(const char* path) const
+QString MeasuredProgram::hostPath(const char* path) const
 {
     return m_folder.runFolder() + QLatin1String(path + std::strlen(writableFolder));
 }

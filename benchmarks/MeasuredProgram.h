@@ -12,12 +12,12 @@
 #include <chrono>
 #include <memory>
 
-/// A program that announces keys, on a device of its own that is printing: there every release is announced
-/// at once, and nothing is spoken. Everything throws when the program does not do what it should.
+/// A program that announces keys, on a separate device in the state Print, where every release is announced
+/// at once and nothing is spoken. All functions throw if the program misbehaves.
 class MeasuredProgram
 {
 public:
-    /// Makes the device; `name` is what the figures of the program are called.
+    /// Creates the device; `name` identifies the figures of the program.
     MeasuredProgram(const QString& name, const QString& executable);
     ~MeasuredProgram();
 
@@ -28,35 +28,35 @@ public:
     qint64 processId() const { return m_process.processId(); }
     OtherServices& services() { return *m_services; }
 
-    /// Starts the program and returns how long it took from there until it declared itself ready.
+    /// Starts the program and returns the time until it declared itself ready.
     std::chrono::nanoseconds start();
-    /// Starts the program where the services that it waits for are not ready.
+    /// Starts the program before the services that it waits for are ready.
     void startEarly();
-    /// Declares these services ready, one after the other, and returns how long it took from the last
-    /// declaration until the program declared itself ready.
+    /// Declares these services ready, one after the other, and returns the time from the last declaration
+    /// until the program declared itself ready.
     std::chrono::nanoseconds declareServices();
     /// Starts the program under callgrind.
     void startCounting();
-    /// Ends the program.
     void stop();
-    /// Ends the program that was started under callgrind; the number of instructions of its life.
+    /// Ends the program that was started under callgrind and returns its number of instructions.
     qint64 stopCounting();
 
     void press();
     void release();
-    /// Writes as many keys, pressed and released, as the input device takes now; returns how many.
-    int tap(int mostKeys);
+    /// Presses and releases up to `maxKeys` keys, as far as the input device has room. Returns the number of
+    /// keys.
+    int tap(int maxKeys);
     /// Whether the program has read everything.
     bool hasReadAll() const;
-    /// The input device; writable when it takes more.
+    /// The input device; writable when it has room.
     int inputDevice() const { return m_input; }
 
 private:
     void run(const QStringList& command);
     ReadinessSocket::Time awaitReadiness();
     ReadinessSocket::Time launchTime() const;
-    /// Where a file in /run of the device lies.
-    QString ofDevice(const char* path) const;
+    /// The host's path of a file in /run of the device.
+    QString hostPath(const char* path) const;
 
     QString m_name;
     QString m_executable;
@@ -72,6 +72,6 @@ private:
 
 constexpr char launchOption[] = "--launch";
 
-/// Notes the time and becomes the program `command`; returns only when that fails. What `start` runs inside
-/// of the device, so that the time which the device takes is not the program's.
+/// Records the time and executes `command`; returns only on failure. Runs inside the device, so that the time
+/// of `start` excludes the creation of the device.
 int launch(char* command[]);

@@ -18,27 +18,27 @@ using std::chrono::steady_clock;
 
 namespace {
 
-constexpr int warmUpStarts = 1; // files come from the disk
+constexpr int warmUpStarts = 1; // fills the page cache
 constexpr int warmUpKeys = 20;
-constexpr auto betweenEvents = 2ms; // the program has done with a press before the release comes
-constexpr auto startTime = 500ms;   // until a program that is started early only waits
+constexpr auto betweenEvents = 2ms; // the program handles a press before the release
+constexpr auto startTime = 500ms;   // an early started program then only waits
 constexpr auto settlingTime = 2s;   // longer than any timer that a key starts
-constexpr int burstPatienceMs = 10'000;
+constexpr int burstTimeoutMs = 10'000;
 constexpr int recordsPerKey = 4;
 
 using Times = std::vector<double>;
 using TimesOfPrograms = QMap<QString, Times>;
 
-double part(const Times& sorted, double share)
+double quantile(const Times& sorted, double fraction)
 {
-    return sorted.at(size_t(std::ceil(share * double(sorted.size()))) - 1);
+    return sorted.at(size_t(std::ceil(fraction * double(sorted.size()))) - 1);
 }
 
 QJsonObject summary(Times times)
 {
     std::sort(times.begin(), times.end());
-    return {{QStringLiteral("p50"), part(times, 0.5)},
-            {QStringLiteral("p99"), part(times, 0.99)},
+    return {{QStringLiteral("p50"), quantile(times, 0.5)},
+            {QStringLiteral("p99"), quantile(times, 0.99)},
             {QStringLiteral("max"), times.back()}};
 }
 
@@ -55,7 +55,7 @@ double microseconds(Duration time)
     return duration<double, std::micro>(time).count();
 }
 
-/// In another order for each round, so that no program always has the same one before it.
+/// Varies the order between rounds, so that the preceding program differs.
 void shuffle(Measurements::Programs& programs)
 {
     static std::mt19937 random; // the same orders in each run
@@ -75,12 +75,12 @@ double keyTime(MeasuredProgram& program)
     return time;
 }
 
-void announceSame(const Measurements::Programs& programs)
+void requireSameAnnouncements(const Measurements::Programs& programs)
 {
     const QMap<QString, QString> expected = programs.front()->services().lastAnnouncement();
     for (const auto& program : programs) {
         if (program->services().lastAnnouncement() != expected) {
-            throw std::runtime_error("The programs do not announce the same.");
+            throw std::runtime_error("The announcements of the programs differ.");
         }
     }
 }
@@ -101,7 +101,7 @@ Burst burst(MeasuredProgram& program, int keys)
         written += program.tap(keys - written);
         pollfd pollers[] = {{program.services().descriptor(), POLLIN, 0},
                             {program.inputDevice(), short(written < keys ? POLLOUT : 0), 0}};
-        if (poll(pollers, 2, burstPatienceMs) <= 0) {
+        if (poll(pollers, 2, burstTimeoutMs) <= 0) {
             throw std::runtime_error(qPrintable(program.name() + QStringLiteral(" loses keys.")));
         }
         program.services().work();
@@ -116,7 +116,7 @@ Burst burst(MeasuredProgram& program, int keys)
 double perSecond(int count, Times times)
 {
     std::sort(times.begin(), times.end());
-    return count / part(times, 0.5) * 1e6;
+    return count / quantile(times, 0.5) * 1e6;
 }
 
 qint64 instructionsOf(MeasuredProgram& program, int keys)
@@ -160,7 +160,7 @@ void keys(Programs& programs, const Extent& extent, Figures& figures)
             }
         }
     }
-    announceSame(programs);
+    requireSameAnnouncements(programs);
     insertSummaries("keyUs", times, figures);
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-/// What is measured of the programs. They take turns, so that whatever else this machine does falls on all of
-/// them; the figures are those of `Figures`, by the names of the programs.
+/// The measurements of the programs. Programs take turns, so that other activity of the machine affects all
+/// of them. `Figures` maps the names of the programs to their figures.
 #pragma once
 
 #include "benchmarks/MeasuredProgram.h"
@@ -16,7 +16,7 @@ namespace Measurements {
 using Programs = std::vector<std::unique_ptr<MeasuredProgram>>;
 using Figures = QMap<QString, QJsonObject>;
 
-/// How much is measured.
+/// The numbers of repetitions.
 struct Extent
 {
     int starts;
@@ -29,20 +29,17 @@ struct Extent
     int manyCountedKeys;
 };
 
-/// Starts and ends the programs.
 void start(Programs& programs, const Extent& extent, Figures& figures);
 /// Presses single keys in running programs, which must announce them with the same content.
 void keys(Programs& programs, const Extent& extent, Figures& figures);
-/// Leaves running programs alone for a while.
+/// Counts the wake-ups of idle programs.
 void idleness(const Programs& programs, const Extent& extent, Figures& figures);
-/// Starts the daemon before the services that it waits for, and leaves it waiting for a while; then these
-/// become ready.
+/// Measures the daemon while it waits for services, and its start once they are ready.
 void waiting(MeasuredProgram& daemon, const Extent& extent, Figures& figures);
-/// Looks at the memory of running programs.
 void memory(const Programs& programs, Figures& figures);
 /// Presses many keys at once in running programs.
 void bursts(Programs& programs, const Extent& extent, Figures& figures);
-/// Starts and ends the programs under callgrind.
+/// Counts instructions with callgrind.
 void instructions(const Programs& programs, const Extent& extent, Figures& figures);
 
 } // namespace Measurements

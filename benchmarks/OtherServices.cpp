@@ -11,12 +11,12 @@
 
 namespace {
 
-constexpr int patienceMs = 10'000;
+constexpr int timeoutMs = 10'000;
 
 int check(int result)
 {
     if (result < 0) {
-        throw std::runtime_error(std::string("The bus does not work: ") + std::strerror(-result));
+        throw std::runtime_error(std::string("The bus failed: ") + std::strerror(-result));
     }
     return result;
 }
@@ -33,7 +33,7 @@ OtherServices::OtherServices(const QString& address)
     check(sd_bus_start(m_bus));
     check(sd_bus_match_signal(m_bus, nullptr, nullptr, "/", keyboardHandler.constData(), "notification",
                               onAnnouncement, this));
-    check(sd_bus_add_object(m_bus, nullptr, "/", onQuestion, this));
+    check(sd_bus_add_object(m_bus, nullptr, "/", onCall, this));
     check(sd_bus_request_name(m_bus, stateHandler.constData(), 0));
 }
 
@@ -59,8 +59,8 @@ void OtherServices::waitForAnnouncement()
     const int before = m_announcements;
     pollfd poller{descriptor(), POLLIN, 0};
     for (work(); m_announcements == before; work()) {
-        if (poll(&poller, 1, patienceMs) != 1) {
-            throw std::runtime_error("There is no announcement.");
+        if (poll(&poller, 1, timeoutMs) != 1) {
+            throw std::runtime_error("No announcement was received.");
         }
     }
 }
@@ -89,11 +89,11 @@ int OtherServices::onAnnouncement(sd_bus_message* message, void* self, sd_bus_er
     return 0;
 }
 
-int OtherServices::onQuestion(sd_bus_message* question, void*, sd_bus_error*)
+int OtherServices::onCall(sd_bus_message* call, void*, sd_bus_error*)
 {
-    if (sd_bus_message_is_method_call(question, nullptr, "process") <= 0) {
+    if (sd_bus_message_is_method_call(call, nullptr, "process") <= 0) {
         return 0;
     }
-    return sd_bus_reply_method_return(question, "a{sv}", 3, "resultId", "s", "Success", "errorId", "s",
+    return sd_bus_reply_method_return(call, "a{sv}", 3, "resultId", "s", "Success", "errorId", "s",
                                       "Undefined", "stateId", "s", "Print");
 }

@@ -6,34 +6,33 @@
 
 #include <systemd/sd-bus.h>
 
-/// The services around a measured program: the receiver of its announcements, and the state handler, which
-/// tells that the device prints. They add as little time as possible of their own, and work only while they
-/// are asked to.
+/// The services around a measured program: the receiver of its announcements and a state handler in the state
+/// Print. They add little overhead and run only within `work` and `waitForAnnouncement`.
 class OtherServices
 {
 public:
-    /// Joins the bus at `address`; throws when that fails.
+    /// Connects to the bus at `address`; throws on failure.
     explicit OtherServices(const QString& address);
     ~OtherServices();
 
     OtherServices(const OtherServices&) = delete;
     OtherServices& operator=(const OtherServices&) = delete;
 
-    /// Readable when something has arrived.
+    /// Readable when messages have arrived.
     int descriptor() const;
-    /// Takes in and answers what has arrived, without waiting.
+    /// Processes all messages that have arrived, without blocking.
     void work();
-    /// Works until the next announcement; throws when none comes within ten seconds.
+    /// Processes messages until the next announcement; throws after ten seconds.
     void waitForAnnouncement();
 
-    /// The number of announcements that were taken in.
+    /// The number of received announcements.
     int announcements() const { return m_announcements; }
-    /// The texts of the last one by their keys; throws when there is none, or a value is no text.
+    /// The last announcement; throws if there is none or a value is not a string.
     QMap<QString, QString> lastAnnouncement() const;
 
 private:
     static int onAnnouncement(sd_bus_message* message, void* self, sd_bus_error* error);
-    static int onQuestion(sd_bus_message* question, void* self, sd_bus_error* error);
+    static int onCall(sd_bus_message* call, void* self, sd_bus_error* error);
 
     sd_bus* m_bus = nullptr;
     sd_bus_message* m_last = nullptr;

@@ -12,18 +12,18 @@
 
 namespace {
 
-constexpr size_t longestMessage = 4096;
+constexpr size_t maxMessageSize = 4096;
 
-ReadinessSocket::Time noteOf(msghdr& message)
+ReadinessSocket::Time timeStampOf(msghdr& message)
 {
-    for (cmsghdr* note = CMSG_FIRSTHDR(&message); note; note = CMSG_NXTHDR(&message, note)) {
-        if (note->cmsg_level == SOL_SOCKET && note->cmsg_type == SCM_TIMESTAMPNS) {
+    for (cmsghdr* control = CMSG_FIRSTHDR(&message); control; control = CMSG_NXTHDR(&message, control)) {
+        if (control->cmsg_level == SOL_SOCKET && control->cmsg_type == SCM_TIMESTAMPNS) {
             timespec time{};
-            std::memcpy(&time, CMSG_DATA(note), sizeof time);
+            std::memcpy(&time, CMSG_DATA(control), sizeof time);
             return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
         }
     }
-    throw std::runtime_error("The kernel notes no time of a message.");
+    throw std::runtime_error("A message has no time stamp.");
 }
 
 } // namespace
@@ -38,7 +38,7 @@ ReadinessSocket::ReadinessSocket(const QString& path)
     const int on = 1;
     if (::bind(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == -1 ||
         ::setsockopt(m_socket, SOL_SOCKET, SO_TIMESTAMPNS, &on, sizeof on) == -1) {
-        throw std::runtime_error("There is no socket for readiness.");
+        throw std::runtime_error("The readiness socket cannot be created.");
     }
 }
 
@@ -49,17 +49,17 @@ ReadinessSocket::~ReadinessSocket()
 
 std::optional<ReadinessSocket::Time> ReadinessSocket::takeDeclaration()
 {
-    char text[longestMessage];
-    alignas(cmsghdr) char notes[CMSG_SPACE(sizeof(timespec))];
+    char text[maxMessageSize];
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(timespec))];
     iovec part{text, sizeof text};
     msghdr message{};
     message.msg_iov = &part;
     message.msg_iovlen = 1;
-    message.msg_control = notes;
-    message.msg_controllen = sizeof notes;
+    message.msg_control = control;
+    message.msg_controllen = sizeof control;
     const ssize_t size = ::recvmsg(m_socket, &message, 0);
     if (size <= 0 || !QByteArray(text, int(size)).split('\n').contains("READY=1")) {
         return std::nullopt;
     }
-    return noteOf(message);
+    return timeStampOf(message);
 }

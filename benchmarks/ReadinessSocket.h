@@ -6,23 +6,23 @@
 #include <chrono>
 #include <optional>
 
-/// Where a program declares itself ready to its service manager. The kernel notes the time of the
-/// declaration, so that it does not matter when this process gets to read it.
+/// The socket on which a program declares itself ready to its service manager. The kernel time-stamps the
+/// declaration, so a delay of the reader does not matter.
 class ReadinessSocket
 {
 public:
     using Time = std::chrono::nanoseconds; // since 1970
 
-    /// Throws when the socket cannot be made.
+    /// Throws if the socket cannot be created.
     explicit ReadinessSocket(const QString& path);
     ~ReadinessSocket();
 
     ReadinessSocket(const ReadinessSocket&) = delete;
     ReadinessSocket& operator=(const ReadinessSocket&) = delete;
 
-    /// Readable when somebody has declared something.
+    /// Readable when a message has arrived.
     int descriptor() const { return m_socket; }
-    /// When the program declared itself ready; nothing if it has not done so since the last call.
+    /// The time of a readiness declaration since the last call, if any.
     std::optional<Time> takeDeclaration();
 
 private:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What one key event costs in the router, against the number of rows in each key list. To be run in a root of
-// its own.
+// Measures the cost of one key event in the router against the number of rows in each key list. Must run in a
+// private root.
 #include "device/StateHandler.h"
 #include "input/KeyboardManager.h"
 #include "keys/KeyListFile.h"
@@ -20,10 +20,10 @@
 
 namespace {
 
-constexpr int fewestRows = 10;
-constexpr int mostRows = 10'000;
+constexpr int minRows = 10;
+constexpr int maxRows = 10'000;
 
-/// Rows that Up opens none of; the last one alone is opened by Function and closed by Up.
+/// No row starts with Up; only the last one starts with Function and ends with Up.
 QList<QStringList> rowsOf(int count)
 {
     const QStringList keys{ls::KeyId::Feed,  ls::KeyId::Help, ls::KeyId::Menu, ls::KeyId::Back,
@@ -49,7 +49,7 @@ MapReader list(EnumDetail::RowKeyList section, int count)
     return MapReader({{KeyListFile::sectionName(section), rows}});
 }
 
-/// The router of a printing device, with as many rows in each list.
+/// The router of a printing device, with the same number of rows in each list.
 class Router
 {
 public:
@@ -72,7 +72,7 @@ private:
     ShortcutKey m_shortcutKey{m_shortcutList, nullptr};
     LongKey m_longKey{m_longList, nullptr};
     StateHandler m_stateHandler{nullptr};
-    // Its parent would delete it, but goes after it.
+    // The parent is destroyed later, so it does not delete this member.
     KeyboardManager m_manager{m_modifierKey, m_shortcutKey, m_longKey, m_stateHandler, m_handler};
 };
 
@@ -84,7 +84,7 @@ void press(benchmark::State& state)
     }
 }
 
-/// Announced as a single key.
+/// Each release is announced as a single key.
 void release(benchmark::State& state)
 {
     Router router(int(state.range(0)));
@@ -101,7 +101,7 @@ void repeat(benchmark::State& state)
     }
 }
 
-/// The closing key of the last row's shortcut, which is recognised each time.
+/// Presses the closing key of the last row's shortcut, which is recognised each time.
 void shortcut(benchmark::State& state)
 {
     Router router(int(state.range(0)));
@@ -111,10 +111,10 @@ void shortcut(benchmark::State& state)
     }
 }
 
-BENCHMARK(press)->RangeMultiplier(10)->Range(fewestRows, mostRows);
-BENCHMARK(release)->RangeMultiplier(10)->Range(fewestRows, mostRows);
-BENCHMARK(repeat)->RangeMultiplier(10)->Range(fewestRows, mostRows);
-BENCHMARK(shortcut)->RangeMultiplier(10)->Range(fewestRows, mostRows);
+BENCHMARK(press)->RangeMultiplier(10)->Range(minRows, maxRows);
+BENCHMARK(release)->RangeMultiplier(10)->Range(minRows, maxRows);
+BENCHMARK(repeat)->RangeMultiplier(10)->Range(minRows, maxRows);
+BENCHMARK(shortcut)->RangeMultiplier(10)->Range(minRows, maxRows);
 
 } // namespace
 
@@ -122,7 +122,7 @@ int main(int argc, char* argv[])
 {
     VirtualDevice::clock();
     FakeStateHandler::setState(ls::StateId::Print);
-    // Without its first device the router hears no simulated keys either.
+    // The router ignores simulated keys unless its first device exists.
     for (const char* device : {"/dev/input/event0", "/dev/input/event1"}) {
         if (mkfifo(device, S_IRUSR | S_IWUSR) == -1) {
             std::perror(device);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// How long it takes from a press of Menu on the page to its announcement there, beside the same press without a browser:
-// posted over HTTP and seen on the event stream. Run it with the packages and the simulator of a build:
+// Measures the time from a press of Menu on the page to its announcement there, compared with the same press posted
+// over HTTP and observed on the event stream. Run it with the packages and the simulator of a build:
 //
 //     tests/workbench/browser/in-build build/release benchmarks/page-latency.mjs
 import { PanelSession } from '../tests/workbench/browser/panelSession.mjs';
@@ -10,7 +10,7 @@ const warmUp = 5;
 
 const at = (sorted, part) => sorted[Math.min(Math.floor(sorted.length * part), sorted.length - 1)];
 
-/// Milliseconds of each of the presses but the first ones.
+/// The times of the presses after the warm-up, in milliseconds.
 async function measure(press) {
     const times = [];
     for (let count = 0; count < warmUp + presses; ++count) {
@@ -20,7 +20,7 @@ async function measure(press) {
     return { median: at(sorted, 0.5), p99: at(sorted, 0.99) };
 }
 
-/// Presses and releases Menu by the keyboard in the page itself, so that only what the page does is measured.
+/// Presses and releases Menu with keyboard events dispatched within the page, so that only the page is measured.
 function pressOnPage() {
     return new Promise(resolve => {
         const announced = document.getElementById('announced-live');

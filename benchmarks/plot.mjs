@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// plot.mjs RESULT: draws what an event costs in the router against the length of the key lists, as SVG; both axes are
-// logarithmic. RESULT is what tools/bench --json writes.
+// plot.mjs RESULT: plots the cost of an event in the router against the length of the key lists, as SVG with
+// logarithmic axes. RESULT is the output of tools/bench --json.
 import { readFileSync } from 'node:fs';
 
 const width = 640, height = 400;
@@ -14,7 +14,7 @@ const lengths = Object.keys(router[events[0][0]]).map(Number);
 const costs = events.flatMap(([, cost]) => Object.values(cost));
 const decade = (value, round) => 10 ** round(Math.log10(value));
 
-/// Puts the values of `from` to `to` on the pixels `start` to `end`.
+/// Maps the values of `from` to `to` to the pixels `start` to `end`.
 function axis(from, to, start, end) {
     const scale = (end - start) / Math.log10(to / from);
     const ticks = [];
@@ -38,7 +38,7 @@ const grid = [
         text(left - 8, Number(y.at(tick)) + 4, time(tick), 'text-anchor="end"')]),
 ];
 
-// Names stand beside the ends of their curves, but not upon each other.
+// Labels are next to the ends of their curves, without overlap.
 const labels = events.map(([event, cost], i) => ({ event, i, py: Number(y.at(cost[lengths.at(-1)])) + 4 }))
     .sort((one, other) => one.py - other.py);
 labels.forEach((label, i) => { label.py = Math.max(label.py, (labels[i - 1]?.py ?? 0) + 15); });

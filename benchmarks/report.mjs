@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// report.mjs DEVICE ROUTER RESULT: prints the figures of device-benchmark and router-benchmark as tables, with the goals
-// that the daemon has beside the references, and writes all of it to the file RESULT as JSON.
+// report.mjs DEVICE ROUTER RESULT: prints the figures of device-benchmark and router-benchmark as tables, with the
+// daemon's goals relative to the references, and writes them to the file RESULT as JSON.
 import { readFileSync, writeFileSync } from 'node:fs';
 import os from 'node:os';
 
-const programs = ['daemon', 'relayingQt', 'leastQt', 'leastSdBus'];
+const programs = ['daemon', 'relayingQt', 'minimalQt', 'minimalSdBus'];
 const events = ['press', 'release', 'repeat', 'shortcut'];
 
 const count = value => Math.round(value).toLocaleString('en-US');
@@ -12,28 +12,29 @@ const us = value => `${value.toFixed(0)} µs`;
 const ms = value => `${(value / 1000).toFixed(2)} ms`;
 const kib = value => `${value} KiB`;
 
-// What is measured, where it is found, and how many times that of a reference it may be for the daemon.
+// Name, value, format and limits of each figure. A limit is the maximum ratio of the daemon's figure to that of a
+// reference, or the maximum of the figure itself (`max`).
 const rows = [
-    ['release to announcement, p50', own => own.keyUs.p50, us, { leastQt: 1.1, leastSdBus: 2 }],
+    ['release to announcement, p50', own => own.keyUs.p50, us, { minimalQt: 1.1, minimalSdBus: 2 }],
     ['release to announcement, p99', own => own.keyUs.p99, us],
     ['release to announcement, longest', own => own.keyUs.max, us],
-    ['start to ready, p50', own => own.startUs.p50, ms, { leastQt: 1.3 }],
+    ['start to ready, p50', own => own.startUs.p50, ms, { minimalQt: 1.3 }],
     ['start to ready, p99', own => own.startUs.p99, ms],
-    ['instructions of a key', own => own.instructionsPerKey, count, { leastQt: 1.3 }],
-    ['anonymous memory', own => own.anonymousKib, kib, { leastQt: 1.25 }],
+    ['instructions of a key', own => own.instructionsPerKey, count, { minimalQt: 1.3 }],
+    ['anonymous memory', own => own.anonymousKib, kib, { minimalQt: 1.25 }],
     ['memory (PSS)', own => own.pssKib, kib],
-    ['wake-ups when idle', own => own.idleWakeUps, count, { most: 0 }],
-    ['wake-ups in a second of waiting for services', own => own.waitingWakeUps, value => value.toFixed(1), { most: 4 }],
+    ['wake-ups when idle', own => own.idleWakeUps, count, { max: 0 }],
+    ['wake-ups in a second of waiting for services', own => own.waitingWakeUps, value => value.toFixed(1), { max: 4 }],
     ['processor time of ten such seconds', own => own.waitingMs, value => `${value} ms`],
     ['last service ready to ready, p50', own => own.servicesUs?.p50, ms],
-    ['last service ready to ready, longest', own => own.servicesUs?.max, ms, { most: 20_000 }],
+    ['last service ready to ready, longest', own => own.servicesUs?.max, ms, { max: 20_000 }],
     ['burst: records drained a second', own => own.recordsPerSecond, count],
     ['burst: announcements delivered a second', own => own.announcementsPerSecond, count],
 ];
 
 function goalsOf(values, limits) {
     return Object.entries(limits ?? {}).map(([reference, limit]) => {
-        const reached = reference === 'most' ? values.daemon : values.daemon / values[reference];
+        const reached = reference === 'max' ? values.daemon : values.daemon / values[reference];
         return { reference, limit, reached, met: reached <= limit };
     });
 }
@@ -50,8 +51,8 @@ function table(heads, body) {
 }
 
 function goalText({ reference, limit, reached, met }, format) {
-    const times = reference === 'most' ? format(limit) : `${limit} × ${reference === 'leastQt' ? 'Qt' : 'C'}`;
-    return `${times}: ${met ? 'met' : 'not met'}${reference === 'most' ? '' : ` (${reached.toFixed(2)})`}`;
+    const times = reference === 'max' ? format(limit) : `${limit} × ${reference === 'minimalQt' ? 'Qt' : 'C'}`;
+    return `${times}: ${met ? 'met' : 'not met'}${reference === 'max' ? '' : ` (${reached.toFixed(2)})`}`;
 }
 
 function deviceTable(measured) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the references in Qt have in common: all but the way in which they announce.
+// The common part of the Qt references: all but the announcement.
 #pragma once
 
 #include "benchmarks/references/announcement.h"
@@ -25,7 +25,7 @@ inline QVariantMap announcement()
             {QStringLiteral("firstKey"), QStringLiteral("Up")}};
 }
 
-/// Calls `announce` for each released key among the records that are read at once.
+/// Reads once and calls `announce` for each released key.
 template <typename Announce>
 void announceReleases(int device, Announce announce)
 {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the references have in common: where they read keys and under which name they announce them.
+// The common part of the references: the input device and the bus name.
 #pragma once
 
 #define INPUT_DEVICE "/dev/input/event0"

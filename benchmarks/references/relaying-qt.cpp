@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The same as least-qt, but announcing in the way of the daemon: by the signal of an adaptor, which Qt
-// relays. Shows how much of the daemon's cost is Qt's for that.
+// Like minimal-qt, but announces as the daemon does: with the signal of an adaptor, which Qt relays. Shows
+// the cost of the relay.
 #include "benchmarks/references/QtReference.h"
 
 #include <QDBusAbstractAdaptor>

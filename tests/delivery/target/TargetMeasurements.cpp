@@ -16,25 +16,24 @@ namespace {
 
 constexpr int keyCount = 100;
 constexpr int startCount = 5;
-constexpr int actionPatienceMs = 2000;
+constexpr int actionTimeoutMs = 2000;
 constexpr int idleMs = 60'000;
 const QString actionFifo = QStringLiteral("/run/target-test/action");
 const QString other = QStringLiteral("other-key-daemon.service");
-// Puts a program of the tests in the place of the daemon, with all that the unit does for it and forbids it.
+// Replaces the daemon with a test program, under all settings and restrictions of the unit.
 const QString programInUnit =
     QStringLiteral("folder=/run/systemd/system/keyboard-handler.service.d; mkdir -p $folder && "
                    "printf '[Service]\\nExecStart=\\nExecStart=%1\\n' >$folder/program.conf && "
                    "systemctl daemon-reload");
 
-/// What a program takes, measured with `keyCount` keys. Times in ms, memory in KiB; -1 for what was not
-/// measured.
+/// The figures of a program, measured with `keyCount` keys. Times in ms, memory in KiB; -1 if not measured.
 struct Figures
 {
-    /// From its start to its readiness.
+    /// From start to readiness.
     double start = -1;
-    /// From a key to what the program does, sorted; -1 where it did nothing.
+    /// From a key to the program's reaction, sorted; -1 without a reaction.
     QVector<double> times;
-    /// For a key.
+    /// Per key.
     double processorTime = -1;
     int pss = -1;
     int anonymous = -1;
@@ -60,7 +59,7 @@ double median(const QVector<double>& sorted)
     return sorted.at(sorted.size() / 2);
 }
 
-bool isWhole(const Figures& figures)
+bool isComplete(const Figures& figures)
 {
     return figures.times.first() > 0 && figures.processorTime > 0 && figures.pss > 0 && figures.anonymous > 0;
 }
@@ -76,7 +75,7 @@ double startTime()
     return ms(timestamp(QStringLiteral("ActiveEnter")) - timestamp(QStringLiteral("ExecMainStart")));
 }
 
-/// The same, the median of starts that have the system for themselves; -1 when one fails.
+/// The median of several starts; -1 if one fails.
 double medianStartTime()
 {
     QVector<double> times;
@@ -87,7 +86,7 @@ double medianStartTime()
     return times.first() > 0 ? median(times) : -1;
 }
 
-/// Presses `keyCount` keys by `timeOfKey`, which returns how long each took, in ms.
+/// Measures `keyCount` calls of `timeOfKey`, which presses a key and returns its time in ms.
 Figures measure(const QString& unit, const std::function<double()>& timeOfKey)
 {
     Figures figures;
@@ -106,9 +105,8 @@ Figures measure(const QString& unit, const std::function<double()>& timeOfKey)
 
 } // namespace
 
-/// Measures the daemon on the target system, beside the references of the benchmarks and other daemons that
-/// act on keys, and prints two tables. Each figure of the daemon has a limit that it must keep; the times are
-/// those of the guest's clock.
+/// Measures the daemon, the references of the benchmarks and other key daemons on the target system, and prints two
+/// tables. Each figure of the daemon has a limit; times are those of the guest's clock.
 class TargetMeasurements : public TargetTest
 {
     Q_OBJECT
@@ -129,9 +127,9 @@ private:
     void programRow(const QString& program, const Figures& figures);
     /// The figures of the program in the daemon's unit.
     Figures measureUnit();
-    /// From the release of a key, in ms; -1 when nothing is announced.
+    /// The time from the release of a key, in ms; -1 if nothing is announced.
     double timeToAnnouncement();
-    /// From a press or from the release after it, in ms; -1 when nothing is done.
+    /// The time from a press, or from its release, in ms; -1 without an action.
     double timeToAction(const QString& key, bool released);
 
     QStringList m_table;
@@ -189,7 +187,7 @@ void TargetMeasurements::keys()
     const Figures figures = measureUnit();
     row(QStringLiteral("key to announcement, longest of %1").arg(keyCount), inMs(figures.times.last()));
     programRow(QStringLiteral("this daemon"), figures);
-    QVERIFY(isWhole(figures));
+    QVERIFY(isComplete(figures));
     QVERIFY(figures.start > 0 && figures.start < 2000);
     QVERIFY(figures.times.last() < 50);
     QVERIFY(figures.processorTime < 10);
@@ -223,8 +221,8 @@ void TargetMeasurements::references_data()
 {
     QTest::addColumn<QString>("program");
     QTest::newRow("relaying Qt") << "relaying-qt";
-    QTest::newRow("minimal Qt") << "least-qt";
-    QTest::newRow("minimal C") << "least-sd-bus";
+    QTest::newRow("minimal Qt") << "minimal-qt";
+    QTest::newRow("minimal C") << "minimal-sd-bus";
 }
 
 void TargetMeasurements::references()
@@ -235,7 +233,7 @@ void TargetMeasurements::references()
     const Figures figures = measureUnit();
     QCOMPARE(QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(Unit::mainProcess(Unit::daemon))),
              program);
-    QVERIFY(isWhole(figures) && figures.start > 0);
+    QVERIFY(isComplete(figures) && figures.start > 0);
     programRow(QLatin1String(QTest::currentDataTag()), figures);
 }
 
@@ -267,7 +265,7 @@ double TargetMeasurements::timeToAction(const QString& key, bool released)
         device().release(0, key);
     }
     pollfd poller{action, POLLIN, 0};
-    const bool done = poll(&poller, 1, actionPatienceMs) == 1;
+    const bool done = poll(&poller, 1, actionTimeoutMs) == 1;
     const double time = double(clock.nsecsElapsed()) / 1e6;
     close(action);
     if (!released) {
@@ -282,7 +280,7 @@ void TargetMeasurements::otherDaemons()
     QFETCH(QString, program);
     QFETCH(QString, key);
     QFETCH(bool, released);
-    // It would act on the same keys.
+    // The daemon would react to the same keys.
     QVERIFY(Unit::stop(Unit::daemon));
     mkfifo(QFile::encodeName(actionFifo).constData(), S_IRUSR | S_IWUSR);
     QCOMPARE(Command::shell(configuration).status, 0);
@@ -290,7 +288,7 @@ void TargetMeasurements::otherDaemons()
              0);
     QTest::qWait(1000);
     const Figures figures = measure(other, [&] { return timeToAction(key, released); });
-    QVERIFY(isWhole(figures));
+    QVERIFY(isComplete(figures));
     programRow(QLatin1String(QTest::currentDataTag()), figures);
     QVERIFY(Unit::stop(other));
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The least Qt program that announces each released key as the daemon announces Up while the device prints.
+// A minimal Qt program that announces each released key as the daemon announces Up in the state Print.
 #include "benchmarks/references/QtReference.h"
 
 #include <QDBusMessage>

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The least C program that announces each released key as the daemon announces Up while the device prints: by
-// sd-bus.
+// A minimal C program, with sd-bus, that announces each released key as the daemon announces Up in the state Print.
 #include "benchmarks/references/announcement.h"
 
 #include <fcntl.h>
