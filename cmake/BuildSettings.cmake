@@ -4,13 +4,13 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_AUTOMOC ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
-# As the packages are built; -O3 makes the daemon a third larger and no faster.
+# Like the packages; -O3 makes the daemon a third larger but not faster.
 set(CMAKE_C_FLAGS_RELEASE "-O2 -DNDEBUG")
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-  # Qt's logging macros, and a signal that has the name of a virtual function of QObject
+  # For Qt's logging macros and a signal with the name of a virtual function of QObject.
   add_compile_options(-Wno-gnu-zero-variadic-macro-arguments -Wno-overloaded-virtual)
 endif()
 if(KEYBOARD_HANDLER_WERROR)

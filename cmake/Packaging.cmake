@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Debian packages, made by tools/package: each is a component of the installation with its Debian documents.
+# The Debian packages, built by tools/package: each consists of an install component and its Debian documents.
 set(KEYBOARD_HANDLER_MAINTAINER "The keyboard-handler developers <keyboard-handler@vantre.com>" CACHE STRING
     "Maintainer of the Debian packages")
 
@@ -39,7 +39,7 @@ endmacro()
 set(same_version "(= ${PROJECT_VERSION}-${revision})")
 set(installers "systemd | systemd-standalone-sysusers | systemd-sysusers, systemd | systemd-standalone-tmpfiles | systemd-tmpfiles")
 if(CMAKE_CROSSCOMPILING)
-  # There is no package database of the target to ask. tools/package compares the libraries with this list.
+  # The target has no package database to query. tools/package checks the libraries against this list.
   set(program_libraries "libc6 (>= 2.36), libgcc-s1 (>= 3.5), libqt5core5a (>= 5.15.1), libqt5dbus5 (>= 5.15.1), libstdc++6 (>= 11), ")
   set(daemon_libraries "${program_libraries}libsystemd0, ")
 else()

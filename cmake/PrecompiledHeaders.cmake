@@ -1,13 +1,13 @@
 # SPDX-License-Identifier: MIT
-# Qt's headers take more than half of the time of a build, so that all targets share them precompiled. GCC accepts them
-# where every macro of the precompilation is defined; Clang wants the same macros, so that it does without. clang-tidy
-# and the builds of the packages read each header by itself, and so find an include that is missing.
+# Qt's headers take more than half of the build time, so all targets share them precompiled. GCC accepts them wherever
+# all macros of the precompilation are defined. Clang requires identical macros and is therefore excluded. clang-tidy
+# and the package builds do not use them, and so detect missing includes.
 function(keyboard_handler_headers name)
   set(empty ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
   file(CONFIGURE OUTPUT ${empty} CONTENT "")
   add_library(${name} OBJECT ${empty})
   set_target_properties(${name} PROPERTIES AUTOMOC OFF)
-  # Not linked, because targets without the bus do not define the macro that this would define.
+  # Not linked, because this would define a macro that targets without the bus lack.
   target_include_directories(${name} SYSTEM PRIVATE $<TARGET_PROPERTY:Qt5::DBus,INTERFACE_INCLUDE_DIRECTORIES>)
   target_link_libraries(${name} PRIVATE ${ARGN})
 endfunction()
@@ -44,7 +44,7 @@ function(precompile_headers_in folder)
     if(NOT type MATCHES "EXECUTABLE|STATIC_LIBRARY" OR NOT has_core)
       continue()
     endif()
-    if(has_test AND NOT has_network) # QtTest has more headers where the network is linked
+    if(has_test AND NOT has_network) # QtTest includes more headers if the network is linked
       target_precompile_headers(${target} REUSE_FROM test-headers)
     elseif(NOT has_test)
       target_precompile_headers(${target} REUSE_FROM core-headers)

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
-# Targets of the installed platform libraries, under the names of the bundled ones. Where they are not in the
-# compiler's usual places, CMAKE_PREFIX_PATH names their prefix.
+# Targets for the installed platform libraries, with the names of the bundled ones. Set CMAKE_PREFIX_PATH if the
+# libraries are not in a default location.
 
-# system_platform_library(NAME HEADER): the library NAME, whose headers are found by HEADER.
+# system_platform_library(NAME HEADER): the library NAME; HEADER locates its include folder.
 function(system_platform_library name header)
   string(TOUPPER ${name} variable)
   find_library(${variable}_LIBRARY ${name})
@@ -33,7 +33,7 @@ target_compile_definitions(ls INTERFACE KEYBOARD_HANDLER_BUS_PREFIX="${KEYBOARD_
 target_link_libraries(ls INTERFACE vantre)
 target_link_libraries(configurationmanager INTERFACE vantre)
 
-# A static library does not say what it needs.
+# Static libraries do not record their dependencies.
 if(SERVICEWATCHER_LIBRARY MATCHES "\\.a$")
   find_package(PkgConfig REQUIRED)
   pkg_check_modules(LIBSYSTEMD REQUIRED IMPORTED_TARGET GLOBAL libsystemd)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Cross build for 32-bit ARM (Debian's armhf). tools/sysroot makes the sysroot; KEYBOARD_HANDLER_SYSROOT names another.
+# Cross build for 32-bit ARM (Debian's armhf). tools/sysroot creates the sysroot; KEYBOARD_HANDLER_SYSROOT overrides it.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR arm)
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
@@ -12,10 +12,10 @@ else()
   set(cache $ENV{HOME}/.cache/keyboard-handler)
 endif()
 set(KEYBOARD_HANDLER_SYSROOT ${cache}/armhf-sysroot CACHE PATH "Headers and libraries of the target system")
-# The compiler is tried out in projects of their own, which must use the same sysroot.
+# CMake's compiler checks are separate projects, which must use the same sysroot.
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES KEYBOARD_HANDLER_SYSROOT)
 if(NOT IS_DIRECTORY ${KEYBOARD_HANDLER_SYSROOT})
-  message(FATAL_ERROR "There is no sysroot in ${KEYBOARD_HANDLER_SYSROOT}. Make it with tools/sysroot.")
+  message(FATAL_ERROR "${KEYBOARD_HANDLER_SYSROOT} does not exist. Create the sysroot with tools/sysroot.")
 endif()
 
 set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
@@ -30,5 +30,5 @@ set(ENV{PKG_CONFIG_DIR} "")
 set(ENV{PKG_CONFIG_LIBDIR} ${CMAKE_SYSROOT}/usr/lib/arm-linux-gnueabihf/pkgconfig:${CMAKE_SYSROOT}/usr/share/pkgconfig)
 set(ENV{PKG_CONFIG_SYSROOT_DIR} ${CMAKE_SYSROOT})
 
-# CTest runs the test programs through this.
+# CTest runs the test programs with this emulator.
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm-static -L ${CMAKE_SYSROOT})

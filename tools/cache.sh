@@ -1,22 +1,22 @@
 # SPDX-License-Identifier: MIT
 # shellcheck shell=sh disable=SC2034,SC2016
-# Sourced by the tools that make things for the target system, which take long and are kept in a cache folder:
-# KEYBOARD_HANDLER_CACHE, or keyboard-handler in the user's cache folder.
+# To be sourced. Functions for files of the target system that take long to create and are therefore cached in
+# KEYBOARD_HANDLER_CACHE, by default keyboard-handler in the user's cache folder.
 
 cache=${KEYBOARD_HANDLER_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/keyboard-handler}
 release=bookworm
 
-# The archive lines for the target system, from the archive that this machine's own packages come from.
+# The APT sources of the target system, from the archive of this machine's packages.
 archive_lines() {
     uri=$(apt-get indextargets --format '$(REPO_URI) $(RELEASE)' 'Created-By: Packages' |
         awk -v release="$release" '$2 == release { print $1; exit }')
-    [ -n "$uri" ] || { echo "no $release archive is set up here; 'apt-get update' may be missing" >&2; return 1; }
+    [ -n "$uri" ] || { echo "no $release archive is configured; 'apt-get update' may be missing" >&2; return 1; }
     for suite in $release $release-updates; do
         echo "deb [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $uri $suite main"
     done
 }
 
-# recipe FILE... -- PACKAGE...: the checksum of what something is made by and of. It is made anew when that changes.
+# recipe FILE... -- PACKAGE...: a checksum of scripts and package versions. A cached folder with another one is rebuilt.
 recipe() {
     {
         while [ "$1" != -- ]; do
@@ -28,12 +28,12 @@ recipe() {
     } | sha256sum | cut -d ' ' -f 1
 }
 
-# is_made FOLDER RECIPE: whether FOLDER is there and was made by this recipe.
-is_made() {
+# is_cached FOLDER RECIPE: whether FOLDER exists and was made with this recipe.
+is_cached() {
     [ "$(cat "$1.recipe" 2>/dev/null)" = "$2" ] && [ -d "$1" ]
 }
 
-# finish NEW FOLDER RECIPE: puts what was made in NEW into its place.
+# finish NEW FOLDER RECIPE: replaces FOLDER by NEW.
 finish() {
     rm -rf "$2" "$2.recipe"
     mv "$1" "$2"
