@@ -1,11 +1,11 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Checks that includes run downwards only, and that tests wait without limits. Usage: layers.sh SOURCE_FOLDER
+# Checks the direction of includes, and that tests wait without timeouts. Usage: layers.sh SOURCE_FOLDER
 set -u
 cd "$1" || exit 2
 broken=0
 
-# forbid REASON PATTERN FOLDER...: the folders exist, and no include in them matches the pattern.
+# forbid REASON PATTERN FOLDER...: checks that the folders exist and that no include in them matches the pattern.
 forbid() {
     reason=$1 pattern=$2
     shift 2
@@ -16,9 +16,9 @@ forbid() {
     fi
 }
 
-# The pattern must be able to match, or nothing below means anything.
+# The pattern must be able to match, otherwise the checks below are meaningless.
 if ! grep -rqE '^ *# *include *[<"](QDBus)' --include='*.cpp' platform; then
-    echo "the check finds no include where there is one"
+    echo "the pattern does not match an existing include"
     exit 1
 fi
 
@@ -46,7 +46,7 @@ forbid "the key card knows the rules of keys only" "simulator/(script|device)/|w
 forbid "the web server knows no terminal" "workbench/terminal/" workbench/web
 forbid "only app/ builds the service object and the console" "app/" service input keys device console vocabulary
 
-# Waits with a limit of time fail on a busy machine. The clock of the booted target does not depend on the machine.
+# Waits with a timeout fail on a busy machine. The clock of the booted target does not depend on the machine.
 found=$(grep -rnE '\b(QTRY_[A-Z]|qWaitFor\()' --include='*.h' --include='*.cpp' tests |
     grep -v '^tests/\(support/Waiting\.\|delivery/target/\)')
 if [ -n "$found" ]; then

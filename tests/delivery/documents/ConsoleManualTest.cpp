@@ -9,7 +9,7 @@ const QString typedMark = QStringLiteral("> ");
 const QString textLanguage = QStringLiteral("text");
 const QString registered = QStringLiteral("Successfully registered on DBus: \"com.vantre.KeyboardHandler\"");
 
-/// What a session prints, as the daemon's log has it.
+/// The printed lines of a session, as in the daemon's log.
 QStringList printedLines(const QStringList& session)
 {
     QStringList printed;
@@ -23,8 +23,8 @@ QStringList printedLines(const QStringList& session)
 
 } // namespace
 
-/// Types each session of the console's manual at the daemon: its lines behind "> " are typed, the others are
-/// what comes back. A block "rules" of the same name holds the logging rules.
+/// Types each session of the console's manual: lines after "> " are input, the others are the expected output. A
+/// block "rules" of the same name contains the logging rules.
 class ConsoleManualTest : public SystemTest
 {
     Q_OBJECT
@@ -35,7 +35,7 @@ private Q_SLOTS:
 
 private:
     void playSession(const QStringList& session);
-    /// What was logged since the daemon is ready.
+    /// The log since the daemon became ready.
     QStringList printed() const { return log().mid(1); }
 
     const FencedBlocks m_manual{QStringLiteral("console.md")};
@@ -66,7 +66,7 @@ void ConsoleManualTest::playSession(const QStringList& session)
 {
     for (int i = 0; i < session.size(); ++i) {
         if (session.at(i).startsWith(typedMark)) {
-            // What was typed before has been answered when the next line is typed.
+            // Types the next line only after the output of the previous one.
             const QStringList before = printedLines(session.mid(0, i));
             WAIT_FOR_EQUAL(printed(), before);
             device().typeLine(session.at(i).mid(typedMark.size()));

@@ -13,7 +13,7 @@ const QString userMenu = QStringLiteral("user-menu");
 const QString registered = QStringLiteral("Successfully registered on DBus: \"com.vantre.KeyboardHandler\"");
 const QString notServed = QStringLiteral("KeyboardHandler::process ERROR: \"GetKeyList\" command n/a!");
 
-/// Without the number that the bus gave to the connection of the daemon.
+/// Removes the daemon's connection number, which varies.
 QString comparable(QString output)
 {
     static const QRegularExpression uniqueName(QStringLiteral(":1\\.\\d+"));
@@ -22,11 +22,11 @@ QString comparable(QString output)
 
 } // namespace
 
-/// Runs each example of the guide to the bus interface on a device with the key lists of the guide. A block
-/// "sh" is the example; of the same name are the blocks "text", its output, "log", what the daemon logs
-/// meanwhile, and "keys", a key script that is played before it. An example whose name begins with "watch"
-/// runs until it is ended, and its keys are played when it listens. gdbus names the owner of a service a
-/// moment before it delivers the signals of that service, so that the keys begin with a wait.
+/// Runs each example of the guide to the bus interface on a device with the key lists of the guide. A block "sh" is
+/// the example. Blocks of the same name are "text", its output; "log", the daemon's log during the example; and
+/// "keys", a key script that is played before it. An example whose name starts with "watch" runs until it is
+/// terminated, and its keys are played once it listens. The keys start with a wait, because gdbus prints the
+/// owner of a service shortly before it delivers its signals.
 class DBusGuideTest : public SystemTest
 {
     Q_OBJECT
@@ -39,7 +39,7 @@ private Q_SLOTS:
     void calls();
     void watches_data();
     void watches();
-    void theProgramInTheGuideIsTheFile();
+    void theProgramInTheGuideMatchesItsFile();
     void theProgramWorks();
 
 private:
@@ -97,7 +97,7 @@ void DBusGuideTest::calls()
     startExample(process, m_guide.text(shell, example));
     WAIT_FOR_EQUAL(process.state(), QProcess::NotRunning);
     QCOMPARE(QString::fromUtf8(process.readAll()), m_guide.text(QStringLiteral("text"), example));
-    // A command that is not served marks the end of what the example led to.
+    // The log line of an unserved command marks the end of the example's effects.
     command(ls::KeyboardHandlerCmdId::GetKeyList);
     WAIT_FOR_EQUAL(log().mid(earlierLines),
                    m_guide.lines(QStringLiteral("log"), example) + QStringList(notServed));
@@ -117,7 +117,7 @@ void DBusGuideTest::watches()
     watch(example, m_guide.text(shell, example), QStringLiteral("is owned by"));
 }
 
-void DBusGuideTest::theProgramInTheGuideIsTheFile()
+void DBusGuideTest::theProgramInTheGuideMatchesItsFile()
 {
     QFile file(QStringLiteral(PROJECT_FOLDER "/docs/examples/user-menu.cpp"));
     QVERIFY(file.open(QIODevice::ReadOnly));

@@ -5,18 +5,18 @@
 #include <QStringList>
 #include <QVector>
 
-/// The fenced blocks of a document that have a name: those that begin with "```LANGUAGE NAME".
+/// The named fenced blocks of a document, which start with "```LANGUAGE NAME".
 class FencedBlocks
 {
 public:
-    /// Reads a document of the folder `docs/`. One that cannot be read has no blocks.
+    /// Reads a document of the folder `docs/`. An unreadable document has no blocks.
     explicit FencedBlocks(const QString& fileName);
 
-    /// The names of the blocks in `language`, in their order; names that come twice are listed twice.
+    /// The names of the blocks in `language`, in their order, including duplicates.
     QStringList names(const QString& language) const;
-    /// The text of a block, with its last line end; null when there is none.
+    /// The text of a block, with its last line end; null if the block does not exist.
     QString text(const QString& language, const QString& name) const;
-    /// The lines of a block; none when there is no such block.
+    /// The lines of a block; empty if the block does not exist.
     QStringList lines(const QString& language, const QString& name) const;
 
 private:

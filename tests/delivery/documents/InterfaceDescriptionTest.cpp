@@ -10,8 +10,8 @@ namespace {
 
 const QString introspectable = QStringLiteral("org.freedesktop.DBus.Introspectable");
 
-/// The interface `name` of a description: a line for each member and for each argument, the inward and the
-/// outward ones numbered apart.
+/// The interface `name` of a description: a line for each member and argument. Input and output arguments are
+/// numbered separately.
 QStringList membersOf(const QString& description, const QString& name)
 {
     static const QStringList memberElements{"method", "signal", "property"};
@@ -49,14 +49,14 @@ class InterfaceDescriptionTest : public SystemTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void theDescriptionIsThatOfTheDaemon();
+    void theDescriptionMatchesTheDaemon();
     void eachMemberAndArgumentIsExplained();
 
 private:
     static QString description();
 };
 
-void InterfaceDescriptionTest::theDescriptionIsThatOfTheDaemon()
+void InterfaceDescriptionTest::theDescriptionMatchesTheDaemon()
 {
     QVERIFY(launch());
     BusConnection client(device().bus().address());

@@ -21,7 +21,7 @@ QString textOf(const QString& path)
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-/// What the first group of `pattern` matches in `text`, each time.
+/// All captures of the first group of `pattern` in `text`.
 QStringList matches(const QString& text, const char* pattern)
 {
     QStringList found;
@@ -32,7 +32,7 @@ QStringList matches(const QString& text, const char* pattern)
     return found;
 }
 
-/// The documents of the project, with their paths in it.
+/// The paths of the project's documents, relative to the project.
 QStringList documents()
 {
     QStringList names;
@@ -50,7 +50,7 @@ QStringList documents()
 
 } // namespace
 
-/// What the documents refer to exists, and what they propose to type is understood.
+/// Checks that the references of the documents exist and that their statements are valid.
 class ReferencesTest : public QObject
 {
     Q_OBJECT
@@ -58,10 +58,10 @@ class ReferencesTest : public QObject
 private Q_SLOTS:
     void linkedFilesExist_data();
     void linkedFilesExist();
-    void scriptsThatShowTheBehaviourExist();
+    void scriptsOfTheBehaviourExist();
     void testsOfTheFaultsExist();
-    void linesOfTheReadmeAreStatements_data();
-    void linesOfTheReadmeAreStatements();
+    void statementsOfTheReadmeAreValid_data();
+    void statementsOfTheReadmeAreValid();
     void statementsOfTheHelpAreDocumented();
 };
 
@@ -85,7 +85,7 @@ void ReferencesTest::linkedFilesExist()
     }
 }
 
-void ReferencesTest::scriptsThatShowTheBehaviourExist()
+void ReferencesTest::scriptsOfTheBehaviourExist()
 {
     const QDir scripts(projectPath(QStringLiteral("tests/whole/golden")));
     const QString text = textOf(projectPath(QStringLiteral("docs/behaviour.md")));
@@ -116,7 +116,7 @@ void ReferencesTest::testsOfTheFaultsExist()
     }
 }
 
-void ReferencesTest::linesOfTheReadmeAreStatements_data()
+void ReferencesTest::statementsOfTheReadmeAreValid_data()
 {
     QTest::addColumn<QString>("line");
     const QString text = textOf(projectPath(QStringLiteral("README.md")));
@@ -129,7 +129,7 @@ void ReferencesTest::linesOfTheReadmeAreStatements_data()
     }
 }
 
-void ReferencesTest::linesOfTheReadmeAreStatements()
+void ReferencesTest::statementsOfTheReadmeAreValid()
 {
     QFETCH(QString, line);
     const ParsedScript parsed = parseKeyScriptSteps(QString(line).replace(';', '\n'));
@@ -143,7 +143,7 @@ void ReferencesTest::linesOfTheReadmeAreStatements()
     QCOMPARE(state, ls::StateId::Idle);
 }
 
-/// The help of the prompt has the steps that the document has, and the parser knows each.
+/// The prompt's help and the document list the same steps, and the parser accepts each.
 void ReferencesTest::statementsOfTheHelpAreDocumented()
 {
     const QString steps = textOf(projectPath(QStringLiteral("docs/key-scripts.md")))

@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# log-lines.sh SOURCES: each error and warning that the daemon's sources can log stands in the documents.
+# log-lines.sh SOURCES: checks that the documents contain each error and warning in the daemon's sources.
 set -eu
 cd "$1"
 
@@ -22,5 +22,5 @@ done <<END
 $texts
 END
 echo "$count texts, $missing missing"
-# Fewer would mean that the search above no longer finds how lines are logged.
+# Fewer would mean that the search above no longer matches the logging code.
 [ "$count" -ge 35 ] && [ "$missing" -eq 0 ]

@@ -1,12 +1,12 @@
 # shellcheck shell=sh
 # SPDX-License-Identifier: MIT
-# What the package tests share. Each test works in a Debian root of its own, a copy of one that is made once and kept in
-# the cache folder. Usage: set source to the source folder, then include this file.
+# Functions of the package tests. Each test works in a copy of a cached Debian root.
+# Usage: set source to the source folder, then include this file.
 : "${source:?}"
 # shellcheck source-path=SCRIPTDIR source=../../../tools/cache.sh
 . "$source/tools/cache.sh"
 packages=$source/build/packages
-# Roots with users of their own are made by root.
+# Only root can create roots with other users.
 [ "$(id -u)" -eq 0 ] || exec sudo KEYBOARD_HANDLER_CACHE="$cache" "$0" "$@"
 native=$(dpkg --print-architecture)
 
@@ -15,28 +15,29 @@ fail() {
     exit 1
 }
 
-# package NAME: the file of the package NAME for this machine.
+# package NAME: prints the file of the package NAME for this machine.
 package() {
     set -- "$packages/$1"_*_"$native".deb
-    [ -f "$1" ] || fail "no package $1: run tools/package"
+    [ -f "$1" ] || fail "$1 does not exist: run tools/package"
     echo "$1"
 }
 
-# That of the package, and one that comes after it.
+# The version of the package and a newer one.
 # shellcheck disable=SC2034
 version=$(dpkg-deb -f "$(package keyboard-handler)" Version) newer_version=$version+1
 
-# The packages that ours depend on, of alternatives the first one.
+# The dependencies of the packages; the first one of alternatives.
 dependencies() {
     for name in keyboard-handler keyboard-handler-simulator; do
         dpkg-deb -f "$(package "$name")" Depends | tr ',' '\n'
     done | sed 's/|.*//; s/([^)]*)//; s/ //g' | grep -vx keyboard-handler | sort -u
 }
 
-# A folder for the root of this test, as $root; it goes with the test, or with the next run if the test is killed.
+# Creates a folder for the root of this test, $root, which is removed after the test, or by the next run if the test is
+# killed.
 new_root() {
     mkdir -p "$cache"
-    # Until it is copied.
+    # Locked until it is copied.
     exec 9>"$cache/package-root.lock"
     flock 9
     # shellcheck disable=SC2046
@@ -48,7 +49,7 @@ new_root() {
     mkdir -p "$root"
 }
 
-# fill_root: puts the Debian root into $root, which may be a file system of its own by now.
+# fill_root: copies the Debian root to $root, which may be a separate file system.
 fill_root() {
     cp -a "$cache/package-root/." "$root"
     exec 9>&-
@@ -59,7 +60,7 @@ remove_root() {
     rm -rf "$folder"
 }
 
-# in_root COMMAND ARGUMENT...: as root in the root, with no network and no service manager.
+# in_root COMMAND ARGUMENT...: runs the command as root in $root, without network and service manager.
 in_root() {
     bwrap --die-with-parent --unshare-pid --unshare-ipc --unshare-uts --unshare-net --cap-add ALL \
         --bind "$root" / --dev /dev --proc /proc --ro-bind "$folder" /mnt --clearenv \
@@ -67,7 +68,7 @@ in_root() {
         --chdir / -- "$@"
 }
 
-# install FILE: the package FILE, as an unattended upgrade does it.
+# install FILE: installs the package FILE like an unattended upgrade.
 install() {
     cp "$1" "$folder/package.deb"
     in_root dpkg --force-confdef --force-confold -i /mnt/package.deb >"$folder/dpkg.log" 2>&1 || {
@@ -77,8 +78,8 @@ install() {
     }
 }
 
-# newer_package VERSION [COMMAND]: prints the file of a package like that of the daemon, but with that version. The
-# command changes its content and runs in its folder.
+# newer_package VERSION [COMMAND]: prints the file of a copy of the daemon's package with another version. COMMAND, run in
+# its folder, changes its content.
 newer_package() {
     rm -rf "$folder/newer"
     dpkg-deb -R "$(package keyboard-handler)" "$folder/newer"
@@ -93,7 +94,7 @@ installed_version() {
     in_root dpkg-query -W -f '${db:Status-Abbrev}${Version}' keyboard-handler
 }
 
-# The daemon answers only when the services that it waits for are ready.
+# The daemon prints its version only when the services that it waits for are ready.
 program_version() {
     mkdir -p "$root/run/service-watcher"
     touch "$root/run/service-watcher/state-handler" "$root/run/service-watcher/speechd"
@@ -101,7 +102,7 @@ program_version() {
     rm -f "$root/run/service-watcher/state-handler" "$root/run/service-watcher/speechd"
 }
 
-# expect TEXT COMMAND...: the command prints exactly TEXT.
+# expect TEXT COMMAND...: checks that the command prints exactly TEXT.
 expect() {
     expected=$1
     shift

@@ -1,12 +1,12 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# A purge leaves nothing behind but the user and the groups. Usage: purge.sh SOURCE_FOLDER
+# A purge leaves nothing except the user and the groups. Usage: purge.sh SOURCE_FOLDER
 set -eu
 source=$1
 # shellcheck source-path=SCRIPTDIR source=library.sh
 . "$source/tests/delivery/package/library.sh"
 
-# Every file with its kind, rights, owner and content; not dpkg's own records, and not those of the users.
+# Every file with its type, mode, owner and content, except the records of dpkg and of users.
 list_files() {
     (
         cd "$root"
@@ -22,9 +22,9 @@ fill_root
 list_files >"$folder/before"
 install "$(package keyboard-handler)"
 list_files >"$folder/between"
-! cmp -s "$folder/before" "$folder/between" || fail "the lists of files are blind"
+! cmp -s "$folder/before" "$folder/between" || fail "the lists of files do not show the installation"
 
-# What is left by work with it: edited and replaced lists, a readiness file, an older list that dpkg put aside.
+# Traces of use: edited and replaced lists, a readiness file, an older list that dpkg saved.
 in_root sh -c 'echo {} >/etc/keyboard-handler/longKeyList.json
     rm /var/lib/keyboard-handler/modifierKeyList.json
     echo {} >/var/lib/keyboard-handler/modifierKeyList.json
@@ -32,8 +32,8 @@ in_root sh -c 'echo {} >/etc/keyboard-handler/longKeyList.json
 # shellcheck disable=SC2016
 install "$(newer_package "$newer_version" 'echo >>etc/keyboard-handler/longKeyList.json')"
 in_root dpkg --remove keyboard-handler >/dev/null
-in_root test -f /etc/keyboard-handler/longKeyList.json || fail "the removal took the configuration files"
+in_root test -f /etc/keyboard-handler/longKeyList.json || fail "the removal deleted the configuration files"
 in_root dpkg --purge keyboard-handler >/dev/null
 
 list_files >"$folder/after"
-diff "$folder/before" "$folder/after" || fail "the purge left something behind, or took too much"
+diff "$folder/before" "$folder/after" || fail "the purge left files or deleted too many"

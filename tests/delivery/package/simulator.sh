@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The installed simulator plays a script with the installed daemon, and serves the front panel. Usage: simulator.sh
-# SOURCE_FOLDER
+# The installed simulator plays a script with the installed daemon and serves the front panel.
+# Usage: simulator.sh SOURCE_FOLDER
 set -eu
 source=$1
 # shellcheck source-path=SCRIPTDIR source=library.sh
@@ -15,7 +15,7 @@ cp "$source/tests/whole/golden/menu-in-idle.keys" "$folder/script.keys"
 in_root timeout 60 keyboard-handler-simulator /mnt/script.keys >"$folder/output" 2>&1 || fail "$(cat "$folder/output")"
 grep -q "Menu" "$folder/output" || fail "the script was not played: $(cat "$folder/output")"
 
-# fetch PATH: the answer of the front panel's server, which is none of an error.
+# fetch PATH: prints the response of the front panel's server; fails on an error.
 cat >"$folder/visit" <<'END'
 fetch() {
     exec 3<>/dev/tcp/127.0.0.1/8765 || return

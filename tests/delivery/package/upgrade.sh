@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# What was changed by hand survives an upgrade, what was not is renewed. Usage: upgrade.sh SOURCE_FOLDER
+# An upgrade keeps edited files and replaces the others. Usage: upgrade.sh SOURCE_FOLDER
 set -eu
 source=$1
 # shellcheck source-path=SCRIPTDIR source=library.sh
@@ -19,16 +19,16 @@ in_root sh -c "rm /var/lib/keyboard-handler/shortcutKeyList.json; echo '$own' >/
 install "$(newer_package "$newer_version" 'for list in etc/keyboard-handler/*; do echo >>$list; done')"
 expect "ii $newer_version" installed_version
 
-# A list that was edited is kept, and the new one lies beside it.
+# An edited list is kept, with the new one next to it.
 expect "$edited" in_root cat /var/lib/keyboard-handler/longKeyList.json
-in_root test -f /etc/keyboard-handler/longKeyList.json.dpkg-dist || fail "the new list is not there to compare"
-# So is a file in the place of a link.
+in_root test -f /etc/keyboard-handler/longKeyList.json.dpkg-dist || fail "the new list is missing"
+# A file that replaced a link is kept, too.
 expect "$own" in_root cat /var/lib/keyboard-handler/shortcutKeyList.json
-# A list that nobody touched is the new one.
+# An unedited list is replaced.
 in_root cmp /etc/keyboard-handler/modifierKeyList.json /mnt/newer/etc/keyboard-handler/modifierKeyList.json
 in_root cmp /var/lib/keyboard-handler/modifierKeyList.json /etc/keyboard-handler/modifierKeyList.json
 
-# And back to the older version.
+# The same for a downgrade.
 install "$(package keyboard-handler)"
 expect "ii $version" installed_version
 expect "$edited" in_root cat /var/lib/keyboard-handler/longKeyList.json

@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Nothing is left of a test that is killed: its /tmp and its processes go with it, and each test that may leave any is
-# started like that. Usage: left-nothing.sh BUILD_FOLDER PRIVATE_TMP..., the command that starts another one so
+# A killed test leaves no files in /tmp and no processes, and each test that could leave any is started like that.
+# Usage: left-nothing.sh BUILD_FOLDER PRIVATE_TMP...; the latter is the command prefix of such tests
 set -eu
 build=$1
 shift
@@ -17,16 +17,16 @@ case $written in
 esac
 if [ -e "/tmp/$name" ]; then
     rm "/tmp/$name"
-    echo "a file of a killed process is left in /tmp"
+    echo "a killed process left a file in /tmp"
     exit 1
 fi
 if pgrep -f "^sleep $seconds" >/dev/null; then
     pkill -f "^sleep $seconds"
-    echo "a child of a killed process runs on"
+    echo "a child of a killed process is still running"
     exit 1
 fi
 
-# These write in folders of the build, which they empty themselves, or nowhere.
+# These tests write nothing or only to build folders that they clean themselves.
 exempt='(layers|log-lines|matrix|manual|left-nothing|bus-policy)\.sh|tests/workbench/browser/install|tests/delivery/package/|tools/package|tools/guest/image'
 commands=$(ctest --test-dir "$build" --show-only --verbose | grep 'Test command: ')
 [ "$(echo "$commands" | wc -l)" -gt 50 ] || { echo "the tests are not listed" && exit 1; }

@@ -3,12 +3,12 @@
 
 #include <QByteArray>
 
-/// Makes this process, which must be root's, act as another user with that user's groups, until the end of
-/// the object.
+/// Makes this process, which must run as root, act as another user with that user's groups during the object's
+/// lifetime.
 class ForeignUser
 {
 public:
-    /// Ends the process if there is no such user.
+    /// Aborts if the user does not exist.
     explicit ForeignUser(const QByteArray& name);
     ~ForeignUser();
     ForeignUser(const ForeignUser&) = delete;

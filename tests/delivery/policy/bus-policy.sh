@@ -1,8 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Who may do what on the system bus, with the installed rules on a real bus daemon. The machine sees users of its own, so
-# this needs root; an ordinary user gets the users from those in /etc/subuid.
-# Usage: bus-policy.sh DAEMON RULES WALKER BUS_PREFIX, the last but one the program that walks through all cases
+# Tests the installed bus policy on a real bus daemon. Creates private users, which requires root; for an ordinary user,
+# they are mapped from /etc/subuid.
+# Usage: bus-policy.sh DAEMON RULES TEST BUS_PREFIX; TEST is the program BusAccessTest
 set -eu
 daemon=$1 rules=$2 walker=$3 prefix=$4
 name=$prefix.KeyboardHandler other_name=$prefix.StateHandler
@@ -12,7 +12,7 @@ if [ "$(id -u)" -ne 0 ]; then
 fi
 
 if [ "${INSIDE:-}" != yes ]; then
-    # In the build, where the next run removes it even if this one is killed.
+    # In the build folder, so that the next run removes it if this one is killed.
     folder=$(dirname "$walker")/bus-policy.machine
     rm -rf "$folder"
     mkdir "$folder"
@@ -27,7 +27,7 @@ nobody:x:65534:65534::/:/bin/sh
 END
     cut -d: -f 1,2,3 "$folder/passwd" | sed 's/$/:/; s/^nobody/nogroup/' >"$folder/group"
     echo "embosser-services:x:810:keyboard-handler,service" >>"$folder/group"
-    # The other service has rules as simple as can be: besides itself, only the daemon may call it.
+    # The other service has simple rules: only the service itself and the daemon may call it.
     cat >"$folder/other.conf" <<END
 <busconfig>
   <policy user="state-handler">

@@ -8,8 +8,8 @@ struct sd_bus;
 struct sd_bus_message;
 class QSocketNotifier;
 
-/// Watches the system bus. It sees everything in the order in which the bus passes it on, whoever it is for:
-/// announcements, requests to the speech daemon, and answers. Needs to be root.
+/// Monitors the system bus: announcements, requests to the speech daemon and answers, in the order in which the bus
+/// forwards them. Requires root.
 class BusMonitor : public QObject
 {
     Q_OBJECT
@@ -18,7 +18,7 @@ public:
     explicit BusMonitor(QObject* parent = nullptr);
     ~BusMonitor() override;
 
-    /// False when the bus does not let it watch.
+    /// False if the bus does not allow monitoring.
     bool start();
     /// The unique name of the client whose answers are reported.
     void setClient(const QString& client) { m_client = client; }

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int patienceMs = 120'000;
+constexpr int timeoutMs = 120'000;
 
 } // namespace
 
@@ -16,7 +16,7 @@ Result run(const QString& program, const QStringList& arguments)
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(program, arguments);
-    const bool ended = process.waitForFinished(patienceMs) && process.exitStatus() == QProcess::NormalExit;
+    const bool ended = process.waitForFinished(timeoutMs) && process.exitStatus() == QProcess::NormalExit;
     return {ended ? process.exitCode() : -1, QString::fromUtf8(process.readAll())};
 }
 

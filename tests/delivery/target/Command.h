@@ -3,12 +3,12 @@
 
 #include <QStringList>
 
-/// Other programs, run to their end.
+/// Runs other programs to completion.
 namespace Command {
 
 struct Result
 {
-    /// -1 when the program could not be run or did not end.
+    /// -1 if the program could not be run or did not end.
     int status = -1;
     /// Standard output and standard error.
     QString output;

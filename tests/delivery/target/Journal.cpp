@@ -14,7 +14,7 @@ Journal::Journal()
 {
     sd_journal_open(&m_journal, SD_JOURNAL_LOCAL_ONLY);
     sd_journal_seek_tail(m_journal);
-    // The tail is behind the last entry; the next one is found only from an entry.
+    // The tail is after the last entry, but sd_journal_next() must start from an entry.
     sd_journal_previous(m_journal);
     sd_journal_add_match(m_journal, unit, 0);
 }

@@ -5,7 +5,7 @@
 
 struct sd_journal;
 
-/// The journal of the daemon's unit: what the daemon itself logs, from now on.
+/// The journal of the daemon's unit from the construction on, without messages of the service manager.
 class Journal
 {
 public:
@@ -15,7 +15,7 @@ public:
     Journal(const Journal&) = delete;
     Journal& operator=(const Journal&) = delete;
 
-    /// The lines that came since the last call.
+    /// The new lines since the last call.
     QStringList takeLines();
 
 private:

@@ -85,7 +85,7 @@ QVariant next(sd_bus_message* message)
     case SD_BUS_TYPE_STRUCT:
         return container(message, type, contents);
     default:
-        // Nothing that the keyboard service sends; shown as what it is.
+        // The keyboard service sends no such values, so only the type is returned.
         sd_bus_message_skip(message, nullptr);
         return QStringLiteral("value of type %1").arg(QLatin1Char(type));
     }

@@ -5,10 +5,10 @@
 
 struct sd_bus_message;
 
-/// Values of messages on the bus, as Qt's bus library would hand them out.
+/// Values of bus messages, as returned by Qt's bus library.
 namespace MessageValue {
 
-/// The first argument of `message`; invalid when there is none.
+/// The first argument of `message`; invalid if there is none.
 QVariant first(sd_bus_message* message);
 
 } // namespace MessageValue

@@ -3,8 +3,7 @@
 
 #include "simulator/device/StateHandlerStandIn.h"
 
-/// How a test reaches the state handler in its process of its own: an object on the bus, beside the
-/// service's.
+/// A bus object with which a test controls the state handler's process, in addition to the service's object.
 class StateControl : public QObject
 {
     Q_OBJECT
@@ -15,7 +14,7 @@ public:
         : QObject(parent), m_stateHandler(stateHandler)
     {}
 
-    /// The state to answer with, without announcing it.
+    /// Sets the state without announcing it.
     Q_SCRIPTABLE void setState(const QString& state) { m_stateHandler.setInitialState(state); }
     /// Changes the state and announces it.
     Q_SCRIPTABLE void changeState(const QString& state) { m_stateHandler.changeState(state); }

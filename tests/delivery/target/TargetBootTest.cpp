@@ -4,7 +4,7 @@
 
 namespace {
 
-/// When the unit became active, since the kernel's start.
+/// The time from the kernel's start until the unit became active.
 qint64 activeSinceMs(const QString& unit)
 {
     return Unit::property(unit, QStringLiteral("ActiveEnterTimestampMonotonic")).toLongLong() / 1000;
@@ -18,15 +18,14 @@ bool isInstructed(const char* argument)
 
 } // namespace
 
-/// Systems that start in an unusual order or state. Each function runs alone, on a system that was booted for
-/// it with the kernel arguments that stand in CMakeLists.txt.
+/// Tests unusual boots. Each function runs alone, on a system booted with the kernel arguments in CMakeLists.txt.
 class TargetBootTest : public TargetTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void thePanelAppearsLate();
-    void theStateHandlerComesLate();
+    void thePanelStartsLate();
+    void theStateHandlerStartsLate();
     void theRootFileSystemIsReadOnly();
 
 private:
@@ -40,7 +39,7 @@ void TargetBootTest::verifyServing()
     QVERIFY(nextKeyWorks(1));
 }
 
-void TargetBootTest::thePanelAppearsLate()
+void TargetBootTest::thePanelStartsLate()
 {
     constexpr qint64 lateMs = 5000;
     QVERIFY(isInstructed("delay.panel=5"));
@@ -49,7 +48,7 @@ void TargetBootTest::thePanelAppearsLate()
     QVERIFY(activeSinceMs(Unit::daemon) > activeSinceMs(Unit::panel));
 }
 
-void TargetBootTest::theStateHandlerComesLate()
+void TargetBootTest::theStateHandlerStartsLate()
 {
     constexpr qint64 lateMs = 10'000;
     QVERIFY(isInstructed("delay.state-handler=10"));

@@ -20,7 +20,7 @@ QString statusLine(int process, const QString& name)
         .output.simplified();
 }
 
-/// Opens the node as root for reading and writing, once as a process of the unit.
+/// Opens the node as root for reading and writing, optionally in the unit's control group.
 Command::Result openNode(const QString& node, bool inUnit)
 {
     const QString move = QStringLiteral("echo $$ >/sys/fs/cgroup%1/cgroup.procs && ")
@@ -39,22 +39,22 @@ Command::Result simulateMenu(const QString& user)
 
 } // namespace
 
-/// What the daemon may not do on the installed system, and who may not do what with it.
+/// Tests the restrictions of the installed daemon and of its clients.
 class TargetConfinementTest : public TargetTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void theDaemonHasNoPrivileges();
-    void theUnitOpensThePanelOnly_data();
-    void theUnitOpensThePanelOnly();
-    void commandsAreForTheServicesGroup_data();
-    void commandsAreForTheServicesGroup();
-    void librariesOfOtherFoldersNeedALineInTheUnit();
-    void theExampleOfAConsoleServesASerialLine();
+    void theUnitAllowsOnlyThePanel_data();
+    void theUnitAllowsOnlyThePanel();
+    void onlyTheServicesGroupMaySendCommands_data();
+    void onlyTheServicesGroupMaySendCommands();
+    void librariesElsewhereNeedALineInTheUnit();
+    void theConsoleExampleServesASerialLine();
 
 private:
-    /// Starts the daemon anew with what this command prints as a drop-in of its unit.
+    /// Restarts the daemon with the output of this command as a drop-in of its unit.
     bool restartDaemonWith(const QString& dropInMaker);
 };
 
@@ -70,7 +70,7 @@ void TargetConfinementTest::theDaemonHasNoPrivileges()
     QCOMPARE(statusLine(process, QStringLiteral("Seccomp")), QStringLiteral("2"));
 }
 
-void TargetConfinementTest::theUnitOpensThePanelOnly_data()
+void TargetConfinementTest::theUnitAllowsOnlyThePanel_data()
 {
     QTest::addColumn<bool>("allowed");
     QTest::newRow("/dev/input/event0") << true;
@@ -81,7 +81,7 @@ void TargetConfinementTest::theUnitOpensThePanelOnly_data()
     QTest::newRow("/dev/loop0") << false;
 }
 
-void TargetConfinementTest::theUnitOpensThePanelOnly()
+void TargetConfinementTest::theUnitAllowsOnlyThePanel()
 {
     QFETCH(bool, allowed);
     const QString node = QString::fromLatin1(QTest::currentDataTag());
@@ -91,7 +91,7 @@ void TargetConfinementTest::theUnitOpensThePanelOnly()
              qPrintable(opened.output));
 }
 
-void TargetConfinementTest::commandsAreForTheServicesGroup_data()
+void TargetConfinementTest::onlyTheServicesGroupMaySendCommands_data()
 {
     QTest::addColumn<bool>("allowed");
     QTest::newRow("root") << true;
@@ -99,7 +99,7 @@ void TargetConfinementTest::commandsAreForTheServicesGroup_data()
     QTest::newRow("nobody") << false;
 }
 
-void TargetConfinementTest::commandsAreForTheServicesGroup()
+void TargetConfinementTest::onlyTheServicesGroupMaySendCommands()
 {
     QFETCH(bool, allowed);
     const QString announcement = QStringLiteral("announce SingleKey UserMenu WwwApi Menu");
@@ -108,7 +108,7 @@ void TargetConfinementTest::commandsAreForTheServicesGroup()
     QCOMPARE(command.status == 0, allowed);
     QVERIFY2(command.output.contains(QLatin1String(allowed ? "Success" : "Access denied")),
              qPrintable(command.output));
-    // A refused command leaves no trace: the key after it has no sender.
+    // A refused command has no effect: the next key has no sender.
     QVERIFY(nextKeyWorks());
     const Observations observed = device().observations();
     QCOMPARE(std::any_of(observed.begin(), observed.end(),
@@ -116,7 +116,7 @@ void TargetConfinementTest::commandsAreForTheServicesGroup()
              allowed);
 }
 
-void TargetConfinementTest::librariesOfOtherFoldersNeedALineInTheUnit()
+void TargetConfinementTest::librariesElsewhereNeedALineInTheUnit()
 {
     QCOMPARE(
         Command::shell(QStringLiteral("install -D /usr/lib/*/libQt5DBus.so.5 %1 && ldconfig").arg(library))
@@ -136,7 +136,7 @@ void TargetConfinementTest::librariesOfOtherFoldersNeedALineInTheUnit()
     QCOMPARE(Command::shell(QStringLiteral("rm %1 && ldconfig").arg(library)).status, 0);
 }
 
-void TargetConfinementTest::theExampleOfAConsoleServesASerialLine()
+void TargetConfinementTest::theConsoleExampleServesASerialLine()
 {
     const int line = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
     QVERIFY(line != -1 && unlockpt(line) == 0);
@@ -152,12 +152,12 @@ void TargetConfinementTest::theExampleOfAConsoleServesASerialLine()
     };
     WAIT_FOR(isAnswered());
     QVERIFY(nextKeyWorks());
-    // Ctrl-C ends the daemon, and a fresh one takes its place.
+    // Ctrl-C ends the daemon, and systemd restarts it.
     const int process = Unit::mainProcess(Unit::daemon);
     QVERIFY(write(line, "\x03", 1) == 1);
     WAIT_FOR(Unit::mainProcess(Unit::daemon) != process && Unit::isActive(Unit::daemon));
     verifyServing();
-    // Before the line goes.
+    // Before the line is closed.
     QVERIFY(restartDaemonWith(QStringLiteral(":")));
     close(line);
 }

@@ -21,7 +21,7 @@ const QString stateControl = QStringLiteral(KEYBOARD_HANDLER_BUS_PREFIX ".StateC
 bool write(const QString& path, const QByteArray& content)
 {
     QDir().mkpath(QFileInfo(path).path());
-    // What is there may be a link.
+    // The existing file may be a link.
     QFile::remove(path);
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
@@ -78,7 +78,7 @@ bool TargetDevice::setModel(const QString& model)
 
 void TargetDevice::setInitialState(const QString& state)
 {
-    tellStateHandler(QStringLiteral("setState"), state);
+    callStateHandler(QStringLiteral("setState"), state);
 }
 
 bool TargetDevice::giveDaemonConsole()
@@ -95,12 +95,12 @@ bool TargetDevice::isReady()
 
 void TargetDevice::plug(int device)
 {
-    tellPanel(QStringLiteral("plug %1").arg(device));
+    commandPanel(QStringLiteral("plug %1").arg(device));
 }
 
 void TargetDevice::unplug(int device)
 {
-    tellPanel(QStringLiteral("unplug %1").arg(device));
+    commandPanel(QStringLiteral("unplug %1").arg(device));
 }
 
 bool TargetDevice::isPlugged(int device)
@@ -110,25 +110,25 @@ bool TargetDevice::isPlugged(int device)
 
 void TargetDevice::press(int device, const QString& key)
 {
-    tellPanel(QStringLiteral("press %1 %2").arg(device).arg(key));
+    commandPanel(QStringLiteral("press %1 %2").arg(device).arg(key));
 }
 
 void TargetDevice::release(int device, const QString& key)
 {
-    tellPanel(QStringLiteral("release %1 %2").arg(device).arg(key));
+    commandPanel(QStringLiteral("release %1 %2").arg(device).arg(key));
 }
 
 void TargetDevice::record(int, const RawRecord&) {}
 
 void TargetDevice::setState(const QString& state)
 {
-    tellStateHandler(QStringLiteral("changeState"), state);
+    callStateHandler(QStringLiteral("changeState"), state);
 }
 
-/// The stand-ins of the target are units, which tests stop themselves.
+/// The target's stand-ins are units, which tests stop directly.
 void TargetDevice::setService(const ServiceChange& change)
 {
-    qFatal("No script stops %s on the target.", qPrintable(change.service));
+    qFatal("Scripts cannot stop %s on the target.", qPrintable(change.service));
 }
 
 void TargetDevice::sendCommand(const QVariantMap& command)
@@ -181,12 +181,12 @@ void TargetDevice::connectMonitor()
     });
 }
 
-void TargetDevice::tellPanel(const QString& statement)
+void TargetDevice::commandPanel(const QString& statement)
 {
     m_panel.write(statement.toUtf8() + '\n');
 }
 
-void TargetDevice::tellStateHandler(const QString& method, const QString& state)
+void TargetDevice::callStateHandler(const QString& method, const QString& state)
 {
     QDBusMessage call =
         QDBusMessage::createMethodCall(stateControl, QStringLiteral("/control"), stateControl, method);

@@ -12,7 +12,7 @@
 #include <QFile>
 #include <QObject>
 
-/// The device that the test runs on: the installed daemon, the panel's keyboards, the bus and the journal.
+/// The device on which the test runs: the installed daemon, the panel's keyboards, the bus and the journal.
 class TargetDevice : public QObject, public ScriptTarget
 {
     Q_OBJECT
@@ -20,16 +20,16 @@ class TargetDevice : public QObject, public ScriptTarget
 public:
     explicit TargetDevice(QObject* parent = nullptr);
 
-    /// Gets hold of the device; false when something of it is not there.
+    /// Connects to the panel, the bus and the journal; false on failure.
     bool connectAll();
 
-    /// The key lists that the daemon reads when it starts next; empty for the installed ones.
+    /// Sets the key lists for the daemon's next start; empty for the installed ones.
     bool setKeyLists(const QMap<QString, QByteArray>& files);
     bool setModel(const QString& model);
-    /// What the state handler answers, without announcing it.
+    /// Sets the state without announcing it.
     void setInitialState(const QString& state);
 
-    /// Lets the daemon, when it starts next, take its console lines from this device.
+    /// Connects the daemon's console to this device from its next start on.
     static bool giveDaemonConsole();
 
     /// Whether the daemon has declared itself ready.
@@ -41,16 +41,16 @@ public:
 
     void press(int device, const QString& key) override;
     void release(int device, const QString& key) override;
-    /// Does nothing: a keyboard of the kernel's reports key events only.
+    /// Does nothing, because the kernel's keyboards report only key events.
     void record(int device, const RawRecord& record) override;
     void setState(const QString& state) override;
     void setService(const ServiceChange& change) override;
     void sendCommand(const QVariantMap& command) override;
     void typeLine(const QString& line) override;
 
-    /// Forgets what was observed and counts the time from now.
+    /// Clears the observations and restarts the clock.
     void restartObserving();
-    /// What was announced, spoken, cancelled and answered, then the journal.
+    /// The announcements, speech, cancellations and answers, then the journal.
     Observations observations();
 
 Q_SIGNALS:
@@ -59,10 +59,10 @@ Q_SIGNALS:
 private:
     void observe(const QString& text);
     void connectMonitor();
-    void tellPanel(const QString& statement);
-    void tellStateHandler(const QString& method, const QString& state);
+    void commandPanel(const QString& statement);
+    void callStateHandler(const QString& method, const QString& state);
 
-    // Of its own: the bus of this system is stopped and started in the tests.
+    // A separate connection, because tests stop and start the system bus.
     BusConnection m_bus;
     KeyboardClient m_client{m_bus.get()};
     BusMonitor m_monitor;

@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr int leastScripts = 30;
-constexpr std::chrono::milliseconds coarseness{50};
+constexpr int minScripts = 30;
+constexpr std::chrono::milliseconds timeGrid{50};
 
 const QString scriptOfALimit = QStringLiteral("state-change-in-a-hold");
 const QString scriptFolder = QStringLiteral("/usr/lib/keyboard-handler-tests/scripts");
@@ -23,47 +23,46 @@ bool isRecord(const ScriptStep& step)
     return step.kind == ScriptStep::Kind::Record;
 }
 
-bool isFine(const ScriptStep& step)
+bool isPrecise(const ScriptStep& step)
 {
-    return step.at % coarseness != coarseness.zero();
+    return step.at % timeGrid != timeGrid.zero();
 }
 
-bool mayChangePlaces(const ScriptStep& step, const ScriptStep& next)
+bool mayBeReordered(const ScriptStep& step, const ScriptStep& next)
 {
     return step.at == next.at && step.kind != ScriptStep::Kind::Heading &&
            !(isKey(step) && isKey(next) && step.keyboard == next.keyboard);
 }
 
-/// Why the script is for the virtual clock alone; null when it is not. A keyboard of the kernel's reports no
-/// odd records, and a real clock decides by chance what happens at one moment on different ways, or at a
-/// limit.
-const char* virtualBecause(const KeyScript& script)
+/// Why the script needs the virtual clock; null if it does not. The kernel's keyboards report no unusual records,
+/// and on a real clock, simultaneous events and events at a limit occur in random order.
+const char* virtualOnlyReason(const KeyScript& script)
 {
     const auto begin = script.steps.begin();
     const auto end = script.steps.end();
     if (std::any_of(begin, end, isRecord)) {
-        return "odd records";
+        return "unusual records";
     }
-    if (std::any_of(begin, end, isFine)) {
+    if (std::any_of(begin, end, isPrecise)) {
         return "limits to the millisecond";
     }
-    return std::adjacent_find(begin, end, mayChangePlaces) == end ? nullptr : "two things at one moment";
+    return std::adjacent_find(begin, end, mayBeReordered) == end ? nullptr : "simultaneous steps";
 }
 
 } // namespace
 
-/// Plays the key scripts on the panel of the target system, each on a daemon of its own.
+/// Plays the key scripts on the panel of the target system, each with a new daemon.
 class TargetScriptsTest : public TargetTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theConsoleIsWithinReach();
+    void theConsoleCanBeReached();
     void scriptGoesAsExpected_data();
     void scriptGoesAsExpected();
 };
 
-void TargetScriptsTest::theConsoleIsWithinReach()
+void TargetScriptsTest::theConsoleCanBeReached()
 {
     QVERIFY(TargetDevice::giveDaemonConsole());
     QVERIFY(restartDaemon());
@@ -80,7 +79,7 @@ void TargetScriptsTest::scriptGoesAsExpected_data()
     for (const QFileInfo& script : scripts) {
         const QString name = script.completeBaseName();
         const char* reason = name == scriptOfALimit ? "steps at the moment of a long press"
-                                                    : virtualBecause(loadKeyScript(script.filePath()).script);
+                                                    : virtualOnlyReason(loadKeyScript(script.filePath()).script);
         if (reason == nullptr) {
             QTest::newRow(qPrintable(name)) << script.filePath();
             ++count;
@@ -89,7 +88,7 @@ void TargetScriptsTest::scriptGoesAsExpected_data()
         }
     }
     qInfo("%d of %d scripts are for a real clock, too", count, int(scripts.size()));
-    QVERIFY(count >= leastScripts);
+    QVERIFY(count >= minScripts);
 }
 
 void TargetScriptsTest::scriptGoesAsExpected()

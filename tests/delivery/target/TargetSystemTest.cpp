@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int patienceMs = 30'000;
+constexpr int timeoutMs = 30'000;
 
 const QString busName = ls::busName(ls::ServiceId::KeyboardHandler);
 const QString registered = QStringLiteral("Successfully registered on DBus: \"%1\"").arg(busName);
@@ -20,14 +20,14 @@ const QString deviceGone =
     QStringLiteral("Keyboard::readEvents ERROR: Error reading from device /dev/input/event0: No such device");
 const QString cpuTime = QStringLiteral("CPUUsageNSec");
 
-/// Whether another process than `process` serves as the daemon.
-bool isAnew(int process)
+/// Whether the daemon is active with another process than `process`.
+bool hasRestarted(int process)
 {
     const int now = Unit::mainProcess(Unit::daemon);
     return now != 0 && now != process && Unit::isActive(Unit::daemon);
 }
 
-/// The process that has the daemon's name on the bus.
+/// The process that owns the daemon's bus name.
 int nameOwner()
 {
     return Command::shell(QStringLiteral("busctl status %1 | sed -n s/^PID=//p").arg(busName))
@@ -37,32 +37,31 @@ int nameOwner()
 
 } // namespace
 
-/// The installed daemon under systemd, with the kernel's own keyboards: what scripts of keys alone do not
-/// show.
+/// Tests the installed daemon under systemd with the kernel's keyboards, beyond key scripts.
 class TargetSystemTest : public TargetTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void theBootEndsWithAReadyDaemon();
-    void actionsComeInTime_data();
-    void actionsComeInTime();
-    void aKeyHeldWhileTheDaemonStartsIsALongPress();
-    void aKeyHeldWhileTheDaemonStartsCountsWhenItIsReleased();
-    void aDeviceUnpluggedInAChordTakesNoKeyWithIt();
+    void actionsAreAnnouncedInTime_data();
+    void actionsAreAnnouncedInTime();
+    void aKeyHeldDuringTheStartIsALongPress();
+    void aKeyHeldDuringTheStartIsAnnouncedOnRelease();
+    void unpluggingADeviceDuringAChordLosesNoLaterKey();
     void aLooseContactDoesNotEndTheService();
-    void aDaemonThatIsKilledComesBack();
-    void aDaemonThatEndsAllTheTimeIsGivenUp();
-    void anAbsentSpeechDaemonIsDoneWithout();
-    void aFaultyKeyListIsLoggedAndTheOthersCount_data();
-    void aFaultyKeyListIsLoggedAndTheOthersCount();
-    void theDaemonWaitsForTheStateHandlerWithoutBurningTheProcessor();
-    void aSecondDaemonLeavesTheFirstItsName();
-    void aMissingGroupCostsTheReadinessOnly();
-    void aMissingUserIsMadeAgain();
-    void thePanelMayComeAfterTheDaemon();
-    void theDaemonStartsTheBusAndComesBackWithIt();
-    void thePackageIsPurgedAndInstalledAgain();
+    void aKilledDaemonIsRestarted();
+    void aRepeatedlyEndingDaemonIsNoLongerRestarted();
+    void theDaemonWorksWithoutTheSpeechDaemon();
+    void aFaultyKeyListIsLoggedAndTheOthersWork_data();
+    void aFaultyKeyListIsLoggedAndTheOthersWork();
+    void waitingForTheStateHandlerUsesLittleProcessorTime();
+    void aSecondDaemonDoesNotTakeTheName();
+    void aMissingGroupPreventsOnlyReadiness();
+    void aMissingUserIsRecreated();
+    void thePanelMayStartAfterTheDaemon();
+    void theDaemonStartsAndRestartsWithTheBus();
+    void thePackageCanBePurgedAndReinstalled();
 };
 
 void TargetSystemTest::theBootEndsWithAReadyDaemon()
@@ -75,12 +74,12 @@ void TargetSystemTest::theBootEndsWithAReadyDaemon()
     verifyServing();
 }
 
-void TargetSystemTest::actionsComeInTime_data()
+void TargetSystemTest::actionsAreAnnouncedInTime_data()
 {
     QTest::addColumn<QString>("steps");
     QTest::addColumn<QString>("announcement");
     QTest::addColumn<int>("earliest");
-    QTest::newRow("at once") << "press Menu\nwait 50\nrelease Menu"
+    QTest::newRow("immediate") << "press Menu\nwait 50\nrelease Menu"
                              << "SingleKey UserMenu - Menu" << 50;
     QTest::newRow("a lone key") << "press Up\nwait 50\nrelease Up\nwait 2000"
                                 << "SingleKey UserMenu - Up" << 1550;
@@ -93,9 +92,9 @@ void TargetSystemTest::actionsComeInTime_data()
                                    << "FactoryReset WwwApi - FactoryReset" << 5000;
 }
 
-void TargetSystemTest::actionsComeInTime()
+void TargetSystemTest::actionsAreAnnouncedInTime()
 {
-    constexpr int lateness = 100; // the timer tick of the kernel's repetition, and the way over the bus
+    constexpr int lateness = 100; // the tick of the kernel's repetition timer and the transfer over the bus
     QFETCH(QString, steps);
     QFETCH(QString, announcement);
     QFETCH(int, earliest);
@@ -110,11 +109,11 @@ void TargetSystemTest::actionsComeInTime()
     QVERIFY2(at >= earliest && at <= earliest + lateness, qPrintable(QString::number(at)));
 }
 
-void TargetSystemTest::aKeyHeldWhileTheDaemonStartsIsALongPress()
+void TargetSystemTest::aKeyHeldDuringTheStartIsALongPress()
 {
     device().press(0, ls::KeyId::Help);
     QVERIFY(restartDaemon());
-    // The time begins with the first repetition that the daemon sees.
+    // The time starts at the first repetition that the daemon reads.
     QCOMPARE(playSteps(QStringLiteral("wait 2500\n"
                                       "expect 1800 announce KeyDescription UserMenu - Help\n")),
              QStringList());
@@ -127,7 +126,7 @@ void TargetSystemTest::aKeyHeldWhileTheDaemonStartsIsALongPress()
              QStringList());
 }
 
-void TargetSystemTest::aKeyHeldWhileTheDaemonStartsCountsWhenItIsReleased()
+void TargetSystemTest::aKeyHeldDuringTheStartIsAnnouncedOnRelease()
 {
     device().press(1, ls::KeyId::Up);
     QVERIFY(restartDaemon());
@@ -139,7 +138,7 @@ void TargetSystemTest::aKeyHeldWhileTheDaemonStartsCountsWhenItIsReleased()
              QStringList());
 }
 
-void TargetSystemTest::aDeviceUnpluggedInAChordTakesNoKeyWithIt()
+void TargetSystemTest::unpluggingADeviceDuringAChordLosesNoLaterKey()
 {
     QVERIFY(restartDaemon());
     device().press(0, ls::KeyId::Function);
@@ -149,9 +148,9 @@ void TargetSystemTest::aDeviceUnpluggedInAChordTakesNoKeyWithIt()
     clock.start();
     device().unplug(0);
     WAIT_FOR(!TargetDevice::isPlugged(0));
-    WAIT_FOR(isAnew(process));
+    WAIT_FOR(hasRestarted(process));
     qInfo("the other device works again after %lld ms", static_cast<long long>(clock.elapsed()));
-    // The daemon was started anew without the device, and goes on with the other one.
+    // The daemon was restarted without the device and works with the other one.
     QCOMPARE(logWith(deviceGone).first(), deviceGone);
     device().restartObserving();
     QCOMPARE(playSteps(QStringLiteral("device 1\n"
@@ -167,19 +166,19 @@ void TargetSystemTest::aDeviceUnpluggedInAChordTakesNoKeyWithIt()
 
 void TargetSystemTest::aLooseContactDoesNotEndTheService()
 {
-    constexpr int contacts = 12; // more than the starts that the unit is granted in a minute
+    constexpr int contacts = 12; // more than the unit's start limit for a minute
     QVERIFY(restartDaemon());
     for (int contact = 0; contact < contacts; ++contact) {
         const int process = Unit::mainProcess(Unit::daemon);
         QCOMPARE(
             Command::shell(QStringLiteral("udevadm trigger --action=add --name-match=input/event0")).status,
             0);
-        WAIT_FOR(isAnew(process));
+        WAIT_FOR(hasRestarted(process));
     }
     verifyServing();
 }
 
-void TargetSystemTest::aDaemonThatIsKilledComesBack()
+void TargetSystemTest::aKilledDaemonIsRestarted()
 {
     QVERIFY(restartDaemon());
     const int process = Unit::mainProcess(Unit::daemon);
@@ -189,7 +188,7 @@ void TargetSystemTest::aDaemonThatIsKilledComesBack()
     QVERIFY(Unit::mainProcess(Unit::daemon) != process);
 }
 
-void TargetSystemTest::aDaemonThatEndsAllTheTimeIsGivenUp()
+void TargetSystemTest::aRepeatedlyEndingDaemonIsNoLongerRestarted()
 {
     QVERIFY(restartDaemon());
     const auto hasFailed = [] {
@@ -202,7 +201,7 @@ void TargetSystemTest::aDaemonThatEndsAllTheTimeIsGivenUp()
     };
     WAIT_FOR(isGivenUp());
     QVERIFY(!TargetDevice::isReady());
-    // It stays so, for all to see, whatever is done to the panel.
+    // The unit stays failed, whatever happens to the panel.
     device().unplug(0);
     WAIT_FOR(!TargetDevice::isPlugged(0));
     device().plug(0);
@@ -213,12 +212,12 @@ void TargetSystemTest::aDaemonThatEndsAllTheTimeIsGivenUp()
     verifyServing();
 }
 
-void TargetSystemTest::anAbsentSpeechDaemonIsDoneWithout()
+void TargetSystemTest::theDaemonWorksWithoutTheSpeechDaemon()
 {
     QVERIFY(restartDaemon());
     QVERIFY(Unit::stop(Unit::speechDaemon));
     QCOMPARE(playSteps(QStringLiteral("tap Up\n"
-                                      "expect +0 speak EmbosserCore 24\n" // sent, but to nobody
+                                      "expect +0 speak EmbosserCore 24\n" // sent without a receiver
                                       "wait 1500\n"
                                       "expect +0 announce SingleKey UserMenu - Up\n")),
              QStringList());
@@ -230,7 +229,7 @@ void TargetSystemTest::anAbsentSpeechDaemonIsDoneWithout()
              QStringList());
 }
 
-void TargetSystemTest::aFaultyKeyListIsLoggedAndTheOthersCount_data()
+void TargetSystemTest::aFaultyKeyListIsLoggedAndTheOthersWork_data()
 {
     const QString unreadable =
         QStringLiteral("LongKey::load ERROR: reading \"/var/lib/keyboard-handler/longKeyList.json\" failed.");
@@ -243,7 +242,7 @@ void TargetSystemTest::aFaultyKeyListIsLoggedAndTheOthersCount_data()
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QStringList>("log");
     QTest::newRow("empty") << QByteArray() << QStringList{unreadable, absent};
-    QTest::newRow("a comma too much")
+    QTest::newRow("an extra comma")
         << QByteArray(R"({"LongKeys": [{"keys": ["Help"],}]})") << QStringList{unreadable, absent};
     QTest::newRow("a misspelt section") << QByteArray(R"({"LongKey": []})") << QStringList{absent};
     QTest::newRow("an object as list")
@@ -254,7 +253,7 @@ void TargetSystemTest::aFaultyKeyListIsLoggedAndTheOthersCount_data()
     QTest::newRow("20 MB") << QByteArray(20'000'000, ' ') << QStringList{tooLarge, unreadable, absent};
 }
 
-void TargetSystemTest::aFaultyKeyListIsLoggedAndTheOthersCount()
+void TargetSystemTest::aFaultyKeyListIsLoggedAndTheOthersWork()
 {
     QFETCH(QByteArray, content);
     QFETCH(QStringList, log);
@@ -275,10 +274,10 @@ void TargetSystemTest::aFaultyKeyListIsLoggedAndTheOthersCount()
              QStringList());
 }
 
-void TargetSystemTest::theDaemonWaitsForTheStateHandlerWithoutBurningTheProcessor()
+void TargetSystemTest::waitingForTheStateHandlerUsesLittleProcessorTime()
 {
-    constexpr qint64 mostWaitingCost =
-        500'000'000; // of the 10 s below, in ns; most of it goes into the start itself
+    constexpr qint64 maxWaitingCost =
+        500'000'000; // during the 10 s below, in ns; mostly for the start
     const QString readiness = QStringLiteral("/run/service-watcher/state-handler");
     QVERIFY(restartDaemon());
     QVERIFY(QFile::remove(readiness));
@@ -287,12 +286,12 @@ void TargetSystemTest::theDaemonWaitsForTheStateHandlerWithoutBurningTheProcesso
     QVERIFY(!TargetDevice::isReady());
     QCOMPARE(Unit::property(Unit::daemon, QStringLiteral("ActiveState")), QStringLiteral("activating"));
     const qint64 used = Unit::property(Unit::daemon, cpuTime).toLongLong();
-    QVERIFY2(used < mostWaitingCost, qPrintable(QString::number(used)));
+    QVERIFY2(used < maxWaitingCost, qPrintable(QString::number(used)));
     QVERIFY(Unit::restart(Unit::stateHandler));
     verifyServing();
 }
 
-void TargetSystemTest::aSecondDaemonLeavesTheFirstItsName()
+void TargetSystemTest::aSecondDaemonDoesNotTakeTheName()
 {
     QVERIFY(restartDaemon());
     const int process = Unit::mainProcess(Unit::daemon);
@@ -308,18 +307,18 @@ void TargetSystemTest::aSecondDaemonLeavesTheFirstItsName()
              QByteArray("Unable to register Service: Service-name already in use."));
     QCOMPARE(nameOwner(), process);
 
-    // Both read the panel, and both announce.
+    // Both daemons read the panel and announce.
     WAIT_FOR(TargetDevice::isReady());
     device().restartObserving();
     QVERIFY(nextKeyWorks());
     WAIT_FOR_EQUAL(device().observations().size(), 2);
     second.terminate();
-    QVERIFY(second.waitForFinished(patienceMs));
+    QVERIFY(second.waitForFinished(timeoutMs));
     verifyServing();
     QCOMPARE(nameOwner(), process);
 }
 
-void TargetSystemTest::aMissingGroupCostsTheReadinessOnly()
+void TargetSystemTest::aMissingGroupPreventsOnlyReadiness()
 {
     QCOMPARE(Command::shell(QStringLiteral("groupdel embosser-services")).status, 0);
     QVERIFY(restartDaemon() || Unit::isActive(Unit::daemon));
@@ -333,13 +332,13 @@ void TargetSystemTest::aMissingGroupCostsTheReadinessOnly()
     verifyServing();
 }
 
-void TargetSystemTest::aMissingUserIsMadeAgain()
+void TargetSystemTest::aMissingUserIsRecreated()
 {
     QVERIFY(Unit::stop(Unit::daemon));
     QCOMPARE(Command::shell(QStringLiteral("userdel keyboard-handler")).status, 0);
     QVERIFY(!restartDaemon());
     QVERIFY(!Unit::isActive(Unit::daemon));
-    // What the next boot does by itself.
+    // Like the next boot.
     QCOMPARE(
         Command::shell(QStringLiteral("systemd-sysusers && "
                                       "systemctl reload dbus && "
@@ -350,11 +349,11 @@ void TargetSystemTest::aMissingUserIsMadeAgain()
     verifyServing();
 }
 
-void TargetSystemTest::thePanelMayComeAfterTheDaemon()
+void TargetSystemTest::thePanelMayStartAfterTheDaemon()
 {
     QVERIFY(Unit::stop(Unit::panel));
     WAIT_FOR(!TargetDevice::isPlugged(0) && !TargetDevice::isPlugged(1));
-    // Without a panel the daemon starts all the same, after 30 s.
+    // The daemon also starts without a panel, after 30 s.
     QElapsedTimer clock;
     clock.start();
     QVERIFY(restartDaemon());
@@ -364,7 +363,7 @@ void TargetSystemTest::thePanelMayComeAfterTheDaemon()
     verifyServing();
 }
 
-void TargetSystemTest::theDaemonStartsTheBusAndComesBackWithIt()
+void TargetSystemTest::theDaemonStartsAndRestartsWithTheBus()
 {
     QVERIFY(Unit::control(
         {QStringLiteral("stop"), QStringLiteral("dbus.socket"), QStringLiteral("dbus.service")}));
@@ -375,7 +374,7 @@ void TargetSystemTest::theDaemonStartsTheBusAndComesBackWithIt()
     verifyServing();
 }
 
-void TargetSystemTest::thePackageIsPurgedAndInstalledAgain()
+void TargetSystemTest::thePackageCanBePurgedAndReinstalled()
 {
     QCOMPARE(Command::shell(QStringLiteral("dpkg --purge keyboard-handler")).status, 0);
     QVERIFY(!QFile::exists(QStringLiteral("/usr/sbin/keyboard-handler")));

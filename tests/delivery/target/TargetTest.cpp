@@ -12,10 +12,10 @@
 
 namespace {
 
-constexpr int patienceMs = 30'000;
-constexpr int journalPatienceMs = 2000;
+constexpr int timeoutMs = 30'000;
+constexpr int journalTimeoutMs = 2000;
 constexpr int tapMs = 50;
-constexpr int shownObservations = 40;
+constexpr int maxShownObservations = 40;
 
 QStringList logLines(const Observations& observations)
 {
@@ -38,7 +38,7 @@ bool usesConsole(const KeyScript& script)
 
 void TargetTest::initTestCase()
 {
-    WAIT_FOR(reconnect()); // the panel may be late
+    WAIT_FOR(reconnect()); // the panel may start late
     WAIT_FOR(TargetDevice::isReady());
 }
 
@@ -65,7 +65,7 @@ bool TargetTest::restartDaemon(const QMap<QString, QByteArray>& keyLists, const 
     device().setInitialState(state);
     const bool restarted =
         device().setKeyLists(keyLists) && device().setModel(model) && Unit::restart(Unit::daemon);
-    QTest::qWait(tapMs); // for the journal to take the last lines of the start
+    QTest::qWait(tapMs); // lets the journal receive the last lines of the start
     device().restartObserving();
     return restarted && TargetDevice::isReady();
 }
@@ -76,15 +76,14 @@ QStringList TargetTest::play(const KeyScript& script)
     ScriptPlayer player(script, device());
     QSignalSpy finished(&player, &ScriptPlayer::finished);
     player.start();
-    if (!finished.wait(int(script.duration().count()) + patienceMs)) {
-        return {QStringLiteral("The script does not end.")};
+    if (!finished.wait(int(script.duration().count()) + timeoutMs)) {
+        return {QStringLiteral("The script did not end.")};
     }
     const QStringList expectedLog = logLines(script.expectations);
     const auto logged = [&] { return logLines(device().observations()); };
-    (void)QTest::qWaitFor([&] { return logged().size() >= expectedLog.size(); }, journalPatienceMs);
+    (void)QTest::qWaitFor([&] { return logged().size() >= expectedLog.size(); }, journalTimeoutMs);
     QStringList difference = Transcript::difference(script, device().observations(), Transcript::Clock::Real);
-    // The transcript passes over further lines of the log: those of the console's help, which scripts do not
-    // repeat.
+    // The transcript accepts additional log lines, but only the console's help, which scripts omit, may cause them.
     if (difference.isEmpty() && !usesConsole(script) && logged() != expectedLog) {
         difference << QStringLiteral("the journal has:") << logged();
     }
@@ -103,7 +102,7 @@ QStringList TargetTest::logWith(const QString& part)
         return logLines(device().observations())
             .replaceInStrings(QRegularExpression(QStringLiteral("^log ")), QString());
     };
-    (void)QTest::qWaitFor([&] { return !lines().filter(part).isEmpty(); }, journalPatienceMs);
+    (void)QTest::qWaitFor([&] { return !lines().filter(part).isEmpty(); }, journalTimeoutMs);
     return lines();
 }
 
@@ -118,12 +117,12 @@ bool TargetTest::nextKeyWorks(int inputDevice)
             return !announcements.isEmpty() &&
                    announcements.first().first().toMap().value(ls::firstKeyKey) == ls::KeyId::Menu;
         },
-        patienceMs);
+        timeoutMs);
 }
 
 void TargetTest::verifyServing()
 {
-    // What udev has the service manager do is asked for once it has settled, and done once there are no jobs.
+    // udev has requested all jobs of the service manager when it has settled, and they are done when none is left.
     QCOMPARE(Command::shell(QStringLiteral("udevadm settle")).status, 0);
     WAIT_FOR(Command::shell(QStringLiteral("systemctl list-jobs --no-legend keyboard-handler.service"))
                  .output.isEmpty() &&
@@ -137,9 +136,9 @@ void TargetTest::cleanup()
     if (!QTest::currentTestFailed()) {
         return;
     }
-    // The end tells what went wrong.
+    // The last observations show the fault.
     const Observations all = device().observations();
-    const Observations last = all.mid(std::max(0, all.size() - shownObservations));
+    const Observations last = all.mid(std::max(0, all.size() - maxShownObservations));
     for (const Observation& observation : last) {
         qInfo("%6lld ms  %s", static_cast<long long>(observation.at.count()), qPrintable(observation.text));
     }

@@ -11,39 +11,37 @@
 
 #include <memory>
 
-/// The base of tests on the booted target system. They run as root, one after the other on the same system.
+/// The base class of tests on the booted target system. They run as root, one after the other on the same system.
 class TargetTest : public QObject
 {
     Q_OBJECT
 
 protected:
     TargetDevice& device() { return *m_device; }
-    /// Gets hold of the device anew, for its bus is another one.
+    /// Reconnects to the device, because its bus has been restarted.
     bool reconnect();
 
-    /// Starts the daemon anew with these key lists (none: the installed ones) in this state, and waits until
-    /// it is ready. Nothing of the start is observed.
+    /// Restarts the daemon with these key lists (by default the installed ones) in this state, and waits until it is
+    /// ready. Discards observations of the start.
     bool restartDaemon(const QMap<QString, QByteArray>& keyLists = {},
                        const QString& state = ls::StateId::Idle,
                        const QString& model = QStringLiteral("Pellit"));
 
-    /// Plays a script's steps; returns how what was announced, spoken, answered and logged differs from what
-    /// the script expects.
+    /// Plays a script; returns the differences between its expectations and the observations.
     QStringList play(const KeyScript& script);
-    /// As `play`, for the lines of a script without header.
+    /// Likewise, for the lines of a script without header.
     QStringList playSteps(const QString& lines);
 
-    /// The journal's lines since the last start or script, after waiting for one that contains `part`.
+    /// Waits for a line that contains `part`; returns the journal's lines since the last start or script.
     QStringList logWith(const QString& part);
-    /// Whether the daemon serves: the next press of Menu is announced to the user menu. In Idle only.
+    /// Whether the next press of Menu is announced to the user menu. Only in Idle.
     bool nextKeyWorks(int inputDevice = 0);
-    /// Waits until nothing is about to happen to the daemon, then verifies that both devices work. In Idle
-    /// only.
+    /// Waits until no job of the unit is pending, then verifies that both devices work. Only in Idle.
     void verifyServing();
 
 private Q_SLOTS:
     void initTestCase();
-    /// What the function before may have left behind.
+    /// Plugs in devices that the previous function may have unplugged.
     void init();
     void cleanup();
 

@@ -6,11 +6,11 @@
 
 namespace {
 
-constexpr int patienceMs = 30'000;
+constexpr int timeoutMs = 30'000;
 
 const QString otherNode = QStringLiteral("/dev/input/event2");
 
-/// What udev knows of the node: the properties, without the tags of the past.
+/// The udev properties of the node, without former tags.
 QStringList deviceProperties(const QString& node)
 {
     return Command::run(QStringLiteral("udevadm"),
@@ -29,8 +29,7 @@ QString groupOf(const QString& node)
     return QFileInfo(node).group();
 }
 
-/// Opens the node as root for reading, as a process of the unit; the message of the shell, empty when it
-/// opens.
+/// Opens the node as root for reading, in the unit's control group; returns the shell's error message, if any.
 QString openInUnit(const QString& node)
 {
     const QString group = Unit::property(Unit::daemon, QStringLiteral("ControlGroup"));
@@ -38,7 +37,7 @@ QString openInUnit(const QString& node)
         .output;
 }
 
-/// What the kernel holds the unit to.
+/// A limit of the unit's control group.
 QString limit(const QString& name)
 {
     QFile file(QStringLiteral("/sys/fs/cgroup") +
@@ -48,20 +47,20 @@ QString limit(const QString& name)
 
 } // namespace
 
-/// What the unit and the device rules promise, beside what a process of the unit may not do.
+/// Tests the unit and the device rules, except the confinement.
 class TargetUnitTest : public TargetTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void thePanelIsForTheDaemonAlone();
-    void otherKeyboardsAreLeftAlone();
-    void theUnitIsHeldToItsLimits();
-    void aStoppedServiceStaysStoppedWhenThePanelIsPlugged();
-    void aBusThatEndsByItselfComesBackWithTheDaemon();
+    void onlyTheDaemonMayOpenThePanel();
+    void otherKeyboardsAreUnaffected();
+    void theLimitsOfTheUnitAreEnforced();
+    void pluggingInThePanelDoesNotStartAStoppedService();
+    void anEndedBusIsRestartedWithTheDaemon();
 };
 
-void TargetUnitTest::thePanelIsForTheDaemonAlone()
+void TargetUnitTest::onlyTheDaemonMayOpenThePanel()
 {
     for (const char* name : {"/dev/input/event0", "/dev/input/event1"}) {
         const QString node = QString::fromLatin1(name);
@@ -72,7 +71,7 @@ void TargetUnitTest::thePanelIsForTheDaemonAlone()
     }
 }
 
-void TargetUnitTest::otherKeyboardsAreLeftAlone()
+void TargetUnitTest::otherKeyboardsAreUnaffected()
 {
     const int process = Unit::mainProcess(Unit::daemon);
     const UinputKeyboard other(QStringLiteral("other keyboard"));
@@ -85,13 +84,13 @@ void TargetUnitTest::otherKeyboardsAreLeftAlone()
     verifyServing();
     QCOMPARE(Unit::mainProcess(Unit::daemon), process);
 
-    // Even one that everybody may read.
+    // Even with permissions for all users.
     QCOMPARE(Command::shell(QStringLiteral("chmod 666 %1 && : <%1").arg(otherNode)).output, QString());
     QCOMPARE(openInUnit(QStringLiteral("/dev/input/event0")), QString());
     QVERIFY(openInUnit(otherNode).contains(QLatin1String("Operation not permitted")));
 }
 
-void TargetUnitTest::theUnitIsHeldToItsLimits()
+void TargetUnitTest::theLimitsOfTheUnitAreEnforced()
 {
     constexpr int memoryMax = 256 * 1024 * 1024;
     QCOMPARE(limit(QStringLiteral("memory.max")), QString::number(memoryMax));
@@ -99,7 +98,7 @@ void TargetUnitTest::theUnitIsHeldToItsLimits()
     QCOMPARE(limit(QStringLiteral("pids.max")), QStringLiteral("16"));
 }
 
-void TargetUnitTest::aStoppedServiceStaysStoppedWhenThePanelIsPlugged()
+void TargetUnitTest::pluggingInThePanelDoesNotStartAStoppedService()
 {
     QVERIFY(restartDaemon());
     QVERIFY(Unit::stop(Unit::daemon));
@@ -114,14 +113,14 @@ void TargetUnitTest::aStoppedServiceStaysStoppedWhenThePanelIsPlugged()
     verifyServing();
 }
 
-void TargetUnitTest::aBusThatEndsByItselfComesBackWithTheDaemon()
+void TargetUnitTest::anEndedBusIsRestartedWithTheDaemon()
 {
     const QString bus = QStringLiteral("dbus.service");
     const int process = Unit::mainProcess(Unit::daemon);
     QVERIFY(Unit::control({QStringLiteral("kill"), QStringLiteral("--signal=KILL"), bus}));
     WAIT_FOR(!Unit::isActive(bus) && !Unit::isActive(Unit::daemon));
     QVERIFY(!TargetDevice::isReady());
-    // Whoever calls first has the bus started.
+    // The first call starts the bus.
     QCOMPARE(Command::shell(QStringLiteral("busctl list >/dev/null")).output, QString());
     WAIT_FOR(Unit::isActive(Unit::daemon));
     QVERIFY(reconnect());

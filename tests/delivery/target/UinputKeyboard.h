@@ -3,11 +3,11 @@
 
 #include <QString>
 
-/// A keyboard of the kernel's, as a front panel is one: with its autorepeat, and gone with this object.
+/// A virtual keyboard of the kernel, with autorepeat like a front panel. It is removed with this object.
 class UinputKeyboard
 {
 public:
-    /// Plugs the keyboard in under `name`; `isPlugged` tells whether the kernel made it.
+    /// Plugs in the keyboard as `name`; check `isPlugged`.
     explicit UinputKeyboard(const QString& name);
     ~UinputKeyboard();
 
@@ -16,7 +16,7 @@ public:
 
     bool isPlugged() const { return m_descriptor != -1; }
 
-    /// Moves the key with this Linux input key code; false when the kernel does not take it.
+    /// Presses or releases the key with this Linux input key code; false on failure.
     bool setPressed(quint16 code, bool pressed);
 
 private:

@@ -30,7 +30,7 @@ bool stop(const QString& unit)
 
 bool restart(const QString& unit)
 {
-    // Otherwise many restarts in a short time are refused.
+    // Otherwise many restarts in a short time would be refused.
     control({QStringLiteral("reset-failed"), unit});
     return control({QStringLiteral("restart"), unit});
 }

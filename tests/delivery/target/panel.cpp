@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The front panel of the target tests: two keyboards that do what is written into a FIFO, a statement a line:
-// "press DEVICE KEY", "release DEVICE KEY", "plug DEVICE" or "unplug DEVICE". Both are plugged in at first.
+// The front panel of the target tests: two keyboards that execute statements from a FIFO, one a line:
+// "press DEVICE KEY", "release DEVICE KEY", "plug DEVICE" or "unplug DEVICE". Initially both are plugged in.
 #include "tests/delivery/target/UinputKeyboard.h"
 
 #include <ls/Identifiers.h>
@@ -26,7 +26,7 @@ bool plug(Keyboards& keyboards, int device)
     return keyboard->isPlugged();
 }
 
-bool take(Keyboards& keyboards, const QStringList& words)
+bool execute(Keyboards& keyboards, const QStringList& words)
 {
     const QString verb = words.value(0);
     const int device = words.value(1) == QLatin1String("1") ? 1 : 0;
@@ -52,12 +52,12 @@ int main(int argc, char* argv[])
         return 2;
     }
     mkfifo(argv[1], S_IRUSR | S_IWUSR);
-    // Open for writing as well: the input does not end when a writer goes.
+    // Also open for writing, so that the input does not end when a writer closes it.
     std::fstream statements(argv[1], std::ios::in | std::ios::out);
     sd_notify(0, "READY=1");
     for (std::string line; std::getline(statements, line);) {
-        if (!take(keyboards, QString::fromStdString(line).split(' '))) {
-            QTextStream(stderr) << "not done: " << line.c_str() << '\n';
+        if (!execute(keyboards, QString::fromStdString(line).split(' '))) {
+            QTextStream(stderr) << "failed: " << line.c_str() << '\n';
         }
     }
     return 1;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A service that the daemon waits for, as a program of its own: "state-handler" or "speechd". It declares
-// itself ready as the real one does.
+// A stand-in for a service that the daemon waits for, "state-handler" or "speechd". It declares its readiness like the
+// real service.
 #include "simulator/device/SpeechDaemonStandIn.h"
 #include "tests/delivery/target/StateControl.h"
 
@@ -16,7 +16,7 @@ const QString controlPath = QStringLiteral("/control");
 int run(const QString& name, bool appeared)
 {
     if (!appeared) {
-        qCritical("%s does not get on the bus.", qPrintable(name));
+        qCritical("%s cannot join the bus.", qPrintable(name));
         return 1;
     }
     ServiceWatcher::setReady(name, true);

@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# tools/lint installs clang-tidy where it is missing. Usage: lint-setup.sh SOURCE_FOLDER
+# tools/lint installs clang-tidy if it is missing. Usage: lint-setup.sh SOURCE_FOLDER
 set -eu
 source=$1
 folder=$(mktemp -d)
@@ -17,7 +17,7 @@ echo '[]' >"$folder/project/build/dev/compile_commands.json"
 for tool in cat chmod dirname grep id mkdir sed sh xargs; do
     ln -s "$(command -v "$tool")" "$folder/bin/$tool"
 done
-# A machine on which nothing is installed, and an archive that has all.
+# A machine without packages, and an archive that has all.
 printf '#!/bin/sh\nexit 1\n' >"$folder/bin/dpkg-query"
 # shellcheck disable=SC2016
 printf '#!/bin/sh\nexec "$@"\n' >"$folder/bin/sudo"

@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# ./run --help prints the options of the simulator, and installs and builds nothing. Usage: run-help.sh SOURCE_FOLDER
-# SIMULATOR
+# ./run --help prints the options of the simulator without installing or building anything.
+# Usage: run-help.sh SOURCE_FOLDER SIMULATOR
 set -eu
 source=$1
 simulator=$2
@@ -19,7 +19,7 @@ for tool in apt-get cmake dpkg-query sudo; do
     chmod +x "$folder/bin/$tool"
 done
 
-# options FILE: the long options that the help names, a line each.
+# options FILE: prints the long options in the help, one a line.
 options() {
     grep -oE -- '--[a-z][a-z-]*' "$1" | grep -vx -e --help-all | sort -u
 }
@@ -30,5 +30,5 @@ for option in --help -h; do
     PATH="$folder/bin:$PATH" "$source/run" "$option" >"$folder/run" 2>&1 || fail "$option: $(cat "$folder/run")"
     [ ! -e "$folder/called" ] || fail "$option called: $(cat "$folder/called")"
     options "$folder/run" >"$folder/options"
-    diff "$folder/expected" "$folder/options" || fail "$option does not name the options of the simulator"
+    diff "$folder/expected" "$folder/options" || fail "$option does not list the options of the simulator"
 done

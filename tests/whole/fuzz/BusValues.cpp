@@ -13,7 +13,7 @@
 
 #include <unistd.h>
 
-/// A structure of the smallest and one of the largest members.
+/// Structures of the smallest and the largest members.
 struct Pair
 {
     qint32 number;
@@ -47,7 +47,7 @@ QDBusArgument& operator<<(QDBusArgument& argument, const Wide& wide)
     return argument;
 }
 
-// Qt wants these for the registration; they are never read as such.
+// Required by Qt for the registration, but never used.
 const QDBusArgument& operator>>(const QDBusArgument& argument, Pair&)
 {
     return argument;
@@ -60,20 +60,20 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, Wide&)
 
 namespace {
 
-// A message holds at most 64 containers in one another, variants among them. `depth` says below how many a
-// value stands; beyond the limit Qt's own marshalling breaks, so that nothing can be sent from there.
-constexpr int deepest = 64;
+// Containers, including variants, can be nested 64 deep in a message. `depth` is the number of enclosing
+// containers. Beyond the limit, Qt's marshalling corrupts memory.
+constexpr int maxDepth = 64;
 constexpr int variantCost = 1;
 constexpr int structureCost = 1;
 constexpr int arrayCost = 1;
 constexpr int dictionaryCost = 2; // array, entry
 constexpr int listCost = 2;       // array, variant
 constexpr int mapCost = 3;        // array, entry, variant
-constexpr int mostOfOne = 6;      // a container without those that its values add
+constexpr int maxOwnDepth = 6;      // the largest of these costs, rounded up
 
 QVariant anyValue(Bytes& bytes, int depth);
 
-/// Mostly few, now and then hundreds.
+/// Usually few, sometimes hundreds.
 int elementCount(Bytes& bytes)
 {
     constexpr int few = 240;
@@ -124,7 +124,7 @@ QDBusSignature make<QDBusSignature>(Bytes& bytes, int)
     return bytes.pick(signatures);
 }
 
-/// The same each time, for it stays open.
+/// Always the same descriptor, because it stays open.
 const QDBusUnixFileDescriptor& descriptor()
 {
     static const QDBusUnixFileDescriptor descriptor(STDERR_FILENO);
@@ -196,7 +196,7 @@ Wide make<Wide>(Bytes& bytes, int depth)
     return {byte, variant, descriptor(), map, make<QStringList>(bytes, depth)};
 }
 
-/// `value`, whose type Qt knows from here on how to write into a message.
+/// Wraps `value` and registers its type for messages.
 template <typename T>
 QVariant variantOf(const T& value)
 {
@@ -231,11 +231,11 @@ QVariant dictionary(Bytes& bytes, int depth)
     return variantOf(map);
 }
 
-/// As deep as a message can hold, or less.
+/// Up to the depth that a message can hold.
 QVariant nestedVariants(Bytes& bytes, int depth)
 {
-    QVariant value = anyValue(bytes, deepest);
-    for (int i = bytes.below(deepest - depth); i > 0; --i) {
+    QVariant value = anyValue(bytes, maxDepth);
+    for (int i = bytes.below(maxDepth - depth); i > 0; --i) {
         value = QVariant::fromValue(QDBusVariant(value));
     }
     return value;
@@ -243,8 +243,8 @@ QVariant nestedVariants(Bytes& bytes, int depth)
 
 QVariant nestedLists(Bytes& bytes, int depth)
 {
-    QVariant value = anyValue(bytes, deepest);
-    for (int i = bytes.below((deepest - depth) / listCost); i > 0; --i) {
+    QVariant value = anyValue(bytes, maxDepth);
+    for (int i = bytes.below((maxDepth - depth) / listCost); i > 0; --i) {
         value = QVariantList{value};
     }
     return value;
@@ -307,7 +307,7 @@ constexpr std::array containerMakers{
 
 QVariant anyValue(Bytes& bytes, int depth)
 {
-    const bool isRoom = depth + mostOfOne <= deepest;
+    const bool isRoom = depth + maxOwnDepth <= maxDepth;
     const size_t kinds = basicMakers.size() + (isRoom ? containerMakers.size() : 0);
     const size_t kind = bytes.next() % kinds;
     return kind < basicMakers.size() ? basicMakers.at(kind)(bytes, depth)
@@ -330,10 +330,10 @@ QVariant BusValues::value(Bytes& bytes)
 
 QVariantMap BusValues::map(Bytes& bytes, const QStringList& keys, const QStringList& words)
 {
-    constexpr int most = 8;
+    constexpr int countLimit = 8;
     constexpr int oneIn = 4;
     QVariantMap map;
-    for (int i = bytes.below(most); i > 0; --i) {
+    for (int i = bytes.below(countLimit); i > 0; --i) {
         const QString key = bytes.below(oneIn) == 0 ? bytes.text() : bytes.pick(keys);
         map.insert(key, bytes.below(2) == 0 ? anyValue(bytes, mapCost) : QVariant(bytes.pick(words)));
     }

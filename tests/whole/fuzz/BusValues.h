@@ -6,15 +6,15 @@
 #include <QStringList>
 #include <QVariant>
 
-/// Values of every type that a bus message can hold, nested as the bytes say.
+/// Generates values of every type that a bus message can hold, with any nesting.
 namespace BusValues {
 
-/// Makes what the values need for the whole process; to be called once, before the first.
+/// Must be called once before generating values.
 void prepare();
 
-/// Never invalid, and of a depth that a message can hold.
+/// Always valid, with a depth that a message can hold.
 QVariant value(Bytes& bytes);
-/// A map whose keys are mostly of `keys`, and whose values that are texts are mostly of `words`.
+/// A map whose keys are mostly from `keys` and whose string values are mostly from `words`.
 QVariantMap map(Bytes& bytes, const QStringList& keys, const QStringList& words);
 
 } // namespace BusValues

@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <iterator>
 
-/// The bytes of one run, taken from the front. Whoever reads past the end gets zeros, so every sequence of
-/// bytes means something.
+/// The bytes of one run, read from the front. Reading past the end returns zeros, so every sequence of bytes is
+/// valid.
 class Bytes
 {
 public:
@@ -21,14 +21,14 @@ public:
     uint8_t next();
     /// A number from 0 to `count` - 1; `count` is 1 to 256.
     int below(int count);
-    /// An integer of any size, made of as many bytes.
+    /// An integer, made of as many bytes as its size.
     template <typename Number>
     Number number();
     /// At most `size` bytes.
     QByteArray take(int size);
-    /// All that is left.
+    /// All remaining bytes.
     QByteArray rest() { return take(static_cast<int>(m_size)); }
-    /// A text of at most 255 bytes; bytes that are no UTF-8 become replacement characters.
+    /// A string of at most 255 bytes; invalid UTF-8 becomes replacement characters.
     QString text();
     /// One of the elements of `list`, which must have 1 to 256.
     template <typename List>

@@ -26,7 +26,7 @@ namespace {
 
 constexpr char firstNode[] = "/dev/input/event0";
 constexpr char secondNode[] = "/dev/input/event1";
-constexpr int chunk = 4096; // a pipe that is empty takes this much at once
+constexpr int chunk = 4096; // fits into an empty pipe
 constexpr auto loneKeyTime = 1500ms;
 
 VirtualTimeDispatcher& makeClock()
@@ -46,7 +46,7 @@ int makeNode(const char* path)
 {
     ::unlink(path);
     if (::mkfifo(path, 0600) != 0) {
-        qFatal("%s cannot be made: these programs run in a private root", path);
+        qFatal("%s cannot be created: run this program in a private root", path);
     }
     return ::open(path, O_RDWR | O_NONBLOCK | O_CLOEXEC);
 }
@@ -63,7 +63,7 @@ int makeInput()
     return ends[1];
 }
 
-/// One file under the names of the three lists.
+/// Creates one file with links from the names of the three lists.
 int makeLists()
 {
     const QDir folder(vocabulary::dataDirectory);
@@ -87,7 +87,7 @@ void writeAll(int fd, const QByteArray& bytes, VirtualTimeDispatcher& clock)
     for (int i = 0; i < bytes.size(); i += chunk) {
         const QByteArray part = bytes.mid(i, chunk);
         if (::write(fd, part.constData(), static_cast<size_t>(part.size())) != part.size()) {
-            qFatal("a pipe does not take its bytes");
+            qFatal("a pipe cannot be written");
         }
         clock.settle();
     }
@@ -101,7 +101,7 @@ FuzzedDaemon::FuzzedDaemon()
     , m_input(makeInput())
     , m_lists(makeLists())
 {
-    Log::silence();
+    Log::capture();
     FakeSpeech::onSpeak([this](const QVariantMap&) { ++m_sentences; });
 }
 
@@ -206,11 +206,11 @@ void FuzzedDaemon::waitForQuiet()
 
 void FuzzedDaemon::requireThatItWorks()
 {
-    forgetEverything();
+    resetKeys();
     requireLoneKey();
 }
 
-void FuzzedDaemon::forgetEverything()
+void FuzzedDaemon::resetKeys()
 {
     waitForQuiet();
     setState(ls::StateId::Error);

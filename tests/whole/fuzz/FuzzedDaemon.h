@@ -15,30 +15,30 @@
 
 class KeyboardHandler;
 
-/// The daemon's unchanged classes on a virtual clock, for many thousands of runs in a second: input devices,
-/// standard input and key lists are FIFOs, a pipe and files of the private root that the tests run in; the
-/// speech daemon is a fake, and the state handler's proxy emits what `notify` is given.
+/// Runs the daemon's unchanged classes on a virtual clock, fast enough for many thousands of runs a second. Input
+/// devices, standard input and key lists are FIFOs, a pipe and files in the test's private root. The speech daemon
+/// is a fake, and the state handler's proxy emits the notifications passed to `notify`.
 class FuzzedDaemon : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Makes the application object, the clock and the files. One in a process.
+    /// Creates the application object, the clock and the files. Only one may exist in a process.
     FuzzedDaemon();
     ~FuzzedDaemon() override;
 
-    /// All three key lists are this file.
+    /// Sets the content of all three key lists.
     void setKeyLists(const QByteArray& content);
-    /// Rows of every kind that makes a difference.
+    /// Sets key lists with rows of every relevant kind.
     void setRichKeyLists();
-    /// Builds the daemon's objects, in the state "Undefined".
+    /// Creates the daemon's objects, in the state "Undefined".
     void start();
-    /// Destroys them. To be called before another start.
+    /// Destroys them. Must be called before another start.
     void stop();
 
     static QByteArray recordOf(quint16 type, quint16 code, qint32 value);
 
-    /// The following ones return when the daemon has done what it does at once.
+    /// The following functions return when the daemon has finished its immediate reaction.
     void write(int device, const QByteArray& bytes);
     void record(int device, quint16 type, quint16 code, qint32 value);
     void press(const QString& key);
@@ -49,29 +49,28 @@ public:
     QVariantMap process(const QVariantMap& command);
     void settle() { m_clock.settle(); }
     void wait(std::chrono::milliseconds duration) { m_clock.advance(duration); }
-    /// Until every time that can be up in a session is up. No timer may be left then but a long press whose
-    /// row has a longer time.
+    /// Waits until all timers have expired, except that of a long press with a longer time in its row.
     void waitForQuiet();
 
     KeyboardHandler& handler() { return *m_handler; }
     VirtualTimeDispatcher& clock() { return m_clock; }
     /// The announcements since the start or the last call.
     QVector<QVariantMap> takeAnnouncements() { return std::exchange(m_announcements, {}); }
-    /// How many sentences were spoken since then.
+    /// Likewise, the number of spoken sentences.
     int takeSentences() { return std::exchange(m_sentences, 0); }
 
-    /// Ends the process unless the daemon is as it should be when everything is over: no timer runs, a lone
-    /// key in Idle is spoken and announced, once and to the service for it, and nothing else comes. Leaves
-    /// the daemon in Idle with nothing remembered but the last key.
+    /// Aborts unless the daemon is idle and works: no timer runs; a lone key in Idle is spoken once and announced
+    /// once, to its service; and nothing else happens. Leaves the daemon in Idle, with only the last key
+    /// remembered.
     void requireThatItWorks();
 
 private:
-    void forgetEverything();
+    void resetKeys();
     void requireLoneKey();
 
     VirtualTimeDispatcher& m_clock;
     std::unique_ptr<QObject>
-        m_root; // stands for the application object as the parent of the daemon's objects
+        m_root; // the parent of the daemon's objects, in place of the application object
     KeyboardHandler* m_handler = nullptr;
     std::array<int, 2> m_devices;
     int m_input = -1;

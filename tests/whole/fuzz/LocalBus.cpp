@@ -16,8 +16,8 @@ LocalBus::LocalBus()
 
 std::optional<QDBusMessage> LocalBus::carry(const QVariantList& arguments)
 {
-    send(loop, QString(), QStringLiteral("take"), arguments);
-    return std::exchange(m_taken, std::nullopt);
+    send(loop, QString(), QStringLiteral("receive"), arguments);
+    return std::exchange(m_received, std::nullopt);
 }
 
 QDBusMessage LocalBus::call(const QString& interface, const QString& method, const QVariantList& arguments)

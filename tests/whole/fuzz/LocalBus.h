@@ -8,9 +8,8 @@
 
 #include <optional>
 
-/// A bus for messages from this process to itself. Qt marshals such a message and reads it again at once,
-/// without sending it anywhere, so that their receivers get what they would get from another process: as fast
-/// as a fuzzer needs it.
+/// A bus for messages from this process to itself. Qt marshals and unmarshals such a message without sending it,
+/// so receivers get the same message as from another process, fast enough for a fuzzer.
 class LocalBus : public QObject
 {
     Q_OBJECT
@@ -19,18 +18,18 @@ public:
     /// Needs the application object.
     LocalBus();
 
-    /// A message as it is received that was sent with these arguments. Nothing when no message can hold them.
+    /// Sends these arguments and returns the received message, or nothing if no message can hold them.
     std::optional<QDBusMessage> carry(const QVariantList& arguments);
-    /// The answer to a call of `interface` of this process's own object at `/`.
+    /// Calls `interface` of this process's object at `/`.
     static QDBusMessage call(const QString& interface, const QString& method, const QVariantList& arguments);
 
 public Q_SLOTS:
-    void take(const QDBusMessage& message) { m_taken = message; }
+    void receive(const QDBusMessage& message) { m_received = message; }
 
 private:
     static QDBusMessage send(const QString& path, const QString& interface, const QString& method,
                              const QVariantList& arguments);
 
     PrivateBus m_bus;
-    std::optional<QDBusMessage> m_taken;
+    std::optional<QDBusMessage> m_received;
 };

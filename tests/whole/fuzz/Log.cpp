@@ -10,9 +10,9 @@
 
 namespace {
 
-constexpr int mostKept = 300;
+constexpr int maxKept = 300;
 
-// Qt's own thread for the bus logs as well.
+// Qt's bus thread also logs.
 QMutex g_mutex;
 QQueue<QString> g_lines;
 
@@ -20,10 +20,10 @@ void keep(QtMsgType type, const QMessageLogContext&, const QString& text)
 {
     if (type == QtFatalMsg) {
         std::fprintf(stderr, "%s\n", qPrintable(text));
-        return; // Qt ends the process
+        return; // Qt aborts
     }
     const QMutexLocker locker(&g_mutex);
-    if (g_lines.size() == mostKept) {
+    if (g_lines.size() == maxKept) {
         g_lines.dequeue();
     }
     g_lines.enqueue(text);
@@ -31,7 +31,7 @@ void keep(QtMsgType type, const QMessageLogContext&, const QString& text)
 
 } // namespace
 
-void Log::silence()
+void Log::capture()
 {
     qInstallMessageHandler(keep);
 }

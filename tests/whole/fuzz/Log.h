@@ -3,17 +3,17 @@
 
 #include <QString>
 
-/// The log of a fuzzed process: counted, and shown only when a run fails.
+/// Captures the log of a fuzzed process and prints it only if a run fails.
 namespace Log {
 
-/// Takes over the log for good.
-void silence();
-/// Forgets the lines so far.
+/// Starts capturing, permanently.
+void capture();
+/// Discards the lines so far.
 void clear();
-/// How many lines of this text came since the last `clear()`. Only the last few hundred are known.
+/// The number of lines with this text since the last `clear()`, among the last few hundred.
 int count(const QString& text);
 
-/// Ends the process, with the last lines of the log, unless `holds`; `what` is the rule that is broken.
+/// Unless `holds`, prints the broken rule `what` and the last lines of the log, and aborts.
 void require(bool holds, const char* what);
 
 } // namespace Log

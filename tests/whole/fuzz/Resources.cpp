@@ -14,7 +14,7 @@
 
 using namespace std::chrono_literals;
 
-// Of the address sanitizer's run-time library; absent in a build without it.
+// Functions of the address sanitizer's run-time library; absent in a build without it.
 extern "C" {
 __attribute__((weak)) int __sanitizer_install_malloc_and_free_hooks(void (*)(const volatile void*, size_t),
                                                                     void (*)(const volatile void*));
@@ -25,9 +25,9 @@ __attribute__((weak)) void __lsan_enable();
 
 namespace {
 
-constexpr long long mostGrown = 256 * 1024;
-constexpr long long warmUpRuns = 100; // what is made on first use is no growth
-constexpr auto longestLag = 10s;      // of Qt's thread for the bus, which frees what a run has given to it
+constexpr long long maxGrowth = 256 * 1024;
+constexpr long long warmUpRuns = 100; // objects created on first use are not leaks
+constexpr auto maxLag = 10s;          // of Qt's bus thread in freeing the objects of a run
 
 std::atomic<long long> g_held{0};
 thread_local bool t_counts = true;
@@ -54,16 +54,16 @@ void onFreed(const volatile void* pointer)
 }
 
 template <typename Condition>
-bool comesTrue(Condition condition)
+bool becomesTrue(Condition condition)
 {
-    const auto end = std::chrono::steady_clock::now() + longestLag;
+    const auto end = std::chrono::steady_clock::now() + maxLag;
     while (!condition() && std::chrono::steady_clock::now() < end) {
         std::this_thread::sleep_for(1ms);
     }
     return condition();
 }
 
-/// How many of the lower numbers are open, in one system call.
+/// The number of open low-numbered descriptors, from one system call.
 int openDescriptors()
 {
     std::array<pollfd, 256> numbers{};
@@ -120,9 +120,9 @@ void Resources::endRun()
         m_bytesBefore = g_held;
         m_descriptorsBefore = openDescriptors();
     } else if (m_runs > warmUpRuns) {
-        Log::require(comesTrue([this] { return g_held <= m_bytesBefore + mostGrown; }),
+        Log::require(becomesTrue([this] { return g_held <= m_bytesBefore + maxGrowth; }),
                      "memory does not grow from run to run");
-        Log::require(comesTrue([this] { return openDescriptors() <= m_descriptorsBefore; }),
+        Log::require(becomesTrue([this] { return openDescriptors() <= m_descriptorsBefore; }),
                      "no file descriptor is lost");
     }
     t_counts = false;

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-/// Sees to it that what the daemon holds does not grow from run to run: what one run adds, another one must
-/// give back.
+/// Checks that the daemon's resources do not grow from run to run: a later run must free what a run allocates.
 class Resources
 {
 public:
-    /// What is allocated while it lives, and never freed, is not taken for a leak.
+    /// Memory that is allocated during its lifetime and never freed does not count as a leak.
     class Trial
     {
     public:
@@ -24,11 +23,11 @@ public:
 
     Resources();
 
-    /// What the daemon and what is around it hold, by all threads, but not what libFuzzer does between the
-    /// runs. 0 in a build without the address sanitizer.
+    /// The memory allocated by all threads during runs, but not by libFuzzer between runs. 0 in a build without the
+    /// address sanitizer.
     static long long heldBytes();
 
-    /// To be called before a run and after it; ends the process when too much has come together.
+    /// Must be called before and after each run; aborts if resources have grown.
     void beginRun();
     void endRun();
 

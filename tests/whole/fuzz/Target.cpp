@@ -4,10 +4,10 @@
 #include "tests/whole/fuzz/Log.h"
 #include "tests/whole/fuzz/Resources.h"
 
-// The name is libFuzzer's.
+// Required by libFuzzer.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    // Never destroyed: the process ends in the middle of its work.
+    // Never destroyed, because the process exits during its work.
     static Target* const target = Target::make().release();
     static Resources resources;
 

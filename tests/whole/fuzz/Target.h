@@ -5,16 +5,16 @@
 
 #include <memory>
 
-/// What is fuzzed: one per program, which says what the bytes of a run mean and what must hold afterwards.
+/// A fuzz target, one for each program: interprets the bytes of a run and checks its result.
 class Target
 {
 public:
     virtual ~Target() = default;
 
-    /// Whether a run of these bytes tells something about the daemon.
+    /// Whether a run with these bytes is meaningful.
     virtual bool accepts(Bytes) { return true; }
     virtual void run(Bytes& bytes) = 0;
 
-    /// Made once in a process, before the first run. Each program has its own.
+    /// Creates the program's target. Called once in a process, before the first run.
     static std::unique_ptr<Target> make();
 };

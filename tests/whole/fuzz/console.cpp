@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
-// The console: the bytes come on standard input.
+// The console: the bytes are standard input.
 #include "tests/whole/fuzz/FuzzedDaemon.h"
 #include "tests/whole/fuzz/Log.h"
 #include "tests/whole/fuzz/Target.h"
 
 namespace {
 
-// Bytes that no text has, so that a text file is an input as well.
-constexpr char pauseMark = '\xfe';  // what follows is written later
-constexpr char repeatMark = '\xff'; // two bytes follow: how many times 256, and of which byte
+// Bytes that are invalid in text, so that any text file is an input.
+constexpr char pauseMark = '\xfe';  // a pause in the input
+constexpr char repeatMark = '\xff'; // followed by a count in units of 256 and the byte to repeat
 constexpr int repeatUnit = 256;
-constexpr int mostRepeated = 70'000; // enough for a line that is too long
+constexpr int maxRepetitions = 70'000; // enough for an overlong line
 
 const QString answerLine = QStringLiteral("Process command response");
 
@@ -60,10 +60,10 @@ void ConsoleTarget::typeUpToPause(Bytes& bytes)
     m_daemon.type(typed);
 }
 
-/// Only so much in one run, and no line ends: each has a help screen of its own.
+/// Limited in each run, and without line ends, because each of them prints a help screen.
 QByteArray ConsoleTarget::repeated(Bytes& bytes)
 {
-    const int count = qMin(bytes.next() * repeatUnit, mostRepeated - m_repeated);
+    const int count = qMin(bytes.next() * repeatUnit, maxRepetitions - m_repeated);
     const char byte = static_cast<char>(bytes.next());
     m_repeated += count;
     return byte == '\n' ? QByteArray() : QByteArray(count, byte);

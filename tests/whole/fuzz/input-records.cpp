@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Input records: through the two devices' FIFOs to the router, with times, states and commands in between.
+// Input records from the two devices' FIFOs to the router, with times, states and commands in between.
 #include "tests/whole/fuzz/FuzzedDaemon.h"
 #include "tests/whole/fuzz/Log.h"
 #include "tests/whole/fuzz/Resources.h"
@@ -13,10 +13,10 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr int kindsOfSteps = 16;
-constexpr int mostKeysOfCommand = 6;
+constexpr int maxKeysPerCommand = 6;
 constexpr int keyValues = 3;
-constexpr int mostTimers = 3;                   // lone key, long press, factory reset
-constexpr long long mostRemembered = 16 * 1024; // bytes, however many keys there were
+constexpr int maxTimers = 3;                   // lone key, long press, factory reset
+constexpr long long maxRememberedBytes = 16 * 1024; // independent of the number of keys
 // Around the router's limits and those of the key lists.
 constexpr std::array<std::chrono::milliseconds, 8> times{1ms,    250ms,  999ms,  1000ms,
                                                          1499ms, 1500ms, 2000ms, 5000ms};
@@ -52,11 +52,11 @@ void InputRecords::run(Bytes& bytes)
     const long long before = Resources::heldBytes();
     while (!bytes.isEmpty()) {
         step(bytes);
-        Log::require(m_daemon.clock().timerCount() <= mostTimers, "there are three timers");
+        Log::require(m_daemon.clock().timerCount() <= maxTimers, "there are three timers");
     }
     m_daemon.takeAnnouncements();
     Log::clear();
-    Log::require(Resources::heldBytes() - before < mostRemembered, "what is remembered of keys is little");
+    Log::require(Resources::heldBytes() - before < maxRememberedBytes, "keys use little memory");
     m_daemon.requireThatItWorks();
 }
 
@@ -113,7 +113,7 @@ void InputRecords::key(int device, Bytes& bytes)
     m_daemon.record(device, EV_KEY, code, bytes.below(keyValues));
 }
 
-/// As many records at once as the bytes say: one read takes 32.
+/// Writes several records at once; the daemon reads up to 32 at a time.
 void InputRecords::burst(Bytes& bytes)
 {
     const int device = bytes.below(2);
@@ -125,7 +125,7 @@ void InputRecords::burst(Bytes& bytes)
 void InputRecords::command(Bytes& bytes)
 {
     QStringList keys;
-    for (int i = bytes.below(mostKeysOfCommand); i > 0; --i) {
+    for (int i = bytes.below(maxKeysPerCommand); i > 0; --i) {
         keys.append(bytes.pick(m_keys));
     }
     m_daemon.process({{ls::commandIdKey, bytes.pick(ls::KeyboardHandlerCmdId::meta.keys())},

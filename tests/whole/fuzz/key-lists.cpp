@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Key lists: the bytes are the file of all three lists, with which the daemon starts. Its rows are then
-// tried.
+// Key lists: the bytes are the content of all three lists. The daemon starts with them, and their rows are tried.
 #include "keys/KeyListFile.h"
 #include "keys/LongKey.h"
 #include "keys/ModifierKey.h"
@@ -30,10 +29,10 @@ namespace {
 
 using Rows = QList<KeyEntry>;
 
-constexpr int mostRowsTried = 12;
+constexpr int maxTriedRows = 12;
 constexpr int pairSize = 2;
 
-/// The actions of the rows that begin and end with the same keys as `row`, in their order.
+/// The actions of the rows with the same first and last key as `row`, in their order.
 QStringList actionsOfSameEnds(const Rows& rows, const KeyEntry& row)
 {
     QStringList actions;
@@ -45,14 +44,14 @@ QStringList actionsOfSameEnds(const Rows& rows, const KeyEntry& row)
     return actions;
 }
 
-/// "Unknown" stands for no key: a row that begins with it is never opened.
+/// "Unknown" means no key: a row that starts with it is never opened.
 bool isOpenable(const KeyEntry& row)
 {
     return row.firstKey() != ls::KeyId::Unknown;
 }
 
-/// Whether one of `pairs` completes while the keys of `row` are typed.
-bool isTaken(const KeyEntry& row, const Rows& pairs)
+/// Whether the keys of `row` complete one of `pairs`.
+bool completesPair(const KeyEntry& row, const Rows& pairs)
 {
     return std::any_of(pairs.cbegin(), pairs.cend(), [&row](const KeyEntry& pair) {
         return pair.firstKey() == row.firstKey() && row.keys().mid(1).contains(pair.lastKey());
@@ -80,8 +79,8 @@ private:
     QVariantMap m_content; // of the file
 };
 
-/// Of a key that a JSON object has twice, Qt leaks the first value, if it is a list or a map. That happens
-/// once in the daemon, but here it would hide other leaks.
+/// Rejects inputs with duplicate JSON keys, of which Qt leaks the first value if it is a list or a map. The leak
+/// occurs once in the daemon, but would hide other leaks here.
 bool KeyLists::accepts(Bytes bytes)
 {
     const Resources::Trial trial;
@@ -113,7 +112,7 @@ void KeyLists::readContent()
     ls::JFile().read(vocabulary::dataDirectory + QLatin1Char('/') + vocabulary::longKeyListFile, m_content);
 }
 
-/// The rows of `section` that have keys, as the daemon reads them.
+/// The daemon's rows of `section` that have keys.
 Rows KeyLists::rowsOf(EnumDetail::RowKeyList section) const
 {
     MapReader reader(m_content);
@@ -130,13 +129,13 @@ void KeyLists::tryShortcuts()
     const auto connection = QObject::connect(shortcuts, &ShortcutKey::doubleShortcut,
                                              [&](const ls::EnumKey& action) { actions.append(action); });
     const Rows rows = rowsOf(EnumDetail::RowKeyList::ShortcutKeys);
-    for (const KeyEntry& row : rows.mid(0, mostRowsTried)) {
+    for (const KeyEntry& row : rows.mid(0, maxTriedRows)) {
         actions.clear();
         shortcuts->reset();
         shortcuts->process(row.firstKey());
         shortcuts->process(row.lastKey());
         Log::require(!isOpenable(row) || actions == actionsOfSameEnds(rows, row).mid(0, 1),
-                     "of several shortcuts for one pair the first row counts");
+                     "the first of several shortcuts for a pair is announced");
     }
     QObject::disconnect(connection);
 }
@@ -157,14 +156,14 @@ void KeyLists::tryCombinations()
     const auto longer = std::find_if(rows.cbegin(), rows.cend(),
                                      [](const KeyEntry& row) { return row.keyCount() > pairSize; });
     const Rows pairs = rows.mid(0, static_cast<int>(std::distance(rows.cbegin(), longer)));
-    for (const KeyEntry& pair : pairs.mid(0, mostRowsTried)) {
+    for (const KeyEntry& pair : pairs.mid(0, maxTriedRows)) {
         Log::require(!isOpenable(pair) ||
                          typed({pair.firstKey(), pair.lastKey()}) == actionsOfSameEnds(pairs, pair),
                      "combinations of one pair come each, unless a longer row hides them");
     }
-    if (longer != rows.cend() && isOpenable(*longer) && !isTaken(*longer, pairs)) {
+    if (longer != rows.cend() && isOpenable(*longer) && !completesPair(*longer, pairs)) {
         Log::require(typed(longer->keys()).value(0) == longer->eAction(),
-                     "the first longer row comes when its keys are typed");
+                     "the first longer row is announced when its keys are typed");
     }
     QObject::disconnect(connection);
 }
@@ -176,7 +175,7 @@ void KeyLists::tryLongPresses()
     for (const KeyEntry& row : rows) {
         lastRows.insert(row.firstKey(), row);
     }
-    for (const KeyEntry& row : lastRows.values().mid(0, mostRowsTried)) {
+    for (const KeyEntry& row : lastRows.values().mid(0, maxTriedRows)) {
         tryLongPress(row);
     }
 }
@@ -190,7 +189,7 @@ void KeyLists::tryLongPress(const KeyEntry& row)
     longPresses->stop();
     longPresses->start(row.firstKey());
     m_daemon.wait(time - milliseconds(time > milliseconds(0) ? 1 : 0));
-    Log::require(count == 0 || time == milliseconds(0), "a long press does not come before its time");
+    Log::require(count == 0 || time == milliseconds(0), "a long press is not announced before its time");
     m_daemon.wait(milliseconds(1));
     Log::require(count == row.validOnState().count(QLatin1Char('|')) + 1,
                  "a long press comes for each of its states");
@@ -201,7 +200,7 @@ void KeyLists::tryLongPress(const KeyEntry& row)
 void KeyLists::requireThatAnnouncementsTravel()
 {
     const QVector<QVariantMap> announcements = m_daemon.takeAnnouncements();
-    for (const QVariantMap& announcement : announcements.mid(0, mostRowsTried)) {
+    for (const QVariantMap& announcement : announcements.mid(0, maxTriedRows)) {
         Log::require(m_bus.carry({announcement}).has_value(), "an announcement can be sent");
     }
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Commands: messages of any content to the object on the bus, as any process may send them.
+// Commands: messages of any content to the object on the bus.
 #include "service/KeyboardHandler.h"
 #include "service/KeyboardHandlerAdaptor.h"
 #include "tests/whole/fuzz/BusValues.h"
@@ -46,7 +46,7 @@ Messages::Messages()
     m_daemon.setRichKeyLists();
     m_daemon.start();
     auto* adaptor = new KeyboardHandlerAdaptor(&m_daemon.handler());
-    // Announcements do not leave: thousands in a second would pile up before the bus.
+    // Announcements are not sent, because the bus could not keep up with thousands a second.
     adaptor->blockSignals(true);
 }
 
@@ -81,7 +81,7 @@ QString Messages::anyMethod(Bytes& bytes) const
                                : QStringLiteral("m%1").arg(bytes.number<quint16>());
 }
 
-/// Every second command is complete, but its fields may be replaced by anything.
+/// Half of the commands are complete, but any field may be replaced by any value.
 QVariantMap Messages::command(Bytes& bytes) const
 {
     QVariantMap map;
@@ -101,9 +101,9 @@ QVariantMap Messages::command(Bytes& bytes) const
 
 QStringList Messages::keysList(Bytes& bytes) const
 {
-    constexpr int most = 8;
+    constexpr int countLimit = 8;
     QStringList keys;
-    for (int i = bytes.below(most); i > 0; --i) {
+    for (int i = bytes.below(countLimit); i > 0; --i) {
         keys.append(bytes.pick(m_keys));
     }
     return keys;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The state handler: its notifications and its answer to the question for the state, of any content.
+// The state handler: notifications and answers to the request for the state, of any content.
 #include "device/StateHandler.h"
 #include "service/KeyboardHandler.h"
 #include "tests/whole/fuzz/BusValues.h"
@@ -22,7 +22,7 @@ namespace {
 const QStringList messageKeys{ls::notificationIdKey, ls::actionIdKey, ls::senderIdKey,
                               ls::stateIdKey,        ls::resultIdKey, ls::errorIdKey};
 
-/// The state handler on the bus, which answers with what it was given.
+/// A state handler on the bus with any answer.
 class AnsweringStateHandler : public QObject
 {
     Q_OBJECT
@@ -65,7 +65,7 @@ private:
     FuzzedDaemon m_daemon;
     LocalBus m_bus;
     AnsweringStateHandler m_peer;
-    QStringList m_states; // that were announced in this step
+    QStringList m_states; // announced in this step
     const QStringList m_words = ls::StateId::meta.keys() + ls::ServiceId::meta.keys() +
                                 QStringList{ls::StateHandlerNotifId::StateChange, ls::ResultId::Success,
                                             ls::ResultId::Failure, QStringLiteral("Undefined")};
@@ -100,8 +100,7 @@ void Notifications::step(Bytes& bytes)
     }
 }
 
-/// Every second map has all that a notification and an answer have, but any of it may be replaced by
-/// anything.
+/// Half of the maps are complete notifications and answers, but any field may be replaced by any value.
 QVariantList Notifications::arguments(Bytes& bytes) const
 {
     constexpr int oneIn = 16;

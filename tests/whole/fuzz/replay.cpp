@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Takes the place of libFuzzer in the ordinary builds: runs a target on each file of the folders that the
-// arguments name, again and again, until growth from run to run would show.
+// Replaces libFuzzer in ordinary builds: runs a target on each file of the folders in the arguments, repeatedly, so
+// that growth from run to run is detected.
 #include <QDirIterator>
 #include <QFile>
 #include <QStringList>
@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
 namespace {
 
-constexpr int fewestRuns = 300; // of which the first hundred are not compared
+constexpr int minRuns = 300; // more than the warm-up runs of Resources
 
 bool replay(const QString& path)
 {
@@ -21,7 +21,7 @@ bool replay(const QString& path)
         std::fprintf(stderr, "%s cannot be read\n", qPrintable(path));
         return false;
     }
-    // Printed before, for a run that fails ends the process.
+    // Printed first, because a failing run aborts.
     std::printf("%s\n", qPrintable(path));
     std::fflush(stdout);
     const QByteArray content = file.readAll();
@@ -42,7 +42,7 @@ int main(int argc, char* argv[])
         }
     }
     int runs = 0;
-    while (runs < fewestRuns && !inputs.isEmpty()) {
+    while (runs < minRuns && !inputs.isEmpty()) {
         if (!std::all_of(inputs.cbegin(), inputs.cend(), replay)) {
             return 1;
         }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Speed: no stacks of allocations, and what was freed is kept from reuse only for about the length of a run.
-// ASAN_OPTIONS overrides this.
+// For speed: no stack traces of allocations, and a small quarantine of freed memory, for about a run. ASAN_OPTIONS
+// overrides these options.
 extern "C" const char* __asan_default_options();
 
 const char* __asan_default_options()

@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Links the daemon with platform libraries that were installed elsewhere, as an integrator links the maker's.
-# Usage: link-platform.sh SOURCE_FOLDER BUILD_FOLDER SANITIZE, the last as in the build (ON or OFF)
+# Links the daemon with separately installed platform libraries, as an integrator does with the maker's.
+# Usage: link-platform.sh SOURCE_FOLDER BUILD_FOLDER SANITIZE; SANITIZE is ON or OFF, as in the build
 set -eu
 source=$1 build=$2 sanitize=$3
 folder=$(mktemp -d)
@@ -15,7 +15,7 @@ cmake --build "$folder/build" --target keyboard-handler
 
 for library in ls vantre servicewatcher speech translation configurationmanager; do
     grep -q "$maker/.*lib$library\.a" "$folder/build/build.ninja" || {
-        echo "lib$library is not the installed one"
+        echo "lib$library is not the installed library"
         exit 1
     }
 done

@@ -6,30 +6,30 @@
 
 namespace {
 
-constexpr double anything = std::numeric_limits<double>::infinity();
-/// The heap's high-water mark may still rise by a few pages when an unusual command comes late.
-constexpr double mostGrowthKib = 64;
+constexpr double unlimited = std::numeric_limits<double>::infinity();
+/// The heap's high-water mark may rise by a few pages if a rare command occurs late.
+constexpr double maxGrowthKib = 64;
 constexpr double secondsOfHour = 3600;
 
 struct Row
 {
     const char* what;
     double (*value)(const SoakSample&);
-    /// By how much the last quarter may be over the first one.
+    /// The allowed increase from the first to the last quarter.
     double allowed;
     int decimals;
 };
 
 const Row rows[] = {
-    {"memory (PSS), KiB", [](const SoakSample& s) { return double(s.pssKib); }, anything, 0},
-    {"of it anonymous, KiB", [](const SoakSample& s) { return double(s.anonymousKib); }, mostGrowthKib, 0},
-    {"resident memory (RSS), KiB", [](const SoakSample& s) { return double(s.residentKib); }, anything, 0},
+    {"memory (PSS), KiB", [](const SoakSample& s) { return double(s.pssKib); }, unlimited, 0},
+    {"of it anonymous, KiB", [](const SoakSample& s) { return double(s.anonymousKib); }, maxGrowthKib, 0},
+    {"resident memory (RSS), KiB", [](const SoakSample& s) { return double(s.residentKib); }, unlimited, 0},
     {"open descriptors", [](const SoakSample& s) { return double(s.descriptors); }, 0, 0},
     {"threads", [](const SoakSample& s) { return double(s.threads); }, 0, 0},
-    {"processor time of a second, ms", [](const SoakSample& s) { return s.processorMs; }, anything, 2},
+    {"processor time of a second, ms", [](const SoakSample& s) { return s.processorMs; }, unlimited, 2},
     {"press of Menu to its announcement, median, ms", [](const SoakSample& s) { return s.medianMs; },
-     anything, 2},
-    {"the longest between two samples, ms", [](const SoakSample& s) { return s.longestMs; }, anything, 2},
+     unlimited, 2},
+    {"maximum between two samples, ms", [](const SoakSample& s) { return s.maxMs; }, unlimited, 2},
 };
 
 double median(const QVector<SoakSample>& samples, const Row& row)
@@ -40,7 +40,7 @@ double median(const QVector<SoakSample>& samples, const Row& row)
     return values.at(values.size() / 2);
 }
 
-/// The slope of the line that fits best.
+/// The slope of the regression line.
 double trendForAnHour(const QVector<SoakSample>& samples, const Row& row)
 {
     double meanTime = 0;

@@ -4,7 +4,7 @@
 #include <QStringList>
 #include <QVector>
 
-/// What the daemon held and how fast it was at one moment of a soak.
+/// The daemon's resources and speed at one moment of a soak.
 struct SoakSample
 {
     double seconds = 0;
@@ -13,23 +13,23 @@ struct SoakSample
     int residentKib = 0;
     int descriptors = 0;
     int threads = 0;
-    /// Since the sample before: processor time for each second, and the way from a press to its announcement.
+    /// Since the previous sample: processor time per second, and latency from a press to its announcement.
     double processorMs = 0;
     double medianMs = 0;
-    double longestMs = 0;
+    double maxMs = 0;
 };
 
 /// Compares the first quarter of a soak with its last one.
 struct SoakReport
 {
-    /// A table: what, its median in the first quarter, in the last one, and its trend for an hour.
+    /// A table of each figure with its median in the first and the last quarter and its trend per hour.
     QStringList table;
-    /// Sentences about what has grown; empty when nothing has.
+    /// Sentences about figures that have grown.
     QStringList faults;
 
-    /// `samples` in the order of time, four at least.
+    /// `samples` must be chronological, and at least four.
     static SoakReport of(const QVector<SoakSample>& samples);
-    /// What stands in the columns of `line`, and the sample as such a line.
+    /// The column headings of `line`, and a sample as a line.
     static QString heading();
     static QString line(const SoakSample& sample);
 };

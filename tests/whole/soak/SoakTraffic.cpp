@@ -15,11 +15,11 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto patience = 20s;
+constexpr auto timeout = 20s;
 constexpr int burstKeys = 100;
-constexpr int longestPauseMs = 20;
+constexpr int maxPauseMs = 20;
 constexpr int timedPresses = 20;
-constexpr int longestMenuPauseMs = 150;
+constexpr int maxMenuPauseMs = 150;
 
 } // namespace
 
@@ -35,7 +35,7 @@ SoakTraffic::SoakTraffic(SimulatedDevice& device, quint64 seed) : m_device(devic
 
 QString SoakTraffic::playRound()
 {
-    for (const auto& part : {&SoakTraffic::playRandomScript, &SoakTraffic::letGo, &SoakTraffic::playBurst,
+    for (const auto& part : {&SoakTraffic::playRandomScript, &SoakTraffic::releaseAll, &SoakTraffic::playBurst,
                              &SoakTraffic::timeMenu}) {
         const QString fault = (this->*part)();
         if (!fault.isEmpty()) {
@@ -69,7 +69,7 @@ QString SoakTraffic::playRandomScript()
     const KeyScript script = RandomScript::roll(m_seed + quint64(m_counts.rounds));
     m_device.setState(script.initialState);
     ScriptPlayer player(script, m_device);
-    connect(&player, &ScriptPlayer::stepping, this, [this](const ScriptStep& step) {
+    connect(&player, &ScriptPlayer::aboutToPlay, this, [this](const ScriptStep& step) {
         m_counts.keys += step.kind == ScriptStep::Kind::Press;
         m_counts.states += step.kind == ScriptStep::Kind::State;
         m_counts.commands += step.kind == ScriptStep::Kind::Command;
@@ -84,9 +84,9 @@ QString SoakTraffic::playRandomScript()
                : QStringLiteral("%1 commands were not answered").arg(m_unanswered);
 }
 
-/// Whatever the script left behind is ended. In the keyboard test nothing is announced but the key that ends
-/// it, so that this announcement tells that the keys before it were taken as well.
-QString SoakTraffic::letGo()
+/// Releases all keys of a script. In the keyboard test, only the key that ends it is announced, so this announcement
+/// shows that the daemon has handled the keys before it.
+QString SoakTraffic::releaseAll()
 {
     for (int device = 0; device < Panel::keyboardCount; ++device) {
         if (!enter(ls::StateId::Print) || !roundTrip(ls::KeyboardHandlerCmdId::StartTestMode)) {
@@ -119,10 +119,10 @@ QString SoakTraffic::playBurst()
     for (int i = 0; i < burstKeys; ++i) {
         const QString key = RandomRows::anyKey(m_dice);
         tap(device, key);
-        if (key != ls::KeyId::Unknown) { // which is never announced
+        if (key != ls::KeyId::Unknown) { // never announced
             keys << key;
         }
-        pause(m_dice.below(longestPauseMs));
+        pause(m_dice.below(maxPauseMs));
     }
     return waitFor([&] { return m_singleKeys == keys; })
                ? QString()
@@ -144,7 +144,7 @@ QString SoakTraffic::timeMenu()
             return QStringLiteral("Menu announces: ") + m_singleKeys.join(' ');
         }
         m_latencies << double(clock.nsecsElapsed()) / 1e6;
-        pause(m_dice.below(longestMenuPauseMs));
+        pause(m_dice.below(maxMenuPauseMs));
     }
     return {};
 }
@@ -160,7 +160,7 @@ bool SoakTraffic::waitFor(const std::function<bool()>& isReached)
     connect(&m_device, &SimulatedDevice::announced, &loop, check);
     connect(&m_device, &SimulatedDevice::answered, &loop, check);
     connect(&m_device, &SimulatedDevice::commandFailed, &loop, check);
-    QTimer::singleShot(patience, &loop, &QEventLoop::quit);
+    QTimer::singleShot(timeout, &loop, &QEventLoop::quit);
     if (!isReached()) {
         loop.exec();
     }
@@ -171,8 +171,8 @@ bool SoakTraffic::enter(const QString& state)
 {
     ++m_counts.states;
     m_device.setState(state);
-    // The state comes on a connection of its own. With the answer to a first command the bus has it, with
-    // that to a second one the daemon, too.
+    // The state is announced on another connection. The answer to a first command shows that the bus has it, the
+    // answer to a second one that the daemon has it.
     return roundTrip(ls::KeyboardHandlerCmdId::GetLastKey) && roundTrip(ls::KeyboardHandlerCmdId::GetLastKey);
 }
 

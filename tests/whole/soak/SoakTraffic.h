@@ -6,8 +6,8 @@
 
 #include <functional>
 
-/// Random traffic on a simulated device, in rounds: a random script, then a burst of keys that are announced
-/// one by one, then presses of Menu whose announcements are timed. Which traffic, the seed decides.
+/// Random traffic on a simulated device, in rounds: a random script, a burst of keys that are announced
+/// individually, and presses of Menu with timed announcements. The seed determines the traffic.
 class SoakTraffic : public QObject
 {
     Q_OBJECT
@@ -25,20 +25,19 @@ public:
     /// `device` must live as long as the traffic.
     SoakTraffic(SimulatedDevice& device, quint64 seed);
 
-    /// Plays a round and leaves the device in Idle with nothing pending. Returns a sentence about what was
-    /// lost, or an empty text.
+    /// Plays a round and leaves the device in Idle with nothing pending. Returns a sentence about a loss, or an
+    /// empty string.
     QString playRound();
 
     const Counts& counts() const { return m_counts; }
-    /// From the write of a press of Menu to the arrival of its announcement, in milliseconds, since the last
-    /// call.
+    /// The times from writing a press of Menu to its announcement since the last call, in milliseconds.
     QVector<double> takeLatencies();
 
 private:
     void note(const QVariantMap& notification);
 
     QString playRandomScript();
-    QString letGo();
+    QString releaseAll();
     QString playBurst();
     QString timeMenu();
 
@@ -54,7 +53,7 @@ private:
     Counts m_counts;
     int m_unanswered = 0;
     int m_refused = 0;
-    /// The keys that were announced as single keys since this was last emptied.
+    /// The announced single keys since the last clear().
     QStringList m_singleKeys;
     QVector<double> m_latencies;
 };

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Random traffic on the simulated device for some time, and what it leaves in the daemon. Arguments: how many
-// minutes, and the seed.
+// Plays random traffic on the simulated device and measures the daemon's resources. Arguments: minutes and seed.
 #include "tests/support/ProcessFigures.h"
 #include "tests/support/Waiting.h"
 #include "tests/whole/soak/SoakReport.h"
@@ -16,27 +15,27 @@
 
 namespace {
 
-const QString usualMinutes = QStringLiteral("30");
-/// Behind these the daemon has met all that it allocates once.
+const QString defaultMinutes = QStringLiteral("30");
+/// After these, the daemon has made all its one-time allocations.
 constexpr int warmUpRounds = 3;
-constexpr int fewestSamples = 4;
+constexpr int minSamples = 4;
 
 class Soak
 {
 public:
     Soak(SimulatedDevice& device, quint64 seed) : m_device(device), m_traffic(device, seed) {}
 
-    /// Returns a sentence about what went wrong, or an empty text.
+    /// Returns a sentence about a fault, or an empty string.
     QString run(double minutes)
     {
         m_clock.start();
         const qint64 end = qint64(minutes * 60'000);
-        while (m_clock.elapsed() < end || m_samples.size() < fewestSamples) {
+        while (m_clock.elapsed() < end || m_samples.size() < minSamples) {
             const QString fault = m_traffic.playRound();
             if (!fault.isEmpty() || !m_device.isRunning()) {
                 return fault.isEmpty() ? QStringLiteral("the daemon has ended") : fault;
             }
-            take();
+            takeSample();
         }
         return {};
     }
@@ -45,7 +44,7 @@ public:
     const SoakTraffic::Counts& counts() const { return m_traffic.counts(); }
 
 private:
-    SoakSample held() const
+    SoakSample resources() const
     {
         using namespace ProcessFigures;
         const qint64 daemon = m_device.daemon().processId();
@@ -58,15 +57,15 @@ private:
         return sample;
     }
 
-    void take()
+    void takeSample()
     {
-        SoakSample sample = held();
+        SoakSample sample = resources();
         sample.seconds = double(m_clock.elapsed()) / 1000;
         const int processorMs = ProcessFigures::processorMs(m_device.daemon().processId());
         QVector<double> latencies = m_traffic.takeLatencies();
         std::sort(latencies.begin(), latencies.end());
         sample.medianMs = latencies.at(latencies.size() / 2);
-        sample.longestMs = latencies.last();
+        sample.maxMs = latencies.last();
         sample.processorMs = (processorMs - m_processorMs) / (sample.seconds - m_seconds);
         m_processorMs = processorMs;
         m_seconds = sample.seconds;
@@ -79,17 +78,17 @@ private:
     SimulatedDevice& m_device;
     SoakTraffic m_traffic;
     QElapsedTimer m_clock;
-    double m_seconds = 0; // at the sample before
+    double m_seconds = 0; // at the previous sample
     int m_processorMs = 0;
     QVector<SoakSample> m_samples;
 };
 
-/// Prints what came of the soak; returns the exit status.
+/// Prints the results of the soak; returns the exit status.
 int conclude(const Soak& soak, const QString& fault)
 {
     QTextStream out(stdout);
     QStringList faults = fault.isEmpty() ? QStringList() : QStringList(fault);
-    if (soak.samples().size() >= fewestSamples) {
+    if (soak.samples().size() >= minSamples) {
         const SoakReport report = SoakReport::of(soak.samples());
         faults += report.faults;
         out << report.table.join('\n') << '\n';
@@ -109,7 +108,7 @@ int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    const double minutes = arguments.value(1, usualMinutes).toDouble();
+    const double minutes = arguments.value(1, defaultMinutes).toDouble();
     const quint64 seed =
         arguments.size() > 2 ? arguments.at(2).toULongLong() : QRandomGenerator::system()->generate();
     if (minutes <= 0) {

@@ -24,13 +24,13 @@ using namespace ls;
 namespace {
 
 constexpr int noTimeout = std::numeric_limits<int>::max();
-constexpr uint nameExists = 3; // the answer to who asks for a name that has an owner
+constexpr uint nameExists = 3; // RequestName's reply if the name has an owner
 constexpr uint doNotQueue = 4;
 constexpr int menuCode = 139;
 
 const QString daemonUser = QStringLiteral("keyboard-handler");
 const QString stateHandlerUser = QStringLiteral("state-handler");
-/// `service` is a member of the services' group, as is the daemon's user; the last two are not.
+/// `service` and the daemon's user are members of the services' group; the last two users are not.
 const QStringList users{QStringLiteral("root"), daemonUser, QStringLiteral("service"), stateHandlerUser,
                         QStringLiteral("nobody")};
 const QStringList callers = users.mid(0, 3);
@@ -42,7 +42,7 @@ const QString introspectable = driver + QStringLiteral(".Introspectable");
 const QString accessDenied = driver + QStringLiteral(".Error.AccessDenied");
 const QString keyboard = busName(ServiceId::KeyboardHandler);
 const QString stateHandler = busName(ServiceId::StateHandler);
-const QString successful = QStringLiteral("Undefined"); // the error of what succeeds
+const QString successful = QStringLiteral("Undefined"); // the error of a successful command
 
 QVariantMap success(const QString& key = {}, const QVariant& value = {})
 {
@@ -53,7 +53,7 @@ QVariantMap success(const QString& key = {}, const QVariant& value = {})
     return map;
 }
 
-/// In which state a row of the combination is valid is its action.
+/// A row for each state; the action is the name of the state.
 QVector<KeyRow> combinationOfEachState()
 {
     QVector<KeyRow> rows;
@@ -64,7 +64,7 @@ QVector<KeyRow> combinationOfEachState()
     return rows;
 }
 
-/// The list as the bus carries it, with the time in which keys are combined.
+/// The list in the answer, including the combining time.
 QVariantMap answeredList(const QString& fileName)
 {
     KeyScript script;
@@ -87,7 +87,7 @@ struct CommandCase
     QVariantMap answer;
 };
 
-/// The nine commands, given in the keyboard test after a release of Menu.
+/// The nine commands, sent in the keyboard test after a release of Menu.
 QVector<CommandCase> commandCases(const QString& state)
 {
     const QVariantMap key{{actionIdKey, KeyActionId::Pressed}, {keyKey, KeyId::Up}};
@@ -98,7 +98,7 @@ QVector<CommandCase> commandCases(const QString& state)
         {GetModifierKeyList, {}, success(modifierKeyListKey, answeredList("modifierKeyList.json"))},
         {GetShortcutKeyList, {}, success(shortcutKeyListKey, answeredList("shortcutKeyList.json"))},
         {StartTestMode, {}, success()},
-        // Only there the test counts keys.
+        // The test counts keys only in these states.
         {GetTestResult, {}, {{errorIdKey, successful}, {resultIdKey, isBusy(state) ? 1 : 0}}},
         {SimulateKey, key, success()},
         {SimulateModifier, {{keysListKey, QStringList{KeyId::Help, KeyId::Ok}}}, success()},
@@ -123,14 +123,14 @@ QDBusMessage commandCall(const QString& name, QVariantMap parameters = {})
 
 } // namespace
 
-/// Who gets through the bus to the daemon in which state, and with what outcome. Runs as root among the users
-/// that bus-policy.sh makes; its arguments are the daemon's executable and those of QtTest.
-class DoorwayTest : public QObject
+/// Checks each user's access to the daemon over the bus in each state. Runs as root with the users of bus-policy.sh;
+/// its arguments are the daemon's executable and those of QtTest.
+class BusAccessTest : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit DoorwayTest(const QString& daemon) : m_daemonPath(daemon) {}
+    explicit BusAccessTest(const QString& daemon) : m_daemonPath(daemon) {}
 
 private Q_SLOTS:
     void initTestCase();
@@ -143,10 +143,10 @@ private Q_SLOTS:
     void cleanupTestCase();
 
 private:
-    /// The answer to the call of a user, or the error; the event loop runs meanwhile.
+    /// Sends `message` as `user` and runs the event loop until the reply or error arrives.
     QDBusMessage outcome(const QString& user, const QDBusMessage& message);
-    /// Ends all that an earlier row left behind, then has the state announced.
-    void startAfresh(const QString& state);
+    /// Ends gestures and tests of earlier rows, then enters `state`.
+    void reset(const QString& state);
     void enter(const QString& state);
     void command(const QString& name, const QVariantMap& parameters = {});
     void release(const QString& key);
@@ -157,7 +157,7 @@ private:
     ChildProcess m_daemon;
 };
 
-void DoorwayTest::initTestCase()
+void BusAccessTest::initTestCase()
 {
     for (const QString& user : users) {
         const ForeignUser foreigner(user.toLatin1());
@@ -183,7 +183,7 @@ void DoorwayTest::initTestCase()
     WAIT_FOR(QFile::exists(QStringLiteral("/run/service-watcher/keyboard-handler")));
 }
 
-void DoorwayTest::theCommands_data()
+void BusAccessTest::theCommands_data()
 {
     QTest::addColumn<QString>("state");
     QTest::addColumn<QString>("user");
@@ -201,14 +201,14 @@ void DoorwayTest::theCommands_data()
     }
 }
 
-void DoorwayTest::theCommands()
+void BusAccessTest::theCommands()
 {
     QFETCH(QString, state);
     QFETCH(QString, user);
     QFETCH(QString, name);
     QFETCH(QVariantMap, parameters);
     QFETCH(QVariantMap, answer);
-    startAfresh(state);
+    reset(state);
     command(KeyboardHandlerCmdId::StartTestMode);
     release(KeyId::Menu);
     const QDBusMessage reply = outcome(user, commandCall(name, parameters));
@@ -220,7 +220,7 @@ void DoorwayTest::theCommands()
     }
 }
 
-void DoorwayTest::everythingElse_data()
+void BusAccessTest::everythingElse_data()
 {
     QTest::addColumn<QString>("state");
     QTest::addColumn<QDBusMessage>("message");
@@ -241,7 +241,7 @@ void DoorwayTest::everythingElse_data()
         row("the member notification",
             call(keyboard, keyboard, QStringLiteral("notification"), {QVariantMap()}), noUsers);
         row("owning the name", call(driver, driver, request, {keyboard, doNotQueue}), {daemonUser});
-        row("owning a name below it",
+        row("owning a subname",
             call(driver, driver, request, {keyboard + QStringLiteral(".Panel"), doNotQueue}), noUsers);
         row("process of another service",
             call(stateHandler, stateHandler, QStringLiteral("process"), {QVariantMap()}),
@@ -251,7 +251,7 @@ void DoorwayTest::everythingElse_data()
     }
 }
 
-void DoorwayTest::everythingElse()
+void BusAccessTest::everythingElse()
 {
     QFETCH(QString, state);
     QFETCH(QDBusMessage, message);
@@ -267,7 +267,7 @@ void DoorwayTest::everythingElse()
     }
 }
 
-void DoorwayTest::theSignal_data()
+void BusAccessTest::theSignal_data()
 {
     QTest::addColumn<QStringList>("announced");
     const QString startup = QStringLiteral("announce Startup WwwApi ServiceTool Help Ok");
@@ -284,10 +284,10 @@ void DoorwayTest::theSignal_data()
     }
 }
 
-void DoorwayTest::theSignal()
+void BusAccessTest::theSignal()
 {
     QFETCH(QStringList, announced);
-    startAfresh(QLatin1String(QTest::currentDataTag()));
+    reset(QLatin1String(QTest::currentDataTag()));
     std::map<QString, QStringList> heard;
     std::vector<std::unique_ptr<KeyboardClient>> clients;
     for (const QString& user : users) {
@@ -299,13 +299,13 @@ void DoorwayTest::theSignal()
     release(KeyId::Menu);
     command(KeyboardHandlerCmdId::SimulateModifier, {{keysListKey, QStringList{KeyId::Help, KeyId::Ok}}});
     for (const QString& user : users) {
-        // What the bus answers comes behind what it had passed on before.
+        // The bus's answer arrives after all messages that the bus has forwarded before.
         outcome(user, call(driver, driver, QStringLiteral("GetId")));
         QCOMPARE(heard[user], announced);
     }
 }
 
-void DoorwayTest::cleanupTestCase()
+void BusAccessTest::cleanupTestCase()
 {
     if (QTest::currentTestFailed()) {
         qInfo().noquote() << m_daemon.readAll();
@@ -313,9 +313,9 @@ void DoorwayTest::cleanupTestCase()
     m_daemon.end();
 }
 
-QDBusMessage DoorwayTest::outcome(const QString& user, const QDBusMessage& message)
+QDBusMessage BusAccessTest::outcome(const QString& user, const QDBusMessage& message)
 {
-    // A call that runs an event loop itself, QDBus::BlockWithGui, now and then misses its answer.
+    // Not QDBus::BlockWithGui, which sometimes misses the answer.
     const QDBusPendingCallWatcher watcher(m_connections[user]->get().asyncCall(message, noTimeout));
     QEventLoop loop;
     connect(&watcher, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
@@ -323,7 +323,7 @@ QDBusMessage DoorwayTest::outcome(const QString& user, const QDBusMessage& messa
     return watcher.reply();
 }
 
-void DoorwayTest::startAfresh(const QString& state)
+void BusAccessTest::reset(const QString& state)
 {
     enter(StateId::Print);
     command(KeyboardHandlerCmdId::StartTestMode);
@@ -332,21 +332,21 @@ void DoorwayTest::startAfresh(const QString& state)
     enter(state);
 }
 
-void DoorwayTest::enter(const QString& state)
+void BusAccessTest::enter(const QString& state)
 {
     m_stateHandler.changeState(state);
-    // Its answer goes the same way, behind the announcement.
-    const QDBusMessage question =
+    // The state handler's answer arrives on the same connection, after the announcement.
+    const QDBusMessage request =
         call(stateHandler, stateHandler, QStringLiteral("process"), {QVariantMap()});
-    QCOMPARE(outcome(stateHandlerUser, question).type(), QDBusMessage::ReplyMessage);
+    QCOMPARE(outcome(stateHandlerUser, request).type(), QDBusMessage::ReplyMessage);
 }
 
-void DoorwayTest::command(const QString& name, const QVariantMap& parameters)
+void BusAccessTest::command(const QString& name, const QVariantMap& parameters)
 {
     QCOMPARE(outcome(users.first(), commandCall(name, parameters)).type(), QDBusMessage::ReplyMessage);
 }
 
-void DoorwayTest::release(const QString& key)
+void BusAccessTest::release(const QString& key)
 {
     command(KeyboardHandlerCmdId::SimulateKey, {{actionIdKey, KeyActionId::Released}, {keyKey, key}});
 }
@@ -354,7 +354,7 @@ void DoorwayTest::release(const QString& key)
 int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);
-    DoorwayTest test(QCoreApplication::arguments().value(1));
+    BusAccessTest test(QCoreApplication::arguments().value(1));
     return QTest::qExec(&test, argc - 1, argv + 1);
 }
-#include "DoorwayTest.moc"
+#include "BusAccessTest.moc"
