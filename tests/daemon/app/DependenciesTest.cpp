@@ -9,11 +9,11 @@
 
 namespace {
 
-QStringList g_asked;
-QStringList g_answersNo{"state-handler", "speechd"}; // each of them says no once
-long g_pauses = -1;                                  // of the calling thread until the first question
+QStringList g_queried;
+QStringList g_notReady{"state-handler", "speechd"}; // not ready at the first query
+long g_pauses = -1;                                  // of the calling thread until the first query
 
-/// How often the calling thread has given up the processor by itself.
+/// The voluntary context switches of the calling thread.
 long pauses()
 {
     rusage usage{};
@@ -21,7 +21,7 @@ long pauses()
     return usage.ru_nvcsw;
 }
 
-/// A check that runs on the thread of its caller.
+/// A check that runs on the caller's thread.
 class OwnThreadCheck : public SystemCheck
 {
 public:
@@ -30,12 +30,12 @@ public:
 
 } // namespace
 
-// In the place of the library's: says who was asked.
+// Replaces the library's function and records queries.
 bool ServiceWatcher::isReady(const QString& name)
 {
-    g_pauses = g_asked.isEmpty() ? pauses() : g_pauses;
-    g_asked.append(name);
-    return !g_answersNo.removeOne(name);
+    g_pauses = g_queried.isEmpty() ? pauses() : g_pauses;
+    g_queried.append(name);
+    return !g_notReady.removeOne(name);
 }
 
 void ServiceWatcher::setReady(const QString&, bool) {}
@@ -45,39 +45,39 @@ class DependenciesTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyPassAsksForAllInTheirOrder();
-    void servicesThatAreReadyAreAskedForOnce();
-    void servicesAreAskedForWithoutAPause();
+    void everyPassQueriesAllServicesInOrder();
+    void readyServicesAreQueriedOnce();
+    void servicesAreQueriedWithoutAPause();
 
 private:
-    static QStringList askedByACheck();
+    static QStringList queriedByACheck();
 };
 
-QStringList DependenciesTest::askedByACheck()
+QStringList DependenciesTest::queriedByACheck()
 {
     {
         SystemCheck check;
         check.start();
     } // waits for its end
-    return std::exchange(g_asked, {});
+    return std::exchange(g_queried, {});
 }
 
-void DependenciesTest::everyPassAsksForAllInTheirOrder()
+void DependenciesTest::everyPassQueriesAllServicesInOrder()
 {
-    QCOMPARE(askedByACheck(), (QStringList{"state-handler", "speechd", "state-handler", "speechd"}));
+    QCOMPARE(queriedByACheck(), (QStringList{"state-handler", "speechd", "state-handler", "speechd"}));
 }
 
-/// As they are since the function before.
-void DependenciesTest::servicesThatAreReadyAreAskedForOnce()
+/// The services are ready since the previous function.
+void DependenciesTest::readyServicesAreQueriedOnce()
 {
-    QCOMPARE(askedByACheck(), (QStringList{"state-handler", "speechd"}));
+    QCOMPARE(queriedByACheck(), (QStringList{"state-handler", "speechd"}));
 }
 
-void DependenciesTest::servicesAreAskedForWithoutAPause()
+void DependenciesTest::servicesAreQueriedWithoutAPause()
 {
     OwnThreadCheck check;
-    check.run(); // once before, so that all of it is in memory
-    g_asked.clear();
+    check.run(); // a first run loads all code into memory
+    g_queried.clear();
     const long before = pauses();
     check.run();
     QCOMPARE(g_pauses, before);

@@ -7,21 +7,21 @@
 #include <QDBusConnection>
 #include <QtTest>
 
-// The entry point of the daemon, under another name.
+// The daemon's entry point, renamed.
 #define main daemonMain
 #include "app/main.cpp"
 #undef main
 
 namespace {
 
-/// What was seen from the places that the entry point calls.
+/// Observations from the functions that the entry point calls.
 struct Start
 {
     QMutex mutex;
     QStringList steps;
     bool hadApplication = true; // when the daemon was declared not ready
     QStringList built;          // in the service object when the daemon was declared ready
-    QByteArray text;            // what the log makes of a letter outside of ASCII
+    QByteArray text;            // the log's encoding of a non-ASCII letter
     int status = -1;
 } g_start;
 
@@ -33,11 +33,11 @@ void note(const QString& step)
 
 } // namespace
 
-// In the place of the library's: the services are ready when they are asked for the second time.
+// Replaces the library's function; the services are ready at the second query.
 bool ServiceWatcher::isReady(const QString& name)
 {
-    static QStringList answersNo{"state-handler", "speechd"};
-    const bool isReady = !answersNo.removeOne(name);
+    static QStringList notReady{"state-handler", "speechd"};
+    const bool isReady = !notReady.removeOne(name);
     note(name + (isReady ? " is ready" : " is not ready"));
     return isReady;
 }
@@ -56,7 +56,7 @@ void ServiceWatcher::setReady(const QString& name, bool ready)
     QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
 }
 
-// In the place of Qt's: a bus that takes everything.
+// Replaces the daemon's function with a bus that accepts everything.
 QDBusConnection openSystemBus()
 {
     return QDBusConnection(QString());
@@ -79,14 +79,14 @@ bool QDBusConnection::registerService(const QString& name)
     return true;
 }
 
-/// The order in which the entry point does its steps. It runs once, before the test.
+/// Checks the order of the entry point's steps. The entry point runs once, before the test.
 class EntryPointTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void stepsAreInOrder();
-    void daemonIsNotReadyBeforeThereIsAnApplication();
+    void daemonIsNotReadyBeforeTheApplicationExists();
     void objectsAreBuiltInOrderBeforeTheDaemonIsReady();
     void logIsUtf8InEveryLocale();
     void endOfTheEventLoopEndsTheDaemon();
@@ -101,7 +101,7 @@ void EntryPointTest::stepsAreInOrder()
     QCOMPARE(g_start.steps, expected);
 }
 
-void EntryPointTest::daemonIsNotReadyBeforeThereIsAnApplication()
+void EntryPointTest::daemonIsNotReadyBeforeTheApplicationExists()
 {
     QVERIFY(!g_start.hadApplication);
 }
@@ -128,7 +128,7 @@ void EntryPointTest::endOfTheEventLoopEndsTheDaemon()
 
 int main(int argc, char* argv[])
 {
-    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1")); // as a locale may
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1")); // like some locales
     char name[] = "keyboard-handler";
     char* arguments[] = {name, nullptr};
     g_start.status = daemonMain(1, arguments);

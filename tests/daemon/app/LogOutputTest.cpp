@@ -20,7 +20,7 @@ constexpr size_t maxChunkSize = 4096; // bytes
 
 enum class Kind { Pipe, Terminal, Socket };
 
-/// What a process may have as its standard error, and the end that reads it.
+/// A possible standard error of a process, and its reading end.
 struct Channel
 {
     explicit Channel(Kind kind);
@@ -28,7 +28,7 @@ struct Channel
     Channel(const Channel&) = delete;
     Channel& operator=(const Channel&) = delete;
 
-    /// Reads until what was read ends with `end`; less when there is nothing more to read.
+    /// Reads until the text ends with `end` or nothing more can be read.
     QByteArray readUntil(const QByteArray& end, size_t maxChunk = maxChunkSize) const;
     void closeWriter() { ::close(std::exchange(writer, -1)); }
 
@@ -74,7 +74,7 @@ QByteArray Channel::readUntil(const QByteArray& end, size_t maxChunk) const
     return all;
 }
 
-/// Takes the right to open `file` from this process, which keeps the descriptor that it has.
+/// Removes this process's permission to open `file`, but keeps its open descriptor.
 void becomeAnotherUser(int file)
 {
     constexpr uid_t nobody = 65534;
@@ -105,7 +105,7 @@ void logLines(int count)
     }
 }
 
-constexpr int manyLines = 3000; // much more than a pipe, a socket or a terminal holds
+constexpr int manyLines = 3000; // much more than fits into a pipe, a socket or a terminal
 
 } // namespace
 
@@ -117,30 +117,30 @@ class LogOutputTest : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void unreadLogHoldsNothingUp_data();
-    void unreadLogHoldsNothingUp();
-    void logThatIsReadMeanwhileKeepsItsOrder_data() { unreadLogHoldsNothingUp_data(); }
-    void logThatIsReadMeanwhileKeepsItsOrder();
-    void stoppedTerminalHoldsNothingUp_data() { addOwners(); }
-    void stoppedTerminalHoldsNothingUp();
-    void linesStayWholeNextToAnotherWriter_data() { addOwners(); }
-    void linesStayWholeNextToAnotherWriter();
+    void unreadLogDoesNotBlock_data();
+    void unreadLogDoesNotBlock();
+    void linesKeepTheirOrderWhileTheLogIsRead_data() { unreadLogDoesNotBlock_data(); }
+    void linesKeepTheirOrderWhileTheLogIsRead();
+    void stoppedTerminalDoesNotBlock_data() { addOwners(); }
+    void stoppedTerminalDoesNotBlock();
+    void linesAreNotSplitByAnotherWriter_data() { addOwners(); }
+    void linesAreNotSplitByAnotherWriter();
     void nonBlockingPipeKeepsEveryLine();
-    void droppedLinesAreCountedWhenThereIsRoomAgain();
-    void lineOverTheLimitIsWritten();
-    void filesAreShared_data();
-    void filesAreShared();
-    void patternIsAppliedAsByQt_data();
-    void patternIsAppliedAsByQt();
+    void droppedLinesAreCountedWhenThereIsRoom();
+    void overlongLineIsWritten();
+    void filesAreSharedWithOtherWriters_data();
+    void filesAreSharedWithOtherWriters();
+    void patternIsAppliedLikeInQt_data();
+    void patternIsAppliedLikeInQt();
     void exitWaitsForTheReader();
     void fatalMessageWaitsForTheReader();
-    void unreadLogDoesNotHoldTheEndUp_data() { unreadLogHoldsNothingUp_data(); }
-    void unreadLogDoesNotHoldTheEndUp();
-    void unwritableLogDoesNoHarm_data();
-    void unwritableLogDoesNoHarm();
-    void terminalThatStopsBackgroundWritersStopsNothing();
-    void limitOfFileSizeEndsNothing();
-    void linesWaitUntilAThreadCanBeMade();
+    void unreadLogDoesNotBlockTheExit_data() { unreadLogDoesNotBlock_data(); }
+    void unreadLogDoesNotBlockTheExit();
+    void unwritableLogIsTolerated_data();
+    void unwritableLogIsTolerated();
+    void terminalThatStopsBackgroundWritersDoesNotStopTheProcess();
+    void fileSizeLimitDoesNotEndTheProcess();
+    void linesAreQueuedUntilAThreadCanBeCreated();
 
 private:
     static void addOwners();
@@ -158,7 +158,7 @@ void LogOutputTest::addOwners()
     QTest::newRow("another user's") << false;
 }
 
-void LogOutputTest::unreadLogHoldsNothingUp_data()
+void LogOutputTest::unreadLogDoesNotBlock_data()
 {
     QTest::addColumn<Kind>("kind");
     QTest::addColumn<bool>("isOwn");
@@ -169,7 +169,7 @@ void LogOutputTest::unreadLogHoldsNothingUp_data()
     QTest::newRow("socket") << Kind::Socket << true;
 }
 
-void LogOutputTest::unreadLogHoldsNothingUp()
+void LogOutputTest::unreadLogDoesNotBlock()
 {
     QFETCH(Kind, kind);
     QFETCH(bool, isOwn);
@@ -185,7 +185,7 @@ void LogOutputTest::unreadLogHoldsNothingUp()
     QCOMPARE(::fcntl(channel.writer, F_GETFL) & O_NONBLOCK, 0);
 }
 
-void LogOutputTest::logThatIsReadMeanwhileKeepsItsOrder()
+void LogOutputTest::linesKeepTheirOrderWhileTheLogIsRead()
 {
     QFETCH(Kind, kind);
     QFETCH(bool, isOwn);
@@ -196,11 +196,11 @@ void LogOutputTest::logThatIsReadMeanwhileKeepsItsOrder()
         }
         logLines(manyLines);
     });
-    // Slowly, so that there is room for a line now and then while others wait.
+    // Slowly, so that some lines are written while others are queued.
     QCOMPARE(channel.readUntil(line(manyLines - 1), 16), lines(manyLines));
 }
 
-void LogOutputTest::stoppedTerminalHoldsNothingUp()
+void LogOutputTest::stoppedTerminalDoesNotBlock()
 {
     QFETCH(bool, isOwn);
     const Channel terminal(Kind::Terminal);
@@ -219,8 +219,8 @@ void LogOutputTest::stoppedTerminalHoldsNothingUp()
     QCOMPARE(terminal.readUntil(line(manyLines - 1)), lines(manyLines));
 }
 
-/// Another process leaves less room than a line needs, again and again.
-void LogOutputTest::linesStayWholeNextToAnotherWriter()
+/// Another process repeatedly leaves less room than a line needs.
+void LogOutputTest::linesAreNotSplitByAnotherWriter()
 {
     QFETCH(bool, isOwn);
     const Channel pipe(Kind::Pipe);
@@ -264,7 +264,7 @@ void LogOutputTest::nonBlockingPipeKeepsEveryLine()
     QCOMPARE(pipe.readUntil(line(manyLines - 1)), lines(manyLines));
 }
 
-void LogOutputTest::droppedLinesAreCountedWhenThereIsRoomAgain()
+void LogOutputTest::droppedLinesAreCountedWhenThereIsRoom()
 {
     constexpr int count = 30000;
     const Channel pipe(Kind::Pipe);
@@ -279,7 +279,7 @@ void LogOutputTest::droppedLinesAreCountedWhenThereIsRoomAgain()
     QVERIFY(read.size() <= 1024 * 1024 + capacity + text.size() + 10);
 }
 
-void LogOutputTest::lineOverTheLimitIsWritten()
+void LogOutputTest::overlongLineIsWritten()
 {
     const Channel pipe(Kind::Pipe);
     const QByteArray text(2 * 1024 * 1024, 'x');
@@ -288,14 +288,14 @@ void LogOutputTest::lineOverTheLimitIsWritten()
     QCOMPARE(pipe.readUntil("\n"), text + '\n');
 }
 
-void LogOutputTest::filesAreShared_data()
+void LogOutputTest::filesAreSharedWithOtherWriters_data()
 {
     QTest::addColumn<int>("flags");
     QTest::newRow("with append") << O_APPEND;
     QTest::newRow("without append") << 0;
 }
 
-void LogOutputTest::filesAreShared()
+void LogOutputTest::filesAreSharedWithOtherWriters()
 {
     QFETCH(int, flags);
     QTemporaryFile file;
@@ -310,7 +310,7 @@ void LogOutputTest::filesAreShared()
     QCOMPARE(file.readAll(), "before\n" + lines(10) + "after\n");
 }
 
-void LogOutputTest::patternIsAppliedAsByQt_data()
+void LogOutputTest::patternIsAppliedLikeInQt_data()
 {
     QTest::addColumn<QString>("pattern");
     QTest::newRow("the usual one") << "%{if-category}%{category}: %{endif}%{message}";
@@ -320,7 +320,7 @@ void LogOutputTest::patternIsAppliedAsByQt_data()
     QTest::newRow("nothing") << "";
 }
 
-void LogOutputTest::patternIsAppliedAsByQt()
+void LogOutputTest::patternIsAppliedLikeInQt()
 {
     QFETCH(QString, pattern);
     QByteArray written[2];
@@ -370,7 +370,7 @@ void LogOutputTest::fatalMessageWaitsForTheReader()
     QCOMPARE(process.status(), 128 + SIGABRT);
 }
 
-void LogOutputTest::unreadLogDoesNotHoldTheEndUp()
+void LogOutputTest::unreadLogDoesNotBlockTheExit()
 {
     QFETCH(Kind, kind);
     QFETCH(bool, isOwn);
@@ -385,7 +385,7 @@ void LogOutputTest::unreadLogDoesNotHoldTheEndUp()
     QCOMPARE(process.status(), 0);
 }
 
-void LogOutputTest::unwritableLogDoesNoHarm_data()
+void LogOutputTest::unwritableLogIsTolerated_data()
 {
     QTest::addColumn<int>("log");
     Channel unread(Kind::Pipe);
@@ -397,7 +397,7 @@ void LogOutputTest::unwritableLogDoesNoHarm_data()
     QTest::newRow("socket without a reader") << std::exchange(closedSocket.writer, -1);
 }
 
-void LogOutputTest::unwritableLogDoesNoHarm()
+void LogOutputTest::unwritableLogIsTolerated()
 {
     QFETCH(int, log);
     LogProcess process(log, [&] {
@@ -411,10 +411,10 @@ void LogOutputTest::unwritableLogDoesNoHarm()
     ::close(log);
 }
 
-void LogOutputTest::terminalThatStopsBackgroundWritersStopsNothing()
+void LogOutputTest::terminalThatStopsBackgroundWritersDoesNotStopTheProcess()
 {
     const Channel terminal(Kind::Terminal);
-    // The leader of a session in whose terminal the process that logs is in the background.
+    // A session leader, so that the logging process is in the background of its terminal.
     LogProcess leader(terminal.writer, [] {
         termios settings{};
         if (::setsid() == -1 || ::ioctl(STDERR_FILENO, TIOCSCTTY, 0) == -1 ||
@@ -440,7 +440,7 @@ void LogOutputTest::terminalThatStopsBackgroundWritersStopsNothing()
     QCOMPARE(terminal.readUntil(line(9)), lines(10));
 }
 
-void LogOutputTest::limitOfFileSizeEndsNothing()
+void LogOutputTest::fileSizeLimitDoesNotEndTheProcess()
 {
     QTemporaryFile file;
     QVERIFY(file.open());
@@ -454,11 +454,11 @@ void LogOutputTest::limitOfFileSizeEndsNothing()
     QCOMPARE(QFile(file.fileName()).size(), 1000);
 }
 
-void LogOutputTest::linesWaitUntilAThreadCanBeMade()
+void LogOutputTest::linesAreQueuedUntilAThreadCanBeCreated()
 {
     const Channel pipe(Kind::Pipe);
     LogProcess process(pipe.writer, [&] {
-        becomeAnotherUser(STDERR_FILENO); // there is no such limit for root
+        becomeAnotherUser(STDERR_FILENO); // root has no such limit
         rlimit usual{};
         ::getrlimit(RLIMIT_NPROC, &usual);
         const rlimit none{0, usual.rlim_max};
@@ -466,7 +466,7 @@ void LogOutputTest::linesWaitUntilAThreadCanBeMade()
         logLines(9);
         int unread = -1;
         if (::ioctl(pipe.reader, FIONREAD, &unread) == -1 || unread != 0) {
-            std::abort(); // the limit is none, or this thread wrote
+            std::abort(); // the limit did not apply, or this thread wrote
         }
         ::setrlimit(RLIMIT_NPROC, &usual);
         qCritical("%s", line(9).chopped(1).constData());

@@ -11,7 +11,7 @@
 #include <unistd.h>
 
 #ifdef __SANITIZE_ADDRESS__
-/// In a fork, what the other threads of the test hold looks lost.
+/// In a forked process, the memory of the test's other threads looks leaked.
 extern "C" int __lsan_is_turned_off()
 {
     return 1;

@@ -6,13 +6,13 @@
 
 #include <QtTest>
 
-/// The gate opens once in a process; each test function sees it later than the one before.
+/// The gate opens only once in a process, so the test functions follow its progress.
 class SystemCheckTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void gateIsClosedAtFirst();
+    void gateIsInitiallyClosed();
     void gateStaysClosedWhileADependencyIsMissing();
     void gateOpensForAWaiterWhenBothAreReady();
     void gateIsOpenForALateWaiter();
@@ -38,7 +38,7 @@ bool SystemCheckTest::isHeld()
     return !locked;
 }
 
-void SystemCheckTest::gateIsClosedAtFirst()
+void SystemCheckTest::gateIsInitiallyClosed()
 {
     QVERIFY(!isOpen());
 }
@@ -47,7 +47,7 @@ void SystemCheckTest::gateStaysClosedWhileADependencyIsMissing()
 {
     ServiceWatcher::setReady("state-handler", true);
     check.start(QThread::InheritPriority);
-    WAIT_FOR(isHeld()); // it polls under the mutex
+    WAIT_FOR(isHeld()); // the check polls while it holds the mutex
     QVERIFY(check.isRunning());
     QVERIFY(!startupGate().mutex.tryLock(200));
 }

@@ -54,7 +54,7 @@ public:
     QList<QVariantMap> commands;
 };
 
-/// The milliseconds that a line of the timer names; -1 for any other line.
+/// The milliseconds in a line of the timer; -1 for other lines.
 int timeOf(const QString& line)
 {
     const QRegularExpression pattern("^\"Console\" took (\\d+) ms$");
@@ -70,10 +70,10 @@ class ConsoleTest : public DeviceTest
 
 private Q_SLOTS:
     void init() { start(StateId::Idle, {longRow("Menu", 2, "Idle", "MainMenu")}); }
-    void linesThatAreNoCommandPrintTheGeneralHelp_data();
-    void linesThatAreNoCommandPrintTheGeneralHelp();
-    void commandListIsInTheOrderOfNames_data();
-    void commandListIsInTheOrderOfNames();
+    void unknownLinesPrintTheGeneralHelp_data();
+    void unknownLinesPrintTheGeneralHelp();
+    void commandListIsSortedByName_data();
+    void commandListIsSortedByName();
     void parameterListHasActionsAndKeys_data();
     void parameterListHasActionsAndKeys();
     void helpOfARunnableCommandShowsItsParameters_data();
@@ -83,19 +83,19 @@ private Q_SLOTS:
     void simulatedKeyIsSentByTheDaemonItself();
     void notificationIsPrintedInItsCategory();
     void notificationIsNotPrintedByDefault();
-    void incompleteNotificationIsReportedWithTheOddPrefix_data();
-    void incompleteNotificationIsReportedWithTheOddPrefix();
+    void incompleteNotificationIsReportedWithItsPrefix_data();
+    void incompleteNotificationIsReportedWithItsPrefix();
     void everyLineIsTimed_data();
     void faultsAreCriticalAndAnswersAreNot_data();
     void faultsAreCriticalAndAnswersAreNot();
-    void commandMapIsThatOfTheBus();
-    void unknownNumbersAreEmptyTextsOfTheMap();
+    void commandMapEqualsThatOfTheBus();
+    void unknownNumbersAreEmptyStringsInTheMap();
     void everyLineIsTimed();
-    void timeIsThatOfTheWholeLine();
-    void keepsWorkingAfterRubbish();
+    void timeCoversTheWholeLine();
+    void worksAfterInvalidLines();
 };
 
-void ConsoleTest::linesThatAreNoCommandPrintTheGeneralHelp_data()
+void ConsoleTest::unknownLinesPrintTheGeneralHelp_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QStringList>("before");
@@ -112,10 +112,10 @@ void ConsoleTest::linesThatAreNoCommandPrintTheGeneralHelp_data()
     QTest::newRow("HELP and a hexadecimal number") << "HELP 0x4" << badArgument;
     QTest::newRow("HELP C and a word") << "HELP C 4" << badArgument;
     QTest::newRow("HELP S and a word") << "HELP S 4" << badArgument;
-    QTest::newRow("HELP grown together")
+    QTest::newRow("HELP without a blank")
         << "HELPC" << QStringList{"log No arguments received for help.", emptyLine};
     QTest::newRow("HELP of a command that is listed only") << "HELP 5" << notFound;
-    QTest::newRow("HELP of no command") << "HELP 99" << notFound;
+    QTest::newRow("HELP of an unknown command") << "HELP 99" << notFound;
     QTest::newRow("HELP of a negative number") << "HELP -1" << notFound;
     QTest::newRow("C alone") << "C"
                              << QStringList{"log No arguments received for command action.", emptyLine};
@@ -125,12 +125,12 @@ void ConsoleTest::linesThatAreNoCommandPrintTheGeneralHelp_data()
     QTest::newRow("C and a word") << "C four" << badArgument;
     QTest::newRow("C and a number beyond 32 bits") << "C 4294967300" << badArgument;
     QTest::newRow("any word with C and a word") << "call me" << badArgument;
-    QTest::newRow("parameter that is no number")
+    QTest::newRow("parameter that is not a number")
         << "C 7 1 Menu" << QStringList{"log Parameters must be of integer type.", emptyLine};
     QTest::newRow("first bad parameter only")
         << "C 7 x y" << QStringList{"log Parameters must be of integer type.", emptyLine};
-    QTest::newRow("parameter too many") << "C 4 1" << wrongCount("GetLastKey");
-    QTest::newRow("parameter too many for the times") << "C 3 1" << wrongCount("GetLongKeysTimeout");
+    QTest::newRow("too many parameters") << "C 4 1" << wrongCount("GetLastKey");
+    QTest::newRow("too many parameters for the times") << "C 3 1" << wrongCount("GetLongKeysTimeout");
     QTest::newRow("one parameter for SimulateKey") << "C 7 1" << wrongCount("SimulateKey");
     QTest::newRow("three parameters for SimulateKey") << "C 7 1 139 2" << wrongCount("SimulateKey");
     QTest::newRow("command that is listed only") << "C 5" << notFound + wrongCount("StartTestMode");
@@ -138,7 +138,7 @@ void ConsoleTest::linesThatAreNoCommandPrintTheGeneralHelp_data()
     QTest::newRow("no command") << "C 99" << notFound + wrongCount("");
 }
 
-void ConsoleTest::linesThatAreNoCommandPrintTheGeneralHelp()
+void ConsoleTest::unknownLinesPrintTheGeneralHelp()
 {
     QFETCH(QString, line);
     QFETCH(QStringList, before);
@@ -146,7 +146,7 @@ void ConsoleTest::linesThatAreNoCommandPrintTheGeneralHelp()
     QCOMPARE(device->take(), before + generalHelp);
 }
 
-void ConsoleTest::commandListIsInTheOrderOfNames_data()
+void ConsoleTest::commandListIsSortedByName_data()
 {
     QTest::addColumn<QString>("line");
     QTest::newRow("as shown") << "HELP C";
@@ -154,7 +154,7 @@ void ConsoleTest::commandListIsInTheOrderOfNames_data()
     QTest::newRow("many blanks") << "HELP \t   C  ";
 }
 
-void ConsoleTest::commandListIsInTheOrderOfNames()
+void ConsoleTest::commandListIsSortedByName()
 {
     QFETCH(QString, line);
     device->typeLine(line);
@@ -189,7 +189,7 @@ void ConsoleTest::helpOfARunnableCommandShowsItsParameters_data()
     QTest::newRow("last key") << "HELP 4" << QStringList{"log \"GetLastKey\" params: [None]", emptyLine};
     QTest::newRow("times") << "HELP 3" << QStringList{"log \"GetLongKeysTimeout\" params: [None]", emptyLine};
     QTest::newRow("with a sign") << "HELP +4" << QStringList{"log \"GetLastKey\" params: [None]", emptyLine};
-    QTest::newRow("further words do not count")
+    QTest::newRow("further words are ignored")
         << "HELP 4 5" << QStringList{"log \"GetLastKey\" params: [None]", emptyLine};
     QTest::newRow("simulation") << "HELP 7"
                                 << QStringList{"log \"SimulateKey\" params: [KeyActionId id] [KeyId id]",
@@ -257,7 +257,7 @@ void ConsoleTest::notificationIsNotPrintedByDefault()
     QCOMPARE(device->take(), QStringList{"announce SingleKey UserMenu - Menu"});
 }
 
-void ConsoleTest::incompleteNotificationIsReportedWithTheOddPrefix_data()
+void ConsoleTest::incompleteNotificationIsReportedWithItsPrefix_data()
 {
     QTest::addColumn<QString>("missing");
     for (const char* key : {"notificationId", "actionId", "senderId"}) {
@@ -265,7 +265,7 @@ void ConsoleTest::incompleteNotificationIsReportedWithTheOddPrefix_data()
     }
 }
 
-void ConsoleTest::incompleteNotificationIsReportedWithTheOddPrefix()
+void ConsoleTest::incompleteNotificationIsReportedWithItsPrefix()
 {
     QFETCH(QString, missing);
     QVariantMap map{{notificationIdKey, "KeyboardChange"}, {actionIdKey, "A"}, {senderIdKey, ""}};
@@ -302,7 +302,7 @@ void ConsoleTest::everyLineIsTimed()
     QVERIFY2(timeOf(last.text) >= 0, qPrintable(last.text));
 }
 
-void ConsoleTest::timeIsThatOfTheWholeLine()
+void ConsoleTest::timeCoversTheWholeLine()
 {
     RecordingHandler handler(nullptr);
     auto* console = new Console(&handler);
@@ -314,7 +314,7 @@ void ConsoleTest::timeIsThatOfTheWholeLine()
     QVERIFY2(timeOf(last) >= processMs, qPrintable(last));
 }
 
-void ConsoleTest::keepsWorkingAfterRubbish()
+void ConsoleTest::worksAfterInvalidLines()
 {
     device->typeLine(QString(70000, 'C'));
     device->typeLine(QString::fromUtf8("C \xc3\xa9 \xe2\x82\xac"));
@@ -349,7 +349,7 @@ void ConsoleTest::faultsAreCriticalAndAnswersAreNot()
     QCOMPARE(log.texts(QtDebugMsg).size() + log.texts(QtCriticalMsg).size(), log.lines().size());
 }
 
-void ConsoleTest::commandMapIsThatOfTheBus()
+void ConsoleTest::commandMapEqualsThatOfTheBus()
 {
     RecordingHandler handler(nullptr);
     auto* console = new Console(&handler);
@@ -363,7 +363,7 @@ void ConsoleTest::commandMapIsThatOfTheBus()
     QCOMPARE(handler.commands, QList<QVariantMap>{expected});
 }
 
-void ConsoleTest::unknownNumbersAreEmptyTextsOfTheMap()
+void ConsoleTest::unknownNumbersAreEmptyStringsInTheMap()
 {
     RecordingHandler handler(nullptr);
     auto* console = new Console(&handler);

@@ -14,7 +14,7 @@ class EmbosserTest : public QObject
 private Q_SLOTS:
     void modelIsReadFromTheConfiguration_data();
     void modelIsReadFromTheConfiguration();
-    void missingConfigurationIsThePellitModel();
+    void missingConfigurationMeansPellit();
 };
 
 void EmbosserTest::modelIsReadFromTheConfiguration_data()
@@ -24,7 +24,7 @@ void EmbosserTest::modelIsReadFromTheConfiguration_data()
     QTest::newRow("Orvane") << QByteArray(R"({"model": "Orvane"})") << true;
     QTest::newRow("Pellit") << QByteArray(R"({"model": "Pellit"})") << false;
     QTest::newRow("another") << QByteArray(R"({"model": "orvane"})") << false;
-    QTest::newRow("rubbish") << QByteArray("Orvane") << false;
+    QTest::newRow("invalid") << QByteArray("Orvane") << false;
 }
 
 void EmbosserTest::modelIsReadFromTheConfiguration()
@@ -35,11 +35,11 @@ void EmbosserTest::modelIsReadFromTheConfiguration()
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(configuration);
     file.close();
-    // There is no bus in this test: without the check of the connection the file alone answers.
+    // This test has no bus, so the connection is not checked and only the file is read.
     QTEST(libvantre::Singleton<detail::Embosser>::instance()->isOrvane(), "isOrvane");
 }
 
-void EmbosserTest::missingConfigurationIsThePellitModel()
+void EmbosserTest::missingConfigurationMeansPellit()
 {
     QFile::remove("/var/lib/configuration-manager/configuration.json");
     QVERIFY(!libvantre::Singleton<detail::Embosser>::instance()->isOrvane());

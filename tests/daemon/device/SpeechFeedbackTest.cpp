@@ -31,23 +31,23 @@ private Q_SLOTS:
     void initTestCase();
     void init();
     void cleanup();
-    void requestNamesFileAndSentence();
-    void argumentsAreSentOnlyWhenThereAreAny();
+    void requestHasFileAndSentence();
+    void emptyArgumentsAreNotSent();
     void nothingIsSentBeforeTheEventLoopRuns();
     void requestsKeepTheirOrder();
-    void cancelIsSentThoughNothingIsSpoken();
-    void unknownSentenceIsSentAndHasNoName();
+    void cancelIsSentWithoutSpeech();
+    void unknownSentenceIsSentWithoutName();
     void sentencesAreTracedByName_data();
     void sentencesAreTracedByName();
     void nothingIsTracedByDefault();
-    void connectionIsPassedOnAndTraced();
+    void connectionIsForwardedAndTraced();
     void disconnectionIsOnlyTraced();
     void shutdownCancelsSpeech();
-    void thereIsOneOfEach();
+    void singletonsAreUnique();
 
 private:
     detail::SpeechFeedback* speech = nullptr;
-    QVariantList sent; // request maps; a cancellation is the text "cancel"
+    QVariantList sent; // request maps, and "cancel" for cancellations
 };
 
 void SpeechFeedbackTest::initTestCase()
@@ -67,7 +67,7 @@ void SpeechFeedbackTest::cleanup()
     QLoggingCategory::setFilterRules({});
 }
 
-void SpeechFeedbackTest::requestNamesFileAndSentence()
+void SpeechFeedbackTest::requestHasFileAndSentence()
 {
     speech->speakFromId(EmbosserCore::KeyUp);
     speech->speakFromId(EmbosserError::StartingUp);
@@ -81,7 +81,7 @@ void SpeechFeedbackTest::requestNamesFileAndSentence()
     QCOMPARE(sent.first().toMap().value("sentenceId").type(), QVariant::Int);
 }
 
-void SpeechFeedbackTest::argumentsAreSentOnlyWhenThereAreAny()
+void SpeechFeedbackTest::emptyArgumentsAreNotSent()
 {
     speech->speakFromId(EmbosserCore::KeyUp, {"a", "b"});
     speech->speakFromId(EmbosserCore::KeyUp, {});
@@ -112,7 +112,7 @@ void SpeechFeedbackTest::requestsKeepTheirOrder()
     QCOMPARE(sent.at(2).toMap().value("sentenceId"), QVariant(25));
 }
 
-void SpeechFeedbackTest::cancelIsSentThoughNothingIsSpoken()
+void SpeechFeedbackTest::cancelIsSentWithoutSpeech()
 {
     QLoggingCategory::setFilterRules("SpeechFeedback.speak.debug=true");
     const LogRecorder log;
@@ -122,7 +122,7 @@ void SpeechFeedbackTest::cancelIsSentThoughNothingIsSpoken()
     QCOMPARE(sent, QVariantList{"cancel"});
 }
 
-void SpeechFeedbackTest::unknownSentenceIsSentAndHasNoName()
+void SpeechFeedbackTest::unknownSentenceIsSentWithoutName()
 {
     QLoggingCategory::setFilterRules("SpeechFeedback.speak.debug=true");
     const LogRecorder log;
@@ -170,7 +170,7 @@ void SpeechFeedbackTest::nothingIsTracedByDefault()
     QCOMPARE(sent.size(), 2);
 }
 
-void SpeechFeedbackTest::connectionIsPassedOnAndTraced()
+void SpeechFeedbackTest::connectionIsForwardedAndTraced()
 {
     QLoggingCategory::setFilterRules("SpeechFeedback.debug=true");
     QSignalSpy spy(speech, &detail::SpeechFeedback::connected);
@@ -201,7 +201,7 @@ void SpeechFeedbackTest::shutdownCancelsSpeech()
     QCOMPARE(sent, QVariantList{"cancel"});
 }
 
-void SpeechFeedbackTest::thereIsOneOfEach()
+void SpeechFeedbackTest::singletonsAreUnique()
 {
     QCOMPARE(libvantre::Singleton<detail::SpeechFeedback>::instance(), speech);
     QCOMPARE(speech->parent(), nullptr);

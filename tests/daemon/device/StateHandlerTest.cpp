@@ -11,19 +11,19 @@ class StateHandlerTest : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void queryNamesThisServiceAsSender();
-    void properAnswersGiveTheState_data();
-    void properAnswersGiveTheState();
-    void improperAnswersGiveUndefined_data();
-    void improperAnswersGiveUndefined();
+    void queryHasThisServiceAsSender();
+    void validAnswersGiveTheState_data();
+    void validAnswersGiveTheState();
+    void invalidAnswersGiveUndefined_data();
+    void invalidAnswersGiveUndefined();
     void queryEmitsNothing();
     void everyValidStateIsEmitted_data();
     void everyValidStateIsEmitted();
     void sameStateIsEmittedAgain();
     void incompleteNotificationIsRefused_data();
     void incompleteNotificationIsRefused();
-    void otherNotificationsAreIgnoredSilently_data();
-    void otherNotificationsAreIgnoredSilently();
+    void otherNotificationsAreIgnored_data();
+    void otherNotificationsAreIgnored();
     void unknownStatesAreRefused_data();
     void unknownStatesAreRefused();
     void floodOfNotificationsLosesNone();
@@ -54,7 +54,7 @@ QVariantMap StateHandlerTest::stateChange(const QVariant& state)
     return {{"notificationId", "StateChange"}, {"actionId", "x"}, {"senderId", "y"}, {"stateId", state}};
 }
 
-void StateHandlerTest::queryNamesThisServiceAsSender()
+void StateHandlerTest::queryHasThisServiceAsSender()
 {
     FakeStateHandler::setState("Idle");
     handler->getState();
@@ -62,7 +62,7 @@ void StateHandlerTest::queryNamesThisServiceAsSender()
     QCOMPARE(FakeStateHandler::takeRequests(), QList<QVariantMap>{request});
 }
 
-void StateHandlerTest::properAnswersGiveTheState_data()
+void StateHandlerTest::validAnswersGiveTheState_data()
 {
     QTest::addColumn<QVariantMap>("reply");
     QTest::addColumn<QString>("state");
@@ -70,21 +70,21 @@ void StateHandlerTest::properAnswersGiveTheState_data()
                                             {"errorId", "Undefined"},
                                             {"stateId", "Print"}}
                              << "Print";
-    QTest::newRow("failure that carries a state")
+    QTest::newRow("failure with a state")
         << QVariantMap{{"resultId", "Failure"}, {"errorId", "ServiceError"}, {"stateId", "Error"}} << "Error";
-    QTest::newRow("result and error of no value")
+    QTest::newRow("result and error with other values")
         << QVariantMap{{"resultId", QVariant()}, {"errorId", QVariant()}, {"stateId", "PrintOff"}}
         << "PrintOff";
 }
 
-void StateHandlerTest::properAnswersGiveTheState()
+void StateHandlerTest::validAnswersGiveTheState()
 {
     QFETCH(QVariantMap, reply);
     FakeStateHandler::setReply(reply);
     QTEST(QString(handler->getState()), "state");
 }
 
-void StateHandlerTest::improperAnswersGiveUndefined_data()
+void StateHandlerTest::invalidAnswersGiveUndefined_data()
 {
     QTest::addColumn<QVariantMap>("reply");
     QTest::addColumn<QString>("text");
@@ -95,7 +95,7 @@ void StateHandlerTest::improperAnswersGiveUndefined_data()
         return map;
     };
     QTest::newRow("nothing") << QVariantMap{} << "invalid result!";
-    QTest::newRow("no error, though a state")
+    QTest::newRow("a state without an error")
         << QVariantMap{{"resultId", "Success"}, {"stateId", "Idle"}} << "invalid result!";
     QTest::newRow("no result") << QVariantMap{{"errorId", "Undefined"}, {"stateId", "Idle"}}
                                << "invalid result!";
@@ -107,7 +107,7 @@ void StateHandlerTest::improperAnswersGiveUndefined_data()
     QTest::newRow("number for a state") << withState(2) << "invalid state \"2\"";
 }
 
-void StateHandlerTest::improperAnswersGiveUndefined()
+void StateHandlerTest::invalidAnswersGiveUndefined()
 {
     QFETCH(QVariantMap, reply);
     QFETCH(QString, text);
@@ -163,7 +163,7 @@ void StateHandlerTest::incompleteNotificationIsRefused()
     QCOMPARE(states, QStringList{});
 }
 
-void StateHandlerTest::otherNotificationsAreIgnoredSilently_data()
+void StateHandlerTest::otherNotificationsAreIgnored_data()
 {
     QTest::addColumn<QString>("identifier");
     QTest::newRow("another") << "PaperOut";
@@ -171,7 +171,7 @@ void StateHandlerTest::otherNotificationsAreIgnoredSilently_data()
     QTest::newRow("empty") << "";
 }
 
-void StateHandlerTest::otherNotificationsAreIgnoredSilently()
+void StateHandlerTest::otherNotificationsAreIgnored()
 {
     QFETCH(QString, identifier);
     QVariantMap notification = stateChange("Idle");

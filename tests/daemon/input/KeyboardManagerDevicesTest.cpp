@@ -3,7 +3,7 @@
 
 #include <QFile>
 
-/// Devices that cannot be opened when the daemon starts.
+/// Tests input devices that cannot be opened at the daemon's start.
 class KeyboardManagerDevicesTest : public DeviceTest
 {
     Q_OBJECT
@@ -13,10 +13,10 @@ private Q_SLOTS:
     void keysOfTheOtherDeviceWork();
     void simulatedKeysNeedTheFirstDevice_data();
     void simulatedKeysNeedTheFirstDevice();
-    void runsOnWithoutAnyDevice();
+    void worksWithoutDevices();
 
 private:
-    /// Starts without these input devices; returns what is logged then.
+    /// Starts without these input devices; returns the log.
     QStringList startWithout(const QVector<int>& missing);
     static QString errorOf(int missing)
     {
@@ -67,7 +67,7 @@ void KeyboardManagerDevicesTest::simulatedKeysNeedTheFirstDevice()
     QCOMPARE(device->take().filter("announce"), missing == 0 ? QStringList() : announced);
 }
 
-void KeyboardManagerDevicesTest::runsOnWithoutAnyDevice()
+void KeyboardManagerDevicesTest::worksWithoutDevices()
 {
     QCOMPARE(startWithout({0, 1}), QStringList({errorOf(0), errorOf(1)}));
     const QVariantMap command{

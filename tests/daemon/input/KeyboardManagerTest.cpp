@@ -2,7 +2,7 @@
 #include "tests/support/LogRecorder.h"
 #include "tests/virtual/DeviceTest.h"
 
-/// What the key scripts of tests/golden cannot say: states and rows that they do not accept, and traces.
+/// Tests what key scripts cannot express: states and rows that they do not accept, and traces.
 class KeyboardManagerTest : public DeviceTest
 {
     Q_OBJECT
@@ -10,18 +10,18 @@ class KeyboardManagerTest : public DeviceTest
 private Q_SLOTS:
     void unknownStateSendsAtOnceToTheReceiversOfIdle();
     void keysAreTracedInTheirCategory();
-    void releaseIsTracedBehindItsGesture();
+    void releaseIsTracedAfterItsGesture();
     void keysAreNotTracedWhileStartingUp();
-    void modelIsAskedOnlyAtTheStart();
+    void modelIsReadOnlyAtTheStart();
     void statesOfARowAreComparedExactly_data();
     void statesOfARowAreComparedExactly();
     void rowWithoutReceiverIsAnnounced();
 
 private:
-    /// The lines that are logged while Up is held until it repeats, with traces.
+    /// The log, with traces, while Up is held until it repeats.
     QVector<LogLine> traced();
-    /// What comes of Function and Up for a shortcut row of the two.
-    QStringList pressedPair(const KeyRow& row);
+    /// Presses Function and Up with a shortcut row of these keys; returns the observations.
+    QStringList pressPair(const KeyRow& row);
 };
 
 QVector<LogLine> KeyboardManagerTest::traced()
@@ -33,7 +33,7 @@ QVector<LogLine> KeyboardManagerTest::traced()
     return log.lines();
 }
 
-QStringList KeyboardManagerTest::pressedPair(const KeyRow& row)
+QStringList KeyboardManagerTest::pressPair(const KeyRow& row)
 {
     start(StateId::Idle, {row});
     device->press(KeyId::Function);
@@ -60,7 +60,7 @@ void KeyboardManagerTest::keysAreTracedInTheirCategory()
     QCOMPARE(traced(), expected);
 }
 
-void KeyboardManagerTest::releaseIsTracedBehindItsGesture()
+void KeyboardManagerTest::releaseIsTracedAfterItsGesture()
 {
     start(StateId::Idle, {modifierRow({"Chs", "Ok"}, "Idle", "Set")});
     device->tap(KeyId::Chs);
@@ -79,7 +79,7 @@ void KeyboardManagerTest::keysAreNotTracedWhileStartingUp()
     QCOMPARE(traced(), {});
 }
 
-void KeyboardManagerTest::modelIsAskedOnlyAtTheStart()
+void KeyboardManagerTest::modelIsReadOnlyAtTheStart()
 {
     start(StateId::Idle, {}, "Orvane");
     device->setModel("Pellit");
@@ -98,14 +98,14 @@ void KeyboardManagerTest::statesOfARowAreComparedExactly_data()
 void KeyboardManagerTest::statesOfARowAreComparedExactly()
 {
     QFETCH(QString, state);
-    QCOMPARE(pressedPair(shortcutRow({"Function", "Up"}, state, "Louder")),
+    QCOMPARE(pressPair(shortcutRow({"Function", "Up"}, state, "Louder")),
              QStringList{"log KeyboardManager::onEvent WARN: Expected state is:  \"" + state +
                          "\" , but current state is:  \"Idle\" !?"});
 }
 
 void KeyboardManagerTest::rowWithoutReceiverIsAnnounced()
 {
-    QCOMPARE(pressedPair(shortcutRow({"Function", "Up"}, "Idle", "Louder", "")),
+    QCOMPARE(pressPair(shortcutRow({"Function", "Up"}, "Idle", "Louder", "")),
              QStringList{"announce Louder - - Function Up"});
 }
 

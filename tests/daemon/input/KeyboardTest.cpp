@@ -47,16 +47,16 @@ private Q_SLOTS:
     void recordHasTheSizeOfTheWordWidth();
     void isClosedUntilOpened();
     void openDeviceIsOpenedAgain();
-    void missingDeviceIsReportedAndMayComeLater();
-    void everyRecordIsEmittedNotOnlyKeys();
+    void missingDeviceIsReportedAndMayAppearLater();
+    void recordsOfAllTypesAreEmitted();
     void partOfARecordIsDropped();
     void burstWithPartialRecordsLosesNoWholeRecord();
     void oneNotificationDrainsTheDevice();
     void oneReadTakes32Records();
-    void interruptedReadIsRepeated();
+    void interruptedReadIsRetried();
     void filterDropsRecords();
     void readErrorIsReportedAndTheDeviceStaysWatched();
-    void endOfFileIsWarnedOf();
+    void endOfFileIsReported();
     void writtenRecordIsReportedAsPartial();
     void writeErrorIsReported();
     void simulatedKeysAreEmitted_data();
@@ -65,16 +65,16 @@ private Q_SLOTS:
     void simulatedKeyBypassesFilterAndDevice();
     void keysAreNamed_data();
     void keysAreNamed();
-    void lastEventIsWhatWasStored();
-    void descriptorIsClosedInTheEnd();
+    void lastEventIsTheStoredOne();
+    void descriptorIsClosedOnDestruction();
     void descriptorIsNotInherited();
-    void emptyNameKeepsTheErrorBefore();
+    void emptyNameKeepsThePreviousError();
     void simulatedKeyHasNoTime();
 
 private:
     static input_event record(int type, int code, int value);
     void write(const QByteArray& bytes);
-    /// Has one notification read these, of which each read takes one and drops what has no room.
+    /// Makes these packets readable in one notification; each read takes one and truncates it.
     void read(const QList<QByteArray>& packets);
     static QByteArray bytes(const input_event& event);
     QString path(const char* name) const { return folder->filePath(name); }
@@ -160,7 +160,7 @@ void KeyboardTest::openDeviceIsOpenedAgain()
     QVERIFY(!keyboard->isOpen());
 }
 
-void KeyboardTest::missingDeviceIsReportedAndMayComeLater()
+void KeyboardTest::missingDeviceIsReportedAndMayAppearLater()
 {
     Keyboard late(path("event7"));
     const QString error = "Unable to open device " + path("event7") + ": No such file or directory";
@@ -173,7 +173,7 @@ void KeyboardTest::missingDeviceIsReportedAndMayComeLater()
     QVERIFY(late.open());
 }
 
-void KeyboardTest::everyRecordIsEmittedNotOnlyKeys()
+void KeyboardTest::recordsOfAllTypesAreEmitted()
 {
     keyboard->open();
     write(bytes(record(EV_MSC, MSC_SCAN, 7)) + bytes(record(EV_KEY, KEY_UP, 1)) +
@@ -193,7 +193,7 @@ void KeyboardTest::partOfARecordIsDropped()
 void KeyboardTest::burstWithPartialRecordsLosesNoWholeRecord()
 {
     keyboard->open();
-    constexpr int maxRecords = 100; // more than one read takes
+    constexpr int maxRecords = 100; // more than in one read
     int sent = 0;
     for (int i = 0; i < 2000; ++i) {
         const int count = i % maxRecords;
@@ -217,7 +217,7 @@ void KeyboardTest::oneReadTakes32Records()
     QCOMPARE(events.size(), 32);
 }
 
-void KeyboardTest::interruptedReadIsRepeated()
+void KeyboardTest::interruptedReadIsRetried()
 {
     struct sigaction action = {};
     action.sa_handler = [](int) {}; // without SA_RESTART
@@ -268,7 +268,7 @@ void KeyboardTest::readErrorIsReportedAndTheDeviceStaysWatched()
     QCOMPARE(events, QStringList{"1 103 1"});
 }
 
-void KeyboardTest::endOfFileIsWarnedOf()
+void KeyboardTest::endOfFileIsReported()
 {
     keyboard->open();
     const int empty = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
@@ -290,7 +290,7 @@ void KeyboardTest::writtenRecordIsReportedAsPartial()
              criticalLine("Keyboard::write ERROR: Partial write to device " + path("event0") + "."));
     QCOMPARE(keyboard->errorString(), QString());
     QCoreApplication::processEvents();
-    QCOMPARE(events, QStringList{"1 103 1"}); // written whole: a FIFO hands it back
+    QCOMPARE(events, QStringList{"1 103 1"}); // completely written, and read back from the FIFO
 }
 
 void KeyboardTest::writeErrorIsReported()
@@ -374,7 +374,7 @@ void KeyboardTest::keysAreNamed()
     QTEST(Keyboard::keyOf(ls::KeyEvent(record(type, code, 1))), "key");
 }
 
-void KeyboardTest::lastEventIsWhatWasStored()
+void KeyboardTest::lastEventIsTheStoredOne()
 {
     QVERIFY(!keyboard->lastEvent().isKey());
     keyboard->setLastEvent(ls::KeyEvent(record(EV_KEY, KEY_DOWN, 0)));
@@ -382,7 +382,7 @@ void KeyboardTest::lastEventIsWhatWasStored()
     QCOMPARE(keyboard->lastEvent().code(), quint16(KEY_DOWN));
 }
 
-void KeyboardTest::descriptorIsClosedInTheEnd()
+void KeyboardTest::descriptorIsClosedOnDestruction()
 {
     const int before = ProcessFigures::ownDescriptors();
     keyboard->open();
@@ -402,10 +402,10 @@ void KeyboardTest::descriptorIsNotInherited()
             QVERIFY(::fcntl(name.toInt(), F_GETFD) & FD_CLOEXEC);
         }
     }
-    QCOMPARE(found, 2); // the writer's and the device's
+    QCOMPARE(found, 2); // those of the writer and the device
 }
 
-void KeyboardTest::emptyNameKeepsTheErrorBefore()
+void KeyboardTest::emptyNameKeepsThePreviousError()
 {
     Keyboard late(path("event7"));
     LogRecorder log;

@@ -10,15 +10,15 @@ class KeyEntryTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void entryHandsOutWhatItWasMadeOf();
-    void singleKeyIsFirstAndLast();
+    void entryReturnsItsFields();
+    void onlyKeyIsFirstAndLast();
     void rowWithoutKeysIsInvalidAndSafe();
-    void clearedEntryIsIdleButKeepsItsStates();
+    void clearedEntryKeepsItsStates();
     void sectionsAndConditionsAreNamed_data();
     void sectionsAndConditionsAreNamed();
 };
 
-void KeyEntryTest::entryHandsOutWhatItWasMadeOf()
+void KeyEntryTest::entryReturnsItsFields()
 {
     const KeyEntry entry({"Menu", "Up", "Down"}, "Act", 2000, "UserMenu", "Idle|Print");
     QCOMPARE(entry.keys(), (QStringList{"Menu", "Up", "Down"}));
@@ -32,7 +32,7 @@ void KeyEntryTest::entryHandsOutWhatItWasMadeOf()
     QVERIFY(entry.isValid());
 }
 
-void KeyEntryTest::singleKeyIsFirstAndLast()
+void KeyEntryTest::onlyKeyIsFirstAndLast()
 {
     const KeyEntry entry({"Help"}, {}, 0, {}, {});
     QCOMPARE(entry.firstKey(), entry.lastKey());
@@ -47,7 +47,7 @@ void KeyEntryTest::rowWithoutKeysIsInvalidAndSafe()
     QCOMPARE(entry.timeout(), 0);
 }
 
-void KeyEntryTest::clearedEntryIsIdleButKeepsItsStates()
+void KeyEntryTest::clearedEntryKeepsItsStates()
 {
     KeyEntry entry({"Menu"}, "Act", 2000, "UserMenu", "Idle|Print");
     entry.clear();

@@ -35,23 +35,23 @@ class KeyListFileTest : public QObject
 private Q_SLOTS:
     void init() { QVERIFY(QDir().mkpath(QFileInfo(path).path())); }
     void cleanup() { QFile::remove(path); }
-    void missingFileGivesTwoLines_data();
-    void missingFileGivesTwoLines();
-    void missingSectionGivesOneLine();
-    void sectionThatIsNoListGivesTheConversionLine_data();
-    void sectionThatIsNoListGivesTheConversionLine();
-    void elementsThatAreNoObjectsAreSkipped();
+    void missingFileLogsTwoLines_data();
+    void missingFileLogsTwoLines();
+    void missingSectionLogsOneLine();
+    void sectionThatIsNotAListLogsTheConversion_data();
+    void sectionThatIsNotAListLogsTheConversion();
+    void otherElementsThanObjectsAreSkipped();
     void missingFieldsAreEmpty();
-    void rowsAreKeptAsWritten();
+    void rowsAreUnchanged();
     void fieldsOfOtherTypesAreConverted();
-    void timeoutIsInSecondsAndStaysWithin32Bits_data();
-    void timeoutIsInSecondsAndStaysWithin32Bits();
-    void timeoutIsIgnoredWhereItHasNoMeaning_data();
-    void timeoutIsIgnoredWhereItHasNoMeaning();
+    void timeoutIsInSecondsAndLimitedTo32Bits_data();
+    void timeoutIsInSecondsAndLimitedTo32Bits();
+    void timeoutIsIgnoredInOtherSections_data();
+    void timeoutIsIgnoredInOtherSections();
     void contentIsTheWholeFile();
     void filesOverTheLimitAreNotRead_data();
     void filesOverTheLimitAreNotRead();
-    void aFifoIsLeftToTheReader();
+    void fifoIsNotRejectedByTheLimit();
 
 private:
     KeyListFile loaded(const QVariantMap& content, Section section = Section::LongKeys);
@@ -68,7 +68,7 @@ KeyListFile KeyListFileTest::loaded(const QVariantMap& content, Section section)
                              "void LongKey::load(ls::IReader&)");
 }
 
-void KeyListFileTest::missingFileGivesTwoLines_data()
+void KeyListFileTest::missingFileLogsTwoLines_data()
 {
     QTest::addColumn<QString>("className");
     QTest::addColumn<QString>("file");
@@ -84,7 +84,7 @@ void KeyListFileTest::missingFileGivesTwoLines_data()
                               << "ShortcutKeys";
 }
 
-void KeyListFileTest::missingFileGivesTwoLines()
+void KeyListFileTest::missingFileLogsTwoLines()
 {
     QFETCH(QString, className);
     QFETCH(QString, file);
@@ -102,7 +102,7 @@ void KeyListFileTest::missingFileGivesTwoLines()
                                             errorLine(prefix + "value list " + section + " not found!.")}));
 }
 
-void KeyListFileTest::missingSectionGivesOneLine()
+void KeyListFileTest::missingSectionLogsOneLine()
 {
     const LogRecorder log;
     const KeyListFile file = loaded({{"longkeys", QVariantList{row(1)}}});
@@ -111,7 +111,7 @@ void KeyListFileTest::missingSectionGivesOneLine()
     QVERIFY(file.content.isEmpty());
 }
 
-void KeyListFileTest::sectionThatIsNoListGivesTheConversionLine_data()
+void KeyListFileTest::sectionThatIsNotAListLogsTheConversion_data()
 {
     QTest::addColumn<QVariant>("section");
     QTest::newRow("object") << QVariant(QVariantMap{{"keys", "Up"}});
@@ -121,7 +121,7 @@ void KeyListFileTest::sectionThatIsNoListGivesTheConversionLine_data()
     QTest::newRow("null") << QVariant::fromValue(nullptr);
 }
 
-void KeyListFileTest::sectionThatIsNoListGivesTheConversionLine()
+void KeyListFileTest::sectionThatIsNotAListLogsTheConversion()
 {
     QFETCH(QVariant, section);
     const LogRecorder log;
@@ -131,7 +131,7 @@ void KeyListFileTest::sectionThatIsNoListGivesTheConversionLine()
     QVERIFY(file.content.isEmpty());
 }
 
-void KeyListFileTest::elementsThatAreNoObjectsAreSkipped()
+void KeyListFileTest::otherElementsThanObjectsAreSkipped()
 {
     const QVariantMap first{{"keys", QStringList{"Up"}}};
     const QVariantMap third{{"keys", QStringList{"Down"}}};
@@ -155,7 +155,7 @@ void KeyListFileTest::missingFieldsAreEmpty()
     QCOMPARE(entry.timeout(), 0);
 }
 
-void KeyListFileTest::rowsAreKeptAsWritten()
+void KeyListFileTest::rowsAreUnchanged()
 {
     const QVariantMap odd{{"keys", QStringList{"NoSuchKey"}},
                           {"eAction", "A"},
@@ -184,7 +184,7 @@ void KeyListFileTest::fieldsOfOtherTypesAreConverted()
     QCOMPARE(log.lines(), {});
 }
 
-void KeyListFileTest::timeoutIsInSecondsAndStaysWithin32Bits_data()
+void KeyListFileTest::timeoutIsInSecondsAndLimitedTo32Bits_data()
 {
     QTest::addColumn<QVariant>("timeout");
     QTest::addColumn<int>("milliseconds");
@@ -203,21 +203,21 @@ void KeyListFileTest::timeoutIsInSecondsAndStaysWithin32Bits_data()
     QTest::newRow("far below") << QVariant(-1e300) << -2147483000;
 }
 
-void KeyListFileTest::timeoutIsInSecondsAndStaysWithin32Bits()
+void KeyListFileTest::timeoutIsInSecondsAndLimitedTo32Bits()
 {
     QFETCH(QVariant, timeout);
     const KeyListFile file = loaded({{"LongKeys", QVariantList{row(timeout)}}});
     QTEST(file.rows.value(0).timeout(), "milliseconds");
 }
 
-void KeyListFileTest::timeoutIsIgnoredWhereItHasNoMeaning_data()
+void KeyListFileTest::timeoutIsIgnoredInOtherSections_data()
 {
     QTest::addColumn<Section>("section");
     QTest::newRow("ModifierKeys") << Section::ModifierKeys;
     QTest::newRow("ShortcutKeys") << Section::ShortcutKeys;
 }
 
-void KeyListFileTest::timeoutIsIgnoredWhereItHasNoMeaning()
+void KeyListFileTest::timeoutIsIgnoredInOtherSections()
 {
     QFETCH(Section, section);
     const QVariantMap content{{QTest::currentDataTag(), QVariantList{row(3)}}};
@@ -264,7 +264,7 @@ void KeyListFileTest::filesOverTheLimitAreNotRead()
     QCOMPARE(log.lines().size(), isRead ? 0 : refused.size());
 }
 
-void KeyListFileTest::aFifoIsLeftToTheReader()
+void KeyListFileTest::fifoIsNotRejectedByTheLimit()
 {
     QCOMPARE(::mkfifo(qPrintable(path), S_IRUSR | S_IWUSR), 0);
     QCOMPARE(loaded({{"LongKeys", QVariantList{row(1)}}}).rows.size(), 1);

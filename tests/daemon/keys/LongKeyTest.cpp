@@ -3,7 +3,7 @@
 #include "tests/virtual/DeviceTest.h"
 #include "tests/virtual/MapReader.h"
 
-/// What the key scripts of tests/golden cannot say.
+/// Tests what key scripts cannot express.
 class LongKeyTest : public QObject
 {
     Q_OBJECT
@@ -12,12 +12,12 @@ private Q_SLOTS:
     void eachValidStateIsEmitted_data();
     void eachValidStateIsEmitted();
     void rowWithoutKeysNeverFires();
-    void firstKeyOfARowIsTheOneThatIsHeld();
-    void negativeTimeFiresAtOnce();
-    void largestTimeIsHeldOut();
+    void firstKeyOfARowMustBeHeld();
+    void negativeTimeFiresImmediately();
+    void maximumTimeExpires();
     void receiverMayStopTheRecogniser();
-    void tripledTimeStaysWithin32Bits_data();
-    void tripledTimeStaysWithin32Bits();
+    void tripledTimeIsLimitedTo32Bits_data();
+    void tripledTimeIsLimitedTo32Bits();
     void missingFileHasNoTimes();
 
 private:
@@ -97,7 +97,7 @@ void LongKeyTest::rowWithoutKeysNeverFires()
     QCOMPARE(longKey->timeouts(), QVariantMap{});
 }
 
-void LongKeyTest::negativeTimeFiresAtOnce()
+void LongKeyTest::negativeTimeFiresImmediately()
 {
     make({row("Menu", -3)});
     QCOMPARE(longKey->timeouts().value("Menu"), QVariant(-3000));
@@ -107,7 +107,7 @@ void LongKeyTest::negativeTimeFiresAtOnce()
     QCOMPARE(takeFired().size(), 1);
 }
 
-void LongKeyTest::largestTimeIsHeldOut()
+void LongKeyTest::maximumTimeExpires()
 {
     make({row("Menu", 1e18)});
     longKey->start("Menu");
@@ -126,7 +126,7 @@ void LongKeyTest::receiverMayStopTheRecogniser()
     QCOMPARE(takeFired(), (QStringList{"Act UserMenu <Idle> Menu", "Act UserMenu <Print> Menu"}));
 }
 
-void LongKeyTest::tripledTimeStaysWithin32Bits_data()
+void LongKeyTest::tripledTimeIsLimitedTo32Bits_data()
 {
     QTest::addColumn<qint64>("seconds");
     QTest::addColumn<int>("reported");
@@ -136,7 +136,7 @@ void LongKeyTest::tripledTimeStaysWithin32Bits_data()
     QTest::newRow("far below") << -5000000000LL << std::numeric_limits<int>::min();
 }
 
-void LongKeyTest::tripledTimeStaysWithin32Bits()
+void LongKeyTest::tripledTimeIsLimitedTo32Bits()
 {
     QFETCH(qint64, seconds);
     make({row("Help", seconds)});
@@ -158,7 +158,7 @@ void LongKeyTest::missingFileHasNoTimes()
     QCOMPARE(spy.size(), 0);
 }
 
-void LongKeyTest::firstKeyOfARowIsTheOneThatIsHeld()
+void LongKeyTest::firstKeyOfARowMustBeHeld()
 {
     make({QVariantMap{{"keys", QStringList{"Menu", "Up"}}, {"timeout", 1}, {"validOnState", "Idle"}}});
     QCOMPARE(longKey->timeouts(), (QVariantMap{{"Menu", 1000}}));

@@ -17,16 +17,16 @@ qint64 residentPages()
 
 } // namespace
 
-/// What the key scripts of tests/golden cannot say.
+/// Tests what key scripts cannot express.
 class ModifierKeyTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void rowWithoutKeysIsPassedOver();
-    void beforeTheFirstResetNoKeyOpensARow();
-    void signalCarriesTheWholeRow();
-    void endlessSequenceDoesNotGrow();
+    void rowWithoutKeysIsSkipped();
+    void keysOpenNoRowBeforeTheFirstReset();
+    void signalHasTheWholeRow();
+    void memoryOfASequenceIsLimited();
     void keyListIsTheWholeFile();
     void missingFileHasAnEmptyList();
 
@@ -55,14 +55,14 @@ QStringList ModifierKeyTest::release(const QStringList& keys)
     return matches;
 }
 
-void ModifierKeyTest::rowWithoutKeysIsPassedOver()
+void ModifierKeyTest::rowWithoutKeysIsSkipped()
 {
     make(MapReader::ofKeys("ModifierKeys", {{}, {"Menu", "Up"}}));
     QCOMPARE(release({"", ""}), QStringList{});
     QCOMPARE(release({"Menu", "Up"}), QStringList{"A1"});
 }
 
-void ModifierKeyTest::beforeTheFirstResetNoKeyOpensARow()
+void ModifierKeyTest::keysOpenNoRowBeforeTheFirstReset()
 {
     MapReader reader = MapReader::ofKeys("ModifierKeys", {{"Menu", "Up"}});
     ModifierKey untouched(reader, nullptr);
@@ -72,7 +72,7 @@ void ModifierKeyTest::beforeTheFirstResetNoKeyOpensARow()
     QCOMPARE(spy.size(), 0);
 }
 
-void ModifierKeyTest::signalCarriesTheWholeRow()
+void ModifierKeyTest::signalHasTheWholeRow()
 {
     make(MapReader({{"ModifierKeys", QVariantList{QVariantMap{{"keys", QStringList{"Menu", "Up"}},
                                                               {"eAction", "Act"},
@@ -89,13 +89,13 @@ void ModifierKeyTest::signalCarriesTheWholeRow()
     QCOMPARE(carried, (QVariantList{"Act", "WwwApi", "Idle|Print", parameters}));
 }
 
-void ModifierKeyTest::endlessSequenceDoesNotGrow()
+void ModifierKeyTest::memoryOfASequenceIsLimited()
 {
     make(MapReader::ofKeys("ModifierKeys", {{"Menu", "Up", "Down"}}));
     const QString key = QStringLiteral("Ok");
     modifiers->process("Menu");
     const qint64 before = residentPages();
-    for (int i = 0; i < 2000000; ++i) { // 16 MB of pointers, if each were kept
+    for (int i = 0; i < 2000000; ++i) { // 16 MB of pointers if each key were stored
         modifiers->process(key);
     }
     QVERIFY((residentPages() - before) * ::sysconf(_SC_PAGESIZE) < 2000000);

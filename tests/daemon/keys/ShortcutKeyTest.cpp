@@ -4,15 +4,15 @@
 
 #include <QtTest>
 
-/// What the key scripts of tests/golden cannot say.
+/// Tests what key scripts cannot express.
 class ShortcutKeyTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void rowWithoutKeysIsPassedOver();
-    void beforeTheFirstResetNoKeyOpensARow();
-    void signalCarriesTheWholeRow();
+    void rowWithoutKeysIsSkipped();
+    void keysOpenNoRowBeforeTheFirstReset();
+    void signalHasTheWholeRow();
     void keyListIsTheWholeFile();
     void missingFileHasAnEmptyList();
 
@@ -41,14 +41,14 @@ QStringList ShortcutKeyTest::press(const QStringList& keys)
     return fired;
 }
 
-void ShortcutKeyTest::rowWithoutKeysIsPassedOver()
+void ShortcutKeyTest::rowWithoutKeysIsSkipped()
 {
     make(MapReader::ofKeys("ShortcutKeys", {{}, {"Function", "Up"}}));
     QCOMPARE(press({"", ""}), QStringList{});
     QCOMPARE(press({"Function", "Up"}), QStringList{"A1"});
 }
 
-void ShortcutKeyTest::signalCarriesTheWholeRow()
+void ShortcutKeyTest::signalHasTheWholeRow()
 {
     make(MapReader({{"ShortcutKeys", QVariantList{QVariantMap{{"keys", QStringList{"Function", "Ok", "Up"}},
                                                               {"eAction", "Act"},
@@ -82,7 +82,7 @@ void ShortcutKeyTest::missingFileHasAnEmptyList()
     QCOMPARE(press({"Function", "Up"}), QStringList{});
 }
 
-void ShortcutKeyTest::beforeTheFirstResetNoKeyOpensARow()
+void ShortcutKeyTest::keysOpenNoRowBeforeTheFirstReset()
 {
     MapReader reader = MapReader::ofKeys("ShortcutKeys", {{"Function", "Up"}});
     ShortcutKey untouched(reader, nullptr);

@@ -27,11 +27,11 @@ class AdaptorTest : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void registersAndSaysSo();
+    void registrationIsLogged();
     void takenNameIsReported();
     void takenPathIsReported();
-    void callsReachTheServiceObjectUnpacked();
-    void callsThatThereAreNotAreForgotten();
+    void callsAreUnpackedForTheServiceObject();
+    void unknownCallsAreNotCached();
     void notificationsAreRelayed();
     void metaCastKnowsTheSharedInterface();
 
@@ -62,7 +62,7 @@ void AdaptorTest::cleanup()
     bus.report();
 }
 
-void AdaptorTest::registersAndSaysSo()
+void AdaptorTest::registrationIsLogged()
 {
     adapt();
     QCOMPARE(log->texts(QtDebugMsg),
@@ -79,7 +79,7 @@ void AdaptorTest::takenNameIsReported()
     }
     QCOMPARE(log->texts(QtCriticalMsg),
              QStringList{"Unable to register Service: Service-name already in use."});
-    // It is not taken later.
+    // The name is not taken later.
     WAIT_FOR(!QDBusConnection::systemBus().interface()->isServiceRegistered(name));
 }
 
@@ -92,12 +92,12 @@ void AdaptorTest::takenPathIsReported()
     QVERIFY(!QDBusConnection::systemBus().interface()->isServiceRegistered(name));
 }
 
-void AdaptorTest::callsReachTheServiceObjectUnpacked()
+void AdaptorTest::callsAreUnpackedForTheServiceObject()
 {
     adapt();
     QDBusConnection client = bus.connect("client");
     QDBusMessage call = QDBusMessage::createMethodCall(name, "/", name, "process");
-    // A variant in a variant is unpacked before the sender is looked at.
+    // A variant in a variant is unpacked before the sender is checked.
     call << QVariant(
         QVariantMap{{"commandId", QVariant::fromValue(QDBusVariant("GetKeyList"))}, {"senderId", "WwwApi"}});
     QDBusPendingCall pending = client.asyncCall(call);
@@ -106,9 +106,9 @@ void AdaptorTest::callsReachTheServiceObjectUnpacked()
     QCOMPARE(response, (QVariantMap{{"resultId", "Failure"}, {"errorId", "CmdNotFound"}}));
 }
 
-// Each of them is of a kind of its own: by its name, as here, or by the types of its arguments. The memory
-// can be looked at only where no sanitizer manages it.
-void AdaptorTest::callsThatThereAreNotAreForgotten()
+// Qt would cache each call with another name or other argument types. The memory can be measured only without a
+// sanitizer.
+void AdaptorTest::unknownCallsAreNotCached()
 {
     adapt();
     QDBusConnection client = bus.connect("client");

@@ -34,13 +34,13 @@ QVariant nestedLists(int depth)
 
 } // namespace
 
-/// Sends values over a real bus, whose daemon closes the connection of a sender that breaks its limits.
+/// Sends values over a real bus, whose daemon disconnects senders that exceed its limits.
 class BusValueTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void plainValuesArriveAsTheyAre();
+    void plainValuesArriveUnchanged();
     void nullsArriveAsEmptyStrings();
     void valuesOfEveryDepthArrive_data();
     void valuesOfEveryDepthArrive();
@@ -50,13 +50,13 @@ private Q_SLOTS:
     void oddStringsArrive();
 
 private:
-    QVariantMap carried(const QVariantMap& map);
+    QVariantMap sendOverBus(const QVariantMap& map);
 
     PrivateBus m_bus;
     BusPeer m_peer{m_bus, peerName, &BusPeer::echo};
 };
 
-QVariantMap BusValueTest::carried(const QVariantMap& map)
+QVariantMap BusValueTest::sendOverBus(const QVariantMap& map)
 {
     QDBusMessage call = QDBusMessage::createMethodCall(peerName, "/", peerName, "echo");
     call << QVariant(toBusMap(map));
@@ -64,7 +64,7 @@ QVariantMap BusValueTest::carried(const QVariantMap& map)
     return libvantre::dbusArgumentUnpack(reply.arguments().value(0)).toMap();
 }
 
-void BusValueTest::plainValuesArriveAsTheyAre()
+void BusValueTest::plainValuesArriveUnchanged()
 {
     const QVariantMap map{{"text", "x"},
                           {"number", 7},
@@ -73,7 +73,7 @@ void BusValueTest::plainValuesArriveAsTheyAre()
                           {"truth", true},
                           {"list", QVariantList{1, "a", QVariantMap{{"b", 2}}}},
                           {"map", QVariantMap{{"empty", QVariantMap{}}}}};
-    QCOMPARE(carried(map), map);
+    QCOMPARE(sendOverBus(map), map);
 }
 
 void BusValueTest::nullsArriveAsEmptyStrings()
@@ -84,7 +84,7 @@ void BusValueTest::nullsArriveAsEmptyStrings()
             .toMap();
     const QVariantMap expected{
         {"a", ""}, {"b", QVariantList{1, "", QVariantMap{{"c", ""}}}}, {"d", QVariantMap{{"e", ""}}}};
-    QCOMPARE(QJsonDocument::fromVariant(carried(parsed)), QJsonDocument::fromVariant(expected));
+    QCOMPARE(QJsonDocument::fromVariant(sendOverBus(parsed)), QJsonDocument::fromVariant(expected));
 }
 
 void BusValueTest::valuesOfEveryDepthArrive_data()
@@ -104,7 +104,7 @@ void BusValueTest::valuesOfEveryDepthArrive_data()
 void BusValueTest::valuesOfEveryDepthArrive()
 {
     QFETCH(QVariant, value);
-    const QVariantMap arrived = carried({{"value", value}, {"other", 1}});
+    const QVariantMap arrived = sendOverBus({{"value", value}, {"other", 1}});
     QCOMPARE(arrived.value("other"), QVariant(1));
     QVERIFY(arrived.contains("value"));
 }
@@ -112,14 +112,14 @@ void BusValueTest::valuesOfEveryDepthArrive()
 void BusValueTest::valuesThatFitAreNotCut_data()
 {
     QTest::addColumn<QVariant>("value");
-    QTest::newRow("as many maps as a message holds") << nestedMaps(20);
-    QTest::newRow("as many lists as a message holds") << nestedLists(30);
+    QTest::newRow("the deepest nesting of maps") << nestedMaps(20);
+    QTest::newRow("the deepest nesting of lists") << nestedLists(30);
 }
 
 void BusValueTest::valuesThatFitAreNotCut()
 {
     QFETCH(QVariant, value);
-    QCOMPARE(carried({{"value", value}}).value("value"), value);
+    QCOMPARE(sendOverBus({{"value", value}}).value("value"), value);
 }
 
 void BusValueTest::oddStringsArrive_data()
@@ -134,7 +134,7 @@ void BusValueTest::oddStringsArrive_data()
 void BusValueTest::oddStringsArrive()
 {
     QFETCH(QString, text);
-    const QVariantMap arrived = carried({{text, text}, {"other", 1}});
+    const QVariantMap arrived = sendOverBus({{text, text}, {"other", 1}});
     QCOMPARE(arrived.value("other"), QVariant(1));
     QCOMPARE(arrived.size(), 2);
 }

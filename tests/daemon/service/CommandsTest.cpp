@@ -10,11 +10,11 @@ private Q_SLOTS:
     void init();
     void lastKeyIsANumberOfEitherDevice();
     void combiningTimeReplacesAFieldOfTheFile();
-    void simulateKeyRefusesBadValues_data();
-    void simulateKeyRefusesBadValues();
-    void simulatedListsTakeWhatAQStringListCanBeMadeOf_data();
-    void simulatedListsTakeWhatAQStringListCanBeMadeOf();
-    void singleTextIsAListOfOne();
+    void simulateKeyRefusesInvalidValues_data();
+    void simulateKeyRefusesInvalidValues();
+    void simulatedListsAcceptValuesConvertibleToAStringList_data();
+    void simulatedListsAcceptValuesConvertibleToAStringList();
+    void singleStringIsAListOfOne();
     void missingListIsRefused_data();
     void missingListIsRefused();
     void nonKeyInAListSimulatesNothing_data();
@@ -51,20 +51,20 @@ void CommandsTest::lastKeyIsANumberOfEitherDevice()
     QCOMPARE(send("GetLastKey").value("key"), QVariant(352));
 }
 
-void CommandsTest::simulateKeyRefusesBadValues_data()
+void CommandsTest::simulateKeyRefusesInvalidValues_data()
 {
     QTest::addColumn<QVariantMap>("parameters");
     QTest::addColumn<QString>("text");
     QTest::newRow("no action") << QVariantMap{{"key", "Menu"}} << "Invalid key action received!";
     QTest::newRow("unknown action") << QVariantMap{{"actionId", "pressed"}, {"key", "Menu"}}
                                     << "Invalid key action received!";
-    QTest::newRow("both bad") << QVariantMap{{"actionId", ""}, {"key", ""}} << "Invalid key action received!";
+    QTest::newRow("both unknown") << QVariantMap{{"actionId", ""}, {"key", ""}} << "Invalid key action received!";
     QTest::newRow("no key") << QVariantMap{{"actionId", "Pressed"}} << "Invalid key received!";
     QTest::newRow("unknown key") << QVariantMap{{"actionId", "Pressed"}, {"key", "Undefined"}}
                                  << "Invalid key received!";
 }
 
-void CommandsTest::simulateKeyRefusesBadValues()
+void CommandsTest::simulateKeyRefusesInvalidValues()
 {
     QFETCH(QVariantMap, parameters);
     QFETCH(QString, text);
@@ -73,7 +73,7 @@ void CommandsTest::simulateKeyRefusesBadValues()
     QCOMPARE(device->take(), QStringList{"log KeyboardHandler::simulateKey ERROR: " + text});
 }
 
-void CommandsTest::simulatedListsTakeWhatAQStringListCanBeMadeOf_data()
+void CommandsTest::simulatedListsAcceptValuesConvertibleToAStringList_data()
 {
     const QStringList completed{"announce NextSet UserMenu ServiceTool Chs Up", "speak EmbosserCore 24"};
     QTest::addColumn<QVariant>("keys");
@@ -88,7 +88,7 @@ void CommandsTest::simulatedListsTakeWhatAQStringListCanBeMadeOf_data()
     QTest::newRow("invalid") << QVariant() << QStringList{};
 }
 
-void CommandsTest::simulatedListsTakeWhatAQStringListCanBeMadeOf()
+void CommandsTest::simulatedListsAcceptValuesConvertibleToAStringList()
 {
     QFETCH(QVariant, keys);
     QCOMPARE(send("SimulateModifier", {{"keysList", keys}}), success);
@@ -96,7 +96,7 @@ void CommandsTest::simulatedListsTakeWhatAQStringListCanBeMadeOf()
     QTEST(device->take(), "observed");
 }
 
-void CommandsTest::singleTextIsAListOfOne()
+void CommandsTest::singleStringIsAListOfOne()
 {
     send("SimulateModifier", {{"keysList", "Chs"}});
     send("SimulateModifier", {{"keysList", "Up"}});

@@ -12,13 +12,13 @@ private Q_SLOTS:
     void refusedCommandsNameTheirError_data();
     void refusedCommandsNameTheirError();
     void everyKnownServiceMaySendAnyCommand();
-    void senderIsResetAlsoWhenAParameterReplacedIt();
+    void senderIsResetEvenIfAParameterReplacedIt();
     void commandIsTracedInItsCategory();
     void refusedCommandsAreNotTraced_data();
     void refusedCommandsAreNotTraced();
     void everyFieldOfTheNotificationMayBeReplaced_data();
     void everyFieldOfTheNotificationMayBeReplaced();
-    void senderIsResetBeforeTheNotificationIsOut();
+    void senderIsResetBeforeTheNotificationIsEmitted();
     void metaCastKnowsTheSharedInterface();
 
 private:
@@ -37,14 +37,14 @@ void ServiceObjectTest::refusedCommandsNameTheirError_data()
     QTest::newRow("command in another case")
         << QVariantMap{{"commandId", "getlastkey"}, {"senderId", "UserMenu"}} << "InvalidCmd"
         << prefix + "Invalid command!";
-    QTest::newRow("command that is no text")
+    QTest::newRow("command that is not a string")
         << QVariantMap{{"commandId", QVariantList{1}}, {"senderId", "UserMenu"}} << "InvalidCmd"
         << prefix + "Invalid command!";
     QTest::newRow("no sender") << QVariantMap{{"commandId", "GetLastKey"}} << "InvalidSender"
                                << prefix + "Invalid sender!";
     QTest::newRow("unknown sender") << QVariantMap{{"commandId", "GetLastKey"}, {"senderId", "Nobody"}}
                                     << "InvalidSender" << prefix + "Invalid sender!";
-    QTest::newRow("sender with a blank behind")
+    QTest::newRow("sender with a trailing blank")
         << QVariantMap{{"commandId", "GetLastKey"}, {"senderId", "UserMenu "}} << "InvalidSender"
         << prefix + "Invalid sender!";
     QTest::newRow("known but not served")
@@ -71,7 +71,7 @@ void ServiceObjectTest::everyKnownServiceMaySendAnyCommand()
     }
 }
 
-void ServiceObjectTest::senderIsResetAlsoWhenAParameterReplacedIt()
+void ServiceObjectTest::senderIsResetEvenIfAParameterReplacedIt()
 {
     device->process({{commandIdKey, "GetLastKey"}, {senderIdKey, "WwwApi"}});
     emitted({{senderIdKey, "PrintManager"}});
@@ -137,7 +137,7 @@ void ServiceObjectTest::everyFieldOfTheNotificationMayBeReplaced()
     QCOMPARE(map.size(), 4);
 }
 
-void ServiceObjectTest::senderIsResetBeforeTheNotificationIsOut()
+void ServiceObjectTest::senderIsResetBeforeTheNotificationIsEmitted()
 {
     const auto connection =
         connect(&device->handler(), &KeyboardHandler::notification, this, [this](const QVariantMap&) {

@@ -14,7 +14,7 @@ namespace {
 
 const QString busName = QStringLiteral("org.freedesktop.DBus");
 
-/// Keeps Qt's thread for the bus busy. The thread delivers and reads nothing until it is released.
+/// Blocks Qt's bus thread, which neither delivers nor reads messages until it is released.
 class BusyThread
 {
 public:
@@ -44,7 +44,7 @@ private:
     QSemaphore m_ended;
 };
 
-/// Runs the event loop once, with all timers that have expired.
+/// Runs the event loop once, including all expired timers.
 void runEventLoop()
 {
     QEventLoop loop;
@@ -59,11 +59,11 @@ class SystemBusTest : public QObject
     Q_OBJECT
 
 public:
-    // As the installed daemon: the event loop that Qt builds on GLib has no such moment.
+    // Like the installed daemon; Qt's event loop on GLib does not have this problem.
     SystemBusTest() { qputenv("QT_NO_GLIB", "1"); }
 
 private Q_SLOTS:
-    void theFirstMessagesArriveInTheirOrder();
+    void theFirstMessagesKeepTheirOrder();
 
 public Q_SLOTS:
     void note(const QString& name) { m_noted.append(name); }
@@ -73,9 +73,9 @@ private:
     QStringList m_noted;
 };
 
-// Qt delivers the messages that it held back after those that it reads at that moment. The test keeps Qt's
-// thread busy twice, so that the second message arrives at exactly that moment.
-void SystemBusTest::theFirstMessagesArriveInTheirOrder()
+// Qt delivers delayed messages after those that it reads at that moment. The test blocks Qt's thread twice, so that the
+// second message arrives at exactly that moment.
+void SystemBusTest::theFirstMessagesKeepTheirOrder()
 {
     QDBusConnection bus = openSystemBus();
     QVERIFY(bus.isConnected());
@@ -93,7 +93,7 @@ void SystemBusTest::theFirstMessagesArriveInTheirOrder()
         before.reset();
         meanwhile.awaitBegin();
         QVERIFY(other.own("com.vantre.Second"));
-        QVERIFY(other.own("com.vantre.Third")); // its answer comes when the second message is sent
+        QVERIFY(other.own("com.vantre.Third")); // answered after the second message is sent
     }
     while (!m_noted.contains(QStringLiteral("com.vantre.Third")) ||
            !m_noted.contains(QStringLiteral("com.vantre.First"))) {

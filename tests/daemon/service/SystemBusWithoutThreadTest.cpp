@@ -16,7 +16,7 @@ int g_refusals = 0;
 
 } // namespace
 
-/// In place of the C library's, for all libraries of this program.
+/// Replaces the C library's function in all libraries of this program.
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*function)(void*),
                               void* argument)
 {
@@ -30,13 +30,13 @@ class SystemBusWithoutThreadTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void theBusIsOpenedAllTheSame();
+    void theBusIsOpenedWithoutAThread();
 
 private:
     PrivateBus m_bus{{}, PrivateBus::Process::Unconnected};
 };
 
-void SystemBusWithoutThreadTest::theBusIsOpenedAllTheSame()
+void SystemBusWithoutThreadTest::theBusIsOpenedWithoutAThread()
 {
     const LogRecorder log;
     g_refusals = 1;

@@ -19,7 +19,7 @@ namespace {
 const QString lostLine = QStringLiteral("The connection to the system bus is lost\\.");
 const QString announcement = QStringLiteral("Console: NotifcationId: \"KeyboardChange\"");
 
-/// What the daemon sends meanwhile waits in the daemon.
+/// The daemon queues its messages during this fault.
 class StoppedBus : public Fault
 {
 public:
@@ -29,7 +29,7 @@ public:
     {
         test.device().setState(ls::StateId::Error);
         if (!test.awaitReceiver(ls::ServiceId::ErrorHandler)) {
-            return QStringLiteral("the state stays");
+            return QStringLiteral("the state does not change");
         }
         if (!signalTo(test.device().bus().processId(), SIGSTOP)) {
             return QStringLiteral("the bus is gone");
@@ -50,7 +50,7 @@ public:
             return QStringLiteral("%1 of %2 keys").arg(m_announced->size()).arg(m_keys);
         }
         test.device().setState(ls::StateId::Idle);
-        return test.awaitReceiver(ls::ServiceId::UserMenu) ? QString() : QStringLiteral("the state stays");
+        return test.awaitReceiver(ls::ServiceId::UserMenu) ? QString() : QStringLiteral("the state does not change");
     }
     QVector<int> freeDevices() const override { return {}; }
     qint64 slackKiB() const override { return queueSlackKiB; }
@@ -76,8 +76,8 @@ QVariantMap commandOf(const QString& name)
     return {{ls::commandIdKey, name}, {ls::senderIdKey, ls::ServiceId::WwwApi}};
 }
 
-/// More calls of several clients than the bus library would keep, and keys, while the daemon is at work on
-/// long commands.
+/// More calls from several clients than the bus library would queue, and keys, while the daemon processes long
+/// commands.
 class Flood : public Fault
 {
 public:
@@ -90,7 +90,7 @@ public:
         m_longCommand.insert(ls::keysListKey, keys);
     }
 
-    void furnish(DeviceOptions& options) override
+    void configure(DeviceOptions& options) override
     {
         options.daemon = QStringLiteral("/bin/sh");
         options.daemonArguments = QStringList{
@@ -113,7 +113,7 @@ public:
         }
         const auto lost = std::count_if(calls.begin(), calls.end(), [](QDBusPendingCall& call) {
             call.waitForFinished();
-            // The bus refuses what it cannot deliver in time.
+            // The bus rejects calls that it cannot deliver in time.
             return call.isError() && call.error().type() != QDBusError::LimitsExceeded;
         });
         if (lost > 0) {
@@ -123,10 +123,10 @@ public:
                    ? QString()
                    : QStringLiteral("%1 of %2 keys").arg(announced.size()).arg(clientCount);
     }
-    /// Keys wait like everything else until the commands are worked off.
+    /// Keys wait until the commands are processed.
     QVector<int> freeDevices() const override { return {}; }
 
-    /// The heap keeps as much as came at once.
+    /// The heap keeps the memory of the largest burst.
     qint64 slackKiB() const override { return 128 * 1024; }
 
 protected:
@@ -135,7 +135,7 @@ protected:
 
 private:
     static constexpr int clientCount = 3;
-    static constexpr int longCommands = 6; // until all of the flood has come
+    static constexpr int longCommands = 6; // until the whole flood has arrived
 
     QVariantMap m_longCommand = commandOf(ls::KeyboardHandlerCmdId::SimulateShortcut);
 };
@@ -148,9 +148,9 @@ public:
 protected:
     QVariantMap command() override
     {
-        constexpr int most = 16; // the bus takes no more
+        constexpr int maxDescriptors = 16; // the limit of the bus
         QVariantMap command = commandOf(ls::KeyboardHandlerCmdId::GetLongKeysTimeout);
-        for (int i = 0; i < most; ++i) {
+        for (int i = 0; i < maxDescriptors; ++i) {
             command.insert(QString::number(i),
                            QVariant::fromValue(QDBusUnixFileDescriptor(dice.below(STDERR_FILENO + 1))));
         }
@@ -159,7 +159,7 @@ protected:
     int callsOfAClient() const override
     {
         return 120;
-    } // the bus refuses a client that leaves more than 128 open
+    } // the bus rejects clients with more than 128 pending calls
 };
 
 class FloodOfMegabytes : public Flood
@@ -191,11 +191,11 @@ private Q_SLOTS:
     void servicesSendMegabytes();
 
 private:
-    /// Presses `count` keys without a bus; false when one is not recognised.
-    bool worksOff(int count);
+    /// Presses `count` keys without a bus; false if one is not recognised.
+    bool handleKeysWithoutBus(int count);
 };
 
-bool BusFaultsTest::worksOff(int count)
+bool BusFaultsTest::handleKeysWithoutBus(int count)
 {
     const int before = log().count(announcement);
     for (int i = 0; i < count; ++i) {
@@ -204,7 +204,7 @@ bool BusFaultsTest::worksOff(int count)
     return await([&] { return log().count(announcement) == before + count; });
 }
 
-/// The daemon lives on and knows the keys, but nobody hears of them until it is started again.
+/// The daemon keeps running and recognises keys, but cannot announce them until it is restarted.
 void BusFaultsTest::theBusIsKilledAndRestarted()
 {
     Dice dice(seed());
@@ -213,21 +213,21 @@ void BusFaultsTest::theBusIsKilledAndRestarted()
     QSignalSpy announced(&device(), &SimulatedDevice::announced);
     const auto usual = latency();
     QVERIFY(usual);
-    // The log arrives later than the announcements; lines still to come would be counted with the next keys.
+    // The log may lag behind the announcements, and late lines would be counted with the next keys.
     WAIT_FOR_EQUAL(log().count(announcement), announced.size());
     QSignalSpy ended(&device(), &SimulatedDevice::busEnded);
     QVERIFY(signalTo(device().bus().processId(), SIGKILL));
     WAIT_FOR_EQUAL(ended.size(), 1);
-    QVERIFY(worksOff(1000));
+    QVERIFY(handleKeysWithoutBus(1000));
     const qint64 memory = memoryKiB();
     const int files = descriptors();
-    QVERIFY(worksOff(4000 + dice.below(1000)));
+    QVERIFY(handleKeysWithoutBus(4000 + dice.below(1000)));
     QVERIFY(idles());
     QCOMPARE(growth(memory, files, Fault::queueSlackKiB), QString());
-    QCOMPARE(oddLines({"Console:.*", lostLine}), QString());
+    QCOMPARE(logFault({"Console:.*", lostLine}), QString());
 
     QVERIFY(device().restartBus());
-    QVERIFY(worksOff(1 + dice.below(200)));
+    QVERIFY(handleKeysWithoutBus(1 + dice.below(200)));
     BusClient client(device().bus().address());
     QVERIFY(
         !client.connection().interface()->isServiceRegistered(ls::busName(ls::ServiceId::KeyboardHandler)));
@@ -237,27 +237,27 @@ void BusFaultsTest::theBusIsKilledAndRestarted()
     const auto afterwards = latency();
     QVERIFY(afterwards);
     QCOMPARE(slowness(*usual, *afterwards), QString());
-    QCOMPARE(oddLines({"Console:.*", lostLine}), QString());
+    QCOMPARE(logFault({"Console:.*", lostLine}), QString());
     qInfo("seed %llu: a key takes %.2f ms before, %.2f ms afterwards", seed(), *usual, *afterwards);
 }
 
 void BusFaultsTest::theBusIsStopped()
 {
     StoppedBus fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 void BusFaultsTest::servicesSendDescriptors()
 {
     FloodOfDescriptors fault(seed());
     QVERIFY(descriptorLimit() > 0);
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 void BusFaultsTest::servicesSendMegabytes()
 {
     FloodOfMegabytes fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 QTEST_GUILESS_MAIN(BusFaultsTest)

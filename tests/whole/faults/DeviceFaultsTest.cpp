@@ -15,8 +15,8 @@
 
 namespace {
 
-/// How often a key that is held for so long is announced: the first repetition after each announcement starts
-/// the time anew.
+/// The number of announcements of a key held for `held`: the first repetition after each announcement restarts the
+/// time.
 int longPressesIn(std::chrono::milliseconds held, std::chrono::milliseconds time)
 {
     int count = 0;
@@ -35,7 +35,7 @@ struct Obstacle
     QString reason;
 };
 
-/// What cannot be opened as a device, whoever one is.
+/// Creates something that cannot be opened as a device, even by root.
 Obstacle obstacle(Dice& dice, const QString& folder)
 {
     const QString loop = folder + QStringLiteral("/loop");
@@ -50,7 +50,7 @@ Obstacle obstacle(Dice& dice, const QString& folder)
 
 } // namespace
 
-/// The parts of the matrix that need no other process: each function runs once for each of the FaultSeeds.
+/// The faults that need no other process. Each function runs once for each of the FaultSeeds.
 class DeviceFaultsTest : public DeviceTest
 {
     Q_OBJECT

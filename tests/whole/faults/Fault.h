@@ -9,8 +9,8 @@
 struct DeviceOptions;
 class FaultTest;
 
-/// Something that goes wrong around a running daemon, in a way that a seed decides. What returns a text
-/// returns what is wrong with the daemon, or why the fault did not come about; an empty one when all is well.
+/// A fault around a running daemon, randomised by a seed. Functions that return a string return a sentence about a
+/// failure of the daemon or of the fault itself, or an empty string.
 class Fault
 {
 public:
@@ -20,26 +20,25 @@ public:
     Fault(const Fault&) = delete;
     Fault& operator=(const Fault&) = delete;
 
-    /// Says of what the device is made, before there is one.
-    virtual void furnish(DeviceOptions& /*options*/) {}
-    /// Is there before the daemon is; the device's services run.
+    /// Sets the options of the device before its creation.
+    virtual void configure(DeviceOptions& /*options*/) {}
+    /// Called before the daemon starts; the device's services are running.
     virtual QString precede(FaultTest& /*test*/) { return {}; }
-    /// Comes about while the daemon is at work, goes away again, and does both several times.
+    /// Starts and ends the fault; called several times while the daemon is running.
     virtual QString begin(FaultTest& test) = 0;
     virtual QString end(FaultTest& /*test*/) { return {}; }
 
-    /// The input devices whose keys are announced at once while the fault lasts.
+    /// The input devices whose keys are announced without delay during the fault.
     virtual QVector<int> freeDevices() const { return {0, 1}; }
-    /// By how much the daemon's memory may be more after another time than after the first one. Two more
-    /// times have 2000 presses: a leak of 128 bytes for each press is noticed, or of 128 KiB for each time.
-    /// What leaks less is for RandomHourTest and tools/soak.
-    virtual qint64 slackKiB() const { return usualSlackKiB; }
-    /// Patterns of the lines that the daemon logs because of the fault; it logs each of them, and nothing
-    /// else.
+    /// The allowed growth of the daemon's memory from the first to a later round. Two more rounds have 2000 presses,
+    /// so this detects leaks of 128 bytes a press or 128 KiB a round. RandomHourTest and tools/soak detect smaller
+    /// leaks.
+    virtual qint64 slackKiB() const { return defaultSlackKiB; }
+    /// Patterns of the lines that the daemon must log because of the fault. Other lines are failures.
     virtual QStringList log() const { return {}; }
 
-    static constexpr qint64 usualSlackKiB = 256;
-    /// Where hundreds of keys or lines wait in a queue: the heap keeps what the longest one took.
+    static constexpr qint64 defaultSlackKiB = 256;
+    /// For faults that queue hundreds of keys or lines, whose memory the heap keeps.
     static constexpr qint64 queueSlackKiB = 2 * 1024;
 
 protected:

@@ -5,8 +5,7 @@
 
 #include <QtTest>
 
-/// The seeds with which each test of a fault runs: 1, or those that the environment chooses with
-/// FAULT_SEEDS=FIRST:COUNT.
+/// The seeds of each fault test: 1, or those that the environment sets with FAULT_SEEDS=FIRST:COUNT.
 namespace FaultSeeds {
 
 /// For `initTestCase_data()`.

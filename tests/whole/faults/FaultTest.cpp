@@ -10,12 +10,12 @@ namespace {
 constexpr int roundCount = 3;
 constexpr int pressesForGrowth = 1000; // in each round
 
-/// A daemon that waits for somebody does so for seconds. What is less than these, a busy machine can do.
-constexpr double sameOrder = 25;
-constexpr double leastUsualMs = 4;
+/// A daemon that waits for another process does so for seconds. A busy machine may cause smaller delays.
+constexpr double maxSlowdown = 25;
+constexpr double minUsualMs = 4;
 
 #ifdef __SANITIZE_ADDRESS__
-/// The sanitizer holds back what is freed.
+/// The sanitizer delays the reuse of freed memory.
 constexpr qint64 sanitizerSlackKiB = 32 * 1024;
 #else
 constexpr qint64 sanitizerSlackKiB = 0;
@@ -31,7 +31,7 @@ double median(QVector<double> values)
 
 } // namespace
 
-/// What was measured in one coming and going of a fault.
+/// The figures of one start and end of a fault.
 struct FaultTest::Round
 {
     double duringMs = 0;
@@ -42,7 +42,7 @@ struct FaultTest::Round
 
 void FaultTest::initTestCase()
 {
-    // What the sanitizer keeps of freed memory would hide a leak.
+    // The sanitizer's quarantine of freed memory would hide a leak.
     qputenv("ASAN_OPTIONS", "quarantine_size_mb=1:" + qgetenv("ASAN_OPTIONS"));
 }
 
@@ -96,7 +96,7 @@ std::optional<double> FaultTest::latency(const QVector<int>& inputDevices, int p
 
 QString FaultTest::slowness(double usual, double disturbed)
 {
-    const bool isUnmoved = disturbed <= sameOrder * std::max(usual, leastUsualMs);
+    const bool isUnmoved = disturbed <= maxSlowdown * std::max(usual, minUsualMs);
     return isUnmoved ? QString()
                      : QStringLiteral("a key takes %1 ms instead of %2 ms").arg(disturbed).arg(usual);
 }
@@ -113,7 +113,7 @@ QString FaultTest::growth(qint64 memoryBeforeKiB, int descriptorsBefore, qint64 
     return more <= slackKiB + sanitizerSlackKiB ? QString() : QStringLiteral("%1 KiB more").arg(more);
 }
 
-QString FaultTest::oddLines(const QStringList& patterns) const
+QString FaultTest::logFault(const QStringList& patterns) const
 {
     QStringList rest = log();
     rest.removeAll(registered);
@@ -127,7 +127,7 @@ QString FaultTest::oddLines(const QStringList& patterns) const
             return QStringLiteral("not in the log: ") + pattern;
         }
     }
-    return rest.isEmpty() ? QString() : QStringLiteral("too much in the log: ") + rest.first();
+    return rest.isEmpty() ? QString() : QStringLiteral("unexpected in the log: ") + rest.first();
 }
 
 QString FaultTest::round(Fault& fault, Round& figures)
@@ -135,7 +135,7 @@ QString FaultTest::round(Fault& fault, Round& figures)
     QString broken = fault.begin(*this);
     if (broken.isEmpty() && !fault.freeDevices().isEmpty()) {
         figures.duringMs = latency(fault.freeDevices()).value_or(-1);
-        broken = figures.duringMs < 0 ? QStringLiteral("keys do not work meanwhile") : QString();
+        broken = figures.duringMs < 0 ? QStringLiteral("keys do not work during the fault") : QString();
     }
     if (broken.isEmpty()) {
         broken = fault.end(*this);
@@ -154,7 +154,7 @@ QString FaultTest::rounds(Fault& fault)
     const double usual = latency().value_or(-1);
     Round first;
     Round last;
-    QString broken = usual < 0 ? QStringLiteral("keys do not work before") : QString();
+    QString broken = usual < 0 ? QStringLiteral("keys do not work before the fault") : QString();
     for (int i = 0; i < roundCount && broken.isEmpty(); ++i) {
         broken = round(fault, last);
         first = i == 0 ? last : first;
@@ -165,29 +165,29 @@ QString FaultTest::rounds(Fault& fault)
             broken = growth(first.memoryKiB, first.descriptors, fault.slackKiB());
         }
     }
-    qInfo("seed %llu: a key takes %.2f ms before, %.2f ms meanwhile, %.2f ms afterwards; "
+    qInfo("seed %llu: a key takes %.2f ms before, %.2f ms during, %.2f ms after the fault; "
           "%lld KiB and %d descriptors more",
           seed(), usual, last.duringMs, last.afterMs, last.memoryKiB - first.memoryKiB,
           last.descriptors - first.descriptors);
     return broken;
 }
 
-QString FaultTest::damageBy(Fault& fault)
+QString FaultTest::damageFrom(Fault& fault)
 {
-    fault.furnish(options);
+    fault.configure(options);
     if (!prepare()) {
-        return QStringLiteral("there is no device");
+        return QStringLiteral("the device cannot be created");
     }
     QString broken = fault.precede(*this);
     if (broken.isEmpty() && !launch()) {
-        broken = QStringLiteral("the daemon does not get ready");
+        broken = QStringLiteral("the daemon does not become ready");
     }
     if (broken.isEmpty()) {
         broken = rounds(fault);
     }
     if (broken.isEmpty()) {
-        await([&] { return oddLines(fault.log()).isEmpty(); });
-        broken = oddLines(fault.log());
+        await([&] { return logFault(fault.log()).isEmpty(); });
+        broken = logFault(fault.log());
     }
     return broken;
 }

@@ -7,8 +7,8 @@
 
 #include <optional>
 
-/// The base of tests of what the daemon promises whatever goes wrong around it: it lives, the next key works
-/// as fast as before, memory and descriptors are flat, and the log says what it should.
+/// The base class of fault tests. After a fault, the daemon must run, handle the next key as fast as before, use no
+/// more memory and descriptors, and have logged the expected lines.
 ///
 /// Each test function runs once for each of the FaultSeeds.
 class FaultTest : public SystemAbuseTest
@@ -25,31 +25,30 @@ public:
     using SystemTest::log;
     using SystemTest::tap;
 
-    /// Presses Menu; returns who it is announced to, empty when the daemon ends instead.
+    /// Presses Menu; returns the receiver of its announcement, or an empty string if the daemon ends.
     QString receiverOfMenu(int inputDevice = 0);
     /// Presses Menu until it is announced to `receiver`.
     bool awaitReceiver(const QString& receiver);
-    /// Presses Up in Idle and waits for its announcement: with it, the router forgets all keys.
+    /// Presses Up in Idle and waits for its announcement, with which the router forgets all keys.
     bool awaitLoneKey();
-    /// Waits until `condition` comes true.
+    /// Waits until `condition` is true.
     static bool await(const std::function<bool()>& condition);
 
 protected:
     /// The seed of this run.
     static quint64 seed() { return FaultSeeds::current(); }
-    /// Lets `fault` come about and go away several times; returns which promise was broken, or an empty text.
-    /// Prints the figures.
-    QString damageBy(Fault& fault);
-    /// The time from press to announcement in milliseconds, the median of `presses` on these devices;
-    /// nothing when a key is not announced.
+    /// Starts and ends `fault` several times and prints the figures. Returns a sentence about the first failure, or an
+    /// empty string.
+    QString damageFrom(Fault& fault);
+    /// The median time from press to announcement on these devices, in milliseconds; nothing if a key is not
+    /// announced.
     std::optional<double> latency(const QVector<int>& inputDevices = {0, 1}, int presses = 25);
-    /// What is wrong with such latencies, while all is well and while it is not; empty when `disturbed` is of
-    /// the same order.
+    /// A sentence if the latency `disturbed` is of another order of magnitude than `usual`; empty otherwise.
     static QString slowness(double usual, double disturbed);
-    /// What is wrong when so much was held at first and is now.
+    /// A sentence if memory or descriptors have grown; empty otherwise.
     QString growth(qint64 memoryBeforeKiB, int descriptorsBefore, qint64 slackKiB);
-    /// What is wrong with the daemon's log if it should consist of lines like these.
-    QString oddLines(const QStringList& patterns) const;
+    /// A sentence if the daemon's log does not consist of lines with these patterns; empty otherwise.
+    QString logFault(const QStringList& patterns) const;
 
 private Q_SLOTS:
     void initTestCase_data() { FaultSeeds::addRows(); }

@@ -12,7 +12,7 @@ RawRecord keyRecord(const QString& key, qint32 value)
     return {EV_KEY, quint16(ls::KeyId::meta.value(key)), value};
 }
 
-/// The daemon never sees the press: the key was down before it came.
+/// The key was pressed before the daemon's start, so the daemon does not see the press.
 class HeldKey : public Fault
 {
 public:
@@ -34,7 +34,7 @@ public:
         test.device().record(m_device, keyRecord(ls::KeyId::Feed, released));
         return isAnnounced ? QString() : QStringLiteral("%1 long presses").arg(presses());
     }
-    /// For the other state of the key's row.
+    /// Logged for the other state of the key's row.
     QStringList log() const override
     {
         return {QStringLiteral("KeyboardManager::onEvent WARN: Expected state is:  \"PrintOff\" , "
@@ -61,13 +61,13 @@ public:
     QString begin(FaultTest& test) override
     {
         if (!test.awaitLoneKey()) {
-            return QStringLiteral("the router does not come to rest");
+            return QStringLiteral("the router does not become idle");
         }
         const auto spoken = [&] { return test.actions().filter(QStringLiteral("speak ")).size(); };
         const int before = spoken();
         const int keys = 1 + dice.below(500);
         for (int i = 0; i < keys; ++i) {
-            // Keys that open no row.
+            // These keys open no row.
             const QString key = dice.pick({ls::KeyId::Up, ls::KeyId::Down, ls::KeyId::Right, ls::KeyId::Back,
                                            ls::KeyId::Ok, ls::KeyId::One, ls::KeyId::Ten});
             test.device().record(dice.below(Panel::keyboardCount), keyRecord(key, released));
@@ -79,7 +79,7 @@ public:
     qint64 slackKiB() const override { return queueSlackKiB; }
 };
 
-/// The repetitions of an hour, at once.
+/// Writes the repetitions of an hour at once.
 class RepeatingKey : public Fault
 {
 public:
@@ -87,13 +87,13 @@ public:
 
     QString begin(FaultTest& test) override
     {
-        // A machine that is busy elsewhere may let the daemon be done before the other key comes.
+        // On a busy machine, the daemon may finish before the other key is written.
         return FaultTest::await([&] {
             repeatForAnHour(test);
             return !test.receiverOfMenu(m_freeDevice).isEmpty() && test.device().pendingInput() > 0;
         })
                    ? QString()
-                   : QStringLiteral("the other device is not heard between the repetitions");
+                   : QStringLiteral("keys of the other device are not handled between the repetitions");
     }
     QVector<int> freeDevices() const override { return {m_freeDevice}; }
     QString end(FaultTest& test) override
@@ -107,7 +107,7 @@ private:
     void repeatForAnHour(FaultTest& test)
     {
         const QByteArray report = bytesOf(keyRecord(m_key, repeated)) + bytesOf({EV_SYN, SYN_REPORT, 1});
-        const int reportsOfAWrite = 4096 / report.size(); // which a FIFO takes whole
+        const int reportsOfAWrite = 4096 / report.size(); // written atomically
         const std::chrono::milliseconds first(dice.below(int(Autorepeat::period.count())));
         int left = int((std::chrono::hours(1) - Autorepeat::delay - first) / Autorepeat::period);
         while (left > 0) {
@@ -138,26 +138,26 @@ class KeyFaultsTest : public FaultTest
 
 private Q_SLOTS:
     void aKeyIsHeldAtTheStart();
-    void aKeyIsReleasedThatWasNotPressed();
-    void aKeyRepeatsAsIfForAnHour();
+    void aKeyIsReleasedWithoutAPress();
+    void aKeyRepeatsForAnHour();
 };
 
 void KeyFaultsTest::aKeyIsHeldAtTheStart()
 {
     HeldKey fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
-void KeyFaultsTest::aKeyIsReleasedThatWasNotPressed()
+void KeyFaultsTest::aKeyIsReleasedWithoutAPress()
 {
     ReleasedKey fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
-void KeyFaultsTest::aKeyRepeatsAsIfForAnHour()
+void KeyFaultsTest::aKeyRepeatsForAnHour()
 {
     RepeatingKey fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 QTEST_GUILESS_MAIN(KeyFaultsTest)

@@ -29,7 +29,7 @@ pid_t daemonOf(FaultTest& test)
     return pid_t(test.device().daemon().processId());
 }
 
-/// How much is in a pipe.
+/// The number of bytes in a pipe.
 int unreadBytes(const QString& path)
 {
     const int pipe = ::open(qPrintable(path), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
@@ -46,18 +46,18 @@ public:
 
     QString begin(FaultTest& test) override
     {
-        // A machine that is busy elsewhere may let the daemon be done before the key comes.
+        // On a busy machine, the daemon may finish before the key is written.
         return FaultTest::await([&] {
             typeLines(test);
             return !test.receiverOfMenu().isEmpty() && unreadInput(test) > 0;
         })
                    ? QString()
-                   : QStringLiteral("no key comes between the lines");
+                   : QStringLiteral("keys are not handled between the lines");
     }
     QString end(FaultTest& test) override
     {
-        // The log may still be so far behind that there is no room for a line; then it is another's turn.
-        const QByteArray line = QByteArray(longestLine + 1 + dice.below(longestLine), 'C') + '\n';
+        // Retries, because the log may still be full and drop the line.
+        const QByteArray line = QByteArray(maxLineLength + 1 + dice.below(maxLineLength), 'C') + '\n';
         const int before = test.log().count(overlongLine);
         return FaultTest::await([&] {
             QSignalSpy announced(&test.device(), &SimulatedDevice::announced);
@@ -89,12 +89,12 @@ private:
         return unreadBytes(QStringLiteral("/proc/%1/fd/0").arg(daemonOf(test)));
     }
 
-    static constexpr int longestLine = 65536;
+    static constexpr int maxLineLength = 65536;
     const QString overlongLine =
         QStringLiteral("ls::ConsoleReader::readInput ERROR: line over 65536 bytes dropped.");
 };
 
-/// The key lists and the log lie on a small disk; standard output goes to a device that is always full.
+/// The key lists and the log are on a small disk; standard output is a device that is always full.
 class FullDisk : public Fault
 {
 public:
@@ -102,7 +102,7 @@ public:
 
     FullDisk(quint64 seed, From from) : Fault(seed), m_from(from) {}
 
-    void furnish(DeviceOptions& options) override
+    void configure(DeviceOptions& options) override
     {
         options.viewArguments = QStringList{QStringLiteral("--size"), QStringLiteral("131072"),
                                             QStringLiteral("--tmpfs"), folder};
@@ -120,7 +120,7 @@ public:
         if (!fill()) {
             return QStringLiteral("the disk is not full");
         }
-        // The last block of the log has room for some lines.
+        // The last block of the log may have room for some lines.
         const int lines = linesInABlock + dice.below(100);
         const int before = linesInLog();
         for (int i = 0; i < lines; ++i) {
@@ -135,10 +135,10 @@ public:
         QFile::remove(m_files + QStringLiteral("filler"));
         test.command(QStringLiteral("Dance"));
         if (!FaultTest::await([&] { return linesInLog() > m_lines; })) {
-            return QStringLiteral("the log does not go on");
+            return QStringLiteral("the log does not continue");
         }
-        if (!oddLine().isEmpty()) {
-            return QStringLiteral("in the log: ") + oddLine();
+        if (!unexpectedLine().isEmpty()) {
+            return QStringLiteral("in the log: ") + unexpectedLine();
         }
         const int before = test.actions().filter(QStringLiteral("announce VolumeUp")).size();
         test.device().press(0, ls::KeyId::Function);
@@ -148,11 +148,11 @@ public:
             return test.actions().filter(QStringLiteral("announce VolumeUp")).size() == before + 1;
         })
                    ? QString()
-                   : QStringLiteral("the key lists are not known");
+                   : QStringLiteral("the daemon has no key lists");
     }
 
 private:
-    /// Writes until there is no room.
+    /// Writes until the disk is full.
     bool fill() const
     {
         const int file = ::open(qPrintable(m_files + QStringLiteral("filler")),
@@ -174,8 +174,8 @@ private:
         const QStringList lines = logLines();
         return int(std::count_if(lines.begin(), lines.end(), isOfCommand));
     }
-    /// The first line that is neither of the command nor of the start.
-    QString oddLine() const
+    /// The first line that belongs neither to the command nor to the start.
+    QString unexpectedLine() const
     {
         const QStringList lines = logLines();
         const auto odd = std::find_if_not(lines.begin(), lines.end(), [this](const QString& line) {
@@ -183,7 +183,7 @@ private:
         });
         return odd == lines.end() ? QString() : *odd;
     }
-    /// It may be joined to one that was cut.
+    /// The line may be joined to a truncated one.
     static bool isOfCommand(const QString& line) { return line.endsWith(invalidCommand); }
 
     static constexpr int blockSize = 4096; // bytes
@@ -195,7 +195,7 @@ private:
     int m_lines = 0;
 };
 
-/// Nothing that opens a file or socket could succeed.
+/// Every attempt to open a file or socket fails.
 class DescriptorLimit : public Fault
 {
 public:
@@ -232,7 +232,7 @@ public:
 private:
     static constexpr int commandCount = 3400; // 10,000 in the three rounds
 #ifdef __SANITIZE_ADDRESS__
-    static constexpr int sanitizerDescriptors = 2; // it looks at memory through a pipe
+    static constexpr int sanitizerDescriptors = 2; // the sanitizer checks memory through a pipe
 #else
     static constexpr int sanitizerDescriptors = 0;
 #endif
@@ -258,7 +258,7 @@ public:
     QString begin(FaultTest& test) override
     {
         if (!test.awaitLoneKey()) {
-            return QStringLiteral("the router does not come to rest");
+            return QStringLiteral("the router does not become idle");
         }
         const auto volume = [&] { return test.actions().filter(QStringLiteral("announce Volume")).size(); };
         const int before = volume();
@@ -282,7 +282,7 @@ public:
     }
 
 private:
-    /// Stops the daemon when it has read the keys so far.
+    /// Stops the daemon when it has read all previous keys.
     bool stopAmidKeys(FaultTest& test) const
     {
         const QString keys = test.device().folder().keyboardFile(m_device);
@@ -297,7 +297,7 @@ class SetClock : public Fault
 public:
     using Fault::Fault;
 
-    void furnish(DeviceOptions& options) override
+    void configure(DeviceOptions& options) override
     {
         startThroughShell(options, QStringLiteral("export LD_PRELOAD=%1 STEP_CLOCK_FILE=/run/step-clock "
                                                   "QT_MESSAGE_PATTERN='%{time yyyy} %{message}' "
@@ -326,7 +326,7 @@ private:
             file.write(reinterpret_cast<const char*>(&seconds), sizeof seconds) == sizeof seconds;
         return isSet ? QString() : QStringLiteral("the clock cannot be set");
     }
-    /// Sets the clock by some years and returns when the daemon has logged something with its new time.
+    /// Sets the clock by some years and waits until the daemon has logged a line with the new time.
     QString step(FaultTest& test, int direction)
     {
         const std::int64_t seconds = std::int64_t(direction) * (1 + dice.below(10)) * 366 * 24 * 3600;
@@ -338,7 +338,7 @@ private:
         return isSeen ? fault : QStringLiteral("the daemon does not see the step");
     }
 
-    /// Up waits while the clock is set forwards, and Down takes its place.
+    /// While Up is pending, sets the clock forwards, then replaces Up by Down.
     QString keyComesEarly(FaultTest& test)
     {
         const auto announced = [&](const char* key) {
@@ -353,13 +353,13 @@ private:
         test.tap(ls::KeyId::Up);
         const QString fault = step(test, 1);
         test.tap(ls::KeyId::Down);
-        const bool wasInTime = waiting.elapsed() < 1500; // not on a machine that is so busy
+        const bool wasInTime = waiting.elapsed() < 1500; // false on a very busy machine
         if (!FaultTest::await([&] { return announced("Down") == down + 1; })) {
-            return QStringLiteral("the lone key does not come");
+            return QStringLiteral("the lone key is not announced");
         }
-        return wasInTime && announced("Up") > up ? QStringLiteral("a key comes with the step") : fault;
+        return wasInTime && announced("Up") > up ? QStringLiteral("the step causes an announcement") : fault;
     }
-    /// Up waits while the clock is set back.
+    /// While Up is pending, sets the clock back.
     QString keyComesLate(FaultTest& test)
     {
         QSignalSpy announced(&test.device(), &SimulatedDevice::announced);
@@ -367,7 +367,7 @@ private:
         const QString fault = step(test, -1);
         return FaultTest::await([&] { return !announced.isEmpty(); })
                    ? fault
-                   : QStringLiteral("a key does not come after the step");
+                   : QStringLiteral("a key is not announced after the step");
     }
 };
 
@@ -380,7 +380,7 @@ class ProcessFaultsTest : public FaultTest
 private Q_SLOTS:
     void standardInputIsFlooded();
     void theDiskIsFullAtTheStart();
-    void theDiskGetsFull();
+    void theDiskBecomesFull();
     void theDescriptorLimitIsReached();
     void theDaemonIsStoppedInAChord();
     void theClockIsSet();
@@ -389,37 +389,37 @@ private Q_SLOTS:
 void ProcessFaultsTest::standardInputIsFlooded()
 {
     FloodedInput fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 void ProcessFaultsTest::theDiskIsFullAtTheStart()
 {
     FullDisk fault(seed(), FullDisk::From::Start);
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
-void ProcessFaultsTest::theDiskGetsFull()
+void ProcessFaultsTest::theDiskBecomesFull()
 {
     FullDisk fault(seed(), FullDisk::From::Later);
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 void ProcessFaultsTest::theDescriptorLimitIsReached()
 {
     DescriptorLimit fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 void ProcessFaultsTest::theDaemonIsStoppedInAChord()
 {
     StoppedInAChord fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 void ProcessFaultsTest::theClockIsSet()
 {
     SetClock fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 QTEST_GUILESS_MAIN(ProcessFaultsTest)

@@ -19,12 +19,12 @@ class StoppedStateHandler : public Fault
 public:
     using Fault::Fault;
 
-    void furnish(DeviceOptions& options) override { options.stateHandler = false; }
+    void configure(DeviceOptions& options) override { options.stateHandler = false; }
     QString precede(FaultTest& test) override
     {
         return m_service.start(QStringLiteral("state-handler"), test.device().bus().address())
                    ? QString()
-                   : QStringLiteral("there is no state handler");
+                   : QStringLiteral("the state handler does not start");
     }
     QString begin(FaultTest&) override
     {
@@ -53,7 +53,7 @@ private:
     StoppableService m_service;
 };
 
-/// When it is asked at the start. The keys of the time before it is given up are not lost.
+/// The state handler is silent at the daemon's start. Keys pressed before the timeout must not be lost.
 class SilentStateHandler : public Fault
 {
 public:
@@ -80,18 +80,18 @@ private:
     const int m_earlyKeys = 1 + dice.below(100);
 };
 
-/// The bus keeps the question for it, where one that runs takes the question and does nothing.
+/// The request remains on the bus, while a running but silent state handler receives it.
 class StateHandlerStoppedAtStart : public SilentStateHandler
 {
 public:
     using SilentStateHandler::SilentStateHandler;
 
-    void furnish(DeviceOptions& options) override { options.stateHandler = false; }
+    void configure(DeviceOptions& options) override { options.stateHandler = false; }
     QString precede(FaultTest& test) override
     {
         const QString address = test.device().bus().address();
         if (!m_service.start(QStringLiteral("state-handler"), address) || !m_service.stop()) {
-            return QStringLiteral("there is no state handler");
+            return QStringLiteral("the state handler does not start");
         }
         return SilentStateHandler::precede(test);
     }
@@ -105,12 +105,12 @@ class StoppedSpeechDaemon : public Fault
 public:
     using Fault::Fault;
 
-    void furnish(DeviceOptions& options) override { options.speechDaemon = false; }
+    void configure(DeviceOptions& options) override { options.speechDaemon = false; }
     QString precede(FaultTest& test) override
     {
         return m_service.start(QStringLiteral("speechd"), test.device().bus().address())
                    ? QString()
-                   : QStringLiteral("there is no speech daemon");
+                   : QStringLiteral("the speech daemon does not start");
     }
     QString begin(FaultTest& test) override
     {
@@ -147,7 +147,7 @@ class SlowSpeechDaemon : public Fault
 public:
     using Fault::Fault;
 
-    void furnish(DeviceOptions& options) override { options.speechDaemon = false; }
+    void configure(DeviceOptions& options) override { options.speechDaemon = false; }
     QString precede(FaultTest& test) override
     {
         m_client = std::make_unique<RawBusClient>(test.device().folder().busSocket());
@@ -156,7 +156,7 @@ public:
         m_timer.start(1 + dice.below(50));
         return m_client->enter() && m_client->own(ls::busName(QStringLiteral("SpeechDaemon")).toUtf8())
                    ? QString()
-                   : QStringLiteral("there is no speech daemon");
+                   : QStringLiteral("the speech daemon does not start");
     }
     QString begin(FaultTest& test) override
     {
@@ -180,7 +180,7 @@ private:
     int m_spoken = 0;
 };
 
-class DeafReceivers : public Fault
+class BlockedReceivers : public Fault
 {
 public:
     using Fault::Fault;
@@ -191,12 +191,12 @@ public:
             m_receivers.push_back(std::make_unique<RawBusClient>(test.device().folder().busSocket()));
             if (!m_receivers.back()->enter() ||
                 !m_receivers.back()->listen("type='signal',member='notification'")) {
-                return QStringLiteral("the receivers do not get on the bus");
+                return QStringLiteral("the receivers cannot join the bus");
             }
         }
         test.device().setState(ls::StateId::Error);
         if (!test.awaitReceiver(ls::ServiceId::ErrorHandler)) {
-            return QStringLiteral("the state stays");
+            return QStringLiteral("the state does not change");
         }
         QSignalSpy announced(&test.device(), &SimulatedDevice::announced);
         const int keys = 1000 + dice.below(1000);
@@ -216,7 +216,7 @@ public:
         }
         m_receivers.clear();
         test.device().setState(ls::StateId::Idle);
-        return test.awaitReceiver(ls::ServiceId::UserMenu) ? QString() : QStringLiteral("the state stays");
+        return test.awaitReceiver(ls::ServiceId::UserMenu) ? QString() : QStringLiteral("the state does not change");
     }
     qint64 slackKiB() const override { return queueSlackKiB; }
 
@@ -224,7 +224,7 @@ private:
     std::vector<std::unique_ptr<RawBusClient>> m_receivers;
 };
 
-/// Reads nothing of what somebody else sends to all, until the bus keeps no more for it.
+/// A subscriber that does not read other clients' broadcasts until its queue on the bus is full.
 class FilledBus : public Fault
 {
 public:
@@ -234,14 +234,14 @@ public:
     {
         m_subscriber = std::make_unique<RawBusClient>(test.device().folder().busSocket());
         if (!m_subscriber->enter() || !m_subscriber->listen("type='signal'")) {
-            return QStringLiteral("the subscriber does not get on the bus");
+            return QStringLiteral("the subscriber cannot join the bus");
         }
         QDBusMessage message = QDBusMessage::createSignal(
             QStringLiteral("/"), QStringLiteral("com.vantre.Stranger"), QStringLiteral("notification"));
-        const int size = largest / (1 + dice.below(4));
+        const int size = maxMessageSize / (1 + dice.below(4));
         message << QByteArray(size, 'x');
-        for (int sent = 0; sent <= maxKept + size; sent += size) {
-            // Another one each time: the bus hears no more from one of whom it keeps so much.
+        for (int sent = 0; sent <= maxQueueSize + size; sent += size) {
+            // A new sender each time, because the bus stops reading from one with so many queued messages.
             BusClient sender(test.device().bus().address());
             sender.connection().send(message);
             sender.connection().call(QDBusMessage::createMethodCall(
@@ -250,7 +250,7 @@ public:
         }
         const int held =
             ProcessFigures::memoryKib(test.device().bus().processId(), QStringLiteral("Anonymous"));
-        return held >= maxKept / 1024 ? QString() : QStringLiteral("the bus is not full");
+        return held >= maxQueueSize / 1024 ? QString() : QStringLiteral("the bus is not full");
     }
     QString end(FaultTest&) override
     {
@@ -259,8 +259,8 @@ public:
     }
 
 private:
-    static constexpr int largest = 31 * 1024 * 1024;
-    static constexpr int maxKept = 127 * 1024 * 1024; // the bus keeps this much for a client
+    static constexpr int maxMessageSize = 31 * 1024 * 1024;
+    static constexpr int maxQueueSize = 127 * 1024 * 1024; // the limit of a client's queue on the bus
 
     std::unique_ptr<RawBusClient> m_subscriber;
 };
@@ -284,43 +284,43 @@ private Q_SLOTS:
 void ServiceFaultsTest::theStateHandlerIsStopped()
 {
     StoppedStateHandler fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 void ServiceFaultsTest::theStateHandlerIsStoppedAtTheStart()
 {
     StateHandlerStoppedAtStart fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 void ServiceFaultsTest::theStateHandlerNeverAnswers()
 {
     SilentStateHandler fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 void ServiceFaultsTest::theSpeechDaemonIsStopped()
 {
     StoppedSpeechDaemon fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 void ServiceFaultsTest::theSpeechDaemonReadsSlowly()
 {
     SlowSpeechDaemon fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 void ServiceFaultsTest::receiversNeverRead()
 {
-    DeafReceivers fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    BlockedReceivers fault(seed());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 void ServiceFaultsTest::aSubscriberFillsTheBus()
 {
     FilledBus fault(seed());
-    QCOMPARE(damageBy(fault), QString());
+    QCOMPARE(damageFrom(fault), QString());
 }
 
 QTEST_GUILESS_MAIN(ServiceFaultsTest)

@@ -5,7 +5,7 @@
 
 #include <signal.h>
 
-/// Sends `signal` to one process; false when there is none, for 0 and negative numbers mean whole groups.
+/// Sends `signal` to one process; false for 0 and negative numbers, which would mean process groups.
 inline bool signalTo(qint64 process, int signal)
 {
     return process > 0 && ::kill(pid_t(process), signal) == 0;

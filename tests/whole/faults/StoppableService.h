@@ -3,21 +3,20 @@
 
 #include "simulator/device/ChildProcess.h"
 
-/// One of the services around the daemon, as a process of its own that can be stopped.
+/// One of the services around the daemon, as a separate process that can be stopped.
 class StoppableService
 {
 public:
     ~StoppableService() { resume(); }
 
-    /// Starts the service `name`, "state-handler" or "speechd", and waits until it is on the bus; false when
-    /// it does not come there.
+    /// Starts the service `name`, "state-handler" or "speechd", and waits until it is on the bus; false on failure.
     bool start(const QString& name, const QString& busAddress);
-    /// Has the state handler announce a change, at once or when it goes on.
+    /// Makes the state handler announce a change, immediately or when it is resumed.
     void changeState(const QString& state);
-    /// The lines in which the speech daemon has told what it spoke, since the last call.
+    /// The speech daemon's lines about spoken sentences since the last call.
     QList<QByteArray> takeSpoken();
 
-    /// False when it does not run.
+    /// False if the process is not running.
     bool stop();
     void resume();
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Preloaded into the daemon: its time of day is off by the number of seconds that the file STEP_CLOCK_FILE
-// holds at that moment. The clocks that only run forwards stay as they are, as they do when a time of day is
-// set.
+// Preloaded into the daemon: shifts its time of day by the number of seconds in the file STEP_CLOCK_FILE. Monotonic
+// clocks are unchanged, as when the real clock is set.
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// stoppable-service NAME ADDRESS: the stand-in for "state-handler" or "speechd" on the bus at ADDRESS. Prints
-// "ready" when it is there. The state handler announces each state that it reads; the speech daemon prints
-// each sentence.
+// stoppable-service NAME ADDRESS: a stand-in for "state-handler" or "speechd" on the bus at ADDRESS. Prints "ready" when
+// it is on the bus. The state handler announces each state that it reads; the speech daemon prints each sentence.
 #include "simulator/device/SpeechDaemonStandIn.h"
 #include "simulator/device/StateHandlerStandIn.h"
 #include "simulator/script/ObservationText.h"
@@ -19,7 +18,7 @@ namespace {
 int run(bool appeared)
 {
     if (!appeared) {
-        std::fprintf(stderr, "stoppable-service: the bus cannot be reached\n");
+        std::fprintf(stderr, "stoppable-service: cannot join the bus\n");
         return 1;
     }
     std::puts("ready");

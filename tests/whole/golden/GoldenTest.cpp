@@ -19,7 +19,7 @@ QStringList faultsOf(const ParsedScript& parsed)
     return lines;
 }
 
-/// As the scripts have them.
+/// Uses the names of sentences, as in the scripts.
 Observations withNames(Observations observations)
 {
     for (Observation& observation : observations) {
@@ -54,8 +54,8 @@ bool changesServices(const KeyScript& script)
 
 } // namespace
 
-/// Plays each key script of this folder, or of the one that KEY_SCRIPTS names, on the virtual clock; what the
-/// daemon does must be what the script expects, at the millisecond unless it was recorded.
+/// Plays each key script of this folder, or of KEY_SCRIPTS, on the virtual clock. The observations must equal the
+/// expectations, to the millisecond except in recordings.
 class GoldenTest : public DeviceTest
 {
     Q_OBJECT
@@ -70,7 +70,7 @@ void GoldenTest::scriptGoesAsExpected_data()
     QTest::addColumn<QString>("path");
     const QString folder = qEnvironmentVariable("KEY_SCRIPTS", QStringLiteral(GOLDEN_SCRIPTS));
     const QFileInfoList scripts = QDir(folder).entryInfoList({"*.keys"}, QDir::Files, QDir::Name);
-    // One row without a script, as QTest ends a test without rows with an assertion.
+    // A row without a script, because QTest aborts tests without rows.
     if (scripts.isEmpty()) {
         QTest::newRow("no scripts") << folder;
     }
@@ -95,7 +95,7 @@ void GoldenTest::scriptGoesAsExpected()
     device->start(script.initialState);
 
     for (const ScriptStep& step : qAsConst(script.steps)) {
-        device->waitUntil(step.at); // what falls due at the same moment comes before the step
+        device->waitUntil(step.at); // timers due at the same moment fire before the step
         device->play(step);
     }
     device->waitUntil(script.duration() + 5s);

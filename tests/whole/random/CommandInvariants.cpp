@@ -43,7 +43,7 @@ QVariantMap timeoutsOf(const Facts& facts)
     return times;
 }
 
-/// How many different keys the keyboard test has met when the step begins, since it was last asked.
+/// The number of different keys of the keyboard test before the step, since the last query.
 int testedKeys(const Facts& facts, int step)
 {
     QSet<QString> keys;
@@ -61,7 +61,7 @@ int testedKeys(const Facts& facts, int step)
     return keys.size();
 }
 
-/// The codes that GetLastKey may answer: more than one only if both devices repeat a key at the same moment.
+/// The possible answers of GetLastKey: several only if both devices repeat a key at the same moment.
 QList<int> lastCodes(const Facts& facts, int step)
 {
     QList<int> codes{0};
@@ -110,10 +110,10 @@ QList<QVariantMap> answersTo(const Facts& facts, int step, const QVariantMap& co
 QStringList textsIn(const Facts& facts, int step, const QString& begin)
 {
     QStringList texts;
-    const QVector<Happening> happenings = facts.happenedIn(step);
-    for (const Happening& happening : happenings) {
-        if (happening.text.startsWith(begin)) {
-            texts.append(happening.text);
+    const QVector<PlayEvent> events = facts.eventsIn(step);
+    for (const PlayEvent& event : events) {
+        if (event.text.startsWith(begin)) {
+            texts.append(event.text);
         }
     }
     return texts;
@@ -173,7 +173,7 @@ QString consoleLinesAreAnsweredOnce(const Facts& facts)
         const int responses = textsIn(facts, i, QStringLiteral("log QMap(")).size();
         const int screens = textsIn(facts, i, helpTitle).size();
         const bool runs = isLine && Commands::of(step).has_value();
-        // A screen of its own, of a table or of one command's parameters, ends with an empty line.
+        // A help screen for a table or a command ends with an empty line.
         const bool isOwnScreen = isLine && !runs && screens == 0 &&
                                  textsIn(facts, i, QStringLiteral("log ")).contains(QStringLiteral("log "));
         if (responses != (runs ? 1 : 0) || (!isOwnScreen && screens != (isLine && !runs ? 1 : 0))) {
@@ -186,7 +186,7 @@ QString consoleLinesAreAnsweredOnce(const Facts& facts)
     return {};
 }
 
-QString oddValuesAreReported(const Facts& facts)
+QString invalidValuesAreReported(const Facts& facts)
 {
     for (int i = 0; i < facts.script().steps.size(); ++i) {
         const KeyInput* input = facts.inputOf(i);

@@ -5,18 +5,18 @@
 
 #include <optional>
 
-/// What the rules of the service say about a command, as far as its map alone decides it.
+/// The rules for commands that depend only on the command's map.
 namespace Commands {
 
-/// The command of a step: a sent one, or one that a console line stands for; nothing for other steps.
+/// The command of a step that sends a command or types one at the console; nothing for other steps.
 std::optional<QVariantMap> of(const ScriptStep& step);
 
-/// The `ls::ErrorId` that a command fails with; empty when it succeeds.
+/// The `ls::ErrorId` of a failing command; empty on success.
 QString errorOf(const QVariantMap& command);
-/// Whether the sender is remembered for the next announcement, which a failure later on does not change.
+/// Whether the sender is stored for the next announcement, even if the command then fails.
 bool isAccepted(const QVariantMap& command);
 
-/// Whether `command` is called `name` and succeeds.
+/// Whether `command` has this name and succeeds.
 bool succeeds(const QVariantMap& command, const QString& name);
 
 } // namespace Commands

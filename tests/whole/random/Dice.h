@@ -6,14 +6,13 @@
 #include <initializer_list>
 #include <random>
 
-/// Random choices that depend on the seed alone: the engine's numbers are the same with every standard
-/// library, those of the library's distributions are not.
+/// Random choices that depend only on the seed. Standard engines are portable; standard distributions are not.
 class Dice
 {
 public:
     explicit Dice(quint64 seed) : m_engine(seed) {}
 
-    /// 0 to `count` - 1; `count` must be positive.
+    /// From 0 to `count` - 1; `count` must be positive.
     int below(int count) { return static_cast<int>(m_engine() % static_cast<quint64>(count)); }
     bool oneIn(int count) { return below(count) == 0; }
 

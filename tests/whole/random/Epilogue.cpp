@@ -6,10 +6,10 @@ using std::chrono::milliseconds;
 
 namespace {
 
-/// Longer than the hold of the factory-reset key, which a script may have pressed for good with a record.
+/// Longer than the factory-reset hold, because a record may have pressed that key permanently.
 constexpr auto settleTime = 6s;
 constexpr milliseconds tapTime = 50ms;
-/// Just longer than the window behind a release.
+/// Slightly longer than the window after a release.
 constexpr milliseconds windowTime = 1501ms;
 constexpr auto quietTime = 10s;
 constexpr auto lastTime = 2s;

@@ -3,14 +3,14 @@
 
 #include "simulator/script/KeyScript.h"
 
-/// What is played behind every random script: the keys are let go, a key ends whatever is under way, nothing
-/// is done for a long while, and then Up is tapped once more.
+/// The end of every random script: releases all keys, taps a key to end pending gestures, waits for a long time, and
+/// taps Up.
 namespace Epilogue {
 
-/// `script` with the epilogue behind its end.
+/// `script` with the epilogue appended.
 KeyScript appendedTo(const KeyScript& script);
 
-/// When the quiet time begins and when the last key is pressed in a script with an epilogue.
+/// The times of an epilogue: the start of the wait, and the last press and release.
 std::chrono::milliseconds quietBegin(const KeyScript& script);
 std::chrono::milliseconds lastPress(const KeyScript& script);
 std::chrono::milliseconds lastRelease(const KeyScript& script);

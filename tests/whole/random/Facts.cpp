@@ -20,7 +20,7 @@ QString unquoted(const QString& word)
     return word == QLatin1String("-") ? QString() : word;
 }
 
-/// The keys that the command or the key event of `step` gives to a recogniser.
+/// The keys that the command or the key event of `step` passes to a recogniser.
 QStringList fedKeys(const ScriptStep& step, const KeyInput* input, const QString& commandName, int value)
 {
     const auto command = Commands::of(step);
@@ -77,9 +77,9 @@ QVector<Announcement> Facts::announcedIn(int step) const
     return m_announcedInSteps.value(step);
 }
 
-QVector<Happening> Facts::happenedIn(int step) const
+QVector<PlayEvent> Facts::eventsIn(int step) const
 {
-    return m_happenedInSteps.value(step);
+    return m_eventsInSteps.value(step);
 }
 
 Answer Facts::gestureSeenBefore(const Place& place) const
@@ -89,15 +89,15 @@ Answer Facts::gestureSeenBefore(const Place& place) const
         begin = reset < place ? std::max(begin, reset) : begin;
     }
     Answer answer = Answer::No;
-    for (const Happening& happening : m_play.happenings) {
-        if (!isGesture(happening) || happening.place < begin || place < happening.place) {
+    for (const PlayEvent& event : m_play.events) {
+        if (!isGesture(event) || event.place < begin || place < event.place) {
             continue;
         }
         const bool isTied =
-            !happening.place.isInStep() && (happening.place == begin || happening.place == place);
+            !event.place.isInStep() && (event.place == begin || event.place == place);
         if (isTied) {
             answer = Answer::Maybe;
-        } else if (!(happening.place == begin)) {
+        } else if (!(event.place == begin)) {
             return Answer::Yes;
         }
     }
@@ -109,39 +109,39 @@ bool Facts::isSingleKey(const Announcement& announcement)
     return announcement.action == ls::KeyboardActionId::SingleKey;
 }
 
-bool Facts::isGesture(const Happening& happening)
+bool Facts::isGesture(const PlayEvent& event)
 {
-    const bool isAnnounced = happening.text.startsWith(QLatin1String("announce "));
-    return isRefusal(happening) ||
-           (isAnnounced && !happening.text.startsWith(QLatin1String("announce SingleKey ")));
+    const bool isAnnounced = event.text.startsWith(QLatin1String("announce "));
+    return isRefusal(event) ||
+           (isAnnounced && !event.text.startsWith(QLatin1String("announce SingleKey ")));
 }
 
-bool Facts::isRefusal(const Happening& happening)
+bool Facts::isRefusal(const PlayEvent& event)
 {
-    return happening.text.startsWith(refusalText);
+    return event.text.startsWith(refusalText);
 }
 
-bool Facts::isUndefinedReceiver(const Happening& happening)
+bool Facts::isUndefinedReceiver(const PlayEvent& event)
 {
-    return happening.text.startsWith(undefinedText);
+    return event.text.startsWith(undefinedText);
 }
 
 void Facts::collectAnnouncements()
 {
-    for (const Happening& happening : qAsConst(m_play.happenings)) {
-        const QStringList words = happening.text.split(QLatin1Char(' '));
+    for (const PlayEvent& event : qAsConst(m_play.events)) {
+        const QStringList words = event.text.split(QLatin1Char(' '));
         if (words.first() == QLatin1String("announce")) {
             m_announcements.append({unquoted(words.value(1)), unquoted(words.value(2)),
-                                    unquoted(words.value(3)), words.mid(4), happening.at, happening.place});
+                                    unquoted(words.value(3)), words.mid(4), event.at, event.place});
         }
     }
 }
 
 void Facts::sortIntoSteps()
 {
-    for (const Happening& happening : qAsConst(m_play.happenings)) {
-        if (happening.place.isInStep()) {
-            m_happenedInSteps[happening.place.steps - 1].append(happening);
+    for (const PlayEvent& event : qAsConst(m_play.events)) {
+        if (event.place.isInStep()) {
+            m_eventsInSteps[event.place.steps - 1].append(event);
         }
     }
     for (const Announcement& announcement : qAsConst(m_announcements)) {
@@ -203,7 +203,7 @@ QString Facts::pendingKeyBefore(const KeyInput& release) const
     return isPending ? previous.input.key : QString();
 }
 
-QVector<Fed> Facts::feed(KeyRow::Kind kind, const QString& command, int value) const
+QVector<FedKey> Facts::feed(KeyRow::Kind kind, const QString& command, int value) const
 {
     const QVector<KeyRow> known = rows(kind);
     const auto opens = [&known](const QString& key) {
@@ -211,7 +211,7 @@ QVector<Fed> Facts::feed(KeyRow::Kind kind, const QString& command, int value) c
                std::any_of(known.cbegin(), known.cend(),
                            [&key](const KeyRow& row) { return row.keys.first() == key; });
     };
-    QVector<Fed> all;
+    QVector<FedKey> all;
     QString opening;
     QStringList since;
     Place last{0, -2ms};
@@ -230,7 +230,7 @@ QVector<Fed> Facts::feed(KeyRow::Kind kind, const QString& command, int value) c
             all.append({i, key, opening, since});
             opening = opening.isEmpty() && opens(key) ? key : opening;
         }
-        // A shortcut is over with any release, a combination is not.
+        // Any release ends a shortcut, but not a combination.
         if (kind == KeyRow::Kind::Shortcut && input && input->isRelease()) {
             opening.clear();
         }

@@ -7,7 +7,7 @@
 
 #include <optional>
 
-/// A notification that was observed, taken apart.
+/// An observed notification, parsed.
 struct Announcement
 {
     QString action;
@@ -18,35 +18,34 @@ struct Announcement
     Place place;
 };
 
-/// A key release that the daemon saw, and what is due because of it.
+/// A key release that reaches the daemon, and its expected effects.
 struct Release
 {
     KeyInput input;
-    /// Whether the keyboard test was on.
+    /// Whether the keyboard test is running.
     bool inTest = false;
-    /// Whether this very release is a single key at once; the key that is sent then.
+    /// Whether this release is immediately a single key, and the key that is sent.
     bool isSentAtOnce = false;
     QString sentKey;
-    /// When the window behind this release ends; nothing when another release comes before, or the script's
-    /// end.
+    /// The end of the window after this release; not set if another release or the script's end is earlier.
     std::optional<Place> windowEnd;
 };
 
-/// A key that a recogniser of combinations or shortcuts was given.
-struct Fed
+/// A key that is passed to the recogniser of combinations or shortcuts.
+struct FedKey
 {
     int step = 0;
     QString key;
-    /// The key that had opened a gesture before; empty if none had.
+    /// The opening key of the current gesture; empty if there is none.
     QString opening;
-    /// All keys since the last time that everything was forgotten, this one included.
+    /// All keys since the last reset, including this one.
     QStringList since;
 };
 
 enum class Answer { No, Yes, Maybe };
 
-/// What a script says by itself about its play, and what was observed, in a form that invariants can be put
-/// in. Nothing here knows what the daemon should announce for which row.
+/// The inputs of a script and the observations of its play, prepared for invariants. Independent of the daemon's rules
+/// for rows.
 class Facts
 {
 public:
@@ -57,9 +56,9 @@ public:
     const QVector<KeyInput>& inputs() const { return m_inputs; }
     const QVector<Announcement>& announcements() const { return m_announcements; }
     const QVector<Release>& releases() const { return m_releases; }
-    const QVector<Fed>& fedCombinations() const { return m_fedCombinations; }
-    const QVector<Fed>& fedShortcuts() const { return m_fedShortcuts; }
-    /// When all that is pending is forgotten: at the end of windows and when a key was sent at once.
+    const QVector<FedKey>& fedCombinations() const { return m_fedCombinations; }
+    const QVector<FedKey>& fedShortcuts() const { return m_fedShortcuts; }
+    /// The times at which pending keys are cleared: at the end of windows and when a key is sent immediately.
     const QVector<Place>& resets() const { return m_resets; }
 
     QString stateAt(const Place& place) const { return m_states.at(place.steps); }
@@ -67,17 +66,17 @@ public:
     const KeyInput* inputOf(int step) const;
     const Release* releaseOf(int step) const;
     QVector<Announcement> announcedIn(int step) const;
-    QVector<Happening> happenedIn(int step) const;
+    QVector<PlayEvent> eventsIn(int step) const;
 
-    /// Whether a gesture or the factory reset was recognised since the last reset before `place`. Maybe, if
-    /// one came at the same moment as either end.
+    /// Whether a gesture or the factory reset was recognised since the last reset before `place`; `Maybe` if one
+    /// occurred at the same moment as either end.
     Answer gestureSeenBefore(const Place& place) const;
 
     static bool isSingleKey(const Announcement& announcement);
-    /// Whether a recognised action was announced, or dropped because of the state.
-    static bool isGesture(const Happening& happening);
-    static bool isRefusal(const Happening& happening);
-    static bool isUndefinedReceiver(const Happening& happening);
+    /// Whether `event` is a recognised action, announced or dropped because of the state.
+    static bool isGesture(const PlayEvent& event);
+    static bool isRefusal(const PlayEvent& event);
+    static bool isUndefinedReceiver(const PlayEvent& event);
 
 private:
     void collectAnnouncements();
@@ -85,16 +84,16 @@ private:
     void collectReleases();
     void endWindows();
     QString pendingKeyBefore(const KeyInput& release) const;
-    QVector<Fed> feed(KeyRow::Kind kind, const QString& command, int value) const;
+    QVector<FedKey> feed(KeyRow::Kind kind, const QString& command, int value) const;
 
     Play m_play;
     QStringList m_states;
     QVector<KeyInput> m_inputs;
     QVector<Announcement> m_announcements;
     QHash<int, QVector<Announcement>> m_announcedInSteps;
-    QHash<int, QVector<Happening>> m_happenedInSteps;
+    QHash<int, QVector<PlayEvent>> m_eventsInSteps;
     QVector<Release> m_releases;
     QVector<Place> m_resets;
-    QVector<Fed> m_fedCombinations;
-    QVector<Fed> m_fedShortcuts;
+    QVector<FedKey> m_fedCombinations;
+    QVector<FedKey> m_fedShortcuts;
 };

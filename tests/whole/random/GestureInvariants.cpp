@@ -37,7 +37,7 @@ bool isValid(const KeyRow& row, const QString& state)
                        [&state](const QString& part) { return part.simplified() == state; });
 }
 
-/// "ACTION RECEIVER FIRST LAST", which tells the gestures of two keys apart.
+/// "ACTION RECEIVER FIRST LAST", which identifies gestures of two keys.
 QString nameOf(const KeyRow& row)
 {
     return QStringList{row.action, row.receiver, row.keys.first(), row.keys.last()}.join(QLatin1Char(' '));
@@ -61,7 +61,7 @@ bool isShort(const KeyRow& row)
     return row.keys.size() <= 2;
 }
 
-bool isTyped(const KeyRow& row, const Fed& fed)
+bool isTyped(const KeyRow& row, const FedKey& fed)
 {
     if (row.keys.last() != fed.key || fed.opening.isEmpty()) {
         return false;
@@ -69,13 +69,13 @@ bool isTyped(const KeyRow& row, const Fed& fed)
     if (isShort(row)) {
         return row.keys.first() == fed.opening;
     }
-    // The key "Unknown" stands for none being open, so that a row that begins with it may have gaps.
+    // The key "Unknown" means that no row is open, so a row that starts with it may have gaps.
     return row.keys.first() == ls::KeyId::Unknown ||
            fed.since.mid(fed.since.size() - row.keys.size()) == row.keys;
 }
 
-/// The rows that a fed key completes for sure: those ahead of the first longer one.
-QStringList dueCombinations(const Facts& facts, const Fed& fed)
+/// The rows that the key definitely completes: those before the first longer one.
+QStringList dueCombinations(const Facts& facts, const FedKey& fed)
 {
     QStringList due;
     const QVector<KeyRow> rows = facts.rows(KeyRow::Kind::Modifier);
@@ -89,7 +89,7 @@ QStringList dueCombinations(const Facts& facts, const Fed& fed)
     return due;
 }
 
-QStringList dueShortcut(const Facts& facts, const Fed& fed)
+QStringList dueShortcut(const Facts& facts, const FedKey& fed)
 {
     const QVector<KeyRow> rows = facts.rows(KeyRow::Kind::Shortcut);
     const auto row = std::find_if(rows.cbegin(), rows.cend(), [&fed](const KeyRow& candidate) {
@@ -100,12 +100,12 @@ QStringList dueShortcut(const Facts& facts, const Fed& fed)
     return isSent ? QStringList(nameOf(*row)) : QStringList();
 }
 
-using Due = QStringList (*)(const Facts&, const Fed&);
+using Due = QStringList (*)(const Facts&, const FedKey&);
 
-QMap<int, QStringList> dueInSteps(const Facts& facts, const QVector<Fed>& feeds, Due due)
+QMap<int, QStringList> dueInSteps(const Facts& facts, const QVector<FedKey>& feeds, Due due)
 {
     QMap<int, QStringList> steps;
-    for (const Fed& fed : feeds) {
+    for (const FedKey& fed : feeds) {
         steps[fed.step] += due(facts, fed);
     }
     return steps;
@@ -153,14 +153,14 @@ QString refusalsNameTheStates(const Facts& facts)
 {
     static const QRegularExpression states(
         QStringLiteral("is:  \"(.*)\" , but current state is:  \"(.*)\" !\\?$"));
-    for (const Happening& happening : facts.play().happenings) {
-        if (!Facts::isRefusal(happening)) {
+    for (const PlayEvent& event : facts.play().events) {
+        if (!Facts::isRefusal(event)) {
             continue;
         }
-        const QRegularExpressionMatch match = states.match(happening.text);
-        const QString state = facts.stateAt(happening.place);
+        const QRegularExpressionMatch match = states.match(event.text);
+        const QString state = facts.stateAt(event.place);
         if (!match.hasMatch() || match.captured(2) != state || match.captured(1) == state) {
-            return described(happening);
+            return described(event);
         }
     }
     return {};
@@ -169,18 +169,18 @@ QString refusalsNameTheStates(const Facts& facts)
 QString combinationsWereOpened(const Facts& facts)
 {
     for (const Announcement& announcement : facts.announcements()) {
-        const auto isOfStep = [&](const Fed& fed) { return Place::ofStep(fed.step) == announcement.place; };
-        const QVector<Fed>& presses = facts.fedShortcuts();
+        const auto isOfStep = [&](const FedKey& fed) { return Place::ofStep(fed.step) == announcement.place; };
+        const QVector<FedKey>& presses = facts.fedShortcuts();
         const bool isCombination = isRowGesture(announcement) && announcement.place.isInStep() &&
                                    std::none_of(presses.cbegin(), presses.cend(), isOfStep);
-        const auto isTypedNow = [&](const Fed& fed) {
+        const auto isTypedNow = [&](const FedKey& fed) {
             const auto fits = [&](const KeyRow& row) {
                 return isOneOf(row, announcement) && isTyped(row, fed);
             };
             const QVector<KeyRow> rows = facts.rows(KeyRow::Kind::Modifier);
             return isOfStep(fed) && std::any_of(rows.cbegin(), rows.cend(), fits);
         };
-        const QVector<Fed>& feeds = facts.fedCombinations();
+        const QVector<FedKey>& feeds = facts.fedCombinations();
         if (isCombination && std::none_of(feeds.cbegin(), feeds.cend(), isTypedNow)) {
             return QStringLiteral("%1 at %2 ms was not typed")
                 .arg(announcement.action)
@@ -190,7 +190,7 @@ QString combinationsWereOpened(const Facts& facts)
     return {};
 }
 
-QString shortRowsAheadAlwaysCombine(const Facts& facts)
+QString earlyShortRowsAlwaysCombine(const Facts& facts)
 {
     const QMap<int, QStringList> steps = dueInSteps(facts, facts.fedCombinations(), dueCombinations);
     const QVector<KeyRow> rows = facts.rows(KeyRow::Kind::Modifier);

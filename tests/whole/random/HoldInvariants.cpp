@@ -18,7 +18,7 @@ bool isLongPress(const Announcement& announcement)
            announcement.keys.size() == 1;
 }
 
-/// The last row for a key decides.
+/// Only the last row for a key is used.
 std::optional<KeyRow> rowOf(const Facts& facts, const QString& key)
 {
     std::optional<KeyRow> found;
@@ -31,11 +31,11 @@ std::optional<KeyRow> rowOf(const Facts& facts, const QString& key)
 
 milliseconds timeOf(const KeyRow& row)
 {
-    constexpr int longest = std::numeric_limits<int>::max() / 1000;
-    return std::chrono::seconds(qBound(0, row.seconds, longest));
+    constexpr int maxSeconds = std::numeric_limits<int>::max() / 1000;
+    return std::chrono::seconds(qBound(0, row.seconds, maxSeconds));
 }
 
-/// How often a long press of `row` is announced in `state`: once for each part that names it.
+/// The number of announcements of a long press of `row` in `state`: one for each part with this state.
 int countIn(const KeyRow& row, const QString& state)
 {
     if (!row.validOnState.contains(QLatin1Char('|'))) {
@@ -46,7 +46,7 @@ int countIn(const KeyRow& row, const QString& state)
         parts.cbegin(), parts.cend(), [&state](const QString& part) { return part.simplified() == state; }));
 }
 
-/// What ends the time of a held key: presses, releases and the end of a window.
+/// The events that stop the time of a held key: presses, releases and the end of a window.
 QVector<Place> disturbancesOf(const Facts& facts)
 {
     QVector<Place> places = facts.resets();
@@ -71,21 +71,21 @@ QVector<KeyInput> startsOf(const Facts& facts)
     return starts;
 }
 
-bool isAttempt(const Happening& happening)
+bool isAttempt(const PlayEvent& event)
 {
-    return !happening.place.isInStep() &&
-           (Facts::isRefusal(happening) || Facts::isUndefinedReceiver(happening) ||
-            (Facts::isGesture(happening) &&
-             !happening.text.startsWith(QLatin1String("announce FactoryReset "))));
+    return !event.place.isInStep() &&
+           (Facts::isRefusal(event) || Facts::isUndefinedReceiver(event) ||
+            (Facts::isGesture(event) &&
+             !event.text.startsWith(QLatin1String("announce FactoryReset "))));
 }
 
-/// Where the time of a long press was stopped or had run out.
+/// The places at which the time of a long press was stopped or expired.
 QVector<Place> endsOf(const Facts& facts, const QVector<Place>& disturbances)
 {
     QVector<Place> ends = disturbances;
-    for (const Happening& happening : facts.play().happenings) {
-        if (isAttempt(happening)) {
-            ends.append(happening.place);
+    for (const PlayEvent& event : facts.play().events) {
+        if (isAttempt(event)) {
+            ends.append(event.place);
         }
     }
     std::sort(ends.begin(), ends.end());
@@ -95,13 +95,12 @@ QVector<Place> endsOf(const Facts& facts, const QVector<Place>& disturbances)
 /// The last of the sorted `ends` before `place`.
 Place lastEnd(const QVector<Place>& ends, const Place& place)
 {
-    const auto behind = std::lower_bound(ends.cbegin(), ends.cend(), place);
-    return behind == ends.cbegin() ? beginning : *(behind - 1);
+    const auto after = std::lower_bound(ends.cbegin(), ends.cend(), place);
+    return after == ends.cbegin() ? beginning : *(after - 1);
 }
 
-/// Whether `announcement` comes its row's time after the first repetition behind the place `end`. What comes
-/// at the very moment of `end` may be ahead of it or behind it, and of two keys that repeat at the same
-/// moment, each may be the first.
+/// Whether `announcement` is its row's time after the first repetition after `end`. Events at the same moment as `end`
+/// may be before or after it, and simultaneous repetitions of two keys may have any order.
 bool isTimed(const QVector<KeyInput>& starts, const Place& end, const Announcement& announcement,
              milliseconds time)
 {
@@ -122,8 +121,8 @@ bool isTimed(const QVector<KeyInput>& starts, const Place& end, const Announceme
     return false;
 }
 
-/// The same behind the last end before `announcement`. An end at its very moment may also have been ahead of
-/// it: the end of a window, followed by a repetition whose time is none.
+/// Likewise, after the last end before `announcement`. An end at the same moment may also have been before it: the end
+/// of a window, followed by a repetition with a time of 0.
 bool isTimed(const QVector<KeyInput>& starts, const QVector<Place>& ends, const QVector<Place>& disturbances,
              const Announcement& announcement, milliseconds time)
 {
@@ -143,7 +142,7 @@ int countOf(const Facts& facts, const KeyRow& row, milliseconds at)
         std::count_if(facts.announcements().cbegin(), facts.announcements().cend(), isSame));
 }
 
-/// The repetition that starts a time behind `end`, when there is no doubt about it.
+/// The repetition that starts a time after `end`, if it is unambiguous.
 const KeyInput* firstStart(const QVector<KeyInput>& starts, const Place& end)
 {
     const auto isBefore = [](const KeyInput& start, const Place& place) { return start.place < place; };
@@ -219,7 +218,7 @@ QString longPressesLastTheirTime(const Facts& facts)
     return {};
 }
 
-QString undisturbedLongPressesCome(const Facts& facts)
+QString undisturbedLongPressesAreAnnounced(const Facts& facts)
 {
     QVector<Place> disturbances = disturbancesOf(facts);
     const QVector<KeyInput> starts = startsOf(facts);
@@ -248,9 +247,9 @@ QString factoryResetTakesFiveSeconds(const Facts& facts)
         }
     }
     QVector<milliseconds> spoken;
-    for (const Happening& happening : facts.play().happenings) {
-        if (happening.text == QLatin1String("speak EmbosserMenu 487")) {
-            spoken.append(happening.at);
+    for (const PlayEvent& event : facts.play().events) {
+        if (event.text == QLatin1String("speak EmbosserMenu 487")) {
+            spoken.append(event.at);
         }
     }
     const QVector<milliseconds> due = dueFactoryResets(facts);

@@ -6,58 +6,58 @@ namespace invariants {
 const QVector<Invariant>& all()
 {
     static const QVector<Invariant> list{
-        {1, "everythingHasAKnownShape",
-         "only announcements, known sentences, cancellations, answers and log lines come",
-         everythingHasAKnownShape},
-        {2, "everythingHasItsTime",
-         "what comes is in the order of time, and what a step causes comes at once", everythingHasItsTime},
-        {3, "timersDoNothingElse",
-         "between steps come lone keys, long presses and the factory reset, nothing else",
-         timersDoNothingElse},
+        {1, "allEventsAreKnown",
+         "all observations are announcements, known sentences, cancellations, answers or log lines",
+         allEventsAreKnown},
+        {2, "eventsAreInOrder",
+         "observations are in chronological order, and the effects of a step are immediate", eventsAreInOrder},
+        {3, "timersCauseOnlyKnownActions",
+         "between steps, only lone keys, long presses and the factory reset occur",
+         timersCauseOnlyKnownActions},
         {4, "startupAnswersEachPress",
-         "each press in Startup is answered by the start-up sentence and nothing else",
+         "each press in Startup causes the start-up sentence and nothing else",
          startupAnswersEachPress},
         {5, "startupAnnouncesNoKey",
-         "in Startup only what began before or what a command simulates is announced", startupAnnouncesNoKey},
+         "in Startup, only earlier gestures and simulated ones are announced", startupAnnouncesNoKey},
         {6, "busyStatesSendEachReleaseAtOnce",
-         "outside of Idle and Startup each release is a single key at once", busyStatesSendEachReleaseAtOnce},
-        {7, "idleSendsOnlyMenuAtOnce", "in Idle only Menu is a single key at once, unless Help is pending",
+         "outside Idle and Startup, each release is immediately a single key", busyStatesSendEachReleaseAtOnce},
+        {7, "idleSendsOnlyMenuAtOnce", "in Idle, only Menu is immediately a single key, unless Help is pending",
          idleSendsOnlyMenuAtOnce},
-        {8, "loneKeysComeWhenTheWindowEnds", "in Idle a lone key comes 1500 ms after the last release",
-         loneKeysComeWhenTheWindowEnds},
+        {8, "loneKeysAreSentAtTheEndOfTheWindow", "in Idle, a lone key is sent 1500 ms after the last release",
+         loneKeysAreSentAtTheEndOfTheWindow},
         {9, "gesturesAreRowsOfTheLists",
-         "each gesture is one of a row that is valid in the state of the moment", gesturesAreRowsOfTheLists},
+         "each gesture is that of a row that is valid in the current state", gesturesAreRowsOfTheLists},
         {10, "refusalsNameTheStates",
-         "a dropped gesture is logged with its own state and the state of the moment", refusalsNameTheStates},
+         "a dropped gesture is logged with its state and the current state", refusalsNameTheStates},
         {11, "combinationsWereOpened", "a combination's keys were released before, and the last one just now",
          combinationsWereOpened},
-        {12, "shortRowsAheadAlwaysCombine",
-         "combinations ahead of the first longer row come whenever they are typed",
-         shortRowsAheadAlwaysCombine},
+        {12, "earlyShortRowsAlwaysCombine",
+         "combinations before the first longer row are recognised whenever they are typed",
+         earlyShortRowsAlwaysCombine},
         {13, "shortcutsNeedTheirOpeningKey",
-         "a shortcut comes for the first row of its held and its pressed key", shortcutsNeedTheirOpeningKey},
+         "a shortcut is that of the first row with its held and its pressed key", shortcutsNeedTheirOpeningKey},
         {14, "longPressesLastTheirTime",
-         "a long press comes the time of the key's last row after its first repeat",
+         "a long press is announced the time of the key's last row after the first repetition",
          longPressesLastTheirTime},
-        {15, "undisturbedLongPressesCome",
-         "a held key that nothing disturbs is a long press in each valid state", undisturbedLongPressesCome},
-        {16, "factoryResetTakesFiveSeconds", "the factory reset comes 5000 ms after its press, and is spoken",
+        {15, "undisturbedLongPressesAreAnnounced",
+         "a key held without disturbance is a long press in each valid state", undisturbedLongPressesAreAnnounced},
+        {16, "factoryResetTakesFiveSeconds", "the factory reset is announced and spoken 5000 ms after the press",
          factoryResetTakesFiveSeconds},
-        {17, "sendersAreNamedOnce", "the sender of a command is named in the one announcement behind it",
+        {17, "sendersAreNamedOnce", "the sender of a command is named only in the next announcement",
          sendersAreNamedOnce},
         {18, "releasesSpeakTheirKey",
          "a release speaks its key once for each combination and once for itself", releasesSpeakTheirKey},
-        {19, "cancellationsHaveASentence", "speech is cancelled only for a sentence that follows at once",
+        {19, "cancellationsHaveASentence", "speech is cancelled only for a sentence that follows immediately",
          cancellationsHaveASentence},
-        {20, "commandsAreAnsweredOnce", "each command gets the one answer that belongs to it",
+        {20, "commandsAreAnsweredOnce", "each command gets exactly its answer",
          commandsAreAnsweredOnce},
         {21, "consoleLinesAreAnsweredOnce", "each console line gets a response or a help screen",
          consoleLinesAreAnsweredOnce},
-        {22, "oddValuesAreReported", "key values that mean nothing are logged, once each",
-         oddValuesAreReported},
-        {23, "nothingComesInTheQuiet", "nothing comes when no key is held and all windows are over",
-         nothingComesInTheQuiet},
-        {24, "theNextKeyWorks", "whatever went before, a lone key is spoken and announced afterwards",
+        {22, "invalidValuesAreReported", "each meaningless key value is logged once",
+         invalidValuesAreReported},
+        {23, "nothingHappensInTheQuietTime", "nothing happens while no key is held and all windows are over",
+         nothingHappensInTheQuietTime},
+        {24, "theNextKeyWorks", "after any script, a lone key is spoken and announced",
          theNextKeyWorks},
     };
     return list;
@@ -75,12 +75,12 @@ Violation firstViolation(const Play& play)
     return {};
 }
 
-QString described(const Happening& happening)
+QString described(const PlayEvent& event)
 {
-    return QStringLiteral("at %1 ms, behind %2 steps: %3")
-        .arg(happening.at.count())
-        .arg(happening.place.steps)
-        .arg(happening.text);
+    return QStringLiteral("at %1 ms, after %2 steps: %3")
+        .arg(event.at.count())
+        .arg(event.place.steps)
+        .arg(event.text);
 }
 
 } // namespace invariants

@@ -3,10 +3,10 @@
 
 #include "tests/whole/random/Facts.h"
 
-/// What holds in every play, whatever the key lists and whatever is done. docs/behaviour.md has
-/// the same list in words for people who write key lists.
+/// The properties of every play, for any key lists and actions. docs/behaviour.md describes them for authors of key
+/// lists.
 ///
-/// Each check returns a sentence about the first violation, or an empty text.
+/// Each check returns a sentence about the first violation, or an empty string.
 namespace invariants {
 
 struct Invariant
@@ -19,7 +19,7 @@ struct Invariant
 
 const QVector<Invariant>& all();
 
-/// The number and the sentence of the first invariant that does not hold; 0 and empty when all do.
+/// The number and sentence of the first violated invariant; 0 and empty if all hold.
 struct Violation
 {
     int number = 0;
@@ -27,32 +27,32 @@ struct Violation
 };
 Violation firstViolation(const Play& play);
 
-QString everythingHasAKnownShape(const Facts& facts);
-QString everythingHasItsTime(const Facts& facts);
-QString timersDoNothingElse(const Facts& facts);
+QString allEventsAreKnown(const Facts& facts);
+QString eventsAreInOrder(const Facts& facts);
+QString timersCauseOnlyKnownActions(const Facts& facts);
 QString startupAnswersEachPress(const Facts& facts);
 QString startupAnnouncesNoKey(const Facts& facts);
 QString busyStatesSendEachReleaseAtOnce(const Facts& facts);
 QString idleSendsOnlyMenuAtOnce(const Facts& facts);
-QString loneKeysComeWhenTheWindowEnds(const Facts& facts);
+QString loneKeysAreSentAtTheEndOfTheWindow(const Facts& facts);
 QString gesturesAreRowsOfTheLists(const Facts& facts);
 QString refusalsNameTheStates(const Facts& facts);
 QString combinationsWereOpened(const Facts& facts);
-QString shortRowsAheadAlwaysCombine(const Facts& facts);
+QString earlyShortRowsAlwaysCombine(const Facts& facts);
 QString shortcutsNeedTheirOpeningKey(const Facts& facts);
 QString longPressesLastTheirTime(const Facts& facts);
-QString undisturbedLongPressesCome(const Facts& facts);
+QString undisturbedLongPressesAreAnnounced(const Facts& facts);
 QString factoryResetTakesFiveSeconds(const Facts& facts);
 QString sendersAreNamedOnce(const Facts& facts);
 QString releasesSpeakTheirKey(const Facts& facts);
 QString cancellationsHaveASentence(const Facts& facts);
 QString commandsAreAnsweredOnce(const Facts& facts);
 QString consoleLinesAreAnsweredOnce(const Facts& facts);
-QString oddValuesAreReported(const Facts& facts);
-QString nothingComesInTheQuiet(const Facts& facts);
+QString invalidValuesAreReported(const Facts& facts);
+QString nothingHappensInTheQuietTime(const Facts& facts);
 QString theNextKeyWorks(const Facts& facts);
 
-/// For the sentences: "at 1500 ms, behind 4 steps: TEXT".
-QString described(const Happening& happening);
+/// For the sentences: "at 1500 ms, after 4 steps: TEXT".
+QString described(const PlayEvent& event);
 
 } // namespace invariants

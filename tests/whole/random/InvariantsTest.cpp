@@ -10,13 +10,13 @@
 
 namespace {
 
-constexpr quint64 mutatedSeeds = 30;
+constexpr quint64 mutationSeeds = 30;
 
 using Mutate = bool (*)(Play& play, int index);
 
 bool startsWith(const Play& play, int index, const char* word)
 {
-    return play.happenings.at(index).text.startsWith(QLatin1String(word));
+    return play.events.at(index).text.startsWith(QLatin1String(word));
 }
 
 bool isLog(const Play& play, int index)
@@ -26,25 +26,25 @@ bool isLog(const Play& play, int index)
 
 bool duplicate(Play& play, int index)
 {
-    play.happenings.insert(index, play.happenings.at(index));
+    play.events.insert(index, play.events.at(index));
     return !isLog(play, index);
 }
 
 bool moveOn(Play& play, int index)
 {
-    Happening& happening = play.happenings[index];
-    happening.at += 1ms;
-    happening.place.timer += happening.place.isInStep() ? 0ms : 1ms;
+    PlayEvent& event = play.events[index];
+    event.at += 1ms;
+    event.place.timer += event.place.isInStep() ? 0ms : 1ms;
     return !isLog(play, index);
 }
 
 bool drop(Play& play, int index)
 {
-    // Which long presses are due is not known for all moments.
+    // It is not always known which long presses are due.
     const bool isChecked =
-        startsWith(play, index, "announce SingleKey ") || play.happenings.at(index).place.isInStep();
+        startsWith(play, index, "announce SingleKey ") || play.events.at(index).place.isInStep();
     const bool isMutation = isChecked && !isLog(play, index);
-    play.happenings.remove(index);
+    play.events.remove(index);
     return isMutation;
 }
 
@@ -53,16 +53,16 @@ bool replaceWord(Play& play, int index, int word, const QString& other)
     if (!startsWith(play, index, "announce ")) {
         return false;
     }
-    QStringList words = play.happenings.at(index).text.split(QLatin1Char(' '));
+    QStringList words = play.events.at(index).text.split(QLatin1Char(' '));
     words.replace(word, other);
-    play.happenings[index].text = words.join(QLatin1Char(' '));
+    play.events[index].text = words.join(QLatin1Char(' '));
     return true;
 }
 
 bool nameOtherSender(Play& play, int index)
 {
     const bool isStateHandler =
-        play.happenings.at(index).text.split(QLatin1Char(' ')).value(3) == ServiceId::StateHandler;
+        play.events.at(index).text.split(QLatin1Char(' ')).value(3) == ServiceId::StateHandler;
     return replaceWord(play, index, 3, isStateHandler ? ServiceId::WwwApi : ServiceId::StateHandler);
 }
 
@@ -86,11 +86,11 @@ bool speakOtherKey(Play& play, int index)
     const QString other =
         startsWith(play, index, "speak EmbosserCore 17") ? QStringLiteral("18") : QStringLiteral("17");
     const bool isName = startsWith(play, index, "speak EmbosserCore ");
-    play.happenings[index].text = QStringLiteral("speak EmbosserCore ") + other;
+    play.events[index].text = QStringLiteral("speak EmbosserCore ") + other;
     return isName;
 }
 
-/// A play as a script's `expect` lines describe it. What comes at the time of a step is its doing.
+/// The play described by a script's `expect` lines. Observations at the time of a step are its effects.
 Play playOf(const KeyScript& script)
 {
     Play play{script, {}};
@@ -99,7 +99,7 @@ Play playOf(const KeyScript& script)
         const int steps =
             static_cast<int>(std::count_if(script.steps.cbegin(), script.steps.cend(), isTaken));
         const bool inStep = steps > 0 && script.steps.at(steps - 1).at == expectation.at;
-        play.happenings.append(
+        play.events.append(
             {expectation.at, expectation.text, {steps, inStep ? Place::inStep : expectation.at}});
     }
     return play;
@@ -109,8 +109,7 @@ Play playOf(const KeyScript& script)
 
 Q_DECLARE_METATYPE(Mutate)
 
-/// The invariants catch what they are there for: wrong plays made by hand, and every small change to what a
-/// real device did.
+/// The invariants detect the wrong plays of WrongPlays.h and every small change to the observations of a real play.
 class InvariantsTest : public QObject
 {
     Q_OBJECT
@@ -130,7 +129,7 @@ void InvariantsTest::numbersCountUp()
     for (const invariants::Invariant& invariant : invariants::all()) {
         QCOMPARE(invariant.number, ++number);
     }
-    QCOMPARE(invariants::all().size(), Trial::sameAgainNumber - 1);
+    QCOMPARE(invariants::all().size(), Trial::repeatabilityNumber - 1);
 }
 
 void InvariantsTest::wrongPlayViolatesItsInvariant_data()
@@ -168,9 +167,9 @@ void InvariantsTest::everyChangeIsNoticed_data()
 {
     QTest::addColumn<Mutate>("mutate");
     const auto row = [](const char* name, Mutate mutate) { QTest::newRow(name) << mutate; };
-    row("something comes twice", duplicate);
-    row("something comes a millisecond late", moveOn);
-    row("something does not come", drop);
+    row("a duplicate observation", duplicate);
+    row("an observation a millisecond late", moveOn);
+    row("a missing observation", drop);
     row("another sender", nameOtherSender);
     row("another receiver", nameOtherReceiver);
     row("another action", nameOtherAction);
@@ -182,14 +181,14 @@ void InvariantsTest::everyChangeIsNoticed()
 {
     QFETCH(Mutate, mutate);
     int mutations = 0;
-    for (quint64 seed = 1; seed <= mutatedSeeds; ++seed) {
+    for (quint64 seed = 1; seed <= mutationSeeds; ++seed) {
         const Play play = Player::play(Epilogue::appendedTo(RandomScript::roll(seed)));
-        for (int i = 0; i < play.happenings.size(); ++i) {
+        for (int i = 0; i < play.events.size(); ++i) {
             Play changed = play;
             if (mutate(changed, i)) {
                 ++mutations;
                 const QString what =
-                    QStringLiteral("seed %1, ").arg(seed) + invariants::described(play.happenings.at(i));
+                    QStringLiteral("seed %1, ").arg(seed) + invariants::described(play.events.at(i));
                 QVERIFY2(invariants::firstViolation(changed).number != 0, qPrintable(what));
             }
         }

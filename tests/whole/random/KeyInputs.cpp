@@ -22,7 +22,7 @@ constexpr milliseconds repeatDelay = 250ms;
 constexpr milliseconds repeatPeriod = 33ms;
 const QString undefined = QStringLiteral("Undefined");
 
-/// The keys of one device as the kernel knows them.
+/// The held keys of one device.
 struct HeldKeys
 {
     QSet<QString> down;

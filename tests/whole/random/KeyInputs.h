@@ -3,7 +3,7 @@
 
 #include "tests/whole/random/Play.h"
 
-/// One key event that reaches the daemon: from the panel, from an odd record or from a command.
+/// A key event that reaches the daemon from the panel, a raw record or a command.
 struct KeyInput
 {
     std::chrono::milliseconds at{0};
@@ -11,10 +11,10 @@ struct KeyInput
     int code = 0;
     QString key;
     int value = 0;
-    /// The operating state at that moment.
+    /// The operating state at that time.
     QString state;
 
-    /// In Startup nothing looks at the keys.
+    /// False in Startup, in which keys are ignored.
     bool isSeen() const { return state != ls::StateId::Startup; }
     bool isPress() const { return isSeen() && value == 1; }
     bool isRelease() const { return isSeen() && value == 0; }
@@ -26,10 +26,10 @@ namespace KeyInputs {
 /// All key events of a script in their order, with the repetitions of held keys.
 QVector<KeyInput> of(const KeyScript& script);
 
-/// The operating state after so many steps, for 0 to all steps.
+/// The operating state before the first and after each step.
 QStringList statesOf(const KeyScript& script);
 
-/// The place of a timer that fires at `at`: ahead of the steps of that moment.
+/// The place of a timer that fires at `at`: before the steps of that moment.
 Place timerPlace(const KeyScript& script, std::chrono::milliseconds at);
 
 } // namespace KeyInputs

@@ -7,9 +7,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-bool isSpeech(const Happening& happening)
+bool isSpeech(const PlayEvent& event)
 {
-    return happening.text.startsWith(QLatin1String("speak ")) || happening.text == QLatin1String("cancel");
+    return event.text.startsWith(QLatin1String("speak ")) || event.text == QLatin1String("cancel");
 }
 
 bool isKnown(const QString& text)
@@ -28,38 +28,38 @@ bool isKnown(const QString& text)
 
 namespace invariants {
 
-QString everythingHasAKnownShape(const Facts& facts)
+QString allEventsAreKnown(const Facts& facts)
 {
-    for (const Happening& happening : facts.play().happenings) {
-        if (!isKnown(happening.text)) {
-            return described(happening);
+    for (const PlayEvent& event : facts.play().events) {
+        if (!isKnown(event.text)) {
+            return described(event);
         }
     }
     return {};
 }
 
-QString everythingHasItsTime(const Facts& facts)
+QString eventsAreInOrder(const Facts& facts)
 {
     auto last = 0ms;
-    for (const Happening& happening : facts.play().happenings) {
-        const bool inStep = happening.place.isInStep();
-        const auto due = inStep ? facts.script().steps.at(happening.place.steps - 1).at : happening.at;
-        if (happening.at < last || happening.at != due || happening.at > facts.script().end) {
-            return described(happening);
+    for (const PlayEvent& event : facts.play().events) {
+        const bool inStep = event.place.isInStep();
+        const auto due = inStep ? facts.script().steps.at(event.place.steps - 1).at : event.at;
+        if (event.at < last || event.at != due || event.at > facts.script().end) {
+            return described(event);
         }
-        last = happening.at;
+        last = event.at;
     }
     return {};
 }
 
-QString timersDoNothingElse(const Facts& facts)
+QString timersCauseOnlyKnownActions(const Facts& facts)
 {
-    for (const Happening& happening : facts.play().happenings) {
-        const bool isAllowed = happening.text.startsWith(QLatin1String("announce ")) ||
-                               happening.text == QLatin1String("speak EmbosserMenu 487") ||
-                               Facts::isRefusal(happening) || Facts::isUndefinedReceiver(happening);
-        if (!happening.place.isInStep() && !isAllowed) {
-            return described(happening);
+    for (const PlayEvent& event : facts.play().events) {
+        const bool isAllowed = event.text.startsWith(QLatin1String("announce ")) ||
+                               event.text == QLatin1String("speak EmbosserMenu 487") ||
+                               Facts::isRefusal(event) || Facts::isUndefinedReceiver(event);
+        if (!event.place.isInStep() && !isAllowed) {
+            return described(event);
         }
     }
     for (const Announcement& announcement : facts.announcements()) {
@@ -77,11 +77,11 @@ QString startupAnswersEachPress(const Facts& facts)
     for (int i = 0; i < facts.script().steps.size(); ++i) {
         QStringList spoken;
         bool isRefused = false;
-        const QVector<Happening> happenings = facts.happenedIn(i);
-        for (const Happening& happening : happenings) {
-            isRefused = isRefused || happening.text == answer.last();
-            if (isSpeech(happening)) {
-                spoken.append(happening.text);
+        const QVector<PlayEvent> events = facts.eventsIn(i);
+        for (const PlayEvent& event : events) {
+            isRefused = isRefused || event.text == answer.last();
+            if (isSpeech(event)) {
+                spoken.append(event.text);
             }
         }
         const KeyInput* input = facts.inputOf(i);

@@ -5,15 +5,15 @@
 
 #include <tuple>
 
-/// A place in the order of what goes on in a play: within the handling of a step, or at a moment between two
-/// steps. Two things that timers do at the same moment have the same place.
+/// A place in the sequence of a play: within the handling of a step or at a moment between two steps. Simultaneous
+/// timers have the same place.
 struct Place
 {
     static constexpr std::chrono::milliseconds inStep{-1};
 
-    /// How many steps were begun.
+    /// The number of started steps.
     int steps = 0;
-    /// The moment of a timer behind the last of those steps; `inStep` within the step.
+    /// The time of a timer after the last of those steps; `inStep` within the step.
     std::chrono::milliseconds timer = inStep;
 
     static Place ofStep(int index) { return {index + 1, inStep}; }
@@ -27,17 +27,17 @@ private:
     std::tuple<int, std::chrono::milliseconds> order() const { return {steps, timer}; }
 };
 
-/// Something the daemon did, with its time and its place among the steps.
-struct Happening
+/// An observation with its place among the steps.
+struct PlayEvent
 {
     std::chrono::milliseconds at{0};
     QString text;
     Place place;
 };
 
-/// A script that was played and what was observed.
+/// A played script and its observations.
 struct Play
 {
     KeyScript script;
-    QVector<Happening> happenings;
+    QVector<PlayEvent> events;
 };

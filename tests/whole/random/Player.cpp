@@ -8,7 +8,7 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr int longestPiece = 700;
+constexpr int maxPiece = 700;
 
 using WaitUntil = std::function<void(VirtualDevice&, milliseconds)>;
 
@@ -21,7 +21,7 @@ public:
         m_device.setModel(script.model);
         m_device.setRows(script.rows);
         m_device.start(script.initialState);
-        m_device.take(); // the log lines of the start
+        m_device.take(); // discards the log lines of the start
     }
 
     Play play()
@@ -44,7 +44,7 @@ private:
         const Observations observations = m_device.takeObservations();
         for (const Observation& observation : observations) {
             const Place place{steps, inStep ? Place::inStep : observation.at};
-            m_play.happenings.append({observation.at, observation.text, place});
+            m_play.events.append({observation.at, observation.text, place});
         }
     }
 
@@ -66,7 +66,7 @@ Play Player::playInPieces(const KeyScript& script, quint64 seed)
     milliseconds now{0};
     const auto waitInPieces = [&](VirtualDevice& device, milliseconds time) {
         while (now < time) {
-            now = qMin(time, now + milliseconds(dice.below(longestPiece)));
+            now = qMin(time, now + milliseconds(dice.below(maxPiece)));
             device.waitUntil(now);
         }
         device.waitUntil(time);

@@ -6,13 +6,13 @@ using namespace std::chrono_literals;
 
 namespace invariants {
 
-QString nothingComesInTheQuiet(const Facts& facts)
+QString nothingHappensInTheQuietTime(const Facts& facts)
 {
     const auto begin = Epilogue::quietBegin(facts.script());
     const auto end = Epilogue::lastPress(facts.script());
-    for (const Happening& happening : facts.play().happenings) {
-        if (happening.at >= begin && happening.at <= end) {
-            return described(happening);
+    for (const PlayEvent& event : facts.play().events) {
+        if (event.at >= begin && event.at <= end) {
+            return described(event);
         }
     }
     return {};
@@ -23,9 +23,9 @@ QString theNextKeyWorks(const Facts& facts)
     constexpr auto window = 1500ms;
     const auto release = Epilogue::lastRelease(facts.script());
     QVector<QPair<std::chrono::milliseconds, QString>> seen;
-    for (const Happening& happening : facts.play().happenings) {
-        if (happening.at > Epilogue::lastPress(facts.script())) {
-            seen.append({happening.at, happening.text});
+    for (const PlayEvent& event : facts.play().events) {
+        if (event.at > Epilogue::lastPress(facts.script())) {
+            seen.append({event.at, event.text});
         }
     }
     const bool isSpoken =

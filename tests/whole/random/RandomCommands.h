@@ -6,7 +6,7 @@
 #include <QString>
 #include <QVariantMap>
 
-/// Rolls commands to the keyboard service and lines for its console, wrong ones among them.
+/// Generates random commands to the keyboard service and lines for its console, including invalid ones.
 namespace RandomCommands {
 
 QVariantMap roll(Dice& dice);

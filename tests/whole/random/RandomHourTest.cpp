@@ -16,8 +16,8 @@ namespace {
 constexpr const char* seedVariable = "KEY_HOUR_SEED";
 constexpr int quarters = 4;
 constexpr auto quarter = 15min;
-/// What the daemon remembers of the last keys and senders differs a little from one moment to the next.
-constexpr qint64 mostGrowth = 4096;
+/// The memory for the last keys and senders varies slightly.
+constexpr qint64 maxGrowth = 4096;
 
 quint64 chosenSeed()
 {
@@ -33,8 +33,8 @@ void append(KeyScript& script, const KeyScript& more)
     script.end += more.end;
 }
 
-/// Random scripts one after the other, with the key lists of the first one. Each quarter of an hour ends with
-/// all keys released and nothing pending.
+/// Concatenates random scripts, with the key lists of the first one. Each quarter of an hour ends with all keys
+/// released and nothing pending.
 struct Hour
 {
     KeyScript script;
@@ -55,7 +55,7 @@ struct Hour
     }
 };
 
-/// What this process holds while nothing is pending.
+/// The resources of this process while nothing is pending.
 struct Holdings
 {
     qint64 heap = 0;
@@ -76,7 +76,7 @@ struct Holdings
 
 } // namespace
 
-/// An hour of dense random traffic on one device, on the virtual clock. KEY_HOUR_SEED chooses another hour.
+/// Plays an hour of dense random traffic on one device, on the virtual clock. KEY_HOUR_SEED sets another seed.
 class RandomHourTest : public QObject
 {
     Q_OBJECT
@@ -84,10 +84,10 @@ class RandomHourTest : public QObject
 private Q_SLOTS:
     void initTestCase();
     void invariantsHoldForTheWholeHour();
-    void nothingPilesUp();
+    void nothingAccumulates();
 
 private:
-    /// Plays the hour once more and forgets what is observed; returns what is held behind each quarter.
+    /// Plays the hour without recording observations; returns the resources after each quarter.
     QVector<Holdings> playQuarters() const;
 
     quint64 m_seed = 0;
@@ -108,7 +108,7 @@ void RandomHourTest::invariantsHoldForTheWholeHour()
     QVERIFY2(result.violated == 0, qPrintable(result.text));
 }
 
-void RandomHourTest::nothingPilesUp()
+void RandomHourTest::nothingAccumulates()
 {
     const QVector<Holdings> held = playQuarters();
     const Holdings& first = held.first();
@@ -116,7 +116,7 @@ void RandomHourTest::nothingPilesUp()
     qInfo("heap after each quarter: %lld %lld %lld %lld bytes", held.at(0).heap, held.at(1).heap,
           held.at(2).heap, held.at(3).heap);
     QVERIFY(first.heap > 0);
-    QVERIFY(last.heap - first.heap <= mostGrowth);
+    QVERIFY(last.heap - first.heap <= maxGrowth);
     QCOMPARE(last.timers, 0);
     QCOMPARE(last.descriptors, first.descriptors);
 }

@@ -7,12 +7,12 @@
 
 namespace {
 
-constexpr int mostRows = 6;
+constexpr int maxRows = 6;
 constexpr int firstRefusedSeconds = 2147484;
 
 QString rowKey(Dice& dice)
 {
-    // A key of no panel, the name of a code without a key, and the name that stands for "no key".
+    // An unknown key, the name of a code without a key, and the name for "no key".
     return dice.oneIn(25)
                ? dice.pick({QStringLiteral("Bell"), QStringLiteral("Undefined"), ls::KeyId::Unknown})
                : RandomRows::anyKey(dice);
@@ -76,14 +76,14 @@ QVector<KeyRow> RandomRows::roll(Dice& dice)
 {
     QVector<KeyRow> rows;
     for (const KeyRow::Kind kind : {KeyRow::Kind::Long, KeyRow::Kind::Modifier, KeyRow::Kind::Shortcut}) {
-        const int count = dice.below(mostRows + 1);
+        const int count = dice.below(maxRows + 1);
         for (int i = 0; i < count; ++i) {
             const bool again = i > 0 && dice.oneIn(10);
             rows.append(again ? rows.last()
                               : rowOf(dice, kind, QStringLiteral("Action%1").arg(rows.size() + 1)));
         }
     }
-    if (rows.isEmpty()) { // without any row the installed lists would count
+    if (rows.isEmpty()) { // without rows, the installed lists would apply
         rows.append(KeyRow{});
     }
     return rows;

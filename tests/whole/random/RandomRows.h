@@ -4,16 +4,15 @@
 #include "simulator/script/KeyScript.h"
 #include "tests/whole/random/Dice.h"
 
-/// Rolls key lists, odd rows among them.
+/// Generates random key lists, including unusual rows.
 namespace RandomRows {
 
-/// Up to six rows of each kind, and at least one row. Each action stands for one row, unless the row is there
-/// twice.
+/// Up to six rows of each kind, and at least one row. Each action identifies one row, except for duplicate rows.
 QVector<KeyRow> roll(Dice& dice);
 
-/// A key of the few that scripts and rows are mostly about.
+/// One of the few keys that most scripts and rows use.
 QString commonKey(Dice& dice);
-/// Any key that the panel has, or a common one.
+/// Any key of the panel, or a common one.
 QString anyKey(Dice& dice);
 
 } // namespace RandomRows

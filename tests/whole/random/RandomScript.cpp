@@ -14,13 +14,13 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr int fewestActions = 5;
-constexpr int mostActions = 60;
-constexpr int longestTap = 120;
+constexpr int minActions = 5;
+constexpr int maxActions = 60;
+constexpr int maxTap = 120;
 constexpr int codeWithoutKey = 30;
 
-/// Around the times that the daemon and the kernel count: the repetition, the window after a release, whole
-/// seconds of long presses, the factory reset.
+/// Durations near the limits of the daemon and the kernel: the repetition, the window after a release, whole seconds of
+/// long presses, the factory reset.
 milliseconds duration(Dice& dice)
 {
     constexpr std::array shortOnes{0, 1, 1, 10, 33, 50, 100, 200};
@@ -42,7 +42,7 @@ public:
         m_script.model = m_dice.pick({QStringLiteral("Pellit"), QStringLiteral("Orvane")});
         m_script.initialState = state();
         m_script.rows = RandomRows::roll(m_dice);
-        for (int count = fewestActions + m_dice.below(mostActions - fewestActions + 1); count > 0; --count) {
+        for (int count = minActions + m_dice.below(maxActions - minActions + 1); count > 0; --count) {
             addAction();
         }
         return m_script;
@@ -61,7 +61,7 @@ private:
     {
         const int number = m_dice.below(100);
         if (number < 40) {
-            addTap(milliseconds(m_dice.below(longestTap)));
+            addTap(milliseconds(m_dice.below(maxTap)));
         } else if (number < 50) {
             addTap(duration(m_dice));
         } else if (number < 60) {
@@ -74,7 +74,7 @@ private:
             addOther(number);
         }
         if (m_dice.oneIn(2)) {
-            wait(milliseconds(m_dice.below(longestTap)));
+            wait(milliseconds(m_dice.below(maxTap)));
         }
     }
 
@@ -109,9 +109,9 @@ private:
     {
         ScriptStep held = key(ScriptStep::Kind::Press);
         add(held);
-        wait(milliseconds(m_dice.below(longestTap)));
-        addTap(milliseconds(m_dice.below(longestTap)));
-        wait(milliseconds(m_dice.below(longestTap)));
+        wait(milliseconds(m_dice.below(maxTap)));
+        addTap(milliseconds(m_dice.below(maxTap)));
+        wait(milliseconds(m_dice.below(maxTap)));
         held.kind = ScriptStep::Kind::Release;
         add(held);
     }

@@ -3,10 +3,10 @@
 
 #include "simulator/script/KeyScript.h"
 
-/// Rolls whole key scripts.
+/// Generates random key scripts.
 namespace RandomScript {
 
-/// The script of `seed`: always the same, with every compiler and library.
+/// The script of `seed`, independent of compiler and library.
 KeyScript roll(quint64 seed);
 
 } // namespace RandomScript

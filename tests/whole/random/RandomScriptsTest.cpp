@@ -15,20 +15,20 @@ namespace {
 
 constexpr quint64 firstSeed = 1;
 constexpr int seedCount = 1000;
-/// Few enough for the time that a test may take on a slow machine.
+/// Limits the time of a row on slow machines.
 constexpr int seedsInRow = 1000;
 constexpr const char* seedsVariable = "KEY_SCRIPT_SEEDS";
 
 } // namespace
 
-/// Plays random key scripts on the virtual clock and checks what always holds. Other scripts than the usual
-/// ones are chosen by the environment: KEY_SCRIPT_SEEDS=FIRST:COUNT.
+/// Plays random key scripts on the virtual clock and checks the invariants. KEY_SCRIPT_SEEDS=FIRST:COUNT sets other
+/// seeds.
 class RandomScriptsTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void seedAlwaysGivesTheSameScript();
+    void seedDeterminesTheScript();
     void scriptsDifferFromSeedToSeed();
     void scriptsReachEverything_data();
     void scriptsReachEverything();
@@ -36,10 +36,10 @@ private Q_SLOTS:
     void invariantsHoldInEveryScript();
 };
 
-void RandomScriptsTest::seedAlwaysGivesTheSameScript()
+void RandomScriptsTest::seedDeterminesTheScript()
 {
     QCOMPARE(writeKeyScript(RandomScript::roll(firstSeed)), writeKeyScript(RandomScript::roll(firstSeed)));
-    // The engine's own numbers are fixed by its definition: another library may not change the scripts.
+    // The engine is fully specified, so another library must generate the same scripts.
     const QByteArray text = writeKeyScript(RandomScript::roll(firstSeed)).toUtf8();
     QCOMPARE(QCryptographicHash::hash(text, QCryptographicHash::Sha1).toHex(),
              QByteArray("a47e0da715c8a32a4c5093f7b51e322b0703775e"));
@@ -62,7 +62,7 @@ void RandomScriptsTest::scriptsReachEverything_data()
     QTest::newRow("combination or shortcut") << "announce Action\\d+ \\w+ \\w+ \\w+ \\w+";
     QTest::newRow("factory reset") << "announce FactoryReset .*";
     QTest::newRow("sender of a command") << "announce \\w+ \\w+ ServiceTool .*";
-    QTest::newRow("nobody as sender") << "announce \\w+ \\w+ - .*";
+    QTest::newRow("no sender") << "announce \\w+ \\w+ - .*";
     QTest::newRow("refusal in Startup") << "speak EmbosserError 69";
     QTest::newRow("key without name") << "speak EmbosserCore 0";
     QTest::newRow("Function of the Orvane model") << "speak EmbosserCore 30";
@@ -77,13 +77,13 @@ void RandomScriptsTest::scriptsReachEverything()
 {
     QFETCH(QString, pattern);
     const QRegularExpression expression(QRegularExpression::anchoredPattern(pattern));
-    const auto matches = [&expression](const Happening& happening) {
-        return expression.match(happening.text).hasMatch();
+    const auto matches = [&expression](const PlayEvent& event) {
+        return expression.match(event.text).hasMatch();
     };
     bool isReached = false;
     for (quint64 seed = firstSeed; seed < firstSeed + seedCount && !isReached; ++seed) {
         const Play play = Player::play(RandomScript::roll(seed));
-        isReached = std::any_of(play.happenings.cbegin(), play.happenings.cend(), matches);
+        isReached = std::any_of(play.events.cbegin(), play.events.cend(), matches);
     }
     QVERIFY(isReached);
 }
@@ -111,7 +111,7 @@ void RandomScriptsTest::invariantsHoldInEveryScript()
         const KeyScript script = RandomScript::roll(seed);
         const Trial::Result result = Trial::run(script, seed);
         if (result.violated != 0) {
-            // Longer than what a failure message may hold.
+            // Printed, because the report is too long for a failure message.
             std::fprintf(stderr, "%s\n", qPrintable(Trial::report(script, seed, result)));
         }
         QVERIFY2(result.violated == 0, qPrintable(QStringLiteral("seed %1: %2").arg(seed).arg(result.text)));

@@ -79,7 +79,7 @@ private:
         return changed;
     }
 
-    /// Shortens the time ahead of the step `index`, or behind the last step.
+    /// Shortens the time before the step `index`, or after the last step.
     bool shortenWait(int index)
     {
         const milliseconds begin = index > 0 ? m_script.steps.at(index - 1).at : 0ms;

@@ -5,13 +5,13 @@
 
 #include <functional>
 
-/// Looks for the shortest script that still shows a fault.
+/// Minimises a script that shows a fault.
 namespace Shrinker {
 
 using Shows = std::function<bool(const KeyScript&)>;
 
-/// Takes steps and rows out of `script` and shortens its waits as long as `shows` stays true; of what comes
-/// back, nothing more can be left out. One row always stays, because the installed lists count without any.
+/// Removes steps and rows of `script` and shortens its waits while `shows` remains true, until nothing more can be
+/// removed. One row always remains, because without rows the installed lists apply.
 KeyScript shrink(const KeyScript& script, const Shows& shows);
 
 } // namespace Shrinker

@@ -19,7 +19,7 @@ bool hasKey(const KeyScript& script, const QString& key)
     });
 }
 
-/// Shows its fault if Menu is pressed, and Up 700 ms later or more, with a row for Help.
+/// Shows a fault if Menu is pressed, and Up at least 700 ms later, with a row for Help.
 bool showsFault(const KeyScript& script)
 {
     std::chrono::milliseconds menu = 1h;
@@ -40,13 +40,13 @@ class ShrinkerTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void leavesOnlyWhatTheFaultNeeds();
-    void keepsAScriptThatIsShortAlready();
+    void removesEverythingThatTheFaultDoesNotNeed();
+    void keepsAShortScript();
     void oneRowStays();
-    void reportIsAScriptWithWhatWasObserved();
+    void reportIsAScriptWithTheObservations();
 };
 
-void ShrinkerTest::leavesOnlyWhatTheFaultNeeds()
+void ShrinkerTest::removesEverythingThatTheFaultDoesNotNeed()
 {
     const KeyScript script = parsed("row long A UserMenu Idle 1 Up\n"
                                     "row modifier B UserMenu Idle Feed Help Menu\n"
@@ -59,7 +59,7 @@ void ShrinkerTest::leavesOnlyWhatTheFaultNeeds()
                             "press Menu\nwait 700\npress Up\n"));
 }
 
-void ShrinkerTest::keepsAScriptThatIsShortAlready()
+void ShrinkerTest::keepsAShortScript()
 {
     const KeyScript script = parsed("row long A UserMenu Idle 1 Help\npress Menu\nwait 700\npress Up\n");
     QCOMPARE(writeKeyScript(Shrinker::shrink(script, showsFault)), writeKeyScript(script));
@@ -73,9 +73,9 @@ void ShrinkerTest::oneRowStays()
     QCOMPARE(script.end.count(), 0);
 }
 
-void ShrinkerTest::reportIsAScriptWithWhatWasObserved()
+void ShrinkerTest::reportIsAScriptWithTheObservations()
 {
-    // No invariant has this number, so that nothing can be left out.
+    // No invariant has this number, so nothing can be removed.
     const KeyScript script = parsed("row long A UserMenu Idle 1 Help\ntap Menu\nwait 100\n");
     const QString text = Trial::report(script, 7, {99, QStringLiteral("made up")});
     QVERIFY2(text.startsWith(QStringLiteral("# seed 7, invariant 99, made up\nmodel Pellit\n")),

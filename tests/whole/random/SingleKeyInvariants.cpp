@@ -43,7 +43,7 @@ QStringList dueKeys(const QString& state, const QString& key)
     return due;
 }
 
-/// Compares the single keys of each step with what is due at once; `inIdle` chooses the steps.
+/// Compares the single keys of each step with those due immediately; `inIdle` selects the steps.
 QString checkSteps(const Facts& facts, bool inIdle)
 {
     for (int i = 0; i < facts.script().steps.size(); ++i) {
@@ -103,7 +103,7 @@ QString idleSendsOnlyMenuAtOnce(const Facts& facts)
     return checkSteps(facts, true);
 }
 
-QString loneKeysComeWhenTheWindowEnds(const Facts& facts)
+QString loneKeysAreSentAtTheEndOfTheWindow(const Facts& facts)
 {
     QVector<Place> ends;
     for (const Release& release : facts.releases()) {

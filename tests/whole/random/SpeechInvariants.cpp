@@ -24,7 +24,7 @@ int sentenceOf(const QString& key)
     return key == KeyId::Function ? function : named.contains(key) ? first + named.indexOf(key) : 0;
 }
 
-/// The name as a lone key is spoken.
+/// The spoken name of a lone key.
 QString loneName(const Facts& facts, const QString& key)
 {
     const bool isOther = key == KeyId::Function && facts.script().model == QLatin1String("Orvane");
@@ -34,26 +34,26 @@ QString loneName(const Facts& facts, const QString& key)
 QStringList spokenIn(const Facts& facts, int step)
 {
     QStringList texts;
-    const QVector<Happening> happenings = facts.happenedIn(step);
-    for (const Happening& happening : happenings) {
-        if (happening.text.startsWith(QLatin1String("speak ")) || happening.text == cancellation) {
-            texts.append(happening.text);
+    const QVector<PlayEvent> events = facts.eventsIn(step);
+    for (const PlayEvent& event : events) {
+        if (event.text.startsWith(QLatin1String("speak ")) || event.text == cancellation) {
+            texts.append(event.text);
         }
     }
     return texts;
 }
 
-/// How many combinations were complete in a step, whatever became of them.
+/// The number of combinations completed in a step, announced or not.
 int combinationsIn(const Facts& facts, int step)
 {
-    const QVector<Happening> happenings = facts.happenedIn(step);
+    const QVector<PlayEvent> events = facts.eventsIn(step);
     return static_cast<int>(
-        std::count_if(happenings.cbegin(), happenings.cend(), [](const Happening& happening) {
-            return Facts::isGesture(happening) || Facts::isUndefinedReceiver(happening);
+        std::count_if(events.cbegin(), events.cend(), [](const PlayEvent& event) {
+            return Facts::isGesture(event) || Facts::isUndefinedReceiver(event);
         }));
 }
 
-/// What a release speaks for its key alone, behind what it may complete.
+/// The speech of a release for its key alone, after that of completed gestures.
 QVector<QStringList> loneSpeech(const Facts& facts, const Release& release)
 {
     const QString key = release.input.key;
@@ -115,7 +115,7 @@ QString checkOther(const Facts& facts, int step)
                : QStringLiteral("step %1 speaks \"%2\"").arg(step).arg(spoken.join(QStringLiteral(", ")));
 }
 
-/// Only rows of three and more keys cancel speech before they speak.
+/// Only rows of three or more keys cancel speech before they speak.
 bool hasLongerRow(const Facts& facts)
 {
     const QVector<KeyRow> rows = facts.rows(KeyRow::Kind::Modifier);

@@ -13,14 +13,14 @@ namespace {
 
 bool isSame(const Play& first, const Play& second)
 {
-    const auto same = [](const Happening& a, const Happening& b) {
+    const auto same = [](const PlayEvent& a, const PlayEvent& b) {
         return a.at == b.at && a.text == b.text && a.place == b.place;
     };
-    return std::equal(first.happenings.cbegin(), first.happenings.cend(), second.happenings.cbegin(),
-                      second.happenings.cend(), same);
+    return std::equal(first.events.cbegin(), first.events.cend(), second.events.cbegin(),
+                      second.events.cend(), same);
 }
 
-/// Rows and names that the grammar of key scripts leaves out can be played from here only.
+/// Rows and names outside the grammar of key scripts can be played only from here.
 QString grammarNotes(const QString& text)
 {
     QString notes;
@@ -42,11 +42,11 @@ Trial::Result Trial::run(const KeyScript& script, quint64 seed)
         return {violation.number, violation.text};
     }
     if (!isSame(play, Player::play(whole))) {
-        return {sameAgainNumber, QStringLiteral("sameAgain: the second play differs from the first")};
+        return {repeatabilityNumber, QStringLiteral("repeatability: the second play differs from the first")};
     }
     if (!isSame(play, Player::playInPieces(whole, seed))) {
-        return {sameInPiecesNumber,
-                QStringLiteral("sameInPieces: in small pieces of time something else happens")};
+        return {piecewiseNumber,
+                QStringLiteral("piecewise time: the play in small pieces of time differs")};
     }
     return {};
 }
@@ -58,8 +58,8 @@ QString Trial::report(const KeyScript& script, quint64 seed, const Result& resul
     };
     KeyScript shortest = Epilogue::appendedTo(Shrinker::shrink(script, shows));
     const Play play = Player::play(shortest);
-    for (const Happening& happening : play.happenings) {
-        shortest.expectations.append({happening.at, happening.text});
+    for (const PlayEvent& event : play.events) {
+        shortest.expectations.append({event.at, event.text});
     }
     const QString text = writeKeyScript(shortest);
     return QStringLiteral("# seed %1, invariant %2, %3\n").arg(seed).arg(result.violated).arg(result.text) +

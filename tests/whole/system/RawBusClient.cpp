@@ -20,7 +20,7 @@ constexpr int entryAlignment = 8;
 
 enum HeaderField : char { Path = 1, Interface = 2, Member = 3, Destination = 6, Signature = 8 };
 
-/// Bytes of a message in the order of this machine, aligned as the bus wants them.
+/// Bytes of a message in native byte order, with the alignment of the protocol.
 class Marshalled
 {
 public:
@@ -63,7 +63,7 @@ private:
 
 QByteArray bodyOf(const QMap<QByteArray, QByteArray>& map)
 {
-    Marshalled entries; // behind a length and its padding, which together keep the alignment of 8
+    Marshalled entries; // preceded by a length and its padding, which preserve the alignment of 8
     for (auto entry = map.cbegin(); entry != map.cend(); ++entry) {
         entries.align(entryAlignment);
         entries.addText(entry.key());
@@ -88,7 +88,7 @@ QByteArray messageOf(quint32 serial, const QByteArray& service, const QByteArray
         fields.addField(Signature, "g", signature);
     }
     const char order = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? 'l' : 'B';
-    const char start[wordSize] = {order, 1, 0, 1}; // a method call, without flags, of the first protocol
+    const char start[wordSize] = {order, 1, 0, 1}; // a method call without flags, protocol version 1
     Marshalled numbers;
     numbers.addNumber(quint32(body.size()));
     numbers.addNumber(serial);
@@ -158,7 +158,7 @@ void RawBusClient::leave()
 bool RawBusClient::ask(const QByteArray& member, const QByteArray& signature, const QByteArray& body)
 {
     const quint32 serial = ++m_serial;
-    Marshalled replySerial; // as the header of the answer holds it
+    Marshalled replySerial; // as in the header of the reply
     replySerial.addNumber(serial);
     return converse(
         messageOf(serial, "org.freedesktop.DBus", "/org/freedesktop/DBus", member, signature, body),
@@ -167,12 +167,12 @@ bool RawBusClient::ask(const QByteArray& member, const QByteArray& signature, co
 
 bool RawBusClient::converse(const QByteArray& words, const QByteArray& answer)
 {
-    constexpr int enough = 4096;
+    constexpr int maxSize = 4096;
     pollfd poller{m_socket, POLLIN, 0};
     QByteArray heard;
     bool isThere = send(words);
     while (isThere && !heard.contains(answer)) {
-        const QByteArray bytes = ::poll(&poller, 1, noTimeout) == 1 ? read(enough) : QByteArray();
+        const QByteArray bytes = ::poll(&poller, 1, noTimeout) == 1 ? read(maxSize) : QByteArray();
         isThere = !bytes.isEmpty();
         heard += bytes;
     }

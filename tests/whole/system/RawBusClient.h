@@ -5,8 +5,7 @@
 #include <QMap>
 #include <QString>
 
-/// A bus connection without a library behind it: it reads nothing unless it is told to, and is gone at once
-/// when it is told to leave.
+/// A bus connection without a library: reads only on request and can be closed without reading.
 class RawBusClient
 {
 public:
@@ -16,16 +15,16 @@ public:
     RawBusClient(const RawBusClient&) = delete;
     RawBusClient& operator=(const RawBusClient&) = delete;
 
-    /// Introduces itself to the bus; false when the bus does not take it.
+    /// Authenticates with the bus; false on failure.
     bool enter();
-    /// Sends a call of `process` with this command; false when the bus takes no more for a second.
+    /// Sends a call of `process` with this command; false if the bus accepts no data for a second.
     bool call(const QMap<QByteArray, QByteArray>& command);
-    /// Asks the bus for the signals that match `rule`, or for a name; false when the bus does not answer.
+    /// Subscribes to the signals that match `rule`, or requests a name; false if the bus does not answer.
     bool listen(const QByteArray& rule);
     bool own(const QByteArray& name);
-    /// Takes at most `count` bytes of what the bus has for this client, without waiting; returns them.
+    /// Reads at most `count` available bytes, without blocking.
     QByteArray read(int count);
-    /// Closes the connection, whatever is still unread.
+    /// Closes the connection, even with unread data.
     void leave();
 
 private:

@@ -7,10 +7,10 @@ namespace {
 
 constexpr int warmUps = 2;
 constexpr int repetitions = 4;
-/// A daemon that has answered so many has had its turn to close what it does not need any more.
+/// After this number of commands, the daemon has had time to close unused descriptors.
 constexpr int laterCommands = 1000;
 #ifdef __SANITIZE_ADDRESS__
-/// The sanitizer holds back what is freed.
+/// The sanitizer delays the reuse of freed memory.
 constexpr qint64 sanitizerSlackKiB = 512 * 1024;
 #else
 constexpr qint64 sanitizerSlackKiB = 0;
@@ -66,11 +66,11 @@ QString SystemAbuseTest::growthFault(qint64 memoryBeforeKiB, qint64 allowedKiB)
 bool SystemAbuseTest::idles()
 {
     constexpr int measuredMs = 500;
-    constexpr int mostMs = 50; // a loop would take all
+    constexpr int maxMs = 50; // a loop would take all
     const int before = processorMs();
     QTest::qWait(measuredMs);
     const int after = processorMs();
-    return before != -1 && after != -1 && after - before <= mostMs;
+    return before != -1 && after != -1 && after - before <= maxMs;
 }
 
 QString SystemAbuseTest::faultsAfter(const std::function<void()>& attack, int times)

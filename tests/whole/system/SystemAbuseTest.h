@@ -5,30 +5,29 @@
 
 #include <functional>
 
-/// The base of tests that do the real daemon harm, or try to.
+/// The base class of tests that attack the real daemon.
 class SystemAbuseTest : public SystemTest
 {
     Q_OBJECT
 
 protected:
-    /// Runs `attack` to warm the daemon up, then several times more; returns what is wrong with the daemon
-    /// afterwards: it is gone, deaf to keys or to commands, or holds more memory or descriptors. Empty when
-    /// all is well. When the attack returns, the daemon must be done with it. `slackKiB` is what the heap may
-    /// keep back for itself; a leak of an attack's own size should be far more.
+    /// Runs `attack` to warm up the daemon, then several more times. Returns a sentence if the daemon then has ended,
+    /// ignores keys or commands, or uses more memory or descriptors. When `attack` returns, the daemon must have
+    /// handled it completely. `slackKiB` is the allowed growth of the heap; a leak by the attack should be much larger.
     QString damageOf(const std::function<void()>& attack, qint64 slackKiB = 2048);
 
-    /// What is wrong after an attack that cannot be repeated: keys or commands do not work; empty if they do.
+    /// A sentence if keys or commands do not work; empty otherwise. For attacks that cannot be repeated.
     QString faults();
 
-    /// The memory that the daemon has to itself.
+    /// The daemon's private memory.
     qint64 memoryKiB();
-    /// Empty while that has grown by no more than allowed.
+    /// A sentence if this memory has grown by more than allowed; empty otherwise.
     QString growthFault(qint64 memoryBeforeKiB, qint64 allowedKiB);
-    /// How many file descriptors the daemon has open.
+    /// The number of the daemon's open descriptors.
     int descriptors();
-    /// How many more than allowed it still has after many later commands; 0 or less for none.
+    /// The number of open descriptors above `allowed` after many later commands; 0 or less if there are none.
     int descriptorsAbove(int allowed);
-    /// Whether the daemon, left alone, leaves the processor alone.
+    /// Whether an idle daemon uses hardly any processor time.
     bool idles();
 
 private:

@@ -20,7 +20,7 @@ const QString ok = QStringLiteral("OK");
 const QString unknownMethod = QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod");
 const QString unknownObject = QStringLiteral("org.freedesktop.DBus.Error.UnknownObject");
 
-/// For messages of some megabytes, which two threads hold copies of; four attacks bring at least 16 MiB.
+/// For messages of some megabytes, which two threads copy; leaks of four attacks would be at least 16 MiB.
 constexpr qint64 largeSlackKiB = 8 * 1024;
 
 QString serviceName()
@@ -60,7 +60,7 @@ QVariant structure(const QVariantList& fields)
     return QVariant::fromValue(argument);
 }
 
-/// One value of each type that the bus knows, and one of each container.
+/// A value of each basic type and of each container of the bus.
 QVariantList allTypes()
 {
     const QVariantList basic{true,
@@ -101,7 +101,7 @@ QVariant nested(const QString& container, int depth)
     return value;
 }
 
-/// Commands with `value` wherever a command has a value, and the outcome that each must have.
+/// Commands with `value` in each possible place, by their expected outcomes.
 QMap<QString, QVariantMap> commandsWith(const QVariant& value)
 {
     QVariantMap asCommand = by(ls::KeyboardHandlerCmdId::GetLastKey);
@@ -137,21 +137,21 @@ class SystemBusAbuseTest : public SystemAbuseTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyTypeIsTakenAtEveryDepth_data();
-    void everyTypeIsTakenAtEveryDepth();
+    void everyTypeIsAcceptedAtEveryDepth_data();
+    void everyTypeIsAcceptedAtEveryDepth();
     void descriptorsAreClosed();
-    void longTextsAreJudgedAsAnyOther_data();
-    void longTextsAreJudgedAsAnyOther();
-    void longKeyListsAreWorkedOff_data();
-    void longKeyListsAreWorkedOff();
+    void longStringsAreHandledLikeOthers_data();
+    void longStringsAreHandledLikeOthers();
+    void longKeyListsAreProcessed_data();
+    void longKeyListsAreProcessed();
     void otherSignaturesAreRefused_data();
     void otherSignaturesAreRefused();
     void otherAddressesAreRefused_data();
     void otherAddressesAreRefused();
     void aFloodFromSeveralClientsIsAnswered();
-    void clientsThatVanishAreForgotten();
-    void callsWithoutReplyAreWorkedOff();
-    void aClientThatReadsNoRepliesHoldsUpNobody();
+    void vanishedClientsAreForgotten();
+    void callsWithoutReplyAreProcessed();
+    void aClientThatReadsNoRepliesDoesNotBlockOthers();
     void strangersCannotAnnounceTheState_data();
     void strangersCannotAnnounceTheState();
     void strangersCannotAnnounceAnOwner();
@@ -160,7 +160,7 @@ private Q_SLOTS:
     void oddKeyListsAreAnswered();
 
 private:
-    /// Sends each command; returns the outcomes that are others than their keys.
+    /// Sends each command; returns the outcomes that differ from their keys.
     QStringList unexpected(const QMap<QString, QVariantMap>& commands);
 };
 
@@ -177,30 +177,30 @@ QStringList SystemBusAbuseTest::unexpected(const QMap<QString, QVariantMap>& com
     return others;
 }
 
-void SystemBusAbuseTest::everyTypeIsTakenAtEveryDepth_data()
+void SystemBusAbuseTest::everyTypeIsAcceptedAtEveryDepth_data()
 {
     QTest::addColumn<QString>("container");
-    QTest::addColumn<int>("deepest"); // a message holds 64 containers, of which the command takes three
+    QTest::addColumn<int>("maxDepth"); // messages are limited to 64 containers, including three of the command
     QTest::newRow("maps") << "a map" << 20;
     QTest::newRow("lists") << "a list" << 30;
     QTest::newRow("variants") << "a variant" << 61;
     QTest::newRow("structures") << "a structure" << 30;
 }
 
-void SystemBusAbuseTest::everyTypeIsTakenAtEveryDepth()
+void SystemBusAbuseTest::everyTypeIsAcceptedAtEveryDepth()
 {
     QFETCH(QString, container);
-    QFETCH(int, deepest);
+    QFETCH(int, maxDepth);
     QVERIFY(launch());
     const auto attack = [&] {
-        for (int depth = 1; depth <= deepest; ++depth) {
+        for (int depth = 1; depth <= maxDepth; ++depth) {
             QCOMPARE(unexpected(commandsWith(nested(container, depth))), QStringList());
         }
         for (const QVariant& value : allTypes()) {
             QCOMPARE(unexpected(commandsWith(wrapped(container, wrapped(container, value)))), QStringList());
         }
         BusClient tooDeep(device().bus().address());
-        QVERIFY(tooDeep.outcome(by("GetLastKey", {{"odd", nested(container, deepest + 1)}})) != ok);
+        QVERIFY(tooDeep.outcome(by("GetLastKey", {{"odd", nested(container, maxDepth + 1)}})) != ok);
     };
     QCOMPARE(damageOf(attack), QString());
 }
@@ -217,7 +217,7 @@ void SystemBusAbuseTest::descriptorsAreClosed()
     QCOMPARE(damageOf(attack), QString());
 }
 
-void SystemBusAbuseTest::longTextsAreJudgedAsAnyOther_data()
+void SystemBusAbuseTest::longStringsAreHandledLikeOthers_data()
 {
     QTest::addColumn<int>("length");
     QTest::newRow("none") << 0;
@@ -225,7 +225,7 @@ void SystemBusAbuseTest::longTextsAreJudgedAsAnyOther_data()
     QTest::newRow("1 MiB") << 1024 * 1024;
 }
 
-void SystemBusAbuseTest::longTextsAreJudgedAsAnyOther()
+void SystemBusAbuseTest::longStringsAreHandledLikeOthers()
 {
     QFETCH(int, length);
     QVERIFY(launch());
@@ -236,7 +236,7 @@ void SystemBusAbuseTest::longTextsAreJudgedAsAnyOther()
     QCOMPARE(damageOf(attack, largeSlackKiB), QString());
 }
 
-void SystemBusAbuseTest::longKeyListsAreWorkedOff_data()
+void SystemBusAbuseTest::longKeyListsAreProcessed_data()
 {
     QTest::addColumn<QString>("last");
     QTest::addColumn<QString>("outcome");
@@ -245,7 +245,7 @@ void SystemBusAbuseTest::longKeyListsAreWorkedOff_data()
                                        << "InvalidValue";
 }
 
-void SystemBusAbuseTest::longKeyListsAreWorkedOff()
+void SystemBusAbuseTest::longKeyListsAreProcessed()
 {
     QFETCH(QString, last);
     QFETCH(QString, outcome);
@@ -327,7 +327,7 @@ void SystemBusAbuseTest::otherAddressesAreRefused()
 void SystemBusAbuseTest::aFloodFromSeveralClientsIsAnswered()
 {
     constexpr int waves = 4;
-    constexpr int perWave = 100; // the bus refuses a client that leaves more than 128 open
+    constexpr int perWave = 100; // the bus rejects clients with more than 128 pending calls
     QVERIFY(launch());
     std::array<std::unique_ptr<BusClient>, 5> clients;
     for (auto& client : clients) {
@@ -345,7 +345,7 @@ void SystemBusAbuseTest::aFloodFromSeveralClientsIsAnswered()
     QCOMPARE(damageOf(attack), QString());
 }
 
-void SystemBusAbuseTest::clientsThatVanishAreForgotten()
+void SystemBusAbuseTest::vanishedClientsAreForgotten()
 {
     QVERIFY(launch());
     const auto attack = [&] {
@@ -358,7 +358,7 @@ void SystemBusAbuseTest::clientsThatVanishAreForgotten()
     QCOMPARE(damageOf(attack), QString());
 }
 
-void SystemBusAbuseTest::callsWithoutReplyAreWorkedOff()
+void SystemBusAbuseTest::callsWithoutReplyAreProcessed()
 {
     QVERIFY(launch());
     BusClient client(device().bus().address());
@@ -371,7 +371,7 @@ void SystemBusAbuseTest::callsWithoutReplyAreWorkedOff()
     QCOMPARE(damageOf(attack), QString());
 }
 
-void SystemBusAbuseTest::aClientThatReadsNoRepliesHoldsUpNobody()
+void SystemBusAbuseTest::aClientThatReadsNoRepliesDoesNotBlockOthers()
 {
     constexpr int burst = 50;
     QVERIFY(launch());
@@ -380,7 +380,7 @@ void SystemBusAbuseTest::aClientThatReadsNoRepliesHoldsUpNobody()
         QVERIFY(deaf.enter());
         for (int i = 1; i <= 3000; ++i) {
             QVERIFY(deaf.call({{"commandId", "GetModifierKeyList"}, {"senderId", "UserMenu"}}));
-            // In bursts: the bus refuses a client that leaves more answers open.
+            // In bursts, because the bus rejects clients with more pending calls.
             QVERIFY(i % burst != 0 || !command(ls::KeyboardHandlerCmdId::GetLastKey).isEmpty());
         }
     };
@@ -391,9 +391,9 @@ void SystemBusAbuseTest::strangersCannotAnnounceTheState_data()
 {
     QTest::addColumn<bool>("stateHandler");
     QTest::addColumn<bool>("targeted");
-    QTest::newRow("to everybody") << true << false;
+    QTest::newRow("broadcast") << true << false;
     QTest::newRow("to the daemon") << true << true;
-    QTest::newRow("to the daemon while there is no state handler") << false << true;
+    QTest::newRow("to the daemon without a state handler") << false << true;
 }
 
 void SystemBusAbuseTest::strangersCannotAnnounceTheState()

@@ -72,17 +72,17 @@ private Q_SLOTS:
     void failuresAreNamedAndLogged();
     void identifiersOfOtherTypesAreRefused_data();
     void identifiersOfOtherTypesAreRefused();
-    void identifiersThatReadAsTextAreTaken_data();
-    void identifiersThatReadAsTextAreTaken();
-    void keyListsComeInManyTypes_data();
-    void keyListsComeInManyTypes();
-    void listsThatAreNoneSimulateNothing_data();
-    void listsThatAreNoneSimulateNothing();
-    void listsWithOtherThanKeysAreRefused_data();
-    void listsWithOtherThanKeysAreRefused();
+    void identifiersConvertibleToTextAreAccepted_data();
+    void identifiersConvertibleToTextAreAccepted();
+    void keyListsMayHaveManyTypes_data();
+    void keyListsMayHaveManyTypes();
+    void otherValuesThanListsSimulateNothing_data();
+    void otherValuesThanListsSimulateNothing();
+    void listsWithUnknownKeysAreRefused_data();
+    void listsWithUnknownKeysAreRefused();
     void aSimulatedShortcutIsAnnounced();
-    void onlyTheFirstReceiverHearsOfTheSender();
-    void aRefusedCommandNamesNoSender();
+    void onlyTheFirstAnnouncementHasTheSender();
+    void aRefusedCommandSetsNoSender();
     void aCallWithoutReplyIsExecuted();
 };
 
@@ -235,7 +235,7 @@ void SystemBusCommandsTest::identifiersOfOtherTypesAreRefused()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemBusCommandsTest::identifiersThatReadAsTextAreTaken_data()
+void SystemBusCommandsTest::identifiersConvertibleToTextAreAccepted_data()
 {
     QTest::addColumn<QVariant>("value");
     QTest::newRow("a text in a variant") << boxed("GetLastKey");
@@ -244,7 +244,7 @@ void SystemBusCommandsTest::identifiersThatReadAsTextAreTaken_data()
     QTest::newRow("bytes") << QVariant(QByteArray("GetLastKey"));
 }
 
-void SystemBusCommandsTest::identifiersThatReadAsTextAreTaken()
+void SystemBusCommandsTest::identifiersConvertibleToTextAreAccepted()
 {
     QFETCH(QVariant, value);
     BusClient client(device().bus().address());
@@ -252,7 +252,7 @@ void SystemBusCommandsTest::identifiersThatReadAsTextAreTaken()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemBusCommandsTest::keyListsComeInManyTypes_data()
+void SystemBusCommandsTest::keyListsMayHaveManyTypes_data()
 {
     qDBusRegisterMetaType<QList<QStringList>>();
     QTest::addColumn<QVariant>("list");
@@ -264,7 +264,7 @@ void SystemBusCommandsTest::keyListsComeInManyTypes_data()
     QTest::newRow("lists of one") << QVariant::fromValue(QList<QStringList>{{"Help"}, {"Ok"}});
 }
 
-void SystemBusCommandsTest::keyListsComeInManyTypes()
+void SystemBusCommandsTest::keyListsMayHaveManyTypes()
 {
     QFETCH(QVariant, list);
     BusClient client(device().bus().address());
@@ -273,7 +273,7 @@ void SystemBusCommandsTest::keyListsComeInManyTypes()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemBusCommandsTest::listsThatAreNoneSimulateNothing_data()
+void SystemBusCommandsTest::otherValuesThanListsSimulateNothing_data()
 {
     QTest::addColumn<QVariant>("list");
     QTest::newRow("a number") << QVariant(1);
@@ -286,14 +286,14 @@ void SystemBusCommandsTest::listsThatAreNoneSimulateNothing_data()
     QTest::newRow("a number in a variant") << boxed(1);
 }
 
-void SystemBusCommandsTest::listsThatAreNoneSimulateNothing()
+void SystemBusCommandsTest::otherValuesThanListsSimulateNothing()
 {
     QFETCH(QVariant, list);
     BusClient client(device().bus().address());
     for (const char* gesture : {"SimulateModifier", "SimulateShortcut"}) {
         QCOMPARE(client.outcome(by(gesture, keys(list))), QStringLiteral("OK"));
     }
-    // A single text is a list of one: had anything gone before it, this would not be the combination.
+    // A single string is a list of one. If an earlier row had simulated keys, this would not be the combination.
     QCOMPARE(client.outcome(by("SimulateModifier", keys("Help"))), QStringLiteral("OK"));
     QCOMPARE(client.outcome(by("SimulateModifier", keys("Ok"))), QStringLiteral("OK"));
     QVERIFY(awaitAction(QStringLiteral("announce Both UserMenu WwwApi Help Ok")));
@@ -301,7 +301,7 @@ void SystemBusCommandsTest::listsThatAreNoneSimulateNothing()
     QCOMPARE(actions().filter(QStringLiteral("announce")).size(), 2);
 }
 
-void SystemBusCommandsTest::listsWithOtherThanKeysAreRefused_data()
+void SystemBusCommandsTest::listsWithUnknownKeysAreRefused_data()
 {
     qDBusRegisterMetaType<QList<QStringList>>();
     QTest::addColumn<QVariant>("list");
@@ -314,7 +314,7 @@ void SystemBusCommandsTest::listsWithOtherThanKeysAreRefused_data()
     QTest::newRow("a word") << QVariant("help");
 }
 
-void SystemBusCommandsTest::listsWithOtherThanKeysAreRefused()
+void SystemBusCommandsTest::listsWithUnknownKeysAreRefused()
 {
     QFETCH(QVariant, list);
     BusClient client(device().bus().address());
@@ -333,7 +333,7 @@ void SystemBusCommandsTest::aSimulatedShortcutIsAnnounced()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemBusCommandsTest::onlyTheFirstReceiverHearsOfTheSender()
+void SystemBusCommandsTest::onlyTheFirstAnnouncementHasTheSender()
 {
     BusClient client(device().bus().address());
     QCOMPARE(client.outcome(by("SimulateKey", key("Released", "Feed"))), QStringLiteral("OK"));
@@ -342,7 +342,7 @@ void SystemBusCommandsTest::onlyTheFirstReceiverHearsOfTheSender()
              QStringLiteral("announce SingleKey PrintManager WwwApi Feed"));
 }
 
-void SystemBusCommandsTest::aRefusedCommandNamesNoSender()
+void SystemBusCommandsTest::aRefusedCommandSetsNoSender()
 {
     BusClient client(device().bus().address());
     client.process(by("Dance"));

@@ -36,20 +36,20 @@ class SystemBusNamesTest : public SystemTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void withoutABusTheDaemonGetsReadyAndItsConsoleWorks();
+    void withoutABusTheDaemonBecomesReadyAndItsConsoleWorks();
     void withoutABusKeysAreStillHandled();
     void aTakenNameIsLogged();
     void aRefusedNameIsLoggedWithTheReason();
-    void aSecondInstanceLeavesTheFirstAtWork();
+    void aSecondInstanceDoesNotAffectTheFirst();
     void theServiceDescribesItself();
-    void misshapenCallsAreRefused_data();
-    void misshapenCallsAreRefused();
-    void aFloodOfCommandsIsAnsweredWhole();
-    void theLossOfTheBusIsLoggedOnceAndTheConsoleStaysAtWork_data();
-    void theLossOfTheBusIsLoggedOnceAndTheConsoleStaysAtWork();
+    void malformedCallsAreRefused_data();
+    void malformedCallsAreRefused();
+    void aFloodOfCommandsIsAnswered();
+    void theLossOfTheBusIsLoggedOnceAndTheConsoleKeepsWorking_data();
+    void theLossOfTheBusIsLoggedOnceAndTheConsoleKeepsWorking();
 };
 
-void SystemBusNamesTest::withoutABusTheDaemonGetsReadyAndItsConsoleWorks()
+void SystemBusNamesTest::withoutABusTheDaemonBecomesReadyAndItsConsoleWorks()
 {
     options.bus = false;
     QVERIFY(launch());
@@ -88,7 +88,7 @@ void SystemBusNamesTest::aRefusedNameIsLoggedWithTheReason()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemBusNamesTest::aSecondInstanceLeavesTheFirstAtWork()
+void SystemBusNamesTest::aSecondInstanceDoesNotAffectTheFirst()
 {
     QVERIFY(launch());
     DaemonProcess second;
@@ -119,7 +119,7 @@ void SystemBusNamesTest::theServiceDescribesItself()
     QCOMPARE(interface.count(QStringLiteral("type=\"a{sv}\"")), 3);
 }
 
-void SystemBusNamesTest::misshapenCallsAreRefused_data()
+void SystemBusNamesTest::malformedCallsAreRefused_data()
 {
     QTest::addColumn<QString>("member");
     QTest::addColumn<QVariantList>("arguments");
@@ -129,7 +129,7 @@ void SystemBusNamesTest::misshapenCallsAreRefused_data()
     QTest::newRow("two maps") << "process" << QVariantList{QVariantMap(), QVariantMap()};
 }
 
-void SystemBusNamesTest::misshapenCallsAreRefused()
+void SystemBusNamesTest::malformedCallsAreRefused()
 {
     QFETCH(QString, member);
     QFETCH(QVariantList, arguments);
@@ -141,11 +141,11 @@ void SystemBusNamesTest::misshapenCallsAreRefused()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemBusNamesTest::aFloodOfCommandsIsAnsweredWhole()
+void SystemBusNamesTest::aFloodOfCommandsIsAnswered()
 {
     const QVariantMap getList{{ls::commandIdKey, "GetModifierKeyList"}, {ls::senderIdKey, "WwwApi"}};
     QVERIFY(launch());
-    // In waves: the bus itself refuses a client that leaves more answers open.
+    // In waves, because the bus rejects clients with more pending calls.
     constexpr int waves = 20;
     constexpr int perWave = 100;
     for (int wave = 1; wave <= waves; ++wave) {
@@ -159,17 +159,17 @@ void SystemBusNamesTest::aFloodOfCommandsIsAnsweredWhole()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemBusNamesTest::theLossOfTheBusIsLoggedOnceAndTheConsoleStaysAtWork_data()
+void SystemBusNamesTest::theLossOfTheBusIsLoggedOnceAndTheConsoleKeepsWorking_data()
 {
     QTest::addColumn<bool>("byDescriptors");
     QTest::newRow("the bus ends") << false;
     QTest::newRow("more descriptors arrive than the daemon may have") << true;
 }
 
-void SystemBusNamesTest::theLossOfTheBusIsLoggedOnceAndTheConsoleStaysAtWork()
+void SystemBusNamesTest::theLossOfTheBusIsLoggedOnceAndTheConsoleKeepsWorking()
 {
     QFETCH(bool, byDescriptors);
-    constexpr int descriptorsOfACall = 16; // the bus takes no more
+    constexpr int descriptorsOfACall = 16; // the limit of the bus
     QVERIFY(launch());
     QVERIFY(nextKeyWorks());
     QVERIFY(awaitLog(registered));

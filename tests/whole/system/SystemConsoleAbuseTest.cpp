@@ -18,10 +18,10 @@ const QString notFound = QStringLiteral("Command not found!");
 const QString wrongCount = QStringLiteral("Too many/few arguments received for command \"%1\"");
 const QString dropped = QStringLiteral("ls::ConsoleReader::readInput ERROR: line over 65536 bytes dropped.");
 
-/// Releases Menu: what comes after it shows that all before it is done.
+/// Releases Menu. Its announcement shows that all previous lines are handled.
 const QByteArray marker = "C 7 0 139\n";
 
-/// A descriptor that is closed with this object.
+/// Owns a descriptor.
 class Descriptor
 {
 public:
@@ -63,22 +63,22 @@ class SystemConsoleAbuseTest : public SystemAbuseTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void aLineWithoutEndIsDropped();
-    void oddLinesAreJudged_data();
-    void oddLinesAreJudged();
+    void anEndlessLineIsDropped();
+    void unusualLinesAreHandled_data();
+    void unusualLinesAreHandled();
     void anyBytesAreHarmless();
     void aLineMayBeSplitAnywhere();
-    void theEndOfInputEndsNoLine();
-    void aHundredThousandLinesHoldUpNoKey();
-    void aLogThatNobodyReadsHoldsUpNothing();
-    void aLogThatNobodyCanReadIsSurvived();
-    void aTerminalThatNobodyReadsHoldsUpNothing_data();
-    void aTerminalThatNobodyReadsHoldsUpNothing();
+    void theEndOfInputDoesNotCompleteALine();
+    void aHundredThousandLinesDoNotDelayKeys();
+    void anUnreadLogDoesNotBlock();
+    void aLogWithoutReaderIsTolerated();
+    void anUnreadTerminalDoesNotBlock_data();
+    void anUnreadTerminalDoesNotBlock();
 
 private:
-    /// Types `bytes` and then the marker; returns when that is announced.
+    /// Types `bytes` and the marker; waits until the marker is announced.
     bool work(const QByteArray& bytes);
-    /// Has the daemon started with these redirections of the shell.
+    /// Starts the daemon with these shell redirections.
     void redirect(const QString& redirections);
 };
 
@@ -97,7 +97,7 @@ void SystemConsoleAbuseTest::redirect(const QString& redirections)
                                           QStringLiteral(KEYBOARD_HANDLER_DAEMON)};
 }
 
-void SystemConsoleAbuseTest::aLineWithoutEndIsDropped()
+void SystemConsoleAbuseTest::anEndlessLineIsDropped()
 {
     QVERIFY(launch());
     const QByteArray line(10'000'000, 'C');
@@ -111,7 +111,7 @@ void SystemConsoleAbuseTest::aLineWithoutEndIsDropped()
     QCOMPARE(completeLog().count(ran), lines);
 }
 
-void SystemConsoleAbuseTest::oddLinesAreJudged_data()
+void SystemConsoleAbuseTest::unusualLinesAreHandled_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<QStringList>("log");
@@ -147,7 +147,7 @@ void SystemConsoleAbuseTest::oddLinesAreJudged_data()
     judge("help for no number", "HELP \xff", {badArgument});
 }
 
-void SystemConsoleAbuseTest::oddLinesAreJudged()
+void SystemConsoleAbuseTest::unusualLinesAreHandled()
 {
     QFETCH(QByteArray, line);
     QFETCH(QStringList, log);
@@ -185,7 +185,7 @@ void SystemConsoleAbuseTest::aLineMayBeSplitAnywhere()
     QCOMPARE(completeLog().count(helpTitle), 0);
 }
 
-void SystemConsoleAbuseTest::theEndOfInputEndsNoLine()
+void SystemConsoleAbuseTest::theEndOfInputDoesNotCompleteALine()
 {
     QVERIFY(launch());
     QVERIFY(work({}));
@@ -196,7 +196,7 @@ void SystemConsoleAbuseTest::theEndOfInputEndsNoLine()
     QCOMPARE(completeLog().count(ran), 1);
 }
 
-void SystemConsoleAbuseTest::aHundredThousandLinesHoldUpNoKey()
+void SystemConsoleAbuseTest::aHundredThousandLinesDoNotDelayKeys()
 {
     QVERIFY(launch());
     QSignalSpy announced(&device(), &SimulatedDevice::announced);
@@ -208,7 +208,7 @@ void SystemConsoleAbuseTest::aHundredThousandLinesHoldUpNoKey()
     QCOMPARE(faults(), QString());
 }
 
-void SystemConsoleAbuseTest::aLogThatNobodyReadsHoldsUpNothing()
+void SystemConsoleAbuseTest::anUnreadLogDoesNotBlock()
 {
     std::array<int, 2> ends{};
     QCOMPARE(::pipe2(ends.data(), O_CLOEXEC), 0);
@@ -221,7 +221,7 @@ void SystemConsoleAbuseTest::aLogThatNobodyReadsHoldsUpNothing()
     QCOMPARE(damageOf([&] { QVERIFY(work(QByteArray("HELP S\n").repeated(500))); }), QString());
 }
 
-void SystemConsoleAbuseTest::aLogThatNobodyCanReadIsSurvived()
+void SystemConsoleAbuseTest::aLogWithoutReaderIsTolerated()
 {
     std::array<int, 2> ends{};
     QCOMPARE(::pipe2(ends.data(), O_CLOEXEC), 0);
@@ -235,14 +235,14 @@ void SystemConsoleAbuseTest::aLogThatNobodyCanReadIsSurvived()
     QCOMPARE(damageOf([&] { QVERIFY(work("HELP S\n")); }), QString());
 }
 
-void SystemConsoleAbuseTest::aTerminalThatNobodyReadsHoldsUpNothing_data()
+void SystemConsoleAbuseTest::anUnreadTerminalDoesNotBlock_data()
 {
     QTest::addColumn<QString>("redirections");
     QTest::newRow("as input") << "<&%1 %1>&-";
     QTest::newRow("as input and for the log") << "<&%1 2>&%1 %1>&-";
 }
 
-void SystemConsoleAbuseTest::aTerminalThatNobodyReadsHoldsUpNothing()
+void SystemConsoleAbuseTest::anUnreadTerminalDoesNotBlock()
 {
     QFETCH(QString, redirections);
     Descriptor terminal(openTerminal());
@@ -254,7 +254,7 @@ void SystemConsoleAbuseTest::aTerminalThatNobodyReadsHoldsUpNothing()
     farEnd.close();
     QSignalSpy announced(&device(), &SimulatedDevice::announced);
     for (int i = 0; i < 2000; ++i) {
-        // A terminal whose echo nobody reads may come to take no more.
+        // A terminal with unread echo may stop accepting input.
         const ssize_t count = ::write(terminal.number(), marker.constData(), size_t(marker.size()));
         WAIT_FOR(count == -1 || !announced.isEmpty());
     }

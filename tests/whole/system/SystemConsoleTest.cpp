@@ -15,12 +15,12 @@ class SystemConsoleTest : public SystemTest
 
 private Q_SLOTS:
     void aSimulatedKeyIsAnnounced();
-    void aLineInPiecesIsOneLine();
-    void anEndlessLineIsDroppedAndTheNextOneRuns();
-    void anyBytesGetTheHelp();
-    void theEndOfInputLeavesTheKeysAtWork();
-    void closedInputIsNoConsole();
-    void aFloodOfLinesIsWorkedOff();
+    void aSplitLineIsJoined();
+    void anEndlessLineIsDroppedAndTheNextOneIsExecuted();
+    void anyBytesPrintTheHelp();
+    void keysWorkAfterTheEndOfInput();
+    void closedInputIsNotAConsole();
+    void aFloodOfLinesIsProcessed();
 };
 
 void SystemConsoleTest::aSimulatedKeyIsAnnounced()
@@ -31,7 +31,7 @@ void SystemConsoleTest::aSimulatedKeyIsAnnounced()
     QVERIFY(awaitLog(ran));
 }
 
-void SystemConsoleTest::aLineInPiecesIsOneLine()
+void SystemConsoleTest::aSplitLineIsJoined()
 {
     QVERIFY(launch());
     for (const char* piece : {"C", " 7 0", " 13", "9\r", "\n"}) {
@@ -42,7 +42,7 @@ void SystemConsoleTest::aLineInPiecesIsOneLine()
     QCOMPARE(completeLog().count(helpTitle), 0);
 }
 
-void SystemConsoleTest::anEndlessLineIsDroppedAndTheNextOneRuns()
+void SystemConsoleTest::anEndlessLineIsDroppedAndTheNextOneIsExecuted()
 {
     QVERIFY(launch());
     device().daemon().type(QByteArray(1'000'000, 'C') + "\nC 4\n");
@@ -51,7 +51,7 @@ void SystemConsoleTest::anEndlessLineIsDroppedAndTheNextOneRuns()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemConsoleTest::anyBytesGetTheHelp()
+void SystemConsoleTest::anyBytesPrintTheHelp()
 {
     QVERIFY(launch());
     device().daemon().type(QByteArray("\x00\xff\xfe\x1b[2J\n", 8));
@@ -59,7 +59,7 @@ void SystemConsoleTest::anyBytesGetTheHelp()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemConsoleTest::theEndOfInputLeavesTheKeysAtWork()
+void SystemConsoleTest::keysWorkAfterTheEndOfInput()
 {
     QVERIFY(launch());
     device().daemon().type("C 4\nC 4");
@@ -69,8 +69,8 @@ void SystemConsoleTest::theEndOfInputLeavesTheKeysAtWork()
     QCOMPARE(completeLog().count(ran), 1);
 }
 
-/// Whatever became descriptor 0 otherwise would be read as lines.
-void SystemConsoleTest::closedInputIsNoConsole()
+/// Otherwise, another file could get descriptor 0 and be read as console lines.
+void SystemConsoleTest::closedInputIsNotAConsole()
 {
     options.standardInput = DeviceOptions::StandardInput::Closed;
     QVERIFY(launch());
@@ -80,7 +80,7 @@ void SystemConsoleTest::closedInputIsNoConsole()
     QCOMPARE(completeLog().count(helpTitle), 0);
 }
 
-void SystemConsoleTest::aFloodOfLinesIsWorkedOff()
+void SystemConsoleTest::aFloodOfLinesIsProcessed()
 {
     QVERIFY(launch());
     device().daemon().type(QByteArray("C 4\n").repeated(2000));

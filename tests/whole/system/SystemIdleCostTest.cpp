@@ -8,9 +8,9 @@ Q_DECLARE_METATYPE(DeviceOptions::StandardInput)
 namespace {
 
 constexpr int measuredMs = 2000;
-/// Of one processor.
-constexpr double mostLoad = 0.02;
-/// Of a daemon that waits for services, in a second.
+/// A fraction of one processor.
+constexpr double maxLoad = 0.02;
+/// Per second, while the daemon waits for services.
 constexpr double maxWakeUps = 4;
 
 } // namespace
@@ -20,10 +20,10 @@ class SystemIdleCostTest : public SystemTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void anIdleDaemonLeavesTheProcessorAlone_data();
-    void anIdleDaemonLeavesTheProcessorAlone();
-    void aWaitingDaemonLeavesTheProcessorAlone();
-    void aDaemonWithoutABusLeavesTheProcessorAlone();
+    void anIdleDaemonUsesLittleProcessorTime_data();
+    void anIdleDaemonUsesLittleProcessorTime();
+    void aWaitingDaemonUsesLittleProcessorTime();
+    void aDaemonWithoutABusUsesLittleProcessorTime();
 
 private:
     double load();
@@ -40,7 +40,7 @@ double SystemIdleCostTest::load()
     return double(ProcessFigures::processorMs(process) - before) / 1000 / seconds;
 }
 
-void SystemIdleCostTest::anIdleDaemonLeavesTheProcessorAlone_data()
+void SystemIdleCostTest::anIdleDaemonUsesLittleProcessorTime_data()
 {
     using Input = DeviceOptions::StandardInput;
     QTest::addColumn<Input>("input");
@@ -49,41 +49,41 @@ void SystemIdleCostTest::anIdleDaemonLeavesTheProcessorAlone_data()
     QTest::newRow("closed input") << Input::Closed;
 }
 
-void SystemIdleCostTest::anIdleDaemonLeavesTheProcessorAlone()
+void SystemIdleCostTest::anIdleDaemonUsesLittleProcessorTime()
 {
     QFETCH(DeviceOptions::StandardInput, input);
     options.standardInput = input;
     QVERIFY(launch());
     QVERIFY(nextKeyWorks());
     const double share = load();
-    QVERIFY2(share < mostLoad, qPrintable(QString::number(share)));
+    QVERIFY2(share < maxLoad, qPrintable(QString::number(share)));
     QVERIFY(nextKeyWorks());
 }
 
-void SystemIdleCostTest::aWaitingDaemonLeavesTheProcessorAlone()
+void SystemIdleCostTest::aWaitingDaemonUsesLittleProcessorTime()
 {
     options.dependenciesReady = false;
     QVERIFY(prepare());
     QVERIFY(device().startDaemon());
-    // The start is over when the thread that checks the services runs.
+    // The start is complete when the thread that checks the services is running.
     WAIT_FOR_EQUAL(ProcessFigures::threads(device().daemon().processId()), 2);
     const qint64 process = device().daemon().processId();
     const int before = ProcessFigures::voluntarySwitches(process);
     QElapsedTimer clock;
     clock.start();
     const double share = load();
-    QVERIFY2(share < mostLoad, qPrintable(QString::number(share)));
+    QVERIFY2(share < maxLoad, qPrintable(QString::number(share)));
     const int wakeUps = ProcessFigures::voluntarySwitches(process) - before;
     QVERIFY2(wakeUps * 1000 <= maxWakeUps * double(clock.elapsed()), qPrintable(QString::number(wakeUps)));
     QVERIFY(device().isRunning());
 }
 
-void SystemIdleCostTest::aDaemonWithoutABusLeavesTheProcessorAlone()
+void SystemIdleCostTest::aDaemonWithoutABusUsesLittleProcessorTime()
 {
     options.bus = false;
     QVERIFY(launch());
     const double share = load();
-    QVERIFY2(share < mostLoad, qPrintable(QString::number(share)));
+    QVERIFY2(share < maxLoad, qPrintable(QString::number(share)));
     QVERIFY(device().isRunning());
 }
 

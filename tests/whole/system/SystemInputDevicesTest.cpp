@@ -8,7 +8,7 @@
 
 namespace {
 
-/// A look into a FIFO from outside.
+/// Shows the number of bytes in a FIFO.
 class FifoLevel
 {
 public:
@@ -48,9 +48,9 @@ private Q_SLOTS:
     void aMissingDeviceIsLoggedAndTheOtherWorks_data();
     void aMissingDeviceIsLoggedAndTheOtherWorks();
     void withoutDevicesCommandsWork();
-    void recordsThatAreNoKeysAreIgnored();
+    void recordsOtherThanKeysAreIgnored();
     void anUnknownKeyIsAnnouncedAsUndefined();
-    void aKeyValueThatIsNoneIsLogged();
+    void anInvalidKeyValueIsLogged();
     void aBurstOfRecordsLosesNoKey();
     void partsOfRecordsAreDropped();
 };
@@ -80,12 +80,12 @@ void SystemInputDevicesTest::withoutDevicesCommandsWork()
     QVERIFY(launch());
     command(ls::KeyboardHandlerCmdId::SimulateModifier, {{ls::keysListKey, QStringList{"Help", "Ok"}}});
     QVERIFY(awaitAction(QStringLiteral("announce RepeatMessage UserMenu ServiceTool Help Ok")));
-    // A simulated key takes the way of the first device, which leads nowhere without it.
+    // Simulated keys need the first device.
     command(ls::KeyboardHandlerCmdId::SimulateKey, {{ls::actionIdKey, "Released"}, {ls::keyKey, "Menu"}});
     QCOMPARE(actions().last(), QStringLiteral("answer errorId=Undefined resultId=Success"));
 }
 
-void SystemInputDevicesTest::recordsThatAreNoKeysAreIgnored()
+void SystemInputDevicesTest::recordsOtherThanKeysAreIgnored()
 {
     QVERIFY(launch());
     device().record(0, {EV_MSC, MSC_SCAN, 139});
@@ -104,7 +104,7 @@ void SystemInputDevicesTest::anUnknownKeyIsAnnouncedAsUndefined()
     QVERIFY(awaitAction(QStringLiteral("announce SingleKey ErrorHandler - Undefined")));
 }
 
-void SystemInputDevicesTest::aKeyValueThatIsNoneIsLogged()
+void SystemInputDevicesTest::anInvalidKeyValueIsLogged()
 {
     QVERIFY(launch());
     device().record(0, {EV_KEY, KEY_MENU, 3});

@@ -26,7 +26,7 @@ const QStringList overLimit =
     unreadable;
 
 #ifdef __SANITIZE_ADDRESS__
-/// The sanitizer surrounds each value with memory of its own, and keeps what is freed for a while.
+/// The sanitizer adds memory around each value and delays the reuse of freed memory.
 constexpr int sanitizerFactor = 8;
 #else
 constexpr int sanitizerFactor = 1;
@@ -51,7 +51,7 @@ QByteArray manyRows(int bytes)
     return "{\"LongKeys\": [" + rows + "]}";
 }
 
-/// As many of these elements as a list of 1 MiB holds.
+/// A list of 1 MiB, filled with these elements.
 QByteArray fullOf(const QByteArray& element)
 {
     constexpr int roomForTheSection = 32;
@@ -59,7 +59,7 @@ QByteArray fullOf(const QByteArray& element)
            element;
 }
 
-/// What the unit lets the daemon have.
+/// The memory limit of the unit.
 int memoryMaxKib()
 {
     QFile unit(QStringLiteral(KEYBOARD_HANDLER_UNIT));
@@ -76,14 +76,14 @@ class SystemKeyListFilesTest : public SystemTest
 
 private Q_SLOTS:
     void withoutFilesEachListIsReported();
-    void aFaultyFileLeavesTheDaemonAtWork_data();
-    void aFaultyFileLeavesTheDaemonAtWork();
-    void aFileInThePlaceOfAFileIsReported_data();
-    void aFileInThePlaceOfAFileIsReported();
-    void oddRowsAreKeptAndHarmless_data();
-    void oddRowsAreKeptAndHarmless();
-    void anyTopLevelContentComesBackToTheClient_data();
-    void anyTopLevelContentComesBackToTheClient();
+    void theDaemonWorksWithAFaultyFile_data();
+    void theDaemonWorksWithAFaultyFile();
+    void anIrregularFileIsReported_data();
+    void anIrregularFileIsReported();
+    void unusualRowsAreKeptAndHarmless_data();
+    void unusualRowsAreKeptAndHarmless();
+    void anyTopLevelContentIsReturnedToTheClient_data();
+    void anyTopLevelContentIsReturnedToTheClient();
     void theLargestListsFitIntoTheUnit_data();
     void theLargestListsFitIntoTheUnit();
 
@@ -108,7 +108,7 @@ void SystemKeyListFilesTest::withoutFilesEachListIsReported()
              QVariantMap({{ls::keyTimeouts, 1500}}));
 }
 
-void SystemKeyListFilesTest::aFaultyFileLeavesTheDaemonAtWork_data()
+void SystemKeyListFilesTest::theDaemonWorksWithAFaultyFile_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QStringList>("faults");
@@ -124,14 +124,14 @@ void SystemKeyListFilesTest::aFaultyFileLeavesTheDaemonAtWork_data()
     QTest::newRow("a number as list") << QByteArray(R"({"LongKeys": 7})") << noList;
     QTest::newRow("null as list") << QByteArray(R"({"LongKeys": null})") << noList;
     QTest::newRow("nested a little") << nested(100) << QStringList();
-    QTest::newRow("nested deeper than any parser goes") << nested(100'000) << unreadable;
-    QTest::newRow("a list of no objects")
+    QTest::newRow("nested too deeply for the parser") << nested(100'000) << unreadable;
+    QTest::newRow("a list without objects")
         << QByteArray(R"({"LongKeys": [1, "x", null, [], true]})") << QStringList();
     QTest::newRow("1 MiB") << manyRows(1'000'000).leftJustified(mebibyte) << QStringList();
     QTest::newRow("over 1 MiB") << manyRows(1'000'000).leftJustified(mebibyte + 1) << overLimit;
 }
 
-void SystemKeyListFilesTest::aFaultyFileLeavesTheDaemonAtWork()
+void SystemKeyListFilesTest::theDaemonWorksWithAFaultyFile()
 {
     QFETCH(QByteArray, content);
     options.keyLists.insert(longFile, content);
@@ -141,7 +141,7 @@ void SystemKeyListFilesTest::aFaultyFileLeavesTheDaemonAtWork()
     QCOMPARE(command("GetLongKeysTimeout").value(ls::resultIdKey).toString(), QStringLiteral("Success"));
 }
 
-void SystemKeyListFilesTest::aFileInThePlaceOfAFileIsReported_data()
+void SystemKeyListFilesTest::anIrregularFileIsReported_data()
 {
     QTest::addColumn<QString>("kind");
     for (const char* kind : {"a folder", "a FIFO", "a link to itself", "a link to an endless device"}) {
@@ -149,7 +149,7 @@ void SystemKeyListFilesTest::aFileInThePlaceOfAFileIsReported_data()
     }
 }
 
-void SystemKeyListFilesTest::aFileInThePlaceOfAFileIsReported()
+void SystemKeyListFilesTest::anIrregularFileIsReported()
 {
     QFETCH(QString, kind);
     QVERIFY(prepare());
@@ -167,7 +167,7 @@ void SystemKeyListFilesTest::aFileInThePlaceOfAFileIsReported()
     QCOMPARE(loadFaults(), unreadable);
 }
 
-void SystemKeyListFilesTest::oddRowsAreKeptAndHarmless_data()
+void SystemKeyListFilesTest::unusualRowsAreKeptAndHarmless_data()
 {
     QTest::addColumn<QByteArray>("rows");
     QTest::addColumn<QVariantMap>("times");
@@ -184,14 +184,14 @@ void SystemKeyListFilesTest::oddRowsAreKeptAndHarmless_data()
         << QByteArray(R"({"keys": ["Ok"], "timeout": 1, "timeout": 7})") << QVariantMap{{"Ok", 7000}};
     QTest::newRow("a negative time") << QByteArray(R"({"keys": ["Ok"], "timeout": -3})")
                                      << QVariantMap{{"Ok", -3000}};
-    QTest::newRow("a time beyond all measure")
+    QTest::newRow("a huge time")
         << QByteArray(
                R"({"keys": ["Ok"], "timeout": 1e300}, {"keys": ["Help"], "timeout": 2147484}, {"keys": ["Up"],)"
                R"( "timeout": 99999999999999999999})")
         << QVariantMap{{"Ok", 2147483000}, {"Help", 2147483647}, {"Up", 2147483000}};
 }
 
-void SystemKeyListFilesTest::oddRowsAreKeptAndHarmless()
+void SystemKeyListFilesTest::unusualRowsAreKeptAndHarmless()
 {
     QFETCH(QByteArray, rows);
     options.keyLists.insert(longFile, "{\"LongKeys\": [" + rows + "]}");
@@ -205,7 +205,7 @@ void SystemKeyListFilesTest::oddRowsAreKeptAndHarmless()
     QCOMPARE(loadFaults(), QStringList());
 }
 
-void SystemKeyListFilesTest::anyTopLevelContentComesBackToTheClient_data()
+void SystemKeyListFilesTest::anyTopLevelContentIsReturnedToTheClient_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QVariantMap>("list");
@@ -220,7 +220,7 @@ void SystemKeyListFilesTest::anyTopLevelContentComesBackToTheClient_data()
                                          {ls::keyTimeouts, 1500}};
 }
 
-void SystemKeyListFilesTest::anyTopLevelContentComesBackToTheClient()
+void SystemKeyListFilesTest::anyTopLevelContentIsReturnedToTheClient()
 {
     QFETCH(QByteArray, content);
     options.keyLists.insert(modifierFile, content);
@@ -261,7 +261,7 @@ void SystemKeyListFilesTest::theLargestListsFitIntoTheUnit_data()
         1);
 }
 
-/// All three lists at once, as the daemon starts, and what comes of asking for them.
+/// Starts the daemon with three such lists and requests them.
 void SystemKeyListFilesTest::theLargestListsFitIntoTheUnit()
 {
     QFETCH(QByteArray, elements);

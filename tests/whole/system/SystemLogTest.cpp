@@ -20,25 +20,25 @@ enum class Reader {
 const QByteArray refusal = "KeyboardHandler::process ERROR: Invalid command!\n";
 const QByteArray otherLine = "another writer's line\n";
 
-/// More lines than a pipe or a terminal holds.
+/// More lines than fit into a pipe or a terminal.
 constexpr int commandCount = 2000;
 
 } // namespace
 
 Q_DECLARE_METATYPE(Reader)
 
-/// What the daemon's log is, and what becomes of keys meanwhile. Inside of the device, the log is /run/log.
+/// Tests kinds of log files and their effect on keys. Inside the device, the log is /run/log.
 class SystemLogTest : public SystemTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void init();
-    void keysDoNotWaitForTheLog_data();
-    void keysDoNotWaitForTheLog();
-    void fileIsSharedWithOtherWriters_data();
-    void fileIsSharedWithOtherWriters();
-    void fullDeviceDoesNoHarm();
+    void keysAreNotBlockedByTheLog_data();
+    void keysAreNotBlockedByTheLog();
+    void fileIsSharedBetweenWriters_data();
+    void fileIsSharedBetweenWriters();
+    void fullDeviceIsTolerated();
 
 private:
     void startThroughShell(const QString& script);
@@ -50,12 +50,12 @@ private:
     QByteArray unread() const;
 
     int m_reader = -1;
-    int m_terminal = -1; // the daemon's side of it
+    int m_terminal = -1; // the daemon's side
 };
 
 void SystemLogTest::init()
 {
-    ::close(std::exchange(m_reader, -1)); // of the function before
+    ::close(std::exchange(m_reader, -1)); // of the previous function
     ::close(std::exchange(m_terminal, -1));
 }
 
@@ -112,7 +112,7 @@ QByteArray SystemLogTest::unread() const
     return all;
 }
 
-void SystemLogTest::keysDoNotWaitForTheLog_data()
+void SystemLogTest::keysAreNotBlockedByTheLog_data()
 {
     QTest::addColumn<bool>("isTerminal");
     QTest::addColumn<bool>("isOwn");
@@ -126,12 +126,12 @@ void SystemLogTest::keysDoNotWaitForTheLog_data()
     }
 }
 
-void SystemLogTest::keysDoNotWaitForTheLog()
+void SystemLogTest::keysAreNotBlockedByTheLog()
 {
     QFETCH(bool, isTerminal);
     QFETCH(bool, isOwn);
     QFETCH(Reader, reader);
-    if (!isOwn) { // it has the descriptor, but not the right to open what that is for
+    if (!isOwn) { // has the descriptor, but no permission to open its file
         options.viewArguments = QStringList{QStringLiteral("--cap-drop"), QStringLiteral("ALL")};
     }
     startThroughShell(QStringLiteral("exec 2>/run/log; %1 exec \"$0\"")
@@ -162,14 +162,14 @@ void SystemLogTest::keysDoNotWaitForTheLog()
                       refusal.repeated(commandCount));
 }
 
-void SystemLogTest::fileIsSharedWithOtherWriters_data()
+void SystemLogTest::fileIsSharedBetweenWriters_data()
 {
     QTest::addColumn<QString>("redirection");
     QTest::newRow("with append") << ">>";
     QTest::newRow("without append") << ">";
 }
 
-void SystemLogTest::fileIsSharedWithOtherWriters()
+void SystemLogTest::fileIsSharedBetweenWriters()
 {
     QFETCH(QString, redirection);
     startThroughShell(
@@ -192,7 +192,7 @@ void SystemLogTest::fileIsSharedWithOtherWriters()
     QCOMPARE(contentOf(logPath()), expected + "after\n");
 }
 
-void SystemLogTest::fullDeviceDoesNoHarm()
+void SystemLogTest::fullDeviceIsTolerated()
 {
     startThroughShell(QStringLiteral("exec \"$0\" 2>/dev/full"));
     QVERIFY(launch());

@@ -8,7 +8,7 @@ class SystemSpeechDaemonTest : public SystemTest
 
 private Q_SLOTS:
     void anAbsentSpeechDaemonChangesNothingElse();
-    void aSpeechDaemonMayComeAndGo();
+    void theSpeechDaemonMayDisappearAndReturn();
 };
 
 void SystemSpeechDaemonTest::anAbsentSpeechDaemonChangesNothingElse()
@@ -21,7 +21,7 @@ void SystemSpeechDaemonTest::anAbsentSpeechDaemonChangesNothingElse()
     QCOMPARE(actions().filter(QStringLiteral("speak ")), QStringList());
 }
 
-void SystemSpeechDaemonTest::aSpeechDaemonMayComeAndGo()
+void SystemSpeechDaemonTest::theSpeechDaemonMayDisappearAndReturn()
 {
     options.loggingRules = QStringLiteral("SpeechFeedback.debug=true");
     QVERIFY(launch());

@@ -19,8 +19,8 @@ const QString ownName = QStringLiteral("keyboard-handler");
 const QString stateHandlerName = QStringLiteral("state-handler");
 const QString speechName = QStringLiteral("speechd");
 
-/// The thread that looks for the dependencies goes to sleep four times in a pass that finds none of them.
-constexpr int looks = 6;
+/// The thread that polls the dependencies sleeps four times in a pass without success.
+constexpr int sleeps = 6;
 
 } // namespace
 
@@ -32,34 +32,34 @@ private Q_SLOTS:
     void aStaleDeclarationIsWithdrawnBeforeAnythingElse();
     void bothDependenciesAreAwaited_data();
     void bothDependenciesAreAwaited();
-    void nothingIsDoneBeforeTheDependenciesAreThere();
-    void readinessComesWithTheBusName();
-    void theStateIsAskedForOnce();
-    void theStateIsAskedForUnderTheBusName();
-    void readinessComesAfterTheState();
-    void aCommandThatComesBeforeTheStateIsAnswered();
-    void readinessComesWithoutTheBusName();
-    void versionAndHelpWaitForTheDependenciesToo_data();
-    void versionAndHelpWaitForTheDependenciesToo();
+    void nothingIsDoneBeforeTheDependenciesAreReady();
+    void readinessIsDeclaredAfterTheBusName();
+    void theStateIsRequestedOnce();
+    void theStateIsRequestedUnderTheBusName();
+    void readinessIsDeclaredAfterTheState();
+    void aCommandBeforeTheStateIsAnswered();
+    void readinessDoesNotNeedTheBusName();
+    void versionAndHelpWaitForTheDependencies_data();
+    void versionAndHelpWaitForTheDependencies();
     void anUnknownOptionIsRefused();
-    void aRestartedDaemonTakesUpItsWork();
-    void bothEventLoopsServe_data();
-    void bothEventLoopsServe();
+    void aRestartedDaemonWorks();
+    void bothEventLoopsWork_data();
+    void bothEventLoopsWork();
 
 private:
-    bool looksAround();
+    bool pollsDependencies();
     bool hasBusName();
-    /// The number of the system call that the daemon's main thread waits in; -1 when it waits in none.
+    /// The number of the system call in which the daemon's main thread waits; -1 if it is not waiting.
     long systemCall();
 };
 
-bool SystemStartupTest::looksAround()
+bool SystemStartupTest::pollsDependencies()
 {
     const qint64 process = device().daemon().processId();
-    // The start is over when that thread runs.
+    // The start is complete when that thread is running.
     WAIT_FOR(ProcessFigures::threads(process) == 2 || !device().isRunning());
     const int before = ProcessFigures::voluntarySwitches(process);
-    WAIT_FOR(ProcessFigures::voluntarySwitches(process) > before + looks || !device().isRunning());
+    WAIT_FOR(ProcessFigures::voluntarySwitches(process) > before + sleeps || !device().isRunning());
     return device().isRunning();
 }
 
@@ -103,7 +103,7 @@ void SystemStartupTest::bothDependenciesAreAwaited()
     QVERIFY(prepare());
     QVERIFY(device().startDaemon());
     device().declareReady(first);
-    QVERIFY(looksAround());
+    QVERIFY(pollsDependencies());
     QVERIFY(!device().isReady());
     QCOMPARE(log(), QStringList());
     device().declareReady(second);
@@ -111,20 +111,20 @@ void SystemStartupTest::bothDependenciesAreAwaited()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemStartupTest::nothingIsDoneBeforeTheDependenciesAreThere()
+void SystemStartupTest::nothingIsDoneBeforeTheDependenciesAreReady()
 {
     options.dependenciesReady = false;
     QVERIFY(prepare());
     const QSignalSpy asked(&device().stateHandler(), &StateHandlerStandIn::asked);
     QVERIFY(device().startDaemon());
     device().typeLine(QStringLiteral("C 4"));
-    QVERIFY(looksAround());
+    QVERIFY(pollsDependencies());
     QVERIFY(!hasBusName());
     QVERIFY(asked.isEmpty());
     QCOMPARE(log(), QStringList());
 }
 
-void SystemStartupTest::readinessComesWithTheBusName()
+void SystemStartupTest::readinessIsDeclaredAfterTheBusName()
 {
     QVERIFY(launch());
     QVERIFY(hasBusName());
@@ -132,7 +132,7 @@ void SystemStartupTest::readinessComesWithTheBusName()
     QCOMPARE(completeLog().size(), 1);
 }
 
-void SystemStartupTest::theStateIsAskedForOnce()
+void SystemStartupTest::theStateIsRequestedOnce()
 {
     QVERIFY(prepare());
     const QSignalSpy asked(&device().stateHandler(), &StateHandlerStandIn::asked);
@@ -143,7 +143,7 @@ void SystemStartupTest::theStateIsAskedForOnce()
              QVariantMap({{ls::commandIdKey, "GetState"}, {ls::senderIdKey, "KeyboardHandler"}}));
 }
 
-void SystemStartupTest::theStateIsAskedForUnderTheBusName()
+void SystemStartupTest::theStateIsRequestedUnderTheBusName()
 {
     QVERIFY(prepare());
     QList<bool> named;
@@ -152,7 +152,7 @@ void SystemStartupTest::theStateIsAskedForUnderTheBusName()
     QCOMPARE(named, QList<bool>{true});
 }
 
-void SystemStartupTest::readinessComesAfterTheState()
+void SystemStartupTest::readinessIsDeclaredAfterTheState()
 {
     QVERIFY(prepare());
     QElapsedTimer sinceQuestion;
@@ -165,7 +165,7 @@ void SystemStartupTest::readinessComesAfterTheState()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemStartupTest::aCommandThatComesBeforeTheStateIsAnswered()
+void SystemStartupTest::aCommandBeforeTheStateIsAnswered()
 {
     QVERIFY(prepare());
     device().stateHandler().setDelay(300ms);
@@ -177,7 +177,7 @@ void SystemStartupTest::aCommandThatComesBeforeTheStateIsAnswered()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemStartupTest::readinessComesWithoutTheBusName()
+void SystemStartupTest::readinessDoesNotNeedTheBusName()
 {
     options.namePolicy = DeviceOptions::NamePolicy::DenyOwnership;
     QVERIFY(launch());
@@ -185,7 +185,7 @@ void SystemStartupTest::readinessComesWithoutTheBusName()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemStartupTest::versionAndHelpWaitForTheDependenciesToo_data()
+void SystemStartupTest::versionAndHelpWaitForTheDependencies_data()
 {
     QTest::addColumn<QString>("option");
     QTest::addColumn<QString>("output");
@@ -195,7 +195,7 @@ void SystemStartupTest::versionAndHelpWaitForTheDependenciesToo_data()
                           << "Options:";
 }
 
-void SystemStartupTest::versionAndHelpWaitForTheDependenciesToo()
+void SystemStartupTest::versionAndHelpWaitForTheDependencies()
 {
     QFETCH(QString, option);
     options.daemonArguments = QStringList(option);
@@ -205,7 +205,7 @@ void SystemStartupTest::versionAndHelpWaitForTheDependenciesToo()
     connect(&device(), &SimulatedDevice::outputLine, this, [&](const QString& line) { output << line; });
     const QSignalSpy exited(&device(), &SimulatedDevice::daemonExited);
     QVERIFY(device().startDaemon());
-    QVERIFY(looksAround());
+    QVERIFY(pollsDependencies());
     QVERIFY(output.isEmpty() && exited.isEmpty());
     device().declareReady(stateHandlerName);
     device().declareReady(speechName);
@@ -225,7 +225,7 @@ void SystemStartupTest::anUnknownOptionIsRefused()
     QVERIFY(!device().isReady());
 }
 
-void SystemStartupTest::aRestartedDaemonTakesUpItsWork()
+void SystemStartupTest::aRestartedDaemonWorks()
 {
     QVERIFY(launch());
     QVERIFY(nextKeyWorks());
@@ -236,7 +236,7 @@ void SystemStartupTest::aRestartedDaemonTakesUpItsWork()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemStartupTest::bothEventLoopsServe_data()
+void SystemStartupTest::bothEventLoopsWork_data()
 {
     QTest::addColumn<QStringList>("viewArguments");
     QTest::addColumn<long>("waitingIn");
@@ -244,7 +244,7 @@ void SystemStartupTest::bothEventLoopsServe_data()
     QTest::newRow("GLib's") << QStringList{"--unsetenv", "QT_NO_GLIB"} << long(SYS_poll);
 }
 
-void SystemStartupTest::bothEventLoopsServe()
+void SystemStartupTest::bothEventLoopsWork()
 {
     QFETCH(QStringList, viewArguments);
     QFETCH(long, waitingIn);
@@ -254,7 +254,7 @@ void SystemStartupTest::bothEventLoopsServe()
     QVERIFY(nextKeyWorks());
     tap(ls::KeyId::Up, 1);
     QVERIFY(awaitAction(
-        QStringLiteral("announce SingleKey UserMenu KeyboardHandler Up"))); // its timer has expired
+        QStringLiteral("announce SingleKey UserMenu KeyboardHandler Up"))); // after its timer
     QCOMPARE(command(QStringLiteral("GetLastKey")).value(ls::keyKey), QVariant(KEY_UP));
     device().typeLine(QStringLiteral("HELP 4"));
     QVERIFY(awaitLog(QStringLiteral("\"GetLastKey\" params: [None]")));

@@ -36,23 +36,23 @@ class SystemStateHandlerTest : public SystemTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void anAbsentStateHandlerLeavesTheStateOpen();
-    void aSlowAnswerIsWaitedFor();
-    void aStateHandlerThatDiesWhileAskedIsGivenUp();
-    void aStateHandlerThatKeepsSilentIsGivenUp();
-    void aMisshapenAnswerLeavesTheStateOpen_data();
-    void aMisshapenAnswerLeavesTheStateOpen();
-    void aStateHandlerThatComesLateIsFollowed();
+    void withoutStateHandlerTheStateIsUndefined();
+    void aSlowAnswerIsAwaited();
+    void aStateHandlerThatDiesDuringTheRequestIsGivenUp();
+    void aSilentStateHandlerIsGivenUp();
+    void afterAMalformedAnswerTheStateIsUndefined_data();
+    void afterAMalformedAnswerTheStateIsUndefined();
+    void aLateStateHandlerIsFollowed();
     void aRestartedStateHandlerIsFollowed();
     void anotherServiceCannotAnnounceTheState();
-    void misshapenNotificationsChangeNothing_data();
-    void misshapenNotificationsChangeNothing();
-    void announcementsThatAreNoMapChangeNothing_data();
-    void announcementsThatAreNoMapChangeNothing();
-    void aFloodOfNotificationsLeavesTheLastState();
+    void malformedNotificationsChangeNothing_data();
+    void malformedNotificationsChangeNothing();
+    void announcementsWithoutMapChangeNothing_data();
+    void announcementsWithoutMapChangeNothing();
+    void afterAFloodOfNotificationsTheLastStateApplies();
 };
 
-void SystemStateHandlerTest::anAbsentStateHandlerLeavesTheStateOpen()
+void SystemStateHandlerTest::withoutStateHandlerTheStateIsUndefined()
 {
     options.stateHandler = false;
     QVERIFY(launch());
@@ -62,7 +62,7 @@ void SystemStateHandlerTest::anAbsentStateHandlerLeavesTheStateOpen()
     QCOMPARE(actions().size(), 1);
 }
 
-void SystemStateHandlerTest::aSlowAnswerIsWaitedFor()
+void SystemStateHandlerTest::aSlowAnswerIsAwaited()
 {
     options.state = ls::StateId::Print;
     QVERIFY(prepare());
@@ -73,7 +73,7 @@ void SystemStateHandlerTest::aSlowAnswerIsWaitedFor()
     QVERIFY(!completeLog().contains(invalidResult));
 }
 
-void SystemStateHandlerTest::aStateHandlerThatDiesWhileAskedIsGivenUp()
+void SystemStateHandlerTest::aStateHandlerThatDiesDuringTheRequestIsGivenUp()
 {
     QVERIFY(prepare());
     device().stateHandler().setBehaviour(StateHandlerStandIn::Behaviour::Vanishes);
@@ -82,7 +82,7 @@ void SystemStateHandlerTest::aStateHandlerThatDiesWhileAskedIsGivenUp()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemStateHandlerTest::aStateHandlerThatKeepsSilentIsGivenUp()
+void SystemStateHandlerTest::aSilentStateHandlerIsGivenUp()
 {
     QVERIFY(prepare());
     device().stateHandler().setBehaviour(StateHandlerStandIn::Behaviour::StaysSilent);
@@ -91,7 +91,7 @@ void SystemStateHandlerTest::aStateHandlerThatKeepsSilentIsGivenUp()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemStateHandlerTest::aMisshapenAnswerLeavesTheStateOpen_data()
+void SystemStateHandlerTest::afterAMalformedAnswerTheStateIsUndefined_data()
 {
     const QVariantMap good{
         {ls::resultIdKey, "Success"}, {ls::errorIdKey, "Undefined"}, {ls::stateIdKey, "Print"}};
@@ -110,7 +110,7 @@ void SystemStateHandlerTest::aMisshapenAnswerLeavesTheStateOpen_data()
     QTest::newRow("a map as state") << bad << "StateHandler::getState ERROR: invalid state \"\"";
 }
 
-void SystemStateHandlerTest::aMisshapenAnswerLeavesTheStateOpen()
+void SystemStateHandlerTest::afterAMalformedAnswerTheStateIsUndefined()
 {
     QFETCH(QVariantMap, answer);
     QFETCH(QString, line);
@@ -122,7 +122,7 @@ void SystemStateHandlerTest::aMisshapenAnswerLeavesTheStateOpen()
     QVERIFY(awaitAction(QStringLiteral("announce SingleKey UserMenu - Up")));
 }
 
-void SystemStateHandlerTest::aStateHandlerThatComesLateIsFollowed()
+void SystemStateHandlerTest::aLateStateHandlerIsFollowed()
 {
     options.stateHandler = false;
     QVERIFY(launch());
@@ -151,7 +151,7 @@ void SystemStateHandlerTest::anotherServiceCannotAnnounceTheState()
                                                       QStringLiteral("notification"));
     message << stateChange("Print");
     QVERIFY(stranger.get().send(message));
-    // The round trip of a command on the same connection: the daemon has the signal by then.
+    // After the round trip of a command on the same connection, the daemon has received the signal.
     QDBusMessage call = QDBusMessage::createMethodCall(
         ls::busName(ls::ServiceId::KeyboardHandler), ls::busPath, ls::busName(ls::ServiceId::KeyboardHandler),
         QStringLiteral("process"));
@@ -160,7 +160,7 @@ void SystemStateHandlerTest::anotherServiceCannotAnnounceTheState()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemStateHandlerTest::misshapenNotificationsChangeNothing_data()
+void SystemStateHandlerTest::malformedNotificationsChangeNothing_data()
 {
     const QVariantMap good = stateChange("Print");
     QTest::addColumn<QVariantMap>("notification");
@@ -177,7 +177,7 @@ void SystemStateHandlerTest::misshapenNotificationsChangeNothing_data()
     QTest::newRow("a very long state") << stateChange(QString(1'000'000, 'x')) << invalidState;
 }
 
-void SystemStateHandlerTest::misshapenNotificationsChangeNothing()
+void SystemStateHandlerTest::malformedNotificationsChangeNothing()
 {
     QFETCH(QVariantMap, notification);
     QFETCH(QString, line);
@@ -187,7 +187,7 @@ void SystemStateHandlerTest::misshapenNotificationsChangeNothing()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemStateHandlerTest::announcementsThatAreNoMapChangeNothing_data()
+void SystemStateHandlerTest::announcementsWithoutMapChangeNothing_data()
 {
     QTest::addColumn<QVariantList>("arguments");
     QTest::newRow("nothing") << QVariantList();
@@ -196,7 +196,7 @@ void SystemStateHandlerTest::announcementsThatAreNoMapChangeNothing_data()
     QTest::newRow("a text and a map") << QVariantList{"Print", stateChange("Print")};
 }
 
-void SystemStateHandlerTest::announcementsThatAreNoMapChangeNothing()
+void SystemStateHandlerTest::announcementsWithoutMapChangeNothing()
 {
     QFETCH(QVariantList, arguments);
     QVERIFY(launch());
@@ -206,7 +206,7 @@ void SystemStateHandlerTest::announcementsThatAreNoMapChangeNothing()
     QVERIFY(nextKeyWorks());
 }
 
-void SystemStateHandlerTest::aFloodOfNotificationsLeavesTheLastState()
+void SystemStateHandlerTest::afterAFloodOfNotificationsTheLastStateApplies()
 {
     QVERIFY(launch());
     for (int i = 0; i < 5000; ++i) {

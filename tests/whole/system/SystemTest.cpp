@@ -76,7 +76,7 @@ QStringList SystemTest::log() const
 
 QStringList SystemTest::completeLog()
 {
-    // A command that is known but not served changes nothing and logs this line.
+    // An unserved command changes nothing and logs this line.
     const QString last = QStringLiteral("KeyboardHandler::process ERROR: \"GetKeyList\" command n/a!");
     const int before = log().count(last);
     command(ls::KeyboardHandlerCmdId::GetKeyList);
@@ -130,7 +130,7 @@ QStringList SystemTest::sanitizerReports() const
 
 void SystemTest::showEnd() const
 {
-    // The end tells what went wrong; a flood before it would hide that.
+    // The last observations show the fault.
     const Observations last =
         m_recorder->observations().mid(std::max(0, m_recorder->observations().size() - maxShownObservations));
     for (const Observation& observation : last) {
@@ -142,7 +142,7 @@ void SystemTest::cleanup()
 {
     QStringList reports;
     if (m_device) {
-        // While the recorder still listens: a sanitizer may have ended the daemon behind the last check.
+        // While the recorder is still connected, because a sanitizer may have ended the daemon after the last check.
         m_device->stopDaemon();
         reports = sanitizerReports();
         if (QTest::currentTestFailed() || !reports.isEmpty()) {

@@ -11,16 +11,16 @@
 
 #include <memory>
 
-/// The base of tests that drive the real daemon: a fresh simulated device for each test function, whose
-/// log is shown when the test fails. A report of a sanitizer in that log fails the test.
+/// The base class of tests with the real daemon: a new simulated device for each test function, whose log is printed if
+/// the test fails. A sanitizer report in the log fails the test.
 class SystemTest : public QObject
 {
     Q_OBJECT
 
 protected:
-    /// Makes the device with `options` and starts its services, but not the daemon.
+    /// Creates the device with `options` and starts its services, but not the daemon.
     bool prepare();
-    /// Starts the daemon, preparing the device if that was not done, and waits until it is ready.
+    /// Starts the daemon, after `prepare` if necessary, and waits until it is ready.
     bool launch();
 
     SimulatedDevice& device() { return *m_device; }
@@ -28,25 +28,23 @@ protected:
     void tap(const QString& key, int inputDevice = 0);
     QVariantMap command(const QString& name, const QVariantMap& arguments = {});
 
-    /// What was announced, spoken, cancelled and answered, in this order of arrival; then the log.
+    /// The announcements, speech, cancellations and answers in order of arrival, then the log.
     QStringList actions() const;
     QStringList log() const;
-    /// The log with all that the daemon has logged before this call: a thread of the daemon writes it, so
-    /// lines may arrive later than what was announced after them. Needs the bus.
+    /// Waits for all lines that the daemon has logged before this call. Needed because a thread of the daemon writes the
+    /// log, which may lag behind announcements. Requires the bus.
     QStringList completeLog();
-    /// Waits for one of these; false when the daemon ends without it.
+    /// Waits for one of these; false if the daemon ends first.
     bool awaitAction(const QString& text);
     bool awaitLog(const QString& line);
 
-    /// Plays the script's steps on the launched device; returns how the outcome differs from what the
-    /// script expects.
+    /// Plays the script on the launched device; returns the differences from its expectations.
     QStringList play(const KeyScript& script);
 
-    /// Whether the daemon runs on: the next press of Menu is announced to the user menu. For states in
-    /// which that happens at once: Idle, and none at all.
+    /// Whether the next press of Menu is announced to the user menu. Only in Idle and in the undefined state.
     bool nextKeyWorks();
 
-    /// Set before `prepare` or `launch`.
+    /// Must be set before `prepare` or `launch`.
     DeviceOptions options;
 
 private Q_SLOTS:

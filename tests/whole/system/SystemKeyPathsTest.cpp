@@ -3,18 +3,18 @@
 #include "simulator/script/KeyScriptText.h"
 #include "tests/whole/system/SystemTest.h"
 
-/// The way of each kind of key action, from the input device to the bus; its finer rules are tested on a
-/// virtual clock.
-class SystemKeyRoadsTest : public SystemTest
+/// Tests the path of each kind of key action from the input device to the bus. The details are tested on a virtual
+/// clock.
+class SystemKeyPathsTest : public SystemTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void scriptsComeTrue_data();
-    void scriptsComeTrue();
+    void scriptsPlayAsExpected_data();
+    void scriptsPlayAsExpected();
 };
 
-void SystemKeyRoadsTest::scriptsComeTrue_data()
+void SystemKeyPathsTest::scriptsPlayAsExpected_data()
 {
     QTest::addColumn<QString>("text");
     QTest::newRow("a lone key in idle") << "tap Up\n"
@@ -84,7 +84,7 @@ void SystemKeyRoadsTest::scriptsComeTrue_data()
                                           "expect 350 announce SingleKey PrintManager - Up\n";
 }
 
-void SystemKeyRoadsTest::scriptsComeTrue()
+void SystemKeyPathsTest::scriptsPlayAsExpected()
 {
     QFETCH(QString, text);
     const ParsedScript parsed = parseKeyScript(text);
@@ -95,5 +95,5 @@ void SystemKeyRoadsTest::scriptsComeTrue()
     QCOMPARE(play(parsed.script).join('\n'), QString());
 }
 
-QTEST_GUILESS_MAIN(SystemKeyRoadsTest)
-#include "SystemKeyRoadsTest.moc"
+QTEST_GUILESS_MAIN(SystemKeyPathsTest)
+#include "SystemKeyPathsTest.moc"
