@@ -18,7 +18,7 @@ const QString denyOwnership = QStringLiteral(R"(
     <deny own="%1"/>
   </policy>)");
 
-// The simulating user replaces the users of the other services, which install policies of their own.
+// The simulating user replaces the users of the other services, which install their own policies.
 const QString standInPolicy = QStringLiteral(R"(
   <policy user="%1">
     <allow own="%2"/>

@@ -123,7 +123,7 @@ QString DaemonProcess::start(const DeviceFolder& folder, const DeviceOptions& op
     // Bubblewrap reports the daemon's process id on this pipe.
     int report[2];
     if (pipe2(report, O_CLOEXEC) == -1) {
-        return QStringLiteral("There are no more file descriptors.");
+        return QStringLiteral("No file descriptor is available.");
     }
     m_process->inherit(report[1]);
     m_process->start(

@@ -5,7 +5,7 @@
 
 #include <functional>
 
-/// A speech daemon behind a speech library without a bus.
+/// A fake speech daemon, linked with a speech library that uses no bus.
 namespace FakeSpeech {
 
 /// Called with each request to speak.

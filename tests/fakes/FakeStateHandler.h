@@ -4,7 +4,7 @@
 #include <QList>
 #include <QVariantMap>
 
-/// A state handler behind a service proxy without a bus.
+/// A fake state handler, linked with a service proxy that uses no bus.
 namespace FakeStateHandler {
 
 /// Answers the next queries with `state`.

@@ -22,29 +22,29 @@ if ! grep -rqE '^ *# *include *[<"](QDBus)' --include='*.cpp' platform; then
     exit 1
 fi
 
-forbid "the platform knows nothing of the daemon" \
+forbid "the platform must not include the daemon" \
     "(app|service|input|keys|device|console|vocabulary|simulator|workbench|tests)/" platform
-forbid "the daemon knows nothing of the simulator, the workbench and the tests" "(simulator|workbench|tests)/" \
+forbid "the daemon must not include the simulator, the workbench and the tests" "(simulator|workbench|tests)/" \
     app service input keys device console vocabulary
-forbid "the bus is for service/ and platform/" "QDBus|QtDBus" app input keys device console vocabulary
-forbid "input records are for input/ and platform/ls/" "linux/input" app service keys device console vocabulary \
+forbid "only service/ and platform/ use the bus" "QDBus|QtDBus" app input keys device console vocabulary
+forbid "only input/ and platform/ls/ use input records" "linux/input" app service keys device console vocabulary \
     platform/vantre platform/servicewatcher platform/speech platform/translation platform/configurationmanager
-forbid "the vocabulary knows the platform only" "(app|service|input|keys|device|console)/" vocabulary
-forbid "key rows and recognisers know the vocabulary and the speech only" \
+forbid "the vocabulary may include only the platform" "(app|service|input|keys|device|console)/" vocabulary
+forbid "key rows and recognisers may include only the vocabulary and the speech" \
     "(app|service|input|console)/|device/(StateHandler|Embosser)" keys
-forbid "device/ knows the vocabulary only" "(app|service|input|keys|console)/" device
-forbid "an input device knows the vocabulary only" "(app|service|keys|device|console)/" input/Keyboard.h input/Keyboard.cpp
-forbid "the simulator knows the vocabulary, the key lists and the rules of keys only" \
+forbid "device/ may include only the vocabulary" "(app|service|input|keys|console)/" device
+forbid "an input device may include only the vocabulary" "(app|service|keys|device|console)/" input/Keyboard.h input/Keyboard.cpp
+forbid "the simulator may include only the vocabulary, the key lists and the rules of keys" \
     "(app|service|input|device|console)/|keys/(LongKey|ModifierKey|ShortcutKey)" simulator
-forbid "the simulator knows nothing of the workbench and the tests" "(workbench|tests)/" simulator
-forbid "key scripts know no panel and no device" "simulator/(panel|device)/" simulator/script
-forbid "the panel knows key scripts only" "simulator/device/" simulator/panel
-forbid "the workbench knows the vocabulary, the key lists and the rules of keys only" \
+forbid "the simulator must not include the workbench and the tests" "(workbench|tests)/" simulator
+forbid "key scripts must not include the panel and the device" "simulator/(panel|device)/" simulator/script
+forbid "the panel may include only key scripts" "simulator/device/" simulator/panel
+forbid "the workbench may include only the vocabulary, the key lists and the rules of keys" \
     "(app|service|input|device|console|tests)/|keys/(LongKey|ModifierKey|ShortcutKey)" workbench
-forbid "a session knows the simulator only" "workbench/(card|web|terminal)/" workbench/session
-forbid "the key card knows the rules of keys only" "simulator/(script|device)/|workbench/(session|web|terminal)/" workbench/card
-forbid "the web server knows no terminal" "workbench/terminal/" workbench/web
-forbid "only app/ builds the service object and the console" "app/" service input keys device console vocabulary
+forbid "a session may include only the simulator" "workbench/(card|web|terminal)/" workbench/session
+forbid "the key card may include only the rules of keys" "simulator/(script|device)/|workbench/(session|web|terminal)/" workbench/card
+forbid "the web server must not include the terminal" "workbench/terminal/" workbench/web
+forbid "only app/ creates the service object and the console" "app/" service input keys device console vocabulary
 
 # Waits with a timeout fail on a busy machine. The clock of the booted target does not depend on the machine.
 found=$(grep -rnE '\b(QTRY_[A-Z]|qWaitFor\()' --include='*.h' --include='*.cpp' tests |

@@ -203,7 +203,7 @@ Path CombinationList::pathAfterLonger(int index) const
     }
     const Path* path = row.lastKey() == longer.lastKey() ? pathFrom(row.firstKey()) : nullptr;
     if (index > m_secondLonger || !path) {
-        return blocked(QStringLiteral("Row %1 has three or more keys and hides the rows behind it.")
+        return blocked(QStringLiteral("Row %1 has three or more keys and hides the rows after it.")
                            .arg(index > m_secondLonger ? number(m_secondLonger) : longerNumber));
     }
     // The pair matches together with the longer row if its first key is open.

@@ -52,7 +52,7 @@ public:
 
     /// Executes statements of a key script ("press Menu"); those without a delay before it returns. Executes
     /// nothing if a statement is faulty or the device is not available. Keys left down are held by `client`;
-    /// 0 is no client.
+    /// 0 means no client.
     QVector<ScriptFault> execute(const QString& statements, int client = 0);
     /// Cancels pending statements of `client` and releases the keys that it holds.
     void releaseKeysOf(int client);

@@ -135,7 +135,7 @@ void ReferencesTest::statementsOfTheReadmeAreValid()
     const ParsedScript parsed = parseKeyScriptSteps(QString(line).replace(';', '\n'));
     QVERIFY2(parsed.faults.isEmpty(), qPrintable(parsed.faults.value(0).text));
     QVERIFY(!parsed.script.steps.isEmpty());
-    // So that the next line shows what it is there for.
+    // Each line must restore the initial state for the next line.
     QString state = parsed.script.initialState;
     for (const ScriptStep& step : parsed.script.steps) {
         state = step.kind == ScriptStep::Kind::State ? step.text : state;

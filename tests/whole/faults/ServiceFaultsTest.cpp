@@ -211,7 +211,7 @@ public:
     {
         for (const auto& receiver : m_receivers) {
             if (!receiver->read(64 * 1024).contains("KeyboardChange")) {
-                return QStringLiteral("nothing was left unread");
+                return QStringLiteral("a receiver has no unread announcements");
             }
         }
         m_receivers.clear();

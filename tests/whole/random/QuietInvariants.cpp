@@ -33,7 +33,7 @@ QString theNextKeyWorks(const Facts& facts)
     const QStringList words = isSpoken ? seen.last().second.split(QLatin1Char(' ')) : QStringList();
     const bool isSent = words.mid(0, 3).join(' ') == QLatin1String("announce SingleKey UserMenu") &&
                         words.mid(4) == QStringList(ls::KeyId::Up) && seen.last().first == release + window;
-    return isSent ? QString() : QStringLiteral("%1 things come of the last key").arg(seen.size());
+    return isSent ? QString() : QStringLiteral("the last key causes %1 events").arg(seen.size());
 }
 
 } // namespace invariants

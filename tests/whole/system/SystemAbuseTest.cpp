@@ -78,7 +78,7 @@ QString SystemAbuseTest::faultsAfter(const std::function<void()>& attack, int ti
     for (int i = 0; i < times; ++i) {
         attack();
         if (QTest::currentTestFailed()) {
-            return QStringLiteral("the attack did not come to its end");
+            return QStringLiteral("the attack did not finish");
         }
     }
     return faults();

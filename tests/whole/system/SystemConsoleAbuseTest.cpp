@@ -124,7 +124,7 @@ void SystemConsoleAbuseTest::unusualLinesAreHandled_data()
     judge("two carriage returns", "C 4\r\r", {ran});
     judge("a sign", "C +4", {ran});
     judge("a zero byte in the first word", QByteArray("C\0 4", 4), {ran});
-    judge("a zero byte behind the number", QByteArray("C 4\0", 4), {badArgument});
+    judge("a zero byte after the number", QByteArray("C 4\0", 4), {badArgument});
     judge("no UTF-8", "C 4\xff", {badArgument});
     judge("digits of another script", "C \xd9\xa4", {badArgument});
     judge("a number of another base", "C 0x4", {badArgument});

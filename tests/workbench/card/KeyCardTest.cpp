@@ -240,10 +240,10 @@ void KeyCardTest::deadRowsAreExplained_data()
     QTest::newRow("longer row hides others")
         << "longer row hides others"
         << QStringList{"2 The row has no keys.",
-                       "5 Row 3 has three or more keys and hides the rows behind it.",
+                       "5 Row 3 has three or more keys and hides the rows after it.",
                        "6 No combination can begin in Print: each key is announced and forgotten there.",
                        "7 Only the first row of three or more keys can match, and that is row 3.",
-                       "8 Row 7 has three or more keys and hides the rows behind it."};
+                       "8 Row 7 has three or more keys and hides the rows after it."};
     QTest::newRow("pair breaks longer row")
         << "pair breaks longer row"
         << QStringList{
