@@ -132,7 +132,7 @@ void KeyScriptTest::stepsHaveTheirTimes_data()
     QTest::newRow("a heading") << "## A key\npress Up"
                                << "0 heading 0 A key|0 press 0 Up";
     QTest::newRow("other line ends") << "press Up\r\nwait 3\r\n"
-                                                        << "0 press 0 Up";
+                                     << "0 press 0 Up";
 }
 
 void KeyScriptTest::stepsHaveTheirTimes()
@@ -295,11 +295,11 @@ void KeyScriptTest::faultsAreExplained_data()
     QTest::newRow("time in words") << "wait long"
                                    << "1: \"long\" is not a time from 0 to 86400000 ms.";
     QTest::newRow("time overflow") << "wait 99999999999999999999"
-                                         << "1: \"99999999999999999999\" is not a time";
+                                   << "1: \"99999999999999999999\" is not a time";
     QTest::newRow("time with a placeholder") << "wait %1"
-                                              << "1: \"%1\" is not a time from 0 to 86400000 ms.";
+                                             << "1: \"%1\" is not a time from 0 to 86400000 ms.";
     QTest::newRow("more than a day") << "wait 86400000\nwait 1"
-                                    << "2: The script would last longer than 24 hours.";
+                                     << "2: The script would last longer than 24 hours.";
     QTest::newRow("a tap beyond the day") << "wait 86400000\ntap Up"
                                           << "2: The script would last longer than 24 hours.";
     QTest::newRow("a hold without time") << "hold Up"
@@ -320,7 +320,7 @@ void KeyScriptTest::faultsAreExplained_data()
     QTest::newRow("simulated keys unknown") << "command SimulateModifier Up Moo"
                                             << "1: Unknown key \"Moo\"";
     QTest::newRow("row of unknown kind") << "row odd"
-                                    << "1: A row is long, modifier or shortcut, not \"odd\".";
+                                         << "1: A row is long, modifier or shortcut, not \"odd\".";
     QTest::newRow("row too short") << "row modifier A UserMenu Idle"
                                    << "1: Write it as: row modifier|shortcut ACTION RECEIVER STATE KEY...";
     QTest::newRow("row with unknown receiver") << "row shortcut A Moo Idle Up"
@@ -334,17 +334,18 @@ void KeyScriptTest::faultsAreExplained_data()
     QTest::newRow("expectation beyond the day") << "wait 2\nexpect +86399999 cancel"
                                                 << "2: \"+86399999\" is not a time";
     QTest::newRow("empty expectation") << "expect 5"
-                                            << "1: Expect one of announce, speak, cancel, log and answer";
+                                       << "1: Expect one of announce, speak, cancel, log and answer";
     QTest::newRow("expectation of an unknown sentence file") << "expect 5 speak Moo 1"
                                                              << "1: Unknown translation file \"Moo\".";
     QTest::newRow("expectation without a sentence") << "expect 5 speak EmbosserCore Up"
-                                                << "1: \"Up\" is not a sentence number.";
+                                                    << "1: \"Up\" is not a sentence number.";
     QTest::newRow("expectation of an unknown sentence") << "expect 5 speak EmbosserCore"
                                                         << "1: Unknown sentence \"EmbosserCore\".";
-    QTest::newRow("expectation of a sentence with too many words") << "expect 5 speak KeyUp 24 now"
-                                                        << "1: Write it as: expect MS speak SENTENCE or";
+    QTest::newRow("expectation of a sentence with too many words")
+        << "expect 5 speak KeyUp 24 now"
+        << "1: Write it as: expect MS speak SENTENCE or";
     QTest::newRow("incomplete expectation") << "expect 5 announce SingleKey UserMenu"
-                                                  << "1: Write it as: expect MS announce";
+                                            << "1: Write it as: expect MS announce";
     QTest::newRow("expectation of an unknown receiver") << "expect 5 announce SingleKey Moo -"
                                                         << "1: Unknown service \"Moo\"";
     QTest::newRow("expectation of an unknown key") << "expect 5 announce SingleKey UserMenu - Moo"

@@ -158,7 +158,8 @@ void TranscriptTest::theLogMustMatchOnAVirtualClock()
 
 void TranscriptTest::comparisonTimeIsLinear()
 {
-    // The worst case: equal texts, all too early, so that each expectation could be compared with the whole list.
+    // The worst case: equal texts, all too early, so that each expectation could be compared with the whole
+    // list.
     const auto processorTime = [](int count) {
         const Observations expected(count, {1h, "cancel"});
         const Observations observed(count, {1ms, "cancel"});

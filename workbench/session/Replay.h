@@ -13,7 +13,7 @@ class SimulatedDevice;
 class Replay
 {
 public:
-    /// Parses a script for a replay. Thread-safe, because a long text takes a second.
+    /// Parses a script for a replay. Thread-safe, so that long texts can be parsed on another thread.
     static ParsedScript read(const QString& text);
 
     explicit Replay(const KeyScript& script);

@@ -11,7 +11,7 @@ namespace {
 
 QStringList g_queried;
 QStringList g_notReady{"state-handler", "speechd"}; // not ready at the first query
-long g_pauses = -1;                                  // of the calling thread until the first query
+long g_pauses = -1;                                 // of the calling thread until the first query
 
 /// The voluntary context switches of the calling thread.
 long pauses()

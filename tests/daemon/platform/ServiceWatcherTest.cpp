@@ -141,8 +141,8 @@ void removeFolder()
 constexpr int maxHoldMs = 1000;
 constexpr int maxWakeUpsPerSecond = 4;
 
-/// Queries a service that `change` makes ready. True if an attempt ended because of the change, not before it and
-/// not with the timeout: on a busy machine, the change may be too early or too late, but not always.
+/// Queries a service that `change` makes ready. True if an attempt ended because of the change, not before it
+/// and not with the timeout: on a busy machine, the change may be too early or too late, but not always.
 bool isNoticedDuringQuery(Step before, Step change)
 {
     constexpr int maxAttempts = 10;

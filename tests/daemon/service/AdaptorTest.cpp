@@ -106,8 +106,8 @@ void AdaptorTest::callsAreUnpackedForTheServiceObject()
     QCOMPARE(response, (QVariantMap{{"resultId", "Failure"}, {"errorId", "CmdNotFound"}}));
 }
 
-// Qt would cache each call with another name or other argument types. The memory can be measured only without a
-// sanitizer.
+// Qt would cache each call with another name or other argument types. The memory can be measured only without
+// a sanitizer.
 void AdaptorTest::unknownCallsAreNotCached()
 {
     adapt();

@@ -58,7 +58,8 @@ void CommandsTest::simulateKeyRefusesInvalidValues_data()
     QTest::newRow("no action") << QVariantMap{{"key", "Menu"}} << "Invalid key action received!";
     QTest::newRow("unknown action") << QVariantMap{{"actionId", "pressed"}, {"key", "Menu"}}
                                     << "Invalid key action received!";
-    QTest::newRow("both unknown") << QVariantMap{{"actionId", ""}, {"key", ""}} << "Invalid key action received!";
+    QTest::newRow("both unknown") << QVariantMap{{"actionId", ""}, {"key", ""}}
+                                  << "Invalid key action received!";
     QTest::newRow("no key") << QVariantMap{{"actionId", "Pressed"}} << "Invalid key received!";
     QTest::newRow("unknown key") << QVariantMap{{"actionId", "Pressed"}, {"key", "Undefined"}}
                                  << "Invalid key received!";

@@ -73,8 +73,8 @@ private:
     QStringList m_noted;
 };
 
-// Qt delivers delayed messages after those that it reads at that moment. The test blocks Qt's thread twice, so that the
-// second message arrives at exactly that moment.
+// Qt delivers delayed messages after those that it reads at that moment. The test blocks Qt's thread twice,
+// so that the second message arrives at exactly that moment.
 void SystemBusTest::theFirstMessagesKeepTheirOrder()
 {
     QDBusConnection bus = openSystemBus();

@@ -129,8 +129,8 @@ void VocabularyTest::logPrefixIsExtractedFromTheSignature_data()
         << "Console::Console(KeyboardHandler*)::<lambda(const QVariantMap&)>"
         << "QVariantMap&)> FAILED!";
     QTest::newRow("bare name") << "f"
-                                    << ""
-                                    << " FAILED!";
+                               << ""
+                               << " FAILED!";
 }
 
 void VocabularyTest::logPrefixIsExtractedFromTheSignature()

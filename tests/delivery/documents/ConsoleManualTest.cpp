@@ -23,8 +23,8 @@ QStringList printedLines(const QStringList& session)
 
 } // namespace
 
-/// Types each session of the console's manual: lines after "> " are input, the others are the expected output. A
-/// block "rules" of the same name contains the logging rules.
+/// Types each session of the console's manual: lines after "> " are input, the others are the expected
+/// output. A block "rules" of the same name contains the logging rules.
 class ConsoleManualTest : public SystemTest
 {
     Q_OBJECT

@@ -22,11 +22,11 @@ QString comparable(QString output)
 
 } // namespace
 
-/// Runs each example of the guide to the bus interface on a device with the key lists of the guide. A block "sh" is
-/// the example. Blocks of the same name are "text", its output; "log", the daemon's log during the example; and
-/// "keys", a key script that is played before it. An example whose name starts with "watch" runs until it is
-/// terminated, and its keys are played once it listens. The keys start with a wait, because gdbus prints the
-/// owner of a service shortly before it delivers its signals.
+/// Runs each example of the guide to the bus interface on a device with the key lists of the guide. A block
+/// "sh" is the example. Blocks of the same name are "text", its output; "log", the daemon's log during the
+/// example; and "keys", a key script that is played before it. An example whose name starts with "watch" runs
+/// until it is terminated, and its keys are played once it listens. The keys start with a wait, because gdbus
+/// prints the owner of a service shortly before it delivers its signals.
 class DBusGuideTest : public SystemTest
 {
     Q_OBJECT

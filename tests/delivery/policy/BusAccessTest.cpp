@@ -123,8 +123,8 @@ QDBusMessage commandCall(const QString& name, QVariantMap parameters = {})
 
 } // namespace
 
-/// Checks each user's access to the daemon over the bus in each state. Runs as root with the users of bus-policy.sh;
-/// its arguments are the daemon's executable and those of QtTest.
+/// Checks each user's access to the daemon over the bus in each state. Runs as root with the users of
+/// bus-policy.sh; its arguments are the daemon's executable and those of QtTest.
 class BusAccessTest : public QObject
 {
     Q_OBJECT
@@ -336,8 +336,7 @@ void BusAccessTest::enter(const QString& state)
 {
     m_stateHandler.changeState(state);
     // The state handler's answer arrives on the same connection, after the announcement.
-    const QDBusMessage request =
-        call(stateHandler, stateHandler, QStringLiteral("process"), {QVariantMap()});
+    const QDBusMessage request = call(stateHandler, stateHandler, QStringLiteral("process"), {QVariantMap()});
     QCOMPARE(outcome(stateHandlerUser, request).type(), QDBusMessage::ReplyMessage);
 }
 

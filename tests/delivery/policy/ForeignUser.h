@@ -3,8 +3,8 @@
 
 #include <QByteArray>
 
-/// Makes this process, which must run as root, act as another user with that user's groups during the object's
-/// lifetime.
+/// Makes this process, which must run as root, act as another user with that user's groups during the
+/// object's lifetime.
 class ForeignUser
 {
 public:

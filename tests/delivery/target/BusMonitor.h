@@ -8,8 +8,8 @@ struct sd_bus;
 struct sd_bus_message;
 class QSocketNotifier;
 
-/// Monitors the system bus: announcements, requests to the speech daemon and answers, in the order in which the bus
-/// forwards them. Requires root.
+/// Monitors the system bus: announcements, requests to the speech daemon and answers, in the order in which
+/// the bus forwards them. Requires root.
 class BusMonitor : public QObject
 {
     Q_OBJECT

@@ -18,7 +18,8 @@ bool isInstructed(const char* argument)
 
 } // namespace
 
-/// Tests unusual boots. Each function runs alone, on a system booted with the kernel arguments in CMakeLists.txt.
+/// Tests unusual boots. Each function runs alone, on a system booted with the kernel arguments in
+/// CMakeLists.txt.
 class TargetBootTest : public TargetTest
 {
     Q_OBJECT

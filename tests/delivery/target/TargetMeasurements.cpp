@@ -105,8 +105,8 @@ Figures measure(const QString& unit, const std::function<double()>& timeOfKey)
 
 } // namespace
 
-/// Measures the daemon, the references of the benchmarks and other key daemons on the target system, and prints two
-/// tables. Each figure of the daemon has a limit; times are those of the guest's clock.
+/// Measures the daemon, the references of the benchmarks and other key daemons on the target system, and
+/// prints two tables. Each figure of the daemon has a limit; times are those of the guest's clock.
 class TargetMeasurements : public TargetTest
 {
     Q_OBJECT

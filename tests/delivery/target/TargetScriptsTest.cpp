@@ -34,8 +34,8 @@ bool mayBeReordered(const ScriptStep& step, const ScriptStep& next)
            !(isKey(step) && isKey(next) && step.keyboard == next.keyboard);
 }
 
-/// Why the script needs the virtual clock; null if it does not. The kernel's keyboards report no unusual records,
-/// and on a real clock, simultaneous events and events at a limit occur in random order.
+/// Why the script needs the virtual clock; null if it does not. The kernel's keyboards report no unusual
+/// records, and on a real clock, simultaneous events and events at a limit occur in random order.
 const char* virtualOnlyReason(const KeyScript& script)
 {
     const auto begin = script.steps.begin();
@@ -78,8 +78,9 @@ void TargetScriptsTest::scriptGoesAsExpected_data()
     int count = 0;
     for (const QFileInfo& script : scripts) {
         const QString name = script.completeBaseName();
-        const char* reason = name == scriptOfALimit ? "steps at the moment of a long press"
-                                                    : virtualOnlyReason(loadKeyScript(script.filePath()).script);
+        const char* reason = name == scriptOfALimit
+                                 ? "steps at the moment of a long press"
+                                 : virtualOnlyReason(loadKeyScript(script.filePath()).script);
         if (reason == nullptr) {
             QTest::newRow(qPrintable(name)) << script.filePath();
             ++count;

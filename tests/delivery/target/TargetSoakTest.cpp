@@ -30,7 +30,8 @@ void TargetSoakTest::aDayOfUseLeaksNothing()
     KeyScript script = loadKeyScript(demonstration).script;
     QVERIFY(restartDaemon({}, script.initialState, script.model));
     QCOMPARE(play(script), QStringList());
-    // From the second round on, the sender of the first announcement is that of the previous round's last command.
+    // From the second round on, the sender of the first announcement is that of the previous round's last
+    // command.
     for (Observation& expectation : script.expectations) {
         expectation.text.replace(QStringLiteral("announce SingleKey UserMenu - Up"),
                                  QStringLiteral("announce SingleKey UserMenu KeyboardHandler Up"));

@@ -80,7 +80,7 @@ void TargetSystemTest::actionsAreAnnouncedInTime_data()
     QTest::addColumn<QString>("announcement");
     QTest::addColumn<int>("earliest");
     QTest::newRow("immediate") << "press Menu\nwait 50\nrelease Menu"
-                             << "SingleKey UserMenu - Menu" << 50;
+                               << "SingleKey UserMenu - Menu" << 50;
     QTest::newRow("a lone key") << "press Up\nwait 50\nrelease Up\nwait 2000"
                                 << "SingleKey UserMenu - Up" << 1550;
     QTest::newRow("a long press") << "hold Help 3000\nwait 2000"
@@ -242,8 +242,8 @@ void TargetSystemTest::aFaultyKeyListIsLoggedAndTheOthersWork_data()
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QStringList>("log");
     QTest::newRow("empty") << QByteArray() << QStringList{unreadable, absent};
-    QTest::newRow("an extra comma")
-        << QByteArray(R"({"LongKeys": [{"keys": ["Help"],}]})") << QStringList{unreadable, absent};
+    QTest::newRow("an extra comma") << QByteArray(R"({"LongKeys": [{"keys": ["Help"],}]})")
+                                    << QStringList{unreadable, absent};
     QTest::newRow("a misspelt section") << QByteArray(R"({"LongKey": []})") << QStringList{absent};
     QTest::newRow("an object as list")
         << QByteArray(R"({"LongKeys": {"keys": ["Help"]}})") << QStringList{noList};
@@ -276,8 +276,7 @@ void TargetSystemTest::aFaultyKeyListIsLoggedAndTheOthersWork()
 
 void TargetSystemTest::waitingForTheStateHandlerUsesLittleProcessorTime()
 {
-    constexpr qint64 maxWaitingCost =
-        500'000'000; // during the 10 s below, in ns; mostly for the start
+    constexpr qint64 maxWaitingCost = 500'000'000; // during the 10 s below, in ns; mostly for the start
     const QString readiness = QStringLiteral("/run/service-watcher/state-handler");
     QVERIFY(restartDaemon());
     QVERIFY(QFile::remove(readiness));

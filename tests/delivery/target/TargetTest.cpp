@@ -83,7 +83,8 @@ QStringList TargetTest::play(const KeyScript& script)
     const auto logged = [&] { return logLines(device().observations()); };
     (void)QTest::qWaitFor([&] { return logged().size() >= expectedLog.size(); }, journalTimeoutMs);
     QStringList difference = Transcript::difference(script, device().observations(), Transcript::Clock::Real);
-    // The transcript accepts additional log lines, but only the console's help, which scripts omit, may cause them.
+    // The transcript accepts additional log lines, but only the console's help, which scripts omit, may cause
+    // them.
     if (difference.isEmpty() && !usesConsole(script) && logged() != expectedLog) {
         difference << QStringLiteral("the journal has:") << logged();
     }
@@ -122,7 +123,8 @@ bool TargetTest::nextKeyWorks(int inputDevice)
 
 void TargetTest::verifyServing()
 {
-    // udev has requested all jobs of the service manager when it has settled, and they are done when none is left.
+    // udev has requested all jobs of the service manager when it has settled, and they are done when none is
+    // left.
     QCOMPARE(Command::shell(QStringLiteral("udevadm settle")).status, 0);
     WAIT_FOR(Command::shell(QStringLiteral("systemctl list-jobs --no-legend keyboard-handler.service"))
                  .output.isEmpty() &&

@@ -11,7 +11,8 @@
 
 #include <memory>
 
-/// The base class of tests on the booted target system. They run as root, one after the other on the same system.
+/// The base class of tests on the booted target system. They run as root, one after the other on the same
+/// system.
 class TargetTest : public QObject
 {
     Q_OBJECT
@@ -21,8 +22,8 @@ protected:
     /// Reconnects to the device, because its bus has been restarted.
     bool reconnect();
 
-    /// Restarts the daemon with these key lists (by default the installed ones) in this state, and waits until it is
-    /// ready. Discards observations of the start.
+    /// Restarts the daemon with these key lists (by default the installed ones) in this state, and waits
+    /// until it is ready. Discards observations of the start.
     bool restartDaemon(const QMap<QString, QByteArray>& keyLists = {},
                        const QString& state = ls::StateId::Idle,
                        const QString& model = QStringLiteral("Pellit"));

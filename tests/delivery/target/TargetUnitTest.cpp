@@ -29,7 +29,8 @@ QString groupOf(const QString& node)
     return QFileInfo(node).group();
 }
 
-/// Opens the node as root for reading, in the unit's control group; returns the shell's error message, if any.
+/// Opens the node as root for reading, in the unit's control group; returns the shell's error message, if
+/// any.
 QString openInUnit(const QString& node)
 {
     const QString group = Unit::property(Unit::daemon, QStringLiteral("ControlGroup"));

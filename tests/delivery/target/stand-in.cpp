@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A stand-in for a service that the daemon waits for, "state-handler" or "speechd". It declares its readiness like the
-// real service.
+// A stand-in for a service that the daemon waits for, "state-handler" or "speechd". It declares its readiness
+// like the real service.
 #include "simulator/device/SpeechDaemonStandIn.h"
 #include "tests/delivery/target/StateControl.h"
 

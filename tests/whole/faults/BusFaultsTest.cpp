@@ -50,7 +50,8 @@ public:
             return QStringLiteral("%1 of %2 keys").arg(m_announced->size()).arg(m_keys);
         }
         test.device().setState(ls::StateId::Idle);
-        return test.awaitReceiver(ls::ServiceId::UserMenu) ? QString() : QStringLiteral("the state does not change");
+        return test.awaitReceiver(ls::ServiceId::UserMenu) ? QString()
+                                                           : QStringLiteral("the state does not change");
     }
     QVector<int> freeDevices() const override { return {}; }
     qint64 slackKiB() const override { return queueSlackKiB; }
@@ -76,8 +77,8 @@ QVariantMap commandOf(const QString& name)
     return {{ls::commandIdKey, name}, {ls::senderIdKey, ls::ServiceId::WwwApi}};
 }
 
-/// More calls from several clients than the bus library would queue, and keys, while the daemon processes long
-/// commands.
+/// More calls from several clients than the bus library would queue, and keys, while the daemon processes
+/// long commands.
 class Flood : public Fault
 {
 public:

@@ -15,8 +15,8 @@
 
 namespace {
 
-/// The number of announcements of a key held for `held`: the first repetition after each announcement restarts the
-/// time.
+/// The number of announcements of a key held for `held`: the first repetition after each announcement
+/// restarts the time.
 int longPressesIn(std::chrono::milliseconds held, std::chrono::milliseconds time)
 {
     int count = 0;

@@ -9,8 +9,8 @@
 struct DeviceOptions;
 class FaultTest;
 
-/// A fault around a running daemon, randomised by a seed. Functions that return a string return a sentence about a
-/// failure of the daemon or of the fault itself, or an empty string.
+/// A fault around a running daemon, randomised by a seed. Functions that return a string return a sentence
+/// about a failure of the daemon or of the fault itself, or an empty string.
 class Fault
 {
 public:
@@ -30,9 +30,9 @@ public:
 
     /// The input devices whose keys are announced without delay during the fault.
     virtual QVector<int> freeDevices() const { return {0, 1}; }
-    /// The allowed growth of the daemon's memory from the first to a later round. Two more rounds have 2000 presses,
-    /// so this detects leaks of 128 bytes a press or 128 KiB a round. RandomHourTest and tools/soak detect smaller
-    /// leaks.
+    /// The allowed growth of the daemon's memory from the first to a later round. Two more rounds have 2000
+    /// presses, so this detects leaks of 128 bytes a press or 128 KiB a round. RandomHourTest and tools/soak
+    /// detect smaller leaks.
     virtual qint64 slackKiB() const { return defaultSlackKiB; }
     /// Patterns of the lines that the daemon must log because of the fault. Other lines are failures.
     virtual QStringList log() const { return {}; }

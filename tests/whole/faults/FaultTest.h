@@ -7,8 +7,8 @@
 
 #include <optional>
 
-/// The base class of fault tests. After a fault, the daemon must run, handle the next key as fast as before, use no
-/// more memory and descriptors, and have logged the expected lines.
+/// The base class of fault tests. After a fault, the daemon must run, handle the next key as fast as before,
+/// use no more memory and descriptors, and have logged the expected lines.
 ///
 /// Each test function runs once for each of the FaultSeeds.
 class FaultTest : public SystemAbuseTest
@@ -37,8 +37,8 @@ public:
 protected:
     /// The seed of this run.
     static quint64 seed() { return FaultSeeds::current(); }
-    /// Starts and ends `fault` several times and prints the figures. Returns a sentence about the first failure, or an
-    /// empty string.
+    /// Starts and ends `fault` several times and prints the figures. Returns a sentence about the first
+    /// failure, or an empty string.
     QString damageFrom(Fault& fault);
     /// The median time from press to announcement on these devices, in milliseconds; nothing if a key is not
     /// announced.

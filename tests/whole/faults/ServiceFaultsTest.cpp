@@ -216,7 +216,8 @@ public:
         }
         m_receivers.clear();
         test.device().setState(ls::StateId::Idle);
-        return test.awaitReceiver(ls::ServiceId::UserMenu) ? QString() : QStringLiteral("the state does not change");
+        return test.awaitReceiver(ls::ServiceId::UserMenu) ? QString()
+                                                           : QStringLiteral("the state does not change");
     }
     qint64 slackKiB() const override { return queueSlackKiB; }
 

@@ -9,7 +9,8 @@ class StoppableService
 public:
     ~StoppableService() { resume(); }
 
-    /// Starts the service `name`, "state-handler" or "speechd", and waits until it is on the bus; false on failure.
+    /// Starts the service `name`, "state-handler" or "speechd", and waits until it is on the bus; false on
+    /// failure.
     bool start(const QString& name, const QString& busAddress);
     /// Makes the state handler announce a change, immediately or when it is resumed.
     void changeState(const QString& state);

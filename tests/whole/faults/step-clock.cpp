@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Preloaded into the daemon: shifts its time of day by the number of seconds in the file STEP_CLOCK_FILE. Monotonic
-// clocks are unchanged, as when the real clock is set.
+// Preloaded into the daemon: shifts its time of day by the number of seconds in the file STEP_CLOCK_FILE.
+// Monotonic clocks are unchanged, as when the real clock is set.
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>

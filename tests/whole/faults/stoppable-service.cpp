@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// stoppable-service NAME ADDRESS: a stand-in for "state-handler" or "speechd" on the bus at ADDRESS. Prints "ready" when
-// it is on the bus. The state handler announces each state that it reads; the speech daemon prints each sentence.
+// stoppable-service NAME ADDRESS: a stand-in for "state-handler" or "speechd" on the bus at ADDRESS. Prints
+// "ready" when it is on the bus. The state handler announces each state that it reads; the speech daemon
+// prints each sentence.
 #include "simulator/device/SpeechDaemonStandIn.h"
 #include "simulator/device/StateHandlerStandIn.h"
 #include "simulator/script/ObservationText.h"

@@ -69,7 +69,7 @@ constexpr int arrayCost = 1;
 constexpr int dictionaryCost = 2; // array, entry
 constexpr int listCost = 2;       // array, variant
 constexpr int mapCost = 3;        // array, entry, variant
-constexpr int maxOwnDepth = 6;      // the largest of these costs, rounded up
+constexpr int maxOwnDepth = 6;    // the largest of these costs, rounded up
 
 QVariant anyValue(Bytes& bytes, int depth);
 

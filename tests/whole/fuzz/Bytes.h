@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <iterator>
 
-/// The bytes of one run, read from the front. Reading past the end returns zeros, so every sequence of bytes is
-/// valid.
+/// The bytes of one run, read from the front. Reading past the end returns zeros, so every sequence of bytes
+/// is valid.
 class Bytes
 {
 public:

@@ -15,9 +15,9 @@
 
 class KeyboardHandler;
 
-/// Runs the daemon's unchanged classes on a virtual clock, fast enough for many thousands of runs a second. Input
-/// devices, standard input and key lists are FIFOs, a pipe and files in the test's private root. The speech daemon
-/// is a fake, and the state handler's proxy emits the notifications passed to `notify`.
+/// Runs the daemon's unchanged classes on a virtual clock, fast enough for many thousands of runs a second.
+/// Input devices, standard input and key lists are FIFOs, a pipe and files in the test's private root. The
+/// speech daemon is a fake, and the state handler's proxy emits the notifications passed to `notify`.
 class FuzzedDaemon : public QObject
 {
     Q_OBJECT
@@ -59,9 +59,9 @@ public:
     /// Likewise, the number of spoken sentences.
     int takeSentences() { return std::exchange(m_sentences, 0); }
 
-    /// Aborts unless the daemon is idle and works: no timer runs; a lone key in Idle is spoken once and announced
-    /// once, to its service; and nothing else happens. Leaves the daemon in Idle, with only the last key
-    /// remembered.
+    /// Aborts unless the daemon is idle and works: no timer runs; a lone key in Idle is spoken once and
+    /// announced once, to its service; and nothing else happens. Leaves the daemon in Idle, with only the
+    /// last key remembered.
     void requireThatItWorks();
 
 private:
@@ -69,8 +69,7 @@ private:
     void requireLoneKey();
 
     VirtualTimeDispatcher& m_clock;
-    std::unique_ptr<QObject>
-        m_root; // the parent of the daemon's objects, in place of the application object
+    std::unique_ptr<QObject> m_root; // the parent of the daemon's objects, in place of the application object
     KeyboardHandler* m_handler = nullptr;
     std::array<int, 2> m_devices;
     int m_input = -1;

@@ -8,8 +8,8 @@
 
 #include <optional>
 
-/// A bus for messages from this process to itself. Qt marshals and unmarshals such a message without sending it,
-/// so receivers get the same message as from another process, fast enough for a fuzzer.
+/// A bus for messages from this process to itself. Qt marshals and unmarshals such a message without sending
+/// it, so receivers get the same message as from another process, fast enough for a fuzzer.
 class LocalBus : public QObject
 {
     Q_OBJECT

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-/// Checks that the daemon's resources do not grow from run to run: a later run must free what a run allocates.
+/// Checks that the daemon's resources do not grow from run to run: a later run must free what a run
+/// allocates.
 class Resources
 {
 public:
@@ -23,8 +24,8 @@ public:
 
     Resources();
 
-    /// The memory allocated by all threads during runs, but not by libFuzzer between runs. 0 in a build without the
-    /// address sanitizer.
+    /// The memory allocated by all threads during runs, but not by libFuzzer between runs. 0 in a build
+    /// without the address sanitizer.
     static long long heldBytes();
 
     /// Must be called before and after each run; aborts if resources have grown.

@@ -15,7 +15,7 @@ namespace {
 constexpr int kindsOfSteps = 16;
 constexpr int maxKeysPerCommand = 6;
 constexpr int keyValues = 3;
-constexpr int maxTimers = 3;                   // lone key, long press, factory reset
+constexpr int maxTimers = 3;                        // lone key, long press, factory reset
 constexpr long long maxRememberedBytes = 16 * 1024; // independent of the number of keys
 // Around the router's limits and those of the key lists.
 constexpr std::array<std::chrono::milliseconds, 8> times{1ms,    250ms,  999ms,  1000ms,

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Key lists: the bytes are the content of all three lists. The daemon starts with them, and their rows are tried.
+// Key lists: the bytes are the content of all three lists. The daemon starts with them, and their rows are
+// tried.
 #include "keys/KeyListFile.h"
 #include "keys/LongKey.h"
 #include "keys/ModifierKey.h"
@@ -79,8 +80,8 @@ private:
     QVariantMap m_content; // of the file
 };
 
-/// Rejects inputs with duplicate JSON keys, of which Qt leaks the first value if it is a list or a map. The leak
-/// occurs once in the daemon, but would hide other leaks here.
+/// Rejects inputs with duplicate JSON keys, of which Qt leaks the first value if it is a list or a map. The
+/// leak occurs once in the daemon, but would hide other leaks here.
 bool KeyLists::accepts(Bytes bytes)
 {
     const Resources::Trial trial;

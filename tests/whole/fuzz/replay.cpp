@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Replaces libFuzzer in ordinary builds: runs a target on each file of the folders in the arguments, repeatedly, so
-// that growth from run to run is detected.
+// Replaces libFuzzer in ordinary builds: runs a target on each file of the folders in the arguments,
+// repeatedly, so that growth from run to run is detected.
 #include <QDirIterator>
 #include <QFile>
 #include <QStringList>

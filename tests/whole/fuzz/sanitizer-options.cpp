@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// For speed: no stack traces of allocations, and a small quarantine of freed memory, for about a run. ASAN_OPTIONS
-// overrides these options.
+// For speed: no stack traces of allocations, and a small quarantine of freed memory, for about a run.
+// ASAN_OPTIONS overrides these options.
 extern "C" const char* __asan_default_options();
 
 const char* __asan_default_options()

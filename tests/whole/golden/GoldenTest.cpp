@@ -54,8 +54,8 @@ bool changesServices(const KeyScript& script)
 
 } // namespace
 
-/// Plays each key script of this folder, or of KEY_SCRIPTS, on the virtual clock. The observations must equal the
-/// expectations, to the millisecond except in recordings.
+/// Plays each key script of this folder, or of KEY_SCRIPTS, on the virtual clock. The observations must equal
+/// the expectations, to the millisecond except in recordings.
 class GoldenTest : public DeviceTest
 {
     Q_OBJECT

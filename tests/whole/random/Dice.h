@@ -6,7 +6,8 @@
 #include <initializer_list>
 #include <random>
 
-/// Random choices that depend only on the seed. Standard engines are portable; standard distributions are not.
+/// Random choices that depend only on the seed. Standard engines are portable; standard distributions are
+/// not.
 class Dice
 {
 public:

@@ -3,8 +3,8 @@
 
 #include "simulator/script/KeyScript.h"
 
-/// The end of every random script: releases all keys, taps a key to end pending gestures, waits for a long time, and
-/// taps Up.
+/// The end of every random script: releases all keys, taps a key to end pending gestures, waits for a long
+/// time, and taps Up.
 namespace Epilogue {
 
 /// `script` with the epilogue appended.

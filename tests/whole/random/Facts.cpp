@@ -93,8 +93,7 @@ Answer Facts::gestureSeenBefore(const Place& place) const
         if (!isGesture(event) || event.place < begin || place < event.place) {
             continue;
         }
-        const bool isTied =
-            !event.place.isInStep() && (event.place == begin || event.place == place);
+        const bool isTied = !event.place.isInStep() && (event.place == begin || event.place == place);
         if (isTied) {
             answer = Answer::Maybe;
         } else if (!(event.place == begin)) {
@@ -112,8 +111,7 @@ bool Facts::isSingleKey(const Announcement& announcement)
 bool Facts::isGesture(const PlayEvent& event)
 {
     const bool isAnnounced = event.text.startsWith(QLatin1String("announce "));
-    return isRefusal(event) ||
-           (isAnnounced && !event.text.startsWith(QLatin1String("announce SingleKey ")));
+    return isRefusal(event) || (isAnnounced && !event.text.startsWith(QLatin1String("announce SingleKey ")));
 }
 
 bool Facts::isRefusal(const PlayEvent& event)

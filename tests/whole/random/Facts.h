@@ -44,8 +44,8 @@ struct FedKey
 
 enum class Answer { No, Yes, Maybe };
 
-/// The inputs of a script and the observations of its play, prepared for invariants. Independent of the daemon's rules
-/// for rows.
+/// The inputs of a script and the observations of its play, prepared for invariants. Independent of the
+/// daemon's rules for rows.
 class Facts
 {
 public:
@@ -68,8 +68,8 @@ public:
     QVector<Announcement> announcedIn(int step) const;
     QVector<PlayEvent> eventsIn(int step) const;
 
-    /// Whether a gesture or the factory reset was recognised since the last reset before `place`; `Maybe` if one
-    /// occurred at the same moment as either end.
+    /// Whether a gesture or the factory reset was recognised since the last reset before `place`; `Maybe` if
+    /// one occurred at the same moment as either end.
     Answer gestureSeenBefore(const Place& place) const;
 
     static bool isSingleKey(const Announcement& announcement);

@@ -169,7 +169,9 @@ QString refusalsNameTheStates(const Facts& facts)
 QString combinationsWereOpened(const Facts& facts)
 {
     for (const Announcement& announcement : facts.announcements()) {
-        const auto isOfStep = [&](const FedKey& fed) { return Place::ofStep(fed.step) == announcement.place; };
+        const auto isOfStep = [&](const FedKey& fed) {
+            return Place::ofStep(fed.step) == announcement.place;
+        };
         const QVector<FedKey>& presses = facts.fedShortcuts();
         const bool isCombination = isRowGesture(announcement) && announcement.place.isInStep() &&
                                    std::none_of(presses.cbegin(), presses.cend(), isOfStep);

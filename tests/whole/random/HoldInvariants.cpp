@@ -75,8 +75,7 @@ bool isAttempt(const PlayEvent& event)
 {
     return !event.place.isInStep() &&
            (Facts::isRefusal(event) || Facts::isUndefinedReceiver(event) ||
-            (Facts::isGesture(event) &&
-             !event.text.startsWith(QLatin1String("announce FactoryReset "))));
+            (Facts::isGesture(event) && !event.text.startsWith(QLatin1String("announce FactoryReset "))));
 }
 
 /// The places at which the time of a long press was stopped or expired.
@@ -99,8 +98,8 @@ Place lastEnd(const QVector<Place>& ends, const Place& place)
     return after == ends.cbegin() ? beginning : *(after - 1);
 }
 
-/// Whether `announcement` is its row's time after the first repetition after `end`. Events at the same moment as `end`
-/// may be before or after it, and simultaneous repetitions of two keys may have any order.
+/// Whether `announcement` is its row's time after the first repetition after `end`. Events at the same moment
+/// as `end` may be before or after it, and simultaneous repetitions of two keys may have any order.
 bool isTimed(const QVector<KeyInput>& starts, const Place& end, const Announcement& announcement,
              milliseconds time)
 {
@@ -121,8 +120,8 @@ bool isTimed(const QVector<KeyInput>& starts, const Place& end, const Announceme
     return false;
 }
 
-/// Likewise, after the last end before `announcement`. An end at the same moment may also have been before it: the end
-/// of a window, followed by a repetition with a time of 0.
+/// Likewise, after the last end before `announcement`. An end at the same moment may also have been before
+/// it: the end of a window, followed by a repetition with a time of 0.
 bool isTimed(const QVector<KeyInput>& starts, const QVector<Place>& ends, const QVector<Place>& disturbances,
              const Announcement& announcement, milliseconds time)
 {

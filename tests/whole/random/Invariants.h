@@ -3,8 +3,8 @@
 
 #include "tests/whole/random/Facts.h"
 
-/// The properties of every play, for any key lists and actions. docs/behaviour.md describes them for authors of key
-/// lists.
+/// The properties of every play, for any key lists and actions. docs/behaviour.md describes them for authors
+/// of key lists.
 ///
 /// Each check returns a sentence about the first violation, or an empty string.
 namespace invariants {

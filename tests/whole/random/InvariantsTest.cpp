@@ -109,7 +109,8 @@ Play playOf(const KeyScript& script)
 
 Q_DECLARE_METATYPE(Mutate)
 
-/// The invariants detect the wrong plays of WrongPlays.h and every small change to the observations of a real play.
+/// The invariants detect the wrong plays of WrongPlays.h and every small change to the observations of a real
+/// play.
 class InvariantsTest : public QObject
 {
     Q_OBJECT

@@ -5,8 +5,8 @@
 
 #include <tuple>
 
-/// A place in the sequence of a play: within the handling of a step or at a moment between two steps. Simultaneous
-/// timers have the same place.
+/// A place in the sequence of a play: within the handling of a step or at a moment between two steps.
+/// Simultaneous timers have the same place.
 struct Place
 {
     static constexpr std::chrono::milliseconds inStep{-1};

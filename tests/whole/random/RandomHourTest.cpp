@@ -33,8 +33,8 @@ void append(KeyScript& script, const KeyScript& more)
     script.end += more.end;
 }
 
-/// Concatenates random scripts, with the key lists of the first one. Each quarter of an hour ends with all keys
-/// released and nothing pending.
+/// Concatenates random scripts, with the key lists of the first one. Each quarter of an hour ends with all
+/// keys released and nothing pending.
 struct Hour
 {
     KeyScript script;
@@ -76,7 +76,8 @@ struct Holdings
 
 } // namespace
 
-/// Plays an hour of dense random traffic on one device, on the virtual clock. KEY_HOUR_SEED sets another seed.
+/// Plays an hour of dense random traffic on one device, on the virtual clock. KEY_HOUR_SEED sets another
+/// seed.
 class RandomHourTest : public QObject
 {
     Q_OBJECT

@@ -7,7 +7,8 @@
 /// Generates random key lists, including unusual rows.
 namespace RandomRows {
 
-/// Up to six rows of each kind, and at least one row. Each action identifies one row, except for duplicate rows.
+/// Up to six rows of each kind, and at least one row. Each action identifies one row, except for duplicate
+/// rows.
 QVector<KeyRow> roll(Dice& dice);
 
 /// One of the few keys that most scripts and rows use.

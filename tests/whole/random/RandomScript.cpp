@@ -19,8 +19,8 @@ constexpr int maxActions = 60;
 constexpr int maxTap = 120;
 constexpr int codeWithoutKey = 30;
 
-/// Durations near the limits of the daemon and the kernel: the repetition, the window after a release, whole seconds of
-/// long presses, the factory reset.
+/// Durations near the limits of the daemon and the kernel: the repetition, the window after a release, whole
+/// seconds of long presses, the factory reset.
 milliseconds duration(Dice& dice)
 {
     constexpr std::array shortOnes{0, 1, 1, 10, 33, 50, 100, 200};

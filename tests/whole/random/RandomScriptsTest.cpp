@@ -21,8 +21,8 @@ constexpr const char* seedsVariable = "KEY_SCRIPT_SEEDS";
 
 } // namespace
 
-/// Plays random key scripts on the virtual clock and checks the invariants. KEY_SCRIPT_SEEDS=FIRST:COUNT sets other
-/// seeds.
+/// Plays random key scripts on the virtual clock and checks the invariants. KEY_SCRIPT_SEEDS=FIRST:COUNT sets
+/// other seeds.
 class RandomScriptsTest : public QObject
 {
     Q_OBJECT

@@ -47,10 +47,9 @@ QStringList spokenIn(const Facts& facts, int step)
 int combinationsIn(const Facts& facts, int step)
 {
     const QVector<PlayEvent> events = facts.eventsIn(step);
-    return static_cast<int>(
-        std::count_if(events.cbegin(), events.cend(), [](const PlayEvent& event) {
-            return Facts::isGesture(event) || Facts::isUndefinedReceiver(event);
-        }));
+    return static_cast<int>(std::count_if(events.cbegin(), events.cend(), [](const PlayEvent& event) {
+        return Facts::isGesture(event) || Facts::isUndefinedReceiver(event);
+    }));
 }
 
 /// The speech of a release for its key alone, after that of completed gestures.

@@ -45,8 +45,7 @@ Trial::Result Trial::run(const KeyScript& script, quint64 seed)
         return {repeatabilityNumber, QStringLiteral("repeatability: the second play differs from the first")};
     }
     if (!isSame(play, Player::playInPieces(whole, seed))) {
-        return {piecewiseNumber,
-                QStringLiteral("piecewise time: the play in small pieces of time differs")};
+        return {piecewiseNumber, QStringLiteral("piecewise time: the play in small pieces of time differs")};
     }
     return {};
 }

@@ -20,8 +20,8 @@ struct Result
 /// `seed` determines the pieces of time of the last play.
 Result run(const KeyScript& script, quint64 seed);
 
-/// The shortest script that violates the same invariant, as a key script with the observations as expectations. Comments
-/// before it contain the seed and the invariant.
+/// The shortest script that violates the same invariant, as a key script with the observations as
+/// expectations. Comments before it contain the seed and the invariant.
 QString report(const KeyScript& script, quint64 seed, const Result& result);
 
 } // namespace Trial

@@ -35,8 +35,8 @@ SoakTraffic::SoakTraffic(SimulatedDevice& device, quint64 seed) : m_device(devic
 
 QString SoakTraffic::playRound()
 {
-    for (const auto& part : {&SoakTraffic::playRandomScript, &SoakTraffic::releaseAll, &SoakTraffic::playBurst,
-                             &SoakTraffic::timeMenu}) {
+    for (const auto& part : {&SoakTraffic::playRandomScript, &SoakTraffic::releaseAll,
+                             &SoakTraffic::playBurst, &SoakTraffic::timeMenu}) {
         const QString fault = (this->*part)();
         if (!fault.isEmpty()) {
             return QStringLiteral("round %1: %2").arg(m_counts.rounds).arg(fault);
@@ -84,8 +84,8 @@ QString SoakTraffic::playRandomScript()
                : QStringLiteral("%1 commands were not answered").arg(m_unanswered);
 }
 
-/// Releases all keys of a script. In the keyboard test, only the key that ends it is announced, so this announcement
-/// shows that the daemon has handled the keys before it.
+/// Releases all keys of a script. In the keyboard test, only the key that ends it is announced, so this
+/// announcement shows that the daemon has handled the keys before it.
 QString SoakTraffic::releaseAll()
 {
     for (int device = 0; device < Panel::keyboardCount; ++device) {
@@ -171,8 +171,8 @@ bool SoakTraffic::enter(const QString& state)
 {
     ++m_counts.states;
     m_device.setState(state);
-    // The state is announced on another connection. The answer to a first command shows that the bus has it, the
-    // answer to a second one that the daemon has it.
+    // The state is announced on another connection. The answer to a first command shows that the bus has it,
+    // the answer to a second one that the daemon has it.
     return roundTrip(ls::KeyboardHandlerCmdId::GetLastKey) && roundTrip(ls::KeyboardHandlerCmdId::GetLastKey);
 }
 

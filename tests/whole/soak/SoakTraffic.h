@@ -25,8 +25,8 @@ public:
     /// `device` must live as long as the traffic.
     SoakTraffic(SimulatedDevice& device, quint64 seed);
 
-    /// Plays a round and leaves the device in Idle with nothing pending. Returns a sentence about a loss, or an
-    /// empty string.
+    /// Plays a round and leaves the device in Idle with nothing pending. Returns a sentence about a loss, or
+    /// an empty string.
     QString playRound();
 
     const Counts& counts() const { return m_counts; }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Plays random traffic on the simulated device and measures the daemon's resources. Arguments: minutes and seed.
+// Plays random traffic on the simulated device and measures the daemon's resources. Arguments: minutes and
+// seed.
 #include "tests/support/ProcessFigures.h"
 #include "tests/support/Waiting.h"
 #include "tests/whole/soak/SoakReport.h"

@@ -7,8 +7,8 @@
 #include <QDBusPendingCall>
 #include <QVariantMap>
 
-/// A client of the keyboard service with a separate bus connection, for valid and invalid calls. Calls wait for the
-/// reply without running the event loop.
+/// A client of the keyboard service with a separate bus connection, for valid and invalid calls. Calls wait
+/// for the reply without running the event loop.
 class BusClient
 {
 public:

@@ -11,9 +11,10 @@ class SystemAbuseTest : public SystemTest
     Q_OBJECT
 
 protected:
-    /// Runs `attack` to warm up the daemon, then several more times. Returns a sentence if the daemon then has ended,
-    /// ignores keys or commands, or uses more memory or descriptors. When `attack` returns, the daemon must have
-    /// handled it completely. `slackKiB` is the allowed growth of the heap; a leak by the attack should be much larger.
+    /// Runs `attack` to warm up the daemon, then several more times. Returns a sentence if the daemon then
+    /// has ended, ignores keys or commands, or uses more memory or descriptors. When `attack` returns, the
+    /// daemon must have handled it completely. `slackKiB` is the allowed growth of the heap; a leak by the
+    /// attack should be much larger.
     QString damageOf(const std::function<void()>& attack, qint64 slackKiB = 2048);
 
     /// A sentence if keys or commands do not work; empty otherwise. For attacks that cannot be repeated.

@@ -180,7 +180,8 @@ QStringList SystemBusAbuseTest::unexpected(const QMap<QString, QVariantMap>& com
 void SystemBusAbuseTest::everyTypeIsAcceptedAtEveryDepth_data()
 {
     QTest::addColumn<QString>("container");
-    QTest::addColumn<int>("maxDepth"); // messages are limited to 64 containers, including three of the command
+    QTest::addColumn<int>(
+        "maxDepth"); // messages are limited to 64 containers, including three of the command
     QTest::newRow("maps") << "a map" << 20;
     QTest::newRow("lists") << "a list" << 30;
     QTest::newRow("variants") << "a variant" << 61;

@@ -293,7 +293,8 @@ void SystemBusCommandsTest::otherValuesThanListsSimulateNothing()
     for (const char* gesture : {"SimulateModifier", "SimulateShortcut"}) {
         QCOMPARE(client.outcome(by(gesture, keys(list))), QStringLiteral("OK"));
     }
-    // A single string is a list of one. If an earlier row had simulated keys, this would not be the combination.
+    // A single string is a list of one. If an earlier row had simulated keys, this would not be the
+    // combination.
     QCOMPARE(client.outcome(by("SimulateModifier", keys("Help"))), QStringLiteral("OK"));
     QCOMPARE(client.outcome(by("SimulateModifier", keys("Ok"))), QStringLiteral("OK"));
     QVERIFY(awaitAction(QStringLiteral("announce Both UserMenu WwwApi Help Ok")));

@@ -3,8 +3,8 @@
 #include "simulator/script/KeyScriptText.h"
 #include "tests/whole/system/SystemTest.h"
 
-/// Tests the path of each kind of key action from the input device to the bus. The details are tested on a virtual
-/// clock.
+/// Tests the path of each kind of key action from the input device to the bus. The details are tested on a
+/// virtual clock.
 class SystemKeyPathsTest : public SystemTest
 {
     Q_OBJECT

@@ -253,8 +253,7 @@ void SystemStartupTest::bothEventLoopsWork()
     WAIT_FOR_EQUAL(systemCall(), waitingIn);
     QVERIFY(nextKeyWorks());
     tap(ls::KeyId::Up, 1);
-    QVERIFY(awaitAction(
-        QStringLiteral("announce SingleKey UserMenu KeyboardHandler Up"))); // after its timer
+    QVERIFY(awaitAction(QStringLiteral("announce SingleKey UserMenu KeyboardHandler Up"))); // after its timer
     QCOMPARE(command(QStringLiteral("GetLastKey")).value(ls::keyKey), QVariant(KEY_UP));
     device().typeLine(QStringLiteral("HELP 4"));
     QVERIFY(awaitLog(QStringLiteral("\"GetLastKey\" params: [None]")));

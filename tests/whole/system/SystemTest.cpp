@@ -142,7 +142,8 @@ void SystemTest::cleanup()
 {
     QStringList reports;
     if (m_device) {
-        // While the recorder is still connected, because a sanitizer may have ended the daemon after the last check.
+        // While the recorder is still connected, because a sanitizer may have ended the daemon after the last
+        // check.
         m_device->stopDaemon();
         reports = sanitizerReports();
         if (QTest::currentTestFailed() || !reports.isEmpty()) {

@@ -11,8 +11,8 @@
 
 #include <memory>
 
-/// The base class of tests with the real daemon: a new simulated device for each test function, whose log is printed if
-/// the test fails. A sanitizer report in the log fails the test.
+/// The base class of tests with the real daemon: a new simulated device for each test function, whose log is
+/// printed if the test fails. A sanitizer report in the log fails the test.
 class SystemTest : public QObject
 {
     Q_OBJECT
@@ -31,8 +31,8 @@ protected:
     /// The announcements, speech, cancellations and answers in order of arrival, then the log.
     QStringList actions() const;
     QStringList log() const;
-    /// Waits for all lines that the daemon has logged before this call. Needed because a thread of the daemon writes the
-    /// log, which may lag behind announcements. Requires the bus.
+    /// Waits for all lines that the daemon has logged before this call. Needed because a thread of the daemon
+    /// writes the log, which may lag behind announcements. Requires the bus.
     QStringList completeLog();
     /// Waits for one of these; false if the daemon ends first.
     bool awaitAction(const QString& text);

@@ -113,9 +113,9 @@ QStringList expectedSingleKeys(const KeyCardEntry& entry, const KeyCardState& ca
                                             KeyCardConsequence::MenuUnlessAfterHelpAndNextKey})) {
             texts += singleKey(release.at, release.key, card);
             isMenuAnnounced = true;
-        } else if (isLast &&
-                   (hasAny(entry, {KeyCardConsequence::LastKey}) ||
-                    (isMenuAnnounced && hasAny(entry, {KeyCardConsequence::MenuUnlessAfterHelpAndNextKey})))) {
+        } else if (isLast && (hasAny(entry, {KeyCardConsequence::LastKey}) ||
+                              (isMenuAnnounced &&
+                               hasAny(entry, {KeyCardConsequence::MenuUnlessAfterHelpAndNextKey})))) {
             texts += singleKey(release.at + window, release.key, card);
         }
     }

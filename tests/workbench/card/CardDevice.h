@@ -8,8 +8,8 @@
 
 using KeyLists = QMap<QString, QByteArray>;
 
-/// A virtual device for testing key cards. It records announcements as "MILLISECONDS ACTION RECEIVER", with the
-/// time since its start.
+/// A virtual device for testing key cards. It records announcements as "MILLISECONDS ACTION RECEIVER", with
+/// the time since its start.
 class CardDevice
 {
 public:
@@ -17,8 +17,8 @@ public:
 
     /// Performs the entry and waits for all its effects. Holds keys for at most a minute.
     void play(const KeyCardEntry& entry);
-    /// Presses the row's keys according to its kind, except keys that the panel lacks. Repeats a combination after
-    /// every other key.
+    /// Presses the row's keys according to its kind, except keys that the panel lacks. Repeats a combination
+    /// after every other key.
     void tryRow(const KeyCardDeadRow& row);
 
     VirtualDevice& panel() { return m_device; }
@@ -26,8 +26,8 @@ public:
     /// The recorded announcements of the action of `entry` and of single keys.
     QStringList heardAbout(const KeyCardEntry& entry) const;
 
-    /// The expected announcements of `entry` of `card`: its action and single keys. If the hold is too long, only
-    /// the single key.
+    /// The expected announcements of `entry` of `card`: its action and single keys. If the hold is too long,
+    /// only the single key.
     static QStringList expected(const KeyCardEntry& entry, const KeyCardState& card);
 
 private:

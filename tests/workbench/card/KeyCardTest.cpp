@@ -151,11 +151,11 @@ void KeyCardTest::notesOfEntries_data()
                                    << QStringList{"Unknown state \"\".", "Keys are ignored in Startup.",
                                                   "Announced 2 times."};
     QTest::newRow("also a single key") << "long presses"
-                                        << "Print"
-                                        << "long"
-                                        << "Up"
-                                        << QStringList{"Unknown state \"\".", "Keys are ignored in Startup.",
-                                                       "Each release is also announced as a single key."};
+                                       << "Print"
+                                       << "long"
+                                       << "Up"
+                                       << QStringList{"Unknown state \"\".", "Keys are ignored in Startup.",
+                                                      "Each release is also announced as a single key."};
     QTest::newRow("Menu that opens") << "Menu after a Help that opens nothing"
                                      << "Idle"
                                      << "combination"

@@ -6,7 +6,8 @@
 
 #include <QJsonValue>
 
-/// Generates random key-list files, including fields of any type, sections that are not lists and malformed JSON.
+/// Generates random key-list files, including fields of any type, sections that are not lists and malformed
+/// JSON.
 class RandomJson
 {
 public:

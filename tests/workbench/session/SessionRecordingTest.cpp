@@ -15,8 +15,8 @@ const QString longFile = QStringLiteral("longKeyList.json");
 const QByteArray oneLongRow =
     R"({"LongKeys": [{"keys": ["Up"], "eAction": "Rise", "receiverService": "WwwApi", "timeout": 1, "validOnState": "Idle | Error"}]})";
 
-/// A lone key, a combination, a shortcut, a refused action, a long press, a command, a console line, an unusual
-/// record and a change of state.
+/// A lone key, a combination, a shortcut, a refused action, a long press, a command, a console line, an
+/// unusual record and a change of state.
 const QString busyHour = QStringLiteral("tap Up; wait 1900; tap Help; wait 100; tap Feed; wait 1900;"
                                         "press Function; wait 100; tap Up; release Function; wait 1900;"
                                         "press Feed; wait 100; tap Ok; release Feed; wait 1900;"
@@ -152,8 +152,8 @@ void SessionRecordingTest::aRecordingCanBeReplayed_data()
                                     << "wait 300"
                                     << "recorded\n";
     QTest::newRow("a pending lone key") << "Pellit"
-                                                 << "tap Up; wait 300"
-                                                 << "release Up\n";
+                                        << "tap Up; wait 300"
+                                        << "release Up\n";
     QTest::newRow("everything") << "Orvane" << busyHour << "announce PaperStatus PrintManager";
     QTest::newRow("keys while starting up")
         << "Pellit"
@@ -179,8 +179,7 @@ void SessionRecordingTest::aFalsifiedRecordingFails()
     QVERIFY(launch());
     record("tap Menu");
     QVERIFY(awaitEntry("announcement", "action", "SingleKey"));
-    const QString text =
-        record("wait 300").replace(QStringLiteral("UserMenu"), QStringLiteral("WwwApi"));
+    const QString text = record("wait 300").replace(QStringLiteral("UserMenu"), QStringLiteral("WwwApi"));
     QVERIFY(playOnVirtualClock(text).contains(QStringLiteral("announce SingleKey WwwApi - Menu")));
     QVERIFY(replay(text).contains(QStringLiteral("announce SingleKey WwwApi - Menu")));
 }

@@ -17,7 +17,7 @@ public:
     explicit BlockedMainThread(qint64 process)
         : m_thread(pid_t(process))
         , m_isStopped(ptrace(PTRACE_ATTACH, m_thread, nullptr, nullptr) == 0 &&
-                   waitpid(m_thread, nullptr, __WALL) == m_thread)
+                      waitpid(m_thread, nullptr, __WALL) == m_thread)
     {}
     ~BlockedMainThread() { ptrace(PTRACE_DETACH, m_thread, nullptr, nullptr); }
     Q_DISABLE_COPY(BlockedMainThread)

@@ -216,7 +216,8 @@ qint64 SimulatorProgramTest::daemon() const
         QDir(QStringLiteral("/proc")).entryList({QStringLiteral("[0-9]*")}, QDir::Dirs);
     for (const QString& process : processes) {
         const QString path = QStringLiteral("/proc/%1/").arg(process);
-        if (mentions(path + "mountinfo", mountMarkOf(m_folder->path())) && !mentions(path + "cmdline", "bwrap")) {
+        if (mentions(path + "mountinfo", mountMarkOf(m_folder->path())) &&
+            !mentions(path + "cmdline", "bwrap")) {
             return process.toLongLong();
         }
     }
