@@ -23,7 +23,7 @@ const browserOptions = [
 ];
 /// How far the clock of the page is put forward at a time, and how often: in all further than any of its timers.
 const clockStep = 1000; // milliseconds
-const clockSteps = 3;
+const clockSteps = 4;
 
 /// A user of the page with a screen reader and a keyboard. The clock of the page stands still, but for the steps of
 /// `hears`, and the page gets the device's events with `until` only: what is heard does not depend on how long the

@@ -27,11 +27,13 @@ const verbs = {
     'device': (listener, statements) => listener.simulator.take(...statements.split('; ')),
     'restart the device': listener => listener.simulator.restart(),
     'crash the daemon': listener => listener.simulator.crashDaemon(),
+    'hang the daemon': listener => listener.simulator.hangDaemon(),
+    'resume the daemon': listener => listener.simulator.resumeDaemon(),
     'cut the connection': listener => listener.relay.cut(),
     'mend the connection': listener => listener.relay.mend(),
 };
 
-const notOnPage = /^(wait|outlast|device|restart|crash)\b/;
+const notOnPage = /^(wait|outlast|device|restart|crash|hang|resume)\b/;
 
 /// A part of the page by its role and name: button "Release all".
 function control(listener, what) {
