@@ -88,8 +88,15 @@ export class Listener {
         await this.until('announcement SingleKey Up');
     }
 
+    /// Holds a key of the device until the device has reported this.
+    async holdUntil(key, words) {
+        await this.simulator.take(`press ${key}`);
+        await eventually(() => this.#find(words));
+        await this.simulator.take(`release ${key}`);
+    }
+
     /// What happens from now on belongs together: the order in which `until` is called for it does not matter.
-    /// It begins on the page or not.
+    /// `isOnPage` says whether something is done on the page.
     beginStep(isOnPage) {
         this.former = this.latest;
         this.awaited = new Set();

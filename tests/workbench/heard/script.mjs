@@ -24,6 +24,7 @@ const verbs = {
     },
     'wait': () => {}, // for what `until` says
     'outlast the window of earlier keys': listener => listener.outlastWindow(),
+    'device holds': (listener, words) => listener.holdUntil(...words.split(' until ')),
     'device': (listener, statements) => listener.simulator.take(...statements.split('; ')),
     'restart the device': listener => listener.simulator.restart(),
     'crash the daemon': listener => listener.simulator.crashDaemon(),
