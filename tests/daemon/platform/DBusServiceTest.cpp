@@ -317,8 +317,8 @@ void DBusServiceTest::notificationOfAnImpostorIsIgnored()
     const BusPeer previous(m_bus, stateHandler);
     const BusPeer owner(m_bus, stateHandler);
 
-    former.announce({QVariantMap{{"stateId", "Error"}}});
-    former.synchronise();
+    previous.announce({QVariantMap{{"stateId", "Error"}}});
+    previous.synchronise();
     owner.announce({nested});
 
     WAIT_FOR_EQUAL(notifications(), QList<QVariantMap>{nested});
