@@ -30,7 +30,7 @@ public:
         for (int i = 0; i < script.steps.size(); ++i) {
             m_waitUntil(m_device, script.steps.at(i).at);
             note(i, false);
-            m_device.take(script.steps.at(i));
+            m_device.play(script.steps.at(i));
             note(i + 1, true);
         }
         m_waitUntil(m_device, script.end);

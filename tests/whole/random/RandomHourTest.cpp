@@ -134,7 +134,7 @@ QVector<Holdings> RandomHourTest::playQuarters() const
     for (const auto end : m_hour.quarterEnds) {
         for (; step != m_hour.script.steps.cend() && step->at <= end; ++step) {
             device.waitUntil(step->at);
-            target.take(*step);
+            target.play(*step);
             device.takeObservations();
         }
         device.waitUntil(end);
