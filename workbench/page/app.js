@@ -303,11 +303,11 @@ function onKeyDown(event) {
 function onKeyUp(event) {
     if (['Enter', ' '].includes(event.key)) {
         event.preventDefault(); // no click
-        releaseAll();
+        releaseKeyboard();
     }
 }
 
-function releaseAll() {
+function releaseKeyboard() {
     releaseHeldBy('keyboard');
     announcer.release();
 }
@@ -329,7 +329,7 @@ function setUpKey(button) {
     }
     button.addEventListener('keydown', onKeyDown);
     button.addEventListener('keyup', onKeyUp);
-    button.addEventListener('blur', releaseAll);
+    button.addEventListener('blur', releaseKeyboard);
     button.addEventListener('click', onKeyClick);
     button.addEventListener('contextmenu', event => event.preventDefault()); // of a long touch
 }

@@ -10,7 +10,10 @@ export class PanelPage {
     constructor(page) {
         this.page = page;
         this.context = page.context();
-        page.on('pageerror', fault => this.faults.push(String(fault)));
+        page.on('pageerror', fault => {
+            this.faults.push(String(fault));
+            page.close(); // what is waited for might never come
+        });
         page.on('console', message => {
             if (message.type() === 'error' && message.text().includes('Content Security Policy')) {
                 this.faults.push(message.text());

@@ -160,6 +160,10 @@ export class Listener {
         this.browser = await installed('playwright-core').chromium.connectOverCDP(`http://127.0.0.1:${port}`);
         [this.page] = this.browser.contexts()[0].pages();
         this.page.setDefaultTimeout(0);
+        this.page.on('pageerror', fault => {
+            console.error(fault);
+            this.page.close(); // what is waited for might never come
+        });
         await this.page.addInitScript(holdEntries);
         await this.page.addInitScript(countRequests);
         await this.page.addInitScript(countKeys);
