@@ -208,7 +208,8 @@ void KeyboardManager::onRelease(const ls::EnumKey& key)
     if (m_currentState == ls::StateId::Idle) {
         onIdleRelease(previousKey);
     } else if (!m_testMode && m_lastKey != ls::KeyId::Unknown) {
-        // Deliberate: in these states a release that completes a combination is sent as a single key, too.
+        // Deliberate: in these states a release that completes a combination is sent as a single key, too,
+        // and then all keys are forgotten.
         sendSingleKey();
     } else {
         onTestRelease();

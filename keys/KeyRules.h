@@ -10,8 +10,8 @@
 /// The rules that the router, the recognisers and the programs around the daemon share.
 namespace KeyRules {
 
-/// In Idle a released key waits this long for further keys, and all keys are forgotten this long after the
-/// last release.
+/// The time window of combinations and lone keys: in Idle a released key waits this long for further keys,
+/// and all keys are forgotten this long after the last release.
 constexpr std::chrono::milliseconds singleKeyInterval{1500};
 /// FactoryReset must be held this long.
 constexpr std::chrono::milliseconds factoryResetHold{5000};

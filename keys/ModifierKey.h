@@ -28,7 +28,7 @@ public:
 
     /// Handles the release of `key`.
     void process(const ls::EnumKey& key);
-    /// Clears the keys released so far.
+    /// Clears the keys released so far. The router calls it when `KeyRules::singleKeyInterval` ends.
     void reset();
 
 Q_SIGNALS:

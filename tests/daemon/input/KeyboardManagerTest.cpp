@@ -2,7 +2,8 @@
 #include "tests/support/LogRecorder.h"
 #include "tests/virtual/DeviceTest.h"
 
-/// Tests what key scripts cannot express: states and rows that they do not accept, and traces.
+/// Tests what the key scripts in tests/whole/golden cannot express: states and rows that they do not accept,
+/// and traces.
 class KeyboardManagerTest : public DeviceTest
 {
     Q_OBJECT
