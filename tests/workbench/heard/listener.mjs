@@ -203,7 +203,7 @@ function countAnnouncements() {
     };
     note();
     const observer = new MutationObserver(changes => {
-        count += changes.filter(({ target }) => target.closest('[aria-live], [role=log]')).length;
+        count += changes.filter(({ target }) => target.closest?.('[aria-live], [role=log]')).length;
         note();
     });
     observer.observe(document, { childList: true, subtree: true });
