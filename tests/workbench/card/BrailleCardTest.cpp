@@ -280,7 +280,7 @@ void BrailleCardTest::deadRowsAndUnreadableFilesAreListed()
         QVERIFY2(text.contains(row.why), qPrintable(row.why + '\n' + text));
     }
     const QString withoutLists = BrailleText::body(brfOf({}));
-    QVERIFY(withoutLists.startsWith("Notes longKeyList.json has no list"));
+    QVERIFY(withoutLists.startsWith("Notes longKeyList.json has no readable list"));
 }
 
 void BrailleCardTest::randomListsAreHandled()
