@@ -10,7 +10,7 @@ import { takeAgain } from './script.mjs';
 
 const folder = new URL('./', import.meta.url);
 const names = readdirSync(folder).filter(each => each.endsWith('.txt') && each !== 'CMakeLists.txt');
-const concurrency = 2; // each waits for the other programs most of the time
+const concurrency = 3; // each waits for the other programs most of the time
 const listeners = Array.from({ length: concurrency }, () => new Listener());
 
 async function check(name, listener) {

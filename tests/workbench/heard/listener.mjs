@@ -23,7 +23,7 @@ const browserOptions = [
 ];
 /// How far the clock of the page is put forward at a time, and how often: in all further than any of its timers.
 const clockStep = 1000; // milliseconds
-const clockSteps = 4;
+const clockSteps = 6;
 
 /// A user of the page with a screen reader and a keyboard. The clock of the page stands still, but for the steps of
 /// `hears`, and the page gets the device's events with `until` only: what is heard does not depend on how long the
@@ -142,7 +142,7 @@ export class Listener {
         await this.#hasAnswers();
         const all = await this.reader.heard(this.page);
         for (let quiet = 0; quiet < clockSteps; ++quiet) {
-            await this.page.clock.runFor(clockStep);
+            await this.page.clock.fastForward(clockStep);
             if (await this.reader.hasNews(this.page)) {
                 all.push(...(await this.reader.heard(this.page)));
                 quiet = -1;

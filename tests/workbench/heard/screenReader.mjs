@@ -9,6 +9,8 @@ import orca.debug
 import orca.liveregions
 import orca.settings
 orca.debug.debugFile.reconfigure(line_buffering=True)
+orca.debug.debugLevel = orca.debug.LEVEL_INFO
+orca.debug.printDetails = lambda *words, **options: None
 orca.settings.enableKeyEcho = False
 
 def enqueue(self, *words, former=orca.liveregions.PriorityQueue.enqueue):
