@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Checks the direction of includes, and that tests wait without timeouts. Usage: layers.sh SOURCE_FOLDER
+# Checks the direction of includes and imports, and that tests wait without timeouts. Usage: layers.sh SOURCE_FOLDER
 set -u
 cd "$1" || exit 2
 broken=0
@@ -45,6 +45,19 @@ forbid "a session may include only the simulator" "workbench/(card|web|terminal)
 forbid "the key card may include only the rules of keys" "simulator/(script|device)/|workbench/(session|web|terminal)/" workbench/card
 forbid "the web server must not include the terminal" "workbench/terminal/" workbench/web
 forbid "only app/ creates the service object and the console" "app/" service input keys device console vocabulary
+
+# Pairs of a module of the page and one that it imports.
+imports=$(for module in workbench/page/*.js; do
+    sed -nE "s@^(.* from|import) '\./(.*)';\$@${module##*/} \2@p" "$module"
+done)
+if ! echo "$imports" | grep -qx 'main\.js views\.js'; then
+    echo "the pattern does not match an existing import"
+    exit 1
+fi
+if ! found=$(echo "$imports" | tsort 2>&1 >/dev/null); then
+    printf 'the modules of the page must not import each other in a circle:\n%s\n' "$found"
+    broken=1
+fi
 
 # Waits with a timeout fail on a busy machine. The clock of the booted target does not depend on the machine.
 found=$(grep -rnE '\b(QTRY_[A-Z]|qWaitFor\()' --include='*.h' --include='*.cpp' tests |

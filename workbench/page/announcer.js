@@ -1,27 +1,27 @@
 // SPDX-License-Identifier: MIT
-// What a screen reader is given to read: sentences in their order, each once.
+// Gives a screen reader the sentences to read, in order and each once.
 
-/// Between the first sentence and its announcement: what belongs together is announced together.
-export const collectTime = 100; // milliseconds
-/// Between two announcements. A reader takes them one by one, and twenty of them in a second would occupy it for minutes.
-export const announcementInterval = 1000;
-/// Between the release of a key and an announcement: the reader drops what waits when a key is pressed or repeats.
-export const releaseTime = 200;
+// Times in milliseconds.
+/// From the first sentence to its announcement: sentences that belong together are announced together.
+const collectTime = 100;
+/// Between two announcements: a reader reads them one by one, and twenty of them in a second would take it minutes.
+const announcementInterval = 1000;
+/// From the release of a key to an announcement: the reader drops what waits when a key is pressed or repeats.
+const releaseTime = 200;
 
-/// The log is not for reading back: the page shows what happened elsewhere.
+/// The log is not for reading back: the other parts of the page show what happened.
 const maxAnnouncements = 5;
 
-/// The kinds of sentences that each setting lets through. Replies and faults answer what the user does on the page.
-export const levels = {
+/// The kinds of sentences that each setting lets through: an "action" (or its refusal), another "event" at the device,
+/// the "reply" to what the user does on the page, and a "fault".
+const levels = {
     all: ['action', 'event', 'reply', 'fault'],
     actions: ['action', 'reply', 'fault'],
     off: ['reply', 'fault'],
 };
 
-const endsSentence = text => /[.!?…:]$/.test(text);
-
 /// Sentences in their order, equal ones next to each other counted: "Up, 3 times. Down."
-export function joinSentences(texts) {
+function joinSentences(texts) {
     const runs = [];
     for (const text of texts) {
         const last = runs.at(-1);
@@ -31,10 +31,8 @@ export function joinSentences(texts) {
             runs.push({ text, times: 1 });
         }
     }
-    return runs.map(({ text, times }) => {
-        const counted = times > 1 ? `${text.replace(/[.!]$/, '')}, ${times} times` : text;
-        return endsSentence(counted) ? counted : `${counted}.`;
-    }).join(' ');
+    const counted = runs.map(({ text, times }) => (times > 1 ? `${text.replace(/[.!]$/, '')}, ${times} times` : text));
+    return counted.map(text => (/[.!?…:]$/.test(text) ? text : `${text}.`)).join(' ');
 }
 
 /// Adds what is announced to `log`, a live region: at most one element a second, with a single text node, because a
@@ -52,7 +50,7 @@ export class Announcer {
         this.#log = log;
     }
 
-    /// One of the names of `levels`. What waits and is not wanted any more is dropped.
+    /// One of the names of `levels`. Drops queued sentences that the new level does not let through.
     set level(level) {
         this.#level = Object.hasOwn(levels, level) ? level : 'all';
         this.#texts = this.#texts.filter(({ kind }) => this.#isWanted(kind));
@@ -62,8 +60,8 @@ export class Announcer {
         return this.#level;
     }
 
-    /// `text` is a sentence that begins with what matters; `kind` is a name in the lists of `levels`. A sentence that
-    /// `isLogged` by the daemon follows those that come within `collectTime` after it: the log and the bus are not in step.
+    /// `text` is a sentence that begins with what matters; `kind` is a name in the lists of `levels`. The daemon's log
+    /// and the bus are not in step: a sentence that `isLogged` follows all that come within `collectTime` after it.
     announce(text, kind, isLogged = false) {
         if (text && this.#isWanted(kind)) {
             this.#texts.splice(this.#placeFor(isLogged), 0, { text, kind, isLogged, moment: performance.now() });

@@ -1,38 +1,24 @@
 // SPDX-License-Identifier: MIT
-// Texts of key lists that only this browser has.
+// Texts of key lists that only this browser has, by kind and file: the "draft", typed but not in use yet, and the
+// "former" one, which another text has replaced. They outlive a reload, but without room in the storage of the browser
+// they live as long as the page.
 
-/// Keeps texts by their file's name: the "draft", typed but not in use yet, and the "former" one, which another text has
-/// replaced. They outlive a reload; without room in the storage of the browser they live as long as the page.
-export class Drafts {
-    #storage;
-    #texts = new Map();
+const texts = new Map();
 
-    constructor(storage) {
-        this.#storage = storage;
-    }
-
-    /// Undefined when there is none.
-    get(kind, file) {
-        const name = nameOf(kind, file);
-        return this.#texts.get(name) ?? this.#storage.getItem(name) ?? undefined;
-    }
-
-    set(kind, file, text) {
-        const name = nameOf(kind, file);
-        this.#texts.set(name, text);
-        try {
-            this.#storage.setItem(name, text);
-        } catch {
-            this.#storage.removeItem(name); // no room: rather none than an old one
-        }
-    }
-
-    remove(kind, file) {
-        this.#texts.delete(nameOf(kind, file));
-        this.#storage.removeItem(nameOf(kind, file));
-    }
+/// Returns undefined when there is none.
+export function getDraft(kind, file) {
+    const name = `${kind} ${file}`;
+    return texts.get(name) ?? localStorage.getItem(name) ?? undefined;
 }
 
-function nameOf(kind, file) {
-    return `${kind} ${file}`;
+/// An undefined `text` removes the draft.
+export function setDraft(kind, file, text) {
+    const name = `${kind} ${file}`;
+    texts.set(name, text);
+    localStorage.removeItem(name); // an old text must not stay if there is no room for the new one
+    try {
+        if (text !== undefined) {
+            localStorage.setItem(name, text);
+        }
+    } catch {} // `texts` has it
 }

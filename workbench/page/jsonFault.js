@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: MIT
 
-const space = /[ \t\n\r]*/y;
-const scalar = /"(?:[^"\\\u0000-\u001f]|\\(?:["\\/bfnrt]|u[0-9a-fA-F]{4}))*"|-?(?:0|[1-9]\d*)(?:\.\d+)?(?:[eE][+-]?\d+)?(?![\w.])|(?:true|false|null)(?!\w)/y;
-const name = /"(?:[^"\\\u0000-\u001f]|\\(?:["\\/bfnrt]|u[0-9a-fA-F]{4}))*"/y;
+const token = source => new RegExp(`[ \\t\\n\\r]*(?:${source})`, 'y');
 
-/// Reads a JSON text up to its first fault. The messages of browsers differ, and some name no place.
+const string = String.raw`"(?:[^"\\\u0000-\u001f]|\\(?:["\\/bfnrt]|u[0-9a-fA-F]{4}))*"`;
+const number = String.raw`-?(?:0|[1-9]\d*)(?:\.\d+)?(?:[eE][+-]?\d+)?(?![\w.])`;
+const scalar = token(String.raw`${string}|${number}|(?:true|false|null)(?!\w)`);
+const name = token(string);
+const [colon, comma, end] = [':', ',', '$'].map(token);
+const [objectStart, objectEnd, arrayStart, arrayEnd] = ['\\{', '\\}', '\\[', '\\]'].map(token);
+
+/// Finds the first fault of a JSON text. The messages of browsers differ, and some name no place.
 class JsonReader {
     #text;
     #at = 0;
@@ -13,87 +18,67 @@ class JsonReader {
         this.#text = text;
     }
 
-    read() {
-        this.#value();
-        if (this.#next() !== undefined) {
-            this.#fail('the text should end');
+    /// Returns undefined when there is none, or when the text is nested too deeply to be read.
+    fault() {
+        try {
+            this.#value();
+            this.#take(end, 'the text should end');
+        } catch (fault) {
+            return fault.line ? fault : undefined;
         }
     }
 
     #value() {
-        switch (this.#next()) {
-        case '{': return this.#list('}', () => this.#member());
-        case '[': return this.#list(']', () => this.#value());
-        default: return this.#match(scalar) || this.#fail('a value is missing');
+        if (this.#match(objectStart)) {
+            this.#items(() => this.#member(), objectEnd, 'a comma or } is missing');
+        } else if (this.#match(arrayStart)) {
+            this.#items(() => this.#value(), arrayEnd, 'a comma or ] is missing');
+        } else {
+            this.#take(scalar, 'a value is missing');
         }
     }
 
     #member() {
-        this.#next();
-        if (!this.#match(name)) {
-            this.#fail('a name in double quotes is missing');
-        }
-        this.#take(':') || this.#fail('a colon is missing');
+        this.#take(name, 'a name in double quotes is missing');
+        this.#take(colon, 'a colon is missing');
         this.#value();
     }
 
-    #list(end, readItem) {
-        ++this.#at;
-        if (this.#take(end)) {
-            return true;
+    #items(readItem, last, fault) {
+        if (this.#match(last)) {
+            return;
         }
         do {
             readItem();
-        } while (this.#take(','));
-        return this.#take(end) || this.#fail(`a comma or ${end} is missing`);
-    }
-
-    #next() {
-        this.#match(space);
-        return this.#text[this.#at];
-    }
-
-    #take(character) {
-        const isThere = this.#next() === character;
-        this.#at += isThere ? 1 : 0;
-        return isThere;
+        } while (this.#match(comma));
+        this.#take(last, fault);
     }
 
     #match(pattern) {
         pattern.lastIndex = this.#at;
-        const found = pattern.test(this.#text);
-        this.#at = found ? pattern.lastIndex : this.#at;
-        return found;
+        const isFound = pattern.test(this.#text);
+        this.#at = isFound ? pattern.lastIndex : this.#at;
+        return isFound;
     }
 
-    #fail(what) {
-        const lines = this.#text.slice(0, this.#at).split('\n');
+    #take(pattern, fault) {
+        if (this.#match(pattern)) {
+            return;
+        }
+        this.#match(token(''));
         const found = this.#text[this.#at];
-        throw Object.assign(new SyntaxError(), {
-            line: lines.length,
-            column: lines.at(-1).length + 1,
-            text: `${what}${found === undefined ? ' at the end' : ` before ${found}`}`,
-        });
+        const lines = this.#text.slice(0, this.#at).split('\n');
+        const text = `${fault}${found === undefined ? ' at the end' : ` before ${found}`}`;
+        throw Object.assign(new SyntaxError(), { line: lines.length, column: lines.at(-1).length + 1, text });
     }
 }
 
-/// The first fault of a text that should be JSON, with its `line` and `column` from 1 on; null if it is JSON.
+/// Returns the first fault of a text that should be JSON, with its `line` and `column` from 1 on; null if it is JSON.
 export function jsonFault(text) {
     try {
         JSON.parse(text);
         return null;
-    } catch (fault) {
-        return placeOf(text, fault);
+    } catch ({ message }) {
+        return new JsonReader(text).fault() ?? { line: 1, column: 1, text: message };
     }
-}
-
-function placeOf(text, fault) {
-    try {
-        new JsonReader(text).read();
-    } catch (found) {
-        if (found.line) {
-            return found;
-        }
-    }
-    return { line: 1, column: 1, text: fault.message }; // nested too deeply to be read here
 }

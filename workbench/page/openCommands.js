@@ -1,48 +1,38 @@
 // SPDX-License-Identifier: MIT
-// Commands without an answer.
 
-/// A command that has no answer for so long is shown as unanswered.
+/// The page shows a command as unanswered when it has waited this long for its answer.
 export const answerPatience = 3000; // milliseconds
 
-/// The commands that have no answer yet. The daemon answers them in their order.
+const unanswered = ({ text }, isFinal) => ({ type: 'unanswered', text, isFinal });
+
+/// The commands that have no answer yet. The daemon answers them in order.
 export class OpenCommands {
     #open = [];
 
-    /// Takes in `entry`, the next one of the session, which came at `moment` of the page's clock. Comes back with the
-    /// texts of the commands that get no answer any more, because the device starts again or has ended.
-    take({ type, text }, moment) {
-        switch (type) {
-        case 'command':
-            this.#open.push({ text, moment, isReported: false });
-            return [];
-        case 'answer':
-            this.#open.shift();
-            return [];
-        case 'device':
-            return this.#open.splice(0).map(each => each.text);
-        default:
-            return [];
+    /// Takes in `entry`, the next one of the session, which came at `moment` of the page's clock. An answer gets the
+    /// name of its `command`. Returns an entry of the type "unanswered" for each command that gets no answer any more,
+    /// because the device restarts or has ended.
+    take(entry, moment) {
+        if (entry.type === 'command') {
+            this.#open.push({ text: entry.text, moment, isReported: false });
+        } else if (entry.type === 'answer') {
+            entry.command = this.#open.shift()?.text.split(' ')[0] ?? '';
         }
+        return entry.type === 'device' ? this.#open.splice(0).map(each => unanswered(each, true)) : [];
     }
 
-    /// The texts of the commands that wait longer than `answerPatience`, each once.
+    /// Returns such an entry for each command that has waited longer than `answerPatience`, once.
     late(moment) {
         const late = this.#open.filter(each => !each.isReported && moment - each.moment >= answerPatience);
-        late.forEach(each => { each.isReported = true; });
-        return late.map(each => each.text);
+        late.forEach(each => Object.assign(each, { isReported: true }));
+        return late.map(each => unanswered(each, false));
     }
 
-    /// Begins with the entries of `history`, the present being `at` on their clock and `moment` on the page's. Comes
-    /// back with the history in which entries of the type "unanswered" stand for the commands without an answer.
+    /// Begins with the entries of `history`, the present being `at` on their clock and `moment` on the page's. Returns
+    /// the history with the entries for commands without an answer added.
     reset(history, at, moment) {
         this.#open = [];
-        const told = [];
-        for (const entry of history) {
-            for (const text of this.take(entry, moment - at + entry.at)) {
-                told.push({ type: 'unanswered', text, isFinal: true });
-            }
-            told.push(entry);
-        }
-        return [...told, ...this.late(moment).map(text => ({ type: 'unanswered', text, isFinal: false }))];
+        const complete = history.flatMap(entry => [...this.take(entry, moment - at + entry.at), entry]);
+        return [...complete, ...this.late(moment)];
     }
 }

@@ -90,7 +90,7 @@ void RequestTest::thePageIsServed_data()
                           << QByteArray("<!DOCTYPE html>");
     QTest::newRow("style") << QByteArray("/style.css") << QByteArray("text/css; charset=utf-8")
                            << QByteArray("SPDX-License-Identifier");
-    QTest::newRow("script") << QByteArray("/app.js") << QByteArray("text/javascript; charset=utf-8")
+    QTest::newRow("script") << QByteArray("/main.js") << QByteArray("text/javascript; charset=utf-8")
                             << QByteArray("SPDX-License-Identifier");
     QTest::newRow("timeline") << QByteArray("/timeline.js") << QByteArray("text/javascript; charset=utf-8")
                               << QByteArray("SPDX-License-Identifier");
@@ -111,7 +111,7 @@ void RequestTest::thePageIsServed()
 void RequestTest::everyAnswerKeepsThePageToItself_data()
 {
     QTest::addColumn<QByteArray>("path");
-    for (const char* path : {"/", "/app.js", "/api/device", "/nothing"}) {
+    for (const char* path : {"/", "/main.js", "/api/device", "/nothing"}) {
         QTest::newRow(path) << QByteArray(path);
     }
 }
@@ -209,7 +209,7 @@ void RequestTest::whatIsNotThereIsToldSo_data()
     QTest::addColumn<QByteArray>("target");
     for (const char* target :
          {"GET /nothing", "GET /index.htm", "GET /page.qrc", "GET /api", "GET /api/", "GET /api/device/",
-          "GET //api/device", "GET /../../etc/passwd", "GET /%2e%2e/%2e%2e/etc/passwd", "GET /app.js%00",
+          "GET //api/device", "GET /../../etc/passwd", "GET /%2e%2e/%2e%2e/etc/passwd", "GET /main.js%00",
           "GET :/page/index.html", "POST /api/nothing", "PUT /nothing", "DELETE /nothing", "OPTIONS /nothing",
           "GET http://127.0.0.1/"}) {
         QTest::newRow(target) << QByteArray(target);
@@ -228,7 +228,7 @@ void RequestTest::theOtherMethodIsNamed_data()
 {
     QTest::addColumn<QByteArray>("target");
     QTest::addColumn<QByteArray>("method");
-    for (const char* target : {"POST /", "DELETE /app.js", "POST /api/device", "PUT /api/key-lists",
+    for (const char* target : {"POST /", "DELETE /main.js", "POST /api/device", "PUT /api/key-lists",
                                "OPTIONS /api/card", "POST /api/events", "HEAD /api/events"}) {
         QTest::newRow(target) << QByteArray(target) << QByteArray("GET");
     }

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+// The view Commands: the commands of the bus interface with their answers, and the console of the daemon.
+import { send } from './connection.js';
+import { device } from './device.js';
+import { byId, element, line, on } from './dom.js';
+import { EntryLog } from './entryLog.js';
+import { attempt, showFault } from './messages.js';
+import { OpenCommands, answerPatience } from './openCommands.js';
+import { isNested, unansweredText } from './wording.js';
+
+const openCommands = new OpenCommands();
+
+export const answers = new EntryLog('answers', 8, {
+    command: ({ text }) => line(text, 'typed'),
+    answer: entry => element('div', {}, describeAnswer(entry)),
+    unanswered: entry => line(unansweredText(entry), 'fault'),
+});
+
+export const consoleLog = new EntryLog('console', 300, {
+    console: ({ text }) => line(text, 'typed'),
+    log: ({ text }) => line(text, 'log'),
+    output: ({ text }) => line(text, 'output'),
+});
+
+function describeAnswer({ text, response, command }) {
+    if (!response || !Object.values(response).some(isNested)) {
+        return [line(text, 'answer')];
+    }
+    const plain = Object.entries(response).map(([key, value]) => `${key}=${isNested(value) ? '…' : value}`);
+    const details = element('details', {}, [
+        element('summary', { textContent: `Whole answer to ${command || 'a command'}` }),
+        element('pre', { tabIndex: 0, textContent: JSON.stringify(response, null, 2) }),
+    ]);
+    return [line(`answer ${plain.join(' ')}`, 'answer'), details];
+}
+
+function report(unanswered) {
+    for (const entry of unanswered) {
+        answers.add(entry);
+        showFault(unansweredText(entry));
+    }
+}
+
+function watchAnswers() {
+    // A timer may fire a little early.
+    setTimeout(() => report(openCommands.late(performance.now())), answerPatience + 50);
+}
+
+export function followCommands(entry) {
+    report(openCommands.take(entry, performance.now()));
+    if (entry.type === 'command') {
+        watchAnswers();
+    }
+}
+
+/// Begins with the entries of `history`; `at` is the present on their clock.
+export function resetAnswers(history, at) {
+    answers.reset(openCommands.reset(history, at, performance.now()));
+    watchAnswers();
+}
+
+export function followConsole() {
+    const place = byId('console');
+    place.scrollTop = place.scrollHeight;
+}
+
+function fillSelect(place, names, chosen) {
+    if (byId(place).length === 0) {
+        byId(place).append(...names.map(name => new Option(name, name, name === chosen, name === chosen)));
+    }
+}
+
+export function fillCommandChoices() {
+    fillSelect('command-sender', device.services, 'ServiceTool');
+    fillSelect('simulated-action', device.actions, 'Pressed');
+    fillSelect('simulated-key', device.keys, 'Menu');
+}
+
+on('[data-command]', 'submit', event => {
+    event.preventDefault();
+    const words = new FormData(event.target).getAll('argument');
+    const statement = ['command', event.target.dataset.command, 'as', byId('command-sender').value, ...words];
+    attempt(send(statement.join(' ').trim()));
+});
+on('#console-form', 'submit', async event => {
+    event.preventDefault();
+    if (await attempt(send(`console ${byId('console-line').value}`.trim()))) {
+        byId('console-line').select();
+    }
+});

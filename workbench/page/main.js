@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+// The front panel: the page sends what the user does as statements of a key script and shows what the device does.
+import { announceEntry } from './announcements.js';
+import { answers, consoleLog, fillCommandChoices, followCommands, followConsole, resetAnswers } from './commands.js';
+import { connect } from './connection.js';
+import { setDevice, updateDevice } from './device.js';
+import { announced, speakAloud, spoken } from './feedback.js';
+import { showHeader } from './header.js';
+import { releaseMomentary, resetKeys, showKeys, updateKeys } from './keys.js';
+import { listLog } from './lists.js';
+import { news, showFault, showStatus } from './messages.js';
+import { showPanel } from './panel.js';
+import { expectReadiness, loadAfterConnecting, reportReadiness } from './readiness.js';
+import { followRecording, showRecording, showReplay } from './recording.js';
+import { timeline } from './timelineView.js';
+import { setUpViews } from './views.js';
+
+const logs = [spoken, announced, answers, consoleLog, listLog];
+
+let lastId = 0; // of an entry
+
+function showDevice() {
+    showHeader();
+    showPanel();
+    showKeys();
+}
+
+function reportDevice({ status, reason }) {
+    if (status === 'ended') {
+        showFault(`${reason ?? 'The daemon has ended.'} "Restart the device" is at the top of the page.`);
+    } else if (status === 'starting') {
+        showStatus('The device restarts.', 'event');
+        expectReadiness();
+    } else {
+        reportReadiness();
+    }
+}
+
+/// What the page does about a new entry, after it has shown the new state of the device.
+const reactions = {
+    device: reportDevice,
+    state: ({ state }) => showStatus(`State ${state}.`, 'event'),
+    key: showKeys,
+    daemon: ({ answering }) =>
+        answering
+            ? showStatus('The daemon answers again.', 'event')
+            : showFault('The daemon does not answer. What is pressed waits until it does.'),
+    test: ({ running }) => showStatus(`The keyboard test ${running ? 'is running' : 'has ended'}.`, 'event'),
+    recording: showRecording,
+    replay: showReplay,
+    speech: speakAloud,
+    cancel: speakAloud,
+    console: followConsole,
+    log: followConsole,
+    output: followConsole,
+};
+
+const sinceLastStart = history => history.slice(history.findLastIndex(({ status }) => status === 'starting') + 1);
+
+function onSnapshot({ history, at, device }, isAgain) {
+    lastId = history.at(-1)?.id ?? 0;
+    history.forEach(followRecording);
+    news.clear();
+    setDevice(device);
+    resetKeys(device.held);
+    showRecording({ status: device.recording ? 'recording' : 'full', former: device.formerRecording });
+    showReplay(history.findLast(({ type }) => type === 'replay'));
+    logs.forEach(log => log.reset(history));
+    resetAnswers(history, at);
+    listLog.reset(sinceLastStart(history));
+    timeline.setTimes(device.times);
+    timeline.reset(history, at);
+    if (isAgain) {
+        showStatus('Connected again.', 'fault');
+    }
+    fillCommandChoices();
+    showDevice();
+    followConsole();
+    loadAfterConnecting();
+}
+
+function onEntry(entry) {
+    if (entry.id <= lastId) {
+        return;
+    }
+    lastId = entry.id;
+    const isDeviceChanged = updateDevice(entry);
+    updateKeys(entry);
+    followRecording(entry);
+    followCommands(entry);
+    logs.forEach(log => log.add(entry));
+    timeline.add(entry);
+    announceEntry(entry);
+    if (isDeviceChanged) {
+        showDevice();
+    }
+    reactions[entry.type]?.(entry);
+}
+
+function onLost(reason) {
+    resetKeys();
+    showDevice();
+    timeline.stop('There is no connection to the simulator. The timeline ends where it was lost.');
+    showFault(reason);
+}
+
+setUpViews(releaseMomentary, followConsole);
+connect({ onSnapshot, onEntry, onLost });

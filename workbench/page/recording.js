@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+// The view Recording: the recording of the session, and the replay of key scripts.
+import { download, post, postScript } from './connection.js';
+import { byId, element, line, list, on, setText } from './dom.js';
+import { announce, ask, attempt, news, showStatus } from './messages.js';
+import { replayText } from './wording.js';
+
+const recordedTypes = ['key', 'record', 'state', 'command', 'console', 'heading'];
+
+let isUnsaved = false; // whether something was recorded that was not downloaded
+let shownReplay = 0; // the id of its entry
+
+/// Follows the entries of the session, old and new.
+export function followRecording({ type, status, former }) {
+    if (type === 'recording' && former && isUnsaved) {
+        news.add('The former recording can be downloaded in the view Recording.');
+    }
+    if (type === 'recording' && status === 'recording') {
+        isUnsaved = false;
+    } else if (recordedTypes.includes(type)) {
+        isUnsaved = true;
+    }
+}
+
+/// `former` says whether there is a former recording; nothing changes about it if it is missing.
+export function showRecording({ status, former = !byId('download-former').hidden }) {
+    byId('download-former').hidden = !former;
+    const isFull = status === 'full';
+    const text = isFull ? 'The recording is full: what happens now is not in it.' : 'The device is being recorded.';
+    setText(byId('recording-status'), text);
+}
+
+function showResult(title, lines) {
+    const items = lines.map(textContent => element('li', { textContent }));
+    byId('replay-result').replaceChildren(line(title), ...(items.length > 0 ? [list(items)] : []));
+}
+
+export function showReplay(entry) {
+    // A result is not read again.
+    if (entry && entry.id !== shownReplay) {
+        shownReplay = entry.id;
+        showResult(replayText(entry), entry.differences ?? []);
+    }
+}
+
+/// Asks before a recording that was not downloaded ends. Returns whether it may.
+async function mayEndRecording(answer) {
+    const question =
+        'The recording is not downloaded. A new one begins now. ' +
+        'Until the next restart this one can be downloaded as the former recording.';
+    return !isUnsaved || ask(question, answer);
+}
+
+async function startReplay(event) {
+    event.preventDefault();
+    if (!(await mayEndRecording('Replay the script'))) {
+        return;
+    }
+    try {
+        const [file] = byId('replay-file').files;
+        await postScript('/api/replay', await file.text());
+    } catch ({ message, lines = [] }) {
+        const title = lines.length ? 'The script is faulty:' : message;
+        showResult(title, lines);
+        [title, ...lines].forEach(text => announce(text, 'fault'));
+    }
+}
+
+on('#restart-recording', 'click', async () => {
+    if ((await mayEndRecording('Start anew')) && (await attempt(post('/api/recording')))) {
+        showStatus('The recording begins anew.');
+    }
+});
+on('#download-recording', 'click', async () => {
+    if (await download('/api/recording.keys', 'recording.keys')) {
+        isUnsaved = false;
+    }
+});
+on('#download-former', 'click', () => download('/api/former-recording.keys', 'former-recording.keys'));
+on('#replay-form', 'submit', startReplay);
+on('#stop-replay', 'click', () => attempt(post('/api/replay/stop')));

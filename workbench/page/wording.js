@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+// Puts what happens at the device into words.
+
+const usualSender = 'KeyboardHandler';
+const replayTexts = { playing: 'The script is being replayed.', stopped: 'The replay was stopped.' };
+
+export const count = (number, noun) => `${number} ${noun}${number === 1 ? '' : 's'}`;
+export const seconds = milliseconds => `${milliseconds / 1000} s`;
+export const withNotes = (text, notes = []) => [text, ...notes].join(' ');
+export const isNested = value => typeof value === 'object' && value !== null;
+
+export function speechText({ text, observation }) {
+    return text || observation.replace(/^speak (\S+) (\d+)$/, 'Sentence $2 of $1, which has no text');
+}
+
+export function actionText({ action, keys, receiver, sender }) {
+    const names = keys.join(' ');
+    const what = action === 'SingleKey' ? [names, 'single key'] : [action, names === action ? '' : names];
+    const from = sender && sender !== usualSender ? `from ${sender}` : '';
+    return [...what, `to ${receiver}`, from].filter(Boolean).join(', ');
+}
+
+export function refusalText({ reason, expected, current, action }) {
+    const what = action ? `Refused: ${action}.` : 'Refused:';
+    if (expected === undefined) {
+        return `${what} ${reason}`;
+    }
+    return expected
+        ? `${what} Expected state is ${expected}, but current state is ${current}.`
+        : `${what} It is for no state, and the current state is ${current}.`;
+}
+
+export function answerText({ command, text, response }) {
+    const { resultId, errorId, ...values } = response ?? { resultId: text };
+    const words = Object.entries(values).map(([key, value]) => (isNested(value) ? `${key} below` : `${key} ${value}`));
+    const fault = errorId === 'Undefined' ? undefined : errorId;
+    return `${command || 'Command'}: ${[resultId, fault, ...words].filter(word => word !== undefined).join(', ')}.`;
+}
+
+export const unansweredText = ({ text, isFinal }) =>
+    `${text}: the daemon ${isFinal ? 'went without an answer' : 'has not answered yet'}.`;
+
+export function replayText({ status, differences = [], expectations }) {
+    const all = count(expectations, 'expectation');
+    const different = `${count(differences.length, 'difference')}, with ${all}:`;
+    return replayTexts[status] ?? (differences.length > 0 ? different : `Everything came as written: ${all}.`);
+}
+
+export const jsonFaultText = ({ line, column, text }) => `Not JSON: line ${line}, column ${column}: ${text}.`;
