@@ -3,8 +3,8 @@
 // logarithmic axes. RESULT is the output of tools/bench --json.
 import { readFileSync } from 'node:fs';
 
-const width = 640, height = 400;
-const left = 70, right = 150, top = 20, bottom = 55;
+const [width, height] = [640, 400];
+const [left, right, top, bottom] = [70, 150, 20, 55];
 const colours = ['#0072b2', '#d55e00', '#009e73', '#cc79a7'];
 const dashes = ['none', '6 3', '2 3', '8 3 2 3'];
 
@@ -32,16 +32,23 @@ const text = (px, py, content, rest = '') => `<text x="${px}" y="${py}" ${rest}>
 const rule = (x1, y1, x2, y2) => `<line x1="${x1}" y1="${y1}" x2="${x2}" y2="${y2}" stroke="#d0d0d0"/>`;
 
 const grid = [
-    ...x.ticks.flatMap(tick => [rule(x.at(tick), top, x.at(tick), height - bottom),
-        text(x.at(tick), height - bottom + 18, tick.toLocaleString('en-US'), 'text-anchor="middle"')]),
-    ...y.ticks.flatMap(tick => [rule(left, y.at(tick), width - right, y.at(tick)),
-        text(left - 8, Number(y.at(tick)) + 4, time(tick), 'text-anchor="end"')]),
+    ...x.ticks.flatMap(tick => [
+        rule(x.at(tick), top, x.at(tick), height - bottom),
+        text(x.at(tick), height - bottom + 18, tick.toLocaleString('en-US'), 'text-anchor="middle"'),
+    ]),
+    ...y.ticks.flatMap(tick => [
+        rule(left, y.at(tick), width - right, y.at(tick)),
+        text(left - 8, Number(y.at(tick)) + 4, time(tick), 'text-anchor="end"'),
+    ]),
 ];
 
 // Labels are next to the ends of their curves, without overlap.
-const labels = events.map(([event, cost], i) => ({ event, i, py: Number(y.at(cost[lengths.at(-1)])) + 4 }))
+const labels = events
+    .map(([event, cost], i) => ({ event, i, py: Number(y.at(cost[lengths.at(-1)])) + 4 }))
     .sort((one, other) => one.py - other.py);
-labels.forEach((label, i) => { label.py = Math.max(label.py, (labels[i - 1]?.py ?? 0) + 15); });
+labels.forEach((label, i) => {
+    label.py = Math.max(label.py, (labels[i - 1]?.py ?? 0) + 15);
+});
 
 const curves = events.map(([, cost], i) => {
     const points = lengths.map(length => `${x.at(length)},${y.at(cost[length])}`).join(' ');

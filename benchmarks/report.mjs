@@ -56,16 +56,26 @@ function goalText({ reference, limit, reached, met }, format) {
 }
 
 function deviceTable(measured) {
-    return table(['', 'daemon', 'relaying Qt', 'minimal Qt', 'minimal C', 'goal'],
-        measured.map(({ name, values, format, goals }) =>
-            [name, ...programs.map(program => values[program] === undefined ? '' : format(values[program])),
-                goals.map(goal => goalText(goal, format)).join(', ')]));
+    return table(
+        ['', 'daemon', 'relaying Qt', 'minimal Qt', 'minimal C', 'goal'],
+        measured.map(({ name, values, format, goals }) => [
+            name,
+            ...programs.map(program => (values[program] === undefined ? '' : format(values[program]))),
+            goals.map(goal => goalText(goal, format)).join(', '),
+        ]),
+    );
 }
 
 /// Nanoseconds of each event by the number of rows, the median of the repetitions.
 function routerCosts(benchmarks) {
     const costs = Object.fromEntries(events.map(event => [event, {}]));
-    for (const { run_type: type, aggregate_name: aggregate, repetitions, run_name: name, cpu_time: time } of benchmarks) {
+    for (const {
+        run_type: type,
+        aggregate_name: aggregate,
+        repetitions,
+        run_name: name,
+        cpu_time: time,
+    } of benchmarks) {
         if (aggregate === 'median' || (type === 'iteration' && repetitions === 1)) {
             const [event, length] = name.split('/');
             costs[event][length] = time;
@@ -75,9 +85,13 @@ function routerCosts(benchmarks) {
 }
 
 function routerTable(costs) {
-    return table(['rows of each key list', ...events],
-        Object.keys(costs[events[0]]).map(length => [count(Number(length)),
-            ...events.map(event => `${(costs[event][length] / 1000).toFixed(2)} µs`)]));
+    return table(
+        ['rows of each key list', ...events],
+        Object.keys(costs[events[0]]).map(length => [
+            count(Number(length)),
+            ...events.map(event => `${(costs[event][length] / 1000).toFixed(2)} µs`),
+        ]),
+    );
 }
 
 function machine() {

@@ -223,7 +223,14 @@ class ModelBuilder {
 
     #pressed(lane, entry, at) {
         this.#closeBar(lane, at, {});
-        lane.bar = { id: entry.id, from: at, to: undefined, repeats: [], heard: this.#listens, pressHeard: this.#listens };
+        lane.bar = {
+            id: entry.id,
+            from: at,
+            to: undefined,
+            repeats: [],
+            heard: this.#listens,
+            pressHeard: this.#listens,
+        };
         lane.bars.push(lane.bar);
         if (!this.#listens) {
             return;
@@ -261,7 +268,9 @@ class ModelBuilder {
     /// Whether the daemon remembers the key: it waits for more in Idle, but not after Menu unless that follows Help,
     /// and in a keyboard test. Anywhere else a key is announced at once, and forgotten with all before it.
     #waitsAfter(key) {
-        return ['', 'Idle'].includes(this.#state) ? key !== 'Menu' || this.#lastReleased === 'Help' : this.#testing && key !== 'Ten';
+        return ['', 'Idle'].includes(this.#state)
+            ? key !== 'Menu' || this.#lastReleased === 'Help'
+            : this.#testing && key !== 'Ten';
     }
 
     #repeated(lane, entry, at) {
@@ -516,14 +525,7 @@ const statusNames = { starting: 'Device is starting', ended: 'Daemon has ended' 
 /// The model as rows in the order of their beginning: name, time on the clock of its run, kind, what, how long.
 export function timelineRows(model) {
     const rows = [
-        ...model.states.map(span => [
-            'state',
-            span,
-            span.from,
-            'State',
-            stateName(span.state),
-            span.to - span.from,
-        ]),
+        ...model.states.map(span => ['state', span, span.from, 'State', stateName(span.state), span.to - span.from]),
         ...model.lanes.flatMap(laneRows),
         ...model.windows.map(one => ['window', one, one.from, 'Window', windowText(one), one.to - one.from]),
         ...model.moments.map(one => [one.kind, one, one.at, kindNames[one.kind], one.text, undefined]),
@@ -872,10 +874,7 @@ class Drawing {
         this.#label('Time', 15);
         for (const run of this.#seen(this.#model.runs)) {
             const first = Math.max(run.from, this.#from) - run.offset;
-            const last = Math.min(
-                run === this.#model.runs[this.#model.runs.length - 1] ? this.#to : run.to,
-                this.#to,
-            );
+            const last = Math.min(run === this.#model.runs[this.#model.runs.length - 1] ? this.#to : run.to, this.#to);
             for (let at = Math.ceil(first / step) * step; at + run.offset <= last; at += step) {
                 const x = this.#x(at + run.offset);
                 this.#gridLine(`M${x},18V${this.#y}`);
@@ -1086,8 +1085,9 @@ export class Timeline {
         position.addEventListener('input', () => this.#showUpTo(Number(position.value)));
         frame.addEventListener('keydown', event => this.#onKey(event));
         // Screen readers say little or nothing of an application that gets the focus.
-        frame.addEventListener('focus', () => this.#announce(
-            `Drawing, ${this.#sight()}. Arrow keys move it, plus and minus zoom, 0 shows all.`));
+        frame.addEventListener('focus', () =>
+            this.#announce(`Drawing, ${this.#sight()}. Arrow keys move it, plus and minus zoom, 0 shows all.`),
+        );
         details.addEventListener('toggle', () => this.#fillTable());
     }
 
@@ -1129,7 +1129,9 @@ export class Timeline {
         const longest = Math.max(this.#model.to - this.#model.from, firstSpan) * 1.1;
         const span = Math.min(Math.max(this.#span() * factor, shortestSpan), longest);
         const middle = (this.#view.from + this.#view.to) / 2;
-        this.#view = this.#shown ? { from: middle - span / 2, to: middle + span / 2 } : { from: this.#view.to - span, to: this.#view.to };
+        this.#view = this.#shown
+            ? { from: middle - span / 2, to: middle + span / 2 }
+            : { from: this.#view.to - span, to: this.#view.to };
         this.#draw();
     }
 

@@ -42,8 +42,7 @@ async function violations(panel) {
     await panel.page.evaluate(axe);
     const found = await panel.page.evaluate(() => window.axe.run());
     return found.violations.map(
-        ({ id, nodes }) =>
-            `${id}: ${nodes.map(node => `${node.target} (${node.failureSummary})`).join('; ')}`,
+        ({ id, nodes }) => `${id}: ${nodes.map(node => `${node.target} (${node.failureSummary})`).join('; ')}`,
     );
 }
 
@@ -134,11 +133,7 @@ async function tabStops(panel) {
 
 const buttons = (...names) => names.map(name => `button "${name}"`);
 const frameStops = ['link "Skip to the view"', ...views.map(view => `link "${view}"`)];
-const endStops = [
-    'Speech and screen readers',
-    'checkbox "Speak aloud"',
-    'combobox "Announce to screen readers"',
-];
+const endStops = ['Speech and screen readers', 'checkbox "Speak aloud"', 'combobox "Announce to screen readers"'];
 
 test('Tab goes through the panel in the order in which it is read', async () => {
     const panel = await fixture.open();
@@ -179,7 +174,8 @@ test('Tab goes through the panel in the order in which it is read', async () => 
 
 for (const [view, hash, stops] of [
     [
-        'Timeline', '#timeline',
+        'Timeline',
+        '#timeline',
         [
             ...buttons('Pause', 'Zoom in', 'Zoom out', 'Fit', 'Earlier', 'Later', 'Save as SVG'),
             'slider "Time shown"',
@@ -189,7 +185,8 @@ for (const [view, hash, stops] of [
     ],
     ['Key card', '#card', buttons('Print', 'Download for the embosser (BRF)')],
     [
-        'Key lists', '#lists',
+        'Key lists',
+        '#lists',
         [
             'textbox "Long presses: longKeyList.json"',
             'button "Load longKeyList.json from a file"',
@@ -204,7 +201,8 @@ for (const [view, hash, stops] of [
         ],
     ],
     [
-        'Recording', '#record',
+        'Recording',
+        '#record',
         [
             ...buttons('Start the recording anew', 'Download the recording', 'Download the former recording'),
             'button "Key script"',
@@ -212,7 +210,8 @@ for (const [view, hash, stops] of [
         ],
     ],
     [
-        'Commands', '#commands',
+        'Commands',
+        '#commands',
         [
             'combobox "Sent by the service"',
             ...buttons(
@@ -289,9 +288,13 @@ async function content(panel) {
     const controls = tree.match(/(button|link|textbox|combobox|checkbox|switch|radio|slider|heading) ".*?"/g);
     const words = await panel.page.evaluate(() => {
         const changing = document.querySelectorAll('.timeline-svg, #announcements');
-        changing.forEach(element => { element.style.visibility = 'hidden'; });
+        changing.forEach(element => {
+            element.style.visibility = 'hidden';
+        });
         const text = document.body.innerText.trim();
-        changing.forEach(element => { element.style.visibility = ''; });
+        changing.forEach(element => {
+            element.style.visibility = '';
+        });
         return text.split(/\s+/);
     });
     return [...controls, ...words].sort();
@@ -312,22 +315,18 @@ test('at 400 % nothing is lost and nothing scrolls sideways, the timeline apart'
 /// What sticks out of the page sideways, or is cut off by a box that does not scroll (runs in the page).
 function outOfSight() {
     const width = document.documentElement.clientWidth;
-    const isMeant = element =>
-        element.closest('.timeline-frame, .timeline-table-frame, .skip-link, [hidden]');
+    const isMeant = element => element.closest('.timeline-frame, .timeline-table-frame, .skip-link, [hidden]');
     const isCut = element =>
         getComputedStyle(element).overflowX === 'hidden' && element.scrollWidth > element.clientWidth + 1;
     const wrong = [...document.querySelectorAll('body *')].filter(element => {
         const box = element.getBoundingClientRect();
-        return (
-            box.width > 1 && !isMeant(element) && (box.right > width + 1 || box.left < -1 || isCut(element))
-        );
+        return box.width > 1 && !isMeant(element) && (box.right > width + 1 || box.left < -1 || isCut(element));
     });
     const page = document.documentElement.scrollWidth > width ? ['the page'] : [];
     return [
         ...page,
         ...wrong.map(
-            element =>
-                `${element.tagName} ${element.id} ${element.className} ${element.textContent.slice(0, 40)}`,
+            element => `${element.tagName} ${element.id} ${element.className} ${element.textContent.slice(0, 40)}`,
         ),
     ];
 }
@@ -354,8 +353,7 @@ test('nothing moves where motion is not wanted', async () => {
     await panel.page.mouse.down();
     await eventually(async () => assert.match(await panel.key('Up').getAttribute('class'), /\bdown\b/));
     const moving = await panel.page.evaluate(
-        () =>
-            document.getAnimations().filter(one => one.effect.getComputedTiming().activeDuration > 1).length,
+        () => document.getAnimations().filter(one => one.effect.getComputedTiming().activeDuration > 1).length,
     );
     assert.equal(moving, 0);
     await panel.page.mouse.up();

@@ -171,9 +171,7 @@ test('the setting thins what the page announces and is kept in the browser', asy
     assert.equal(await level(panel).inputValue(), 'actions');
     await panel.showsText('#device-status', 'ready');
     await fixture.simulator.take('state Print', 'wait 100', 'tap Up');
-    await eventually(async () =>
-        assert.deepEqual(await announced(panel), ['Up, single key, to PrintManager.']),
-    );
+    await eventually(async () => assert.deepEqual(await announced(panel), ['Up, single key, to PrintManager.']));
 });
 
 test('while a key of the page is held from the keyboard nothing is announced', async () => {

@@ -31,12 +31,7 @@ test('each state has its entries in a table with headers', async () => {
             state,
         );
         for (const { how, action } of entries) {
-            await section
-                .getByRole('row')
-                .filter({ hasText: how })
-                .filter({ hasText: action })
-                .first()
-                .waitFor();
+            await section.getByRole('row').filter({ hasText: how }).filter({ hasText: action }).first().waitFor();
         }
     }
     assert(card.states.length > 0);

@@ -131,10 +131,7 @@ test('a page that was cut off says so once, comes back, and reads nothing twice'
     await relay.mend();
     await panel.showsText('#status', 'Connected again.');
     assert.deepEqual(await panel.texts('[data-part=live] p'), []);
-    assert.equal(
-        (await panel.texts('#announced p')).at(-1),
-        'SingleKey Menu to UserMenu from KeyboardHandler',
-    );
+    assert.equal((await panel.texts('#announced p')).at(-1), 'SingleKey Menu to UserMenu from KeyboardHandler');
     const told = (await panel.page.evaluate('window.alerts')).filter(text => text.includes('no connection'));
     assert.equal(told.length, 1);
     await panel.key('Menu').click();
@@ -147,10 +144,7 @@ test('a page without a simulator says that a key was not sent', async () => {
     const panel = await fixture.open({ url: relay.url });
     await relay.cut();
     // A request that was under way may fail after the event stream, and its message is then the last.
-    await panel.showsText(
-        '#alert',
-        /^(There is no connection to the simulator|The simulator does not answer\.$)/,
-    );
+    await panel.showsText('#alert', /^(There is no connection to the simulator|The simulator does not answer\.$)/);
     await panel.showsText('#device-status', 'not connected');
     await panel.page.evaluate(() => document.getElementById('alert').replaceChildren());
     await panel.key('Menu').click();

@@ -201,10 +201,7 @@ test('the installed lists come back', async () => {
     await panel.button('Back to the installed lists').click();
     await observer.sees({ type: 'device', status: 'ready' });
     observer.close();
-    await panel.page.waitForFunction(
-        text => document.getElementById('list-modifier').value === text,
-        installed,
-    );
+    await panel.page.waitForFunction(text => document.getElementById('list-modifier').value === text, installed);
     await fixture.simulator.take('tap Help Feed');
     await panel.isTold('PaperStatus Help Feed to PrintManager');
 });

@@ -22,8 +22,7 @@ export class Observer {
     /// The first entry since the beginning, or since the entry `after`, that has these members.
     sees(members, after = undefined) {
         const from = () => (after ? this.entries.indexOf(after) + 1 : 0);
-        const fits = entry =>
-            Object.entries(members).every(([name, value]) => isDeepStrictEqual(entry[name], value));
+        const fits = entry => Object.entries(members).every(([name, value]) => isDeepStrictEqual(entry[name], value));
         return this.#until(() => this.entries.slice(from()).find(fits), JSON.stringify(members));
     }
 
@@ -81,9 +80,7 @@ export class Observer {
     }
 
     #take(event) {
-        const fields = Object.fromEntries(
-            event.split('\n').map(line => /^(\w*): ?(.*)$/.exec(line)?.slice(1) ?? []),
-        );
+        const fields = Object.fromEntries(event.split('\n').map(line => /^(\w*): ?(.*)$/.exec(line)?.slice(1) ?? []));
         if (fields.event === 'snapshot') {
             this.snapshot = JSON.parse(fields.data);
         } else if (fields.event === 'entry') {

@@ -64,11 +64,7 @@ export class PanelPage {
 
     /// Waits for a line with this text in what was spoken (announced, refused) since the page is open.
     isTold(text) {
-        return this.page
-            .locator('#spoken-live p, #announced-live p')
-            .filter({ hasText: text })
-            .first()
-            .waitFor();
+        return this.page.locator('#spoken-live p, #announced-live p').filter({ hasText: text }).first().waitFor();
     }
 
     /// Waits until the place has this text, or one that fits.

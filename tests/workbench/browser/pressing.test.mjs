@@ -31,9 +31,7 @@ test('a click of the mouse is a press and a release, spoken and announced', asyn
 
 test('every key of the panel arrives as itself', async () => {
     const { panel, observer } = await openObserved();
-    const names = await panel.page
-        .locator('[data-key]')
-        .evaluateAll(keys => keys.map(key => key.dataset.key));
+    const names = await panel.page.locator('[data-key]').evaluateAll(keys => keys.map(key => key.dataset.key));
     assert.deepEqual([...names].sort(), [...(await fixture.simulator.json('/api/device')).keys].sort());
     for (const name of names) {
         await panel.key(name).click();
@@ -51,9 +49,7 @@ test('a held key is shown as down and repeated by the device, without requests o
     assert.match(await panel.key('Up').getAttribute('class'), /\bdown\b/);
     await panel.page.mouse.up();
     await deviceGot(observer, 'Up 1', 'Up 0');
-    await eventually(async () =>
-        assert.doesNotMatch(await panel.key('Up').getAttribute('class'), /\bdown\b/),
-    );
+    await eventually(async () => assert.doesNotMatch(await panel.key('Up').getAttribute('class'), /\bdown\b/));
     assert.deepEqual(posted, ['device 0\npress Up', 'device 0\nrelease Up']);
 });
 
@@ -89,9 +85,7 @@ test('two fingers press a chord', async () => {
     await panel.touch('Function', 'Up');
     await panel.isTold('VolumeUp Function Up to UserMenu');
     await panel.liftFingers();
-    await eventually(() =>
-        assert.equal(observer.keyRecords().filter(record => record.endsWith(' 0')).length, 2),
-    );
+    await eventually(() => assert.equal(observer.keyRecords().filter(record => record.endsWith(' 0')).length, 2));
     const presses = observer.keyRecords().filter(record => record.endsWith(' 1'));
     assert.deepEqual(presses, ['Function 1', 'Up 1']);
     observer.close();

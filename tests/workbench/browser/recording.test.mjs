@@ -90,7 +90,10 @@ for (const [what, button, end] of [
         await panel.reply('Cancel');
         await fixture.simulator.take('tap Down');
         await observer.sees({ type: 'key', key: 'Down', value: 0 });
-        assert.equal(observer.entries.some(({ type }) => type === 'device'), false);
+        assert.equal(
+            observer.entries.some(({ type }) => type === 'device'),
+            false,
+        );
         assert.match(await downloaded(panel, 'Download the recording'), /^press Chs$[^]*^press Down$/m);
         await panel.button(button).click();
         await observer.sees(end);
@@ -147,9 +150,7 @@ test('a replay is stopped, and keeps others away until then', async () => {
 test('a recording that no script can tell is not downloaded but explained', async () => {
     const panel = await openRecording();
     const list = {
-        LongKeys: [
-            { keys: ['Up'], eAction: 'Odd', receiverService: 'UserMenu', timeout: 1.5, validOnState: 'Idle' },
-        ],
+        LongKeys: [{ keys: ['Up'], eAction: 'Odd', receiverService: 'UserMenu', timeout: 1.5, validOnState: 'Idle' }],
     };
     await fixture.simulator.restart({ keyLists: { 'longKeyList.json': JSON.stringify(list) } });
     await panel.button('Download the recording').click();

@@ -53,15 +53,12 @@ export class Relay {
             headers.origin = this.#target.origin;
         }
         const { method, url: path } = asked;
-        const onward = request(
-            { host: '127.0.0.1', port: this.#target.port, method, path, headers },
-            answered => {
-                answer.writeHead(answered.statusCode, answered.headers);
-                answer.flushHeaders();
-                answered.pipe(answer);
-                answer.on('close', () => answered.destroy());
-            },
-        );
+        const onward = request({ host: '127.0.0.1', port: this.#target.port, method, path, headers }, answered => {
+            answer.writeHead(answered.statusCode, answered.headers);
+            answer.flushHeaders();
+            answered.pipe(answer);
+            answer.on('close', () => answered.destroy());
+        });
         onward.on('error', () => answer.destroy());
         asked.pipe(onward);
     }

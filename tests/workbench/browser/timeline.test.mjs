@@ -74,13 +74,7 @@ describe('bars of the keys', () => {
         assert.deepEqual(times(laneOf(model, 'Up (device 1)').bars), [[150, 200]]);
     });
     test('lanes stand in the order of the panel', () => {
-        const model = modelOf([
-            ready(),
-            tap(100, 'Ten'),
-            tap(200, 'FactoryReset'),
-            tap(300, 'On'),
-            tap(400, 'Menu'),
-        ]);
+        const model = modelOf([ready(), tap(100, 'Ten'), tap(200, 'FactoryReset'), tap(300, 'On'), tap(400, 'Menu')]);
         assert.deepEqual(
             model.lanes.map(lane => lane.label),
             ['On', 'Menu', 'Ten', 'FactoryReset'],
@@ -102,9 +96,7 @@ describe('bars of the keys', () => {
     });
     test('a key that is held at the end is open there', () => {
         const model = modelOf([ready(), press(100, 'Up')], 700);
-        assert.deepEqual(pick(laneOf(model, 'Up').bars, 'from', 'to', 'open'), [
-            { from: 100, to: 700, open: true },
-        ]);
+        assert.deepEqual(pick(laneOf(model, 'Up').bars, 'from', 'to', 'open'), [{ from: 100, to: 700, open: true }]);
     });
     test('a key whose press is not known any more is held from the beginning', () => {
         const model = modelOf([state(1000, 'Idle'), repeat(1200, 'Up'), release(1300, 'Up')]);
@@ -137,9 +129,7 @@ describe('bars of the keys', () => {
 
 describe('the window for more keys', () => {
     test('begins with a release and ends 1500 ms later', () => {
-        assert.deepEqual(times(modelOf([ready(), tap(50, 'Up')], 5000).windows), [
-            [100, 1600],
-        ]);
+        assert.deepEqual(times(modelOf([ready(), tap(50, 'Up')], 5000).windows), [[100, 1600]]);
     });
     test('is as long as the device says', () => {
         const model = modelOf([ready(), tap(50, 'Up')], 5000, { ...deviceTimes, singleKeyMs: 700 });
@@ -169,9 +159,7 @@ describe('the window for more keys', () => {
         });
     }
     test('a press does not move its end', () => {
-        assert.deepEqual(times(modelOf([ready(), tap(50, 'Up'), press(1000, 'Down')], 9000).windows), [
-            [100, 1600],
-        ]);
+        assert.deepEqual(times(modelOf([ready(), tap(50, 'Up'), press(1000, 'Down')], 9000).windows), [[100, 1600]]);
     });
     test('does not open in states in which each key is announced at once', () => {
         for (const name of ['Print', 'PrintOff', 'Update', 'Error']) {
@@ -195,20 +183,21 @@ describe('the window for more keys', () => {
         assert.deepEqual(windowsOf(tap(50, 'Help'), tap(1600, 'Menu')), [[100, 1600]]);
     });
     test('or not, the time since the last release stops a long press', () => {
-        const entries = [ready(0, 'Print'), tap(0, 'Up'), press(200, 'Help'), repeat(450, 'Help'), repeat(1700, 'Help')];
+        const entries = [
+            ready(0, 'Print'),
+            tap(0, 'Up'),
+            press(200, 'Help'),
+            repeat(450, 'Help'),
+            repeat(1700, 'Help'),
+        ];
         assert.deepEqual(pick(holdsOf(modelOf(entries, 2000), 'Help'), 'from', 'to', 'outcome'), [
             { from: 450, to: 1550, outcome: 'stopped' },
             { from: 1700, to: 2000, outcome: 'running' },
         ]);
     });
     test('no release in Startup counts, and one that is open runs out', () => {
-        const model = modelOf(
-            [ready(), tap(50, 'Up'), state(200, 'Startup'), tap(300, 'Up'), tap(3000, 'Up')],
-            9000,
-        );
-        assert.deepEqual(pick(model.windows, 'from', 'to', 'restarts'), [
-            { from: 100, to: 1600, restarts: [] },
-        ]);
+        const model = modelOf([ready(), tap(50, 'Up'), state(200, 'Startup'), tap(300, 'Up'), tap(3000, 'Up')], 9000);
+        assert.deepEqual(pick(model.windows, 'from', 'to', 'restarts'), [{ from: 100, to: 1600, restarts: [] }]);
     });
     test('that is not over yet is open', () => {
         const model = modelOf([ready(), tap(50, 'Up')], 600);
@@ -258,16 +247,12 @@ describe('the time of a long press', () => {
         ]);
     });
     test('is refused by the log line of its action', () => {
-        assert.deepEqual(
-            pick(holdsOf(modelOf([...held('Help', 250), refused(2251)], 4000), 'Help'), 'to', 'outcome'),
-            [{ to: 2251, outcome: 'refused' }],
-        );
+        assert.deepEqual(pick(holdsOf(modelOf([...held('Help', 250), refused(2251)], 4000), 'Help'), 'to', 'outcome'), [
+            { to: 2251, outcome: 'refused' },
+        ]);
     });
     test('is fired when one of several states was the right one', () => {
-        const model = modelOf(
-            [...held('Menu', 250), refused(2251), announced(2252, 'MainMenu', 'Menu')],
-            4000,
-        );
+        const model = modelOf([...held('Menu', 250), refused(2251), announced(2252, 'MainMenu', 'Menu')], 4000);
         assert.equal(holdsOf(model, 'Menu')[0].outcome, 'fired');
     });
     test('runs anew with the next repetition after it fired', () => {
@@ -299,9 +284,7 @@ describe('the time of a long press', () => {
     ]) {
         test(`is stopped by ${what}`, () => {
             const model = modelOf([...held('Help', 250), stop], 4000);
-            assert.deepEqual(pick(holdsOf(model, 'Help'), 'to', 'outcome'), [
-                { to: 900, outcome: 'stopped' },
-            ]);
+            assert.deepEqual(pick(holdsOf(model, 'Help'), 'to', 'outcome'), [{ to: 900, outcome: 'stopped' }]);
         });
     }
     test('is stopped by the end of a window and begins anew', () => {
@@ -398,9 +381,7 @@ describe('the hold of the factory reset', () => {
     });
     test('is stopped by its own release, on either device', () => {
         const model = modelOf([ready(), press(100, 'FactoryReset'), release(4000, 'FactoryReset', 1)], 6000);
-        assert.deepEqual(pick(holdsOf(model, 'FactoryReset'), 'to', 'outcome'), [
-            { to: 4000, outcome: 'stopped' },
-        ]);
+        assert.deepEqual(pick(holdsOf(model, 'FactoryReset'), 'to', 'outcome'), [{ to: 4000, outcome: 'stopped' }]);
     });
     test('is not stopped by other keys, ends of windows or releases in Startup', () => {
         const entries = [
@@ -493,9 +474,7 @@ describe('moments, states and runs', () => {
             [ready(), tap(0, 'Up'), press(100, 'Help'), repeat(350, 'Help'), ready(), tap(100, 'Up')],
             5000,
         );
-        assert.deepEqual(pick(laneOf(model, 'Help').bars, 'from', 'to', 'cut'), [
-            { from: 100, to: 350, cut: true },
-        ]);
+        assert.deepEqual(pick(laneOf(model, 'Help').bars, 'from', 'to', 'cut'), [{ from: 100, to: 350, cut: true }]);
         assert.deepEqual(pick(holdsOf(model, 'Help'), 'to', 'outcome'), [{ to: 350, outcome: 'stopped' }]);
         assert.deepEqual(times(model.windows), [
             [50, 350],
@@ -503,13 +482,8 @@ describe('moments, states and runs', () => {
         ]);
     });
     test('the end of the daemon is a break with its reason', () => {
-        const model = modelOf(
-            [ready(), press(100, 'Up'), device(300, 'ended', { reason: 'It crashed.' })],
-            1000,
-        );
-        assert.deepEqual(pick(model.breaks, 'at', 'text'), [
-            { at: 300, text: 'The daemon ended. It crashed.' },
-        ]);
+        const model = modelOf([ready(), press(100, 'Up'), device(300, 'ended', { reason: 'It crashed.' })], 1000);
+        assert.deepEqual(pick(model.breaks, 'at', 'text'), [{ at: 300, text: 'The daemon ended. It crashed.' }]);
         assert.deepEqual(pick(laneOf(model, 'Up').bars, 'to', 'cut'), [{ to: 300, cut: true }]);
     });
     test('a daemon that does not answer, and answers again, is a break', () => {

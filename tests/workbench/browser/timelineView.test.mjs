@@ -96,14 +96,8 @@ test('a restart is drawn as a break', async () => {
 test('the table says the same, and follows', async () => {
     const panel = await openTimeline();
     const table = await openTable(panel);
-    assert.deepEqual(await table.locator('thead th[scope=col]').allInnerTexts(), [
-        'Time',
-        'Kind',
-        'What',
-        'Lasts',
-    ]);
-    const text = async () =>
-        (await table.innerText()).replaceAll(/[\t ]+/g, ' ').replaceAll(/ $/gm, '');
+    assert.deepEqual(await table.locator('thead th[scope=col]').allInnerTexts(), ['Time', 'Kind', 'What', 'Lasts']);
+    const text = async () => (await table.innerText()).replaceAll(/[\t ]+/g, ' ').replaceAll(/ $/gm, '');
     const recognised = /^[\d.]+ s Long press Help: recognised, due after 2000 ms \d+ ms$/m;
     await holdHelpUntil(async () => assert.match(await text(), recognised));
     for (const line of [
@@ -149,7 +143,10 @@ test('Fit keeps everything in sight while time passes, until something else is c
 test('a page that comes later shows the time that it is', async () => {
     const panel = await openTimeline();
     const lasts = async table =>
-        Number.parseInt(await table.getByRole('row').filter({ hasText: 'Idle' }).last().getByRole('cell').last().innerText(), 10);
+        Number.parseInt(
+            await table.getByRole('row').filter({ hasText: 'Idle' }).last().getByRole('cell').last().innerText(),
+            10,
+        );
     const table = await openTable(panel);
     await eventually(async () => assert((await lasts(table)) > 3000));
     // Its own clock stands still, so that what it shows is what it was told.
@@ -277,10 +274,7 @@ test('the picture has a name and a summary for who does not see it', async () =>
     await fixture.simulator.take('tap Menu');
     await eventually(async () => {
         const summary = await panel.page.locator('#timeline-description').textContent();
-        assert.match(
-            summary,
-            /^\d+ pressed keys, \d+ announced actions?, \d+ refusals?, \d+ spoken sentences?\./,
-        );
+        assert.match(summary, /^\d+ pressed keys, \d+ announced actions?, \d+ refusals?, \d+ spoken sentences?\./);
     });
     await picture(panel).waitFor();
 });

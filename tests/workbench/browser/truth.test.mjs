@@ -103,7 +103,10 @@ test('a keyboard test is in the header, and decides what can be pressed', async 
     await panel.disclose('now-details');
     await fixture.simulator.take('state Error', 'wait 100', 'command StartTestMode');
     await panel.page.locator('#testing').waitFor();
-    await panel.showsText('#now-state', /^The keyboard test is running in the state Error: .* Ten ends the test and is announced as Ok to ErrorHandler\./);
+    await panel.showsText(
+        '#now-state',
+        /^The keyboard test is running in the state Error: .* Ten ends the test and is announced as Ok to ErrorHandler\./,
+    );
     assert.equal(await panel.page.locator('#now').getByText('Single keys').count(), 0);
     await panel.page.locator('#now').getByText('Holds').waitFor();
     const later = await fixture.open({ view: '#timeline' });
@@ -158,10 +161,7 @@ test('a command that a hanging daemon does not answer is shown as unanswered, th
     const answers = panel.page.locator('#answers');
     await answers.getByText('GetLastKey: the daemon has not answered yet.').waitFor();
     const later = await fixture.open({ view: '#commands', status: 'not answering' });
-    await later.page
-        .locator('#answers')
-        .getByText('GetLastKey: the daemon has not answered yet.')
-        .waitFor();
+    await later.page.locator('#answers').getByText('GetLastKey: the daemon has not answered yet.').waitFor();
     await fixture.simulator.resumeDaemon();
     await answers.getByText('resultId=Success').last().waitFor();
     await isAnswered(panel);
@@ -230,7 +230,11 @@ const shortcut = (receiverService, validOnState) =>
     });
 
 for (const [name, list, text] of [
-    ['no service', shortcut('Undefined', 'Idle'), 'Refused: Void. The receiver of the action is "Undefined", so no service receives it.'],
+    [
+        'no service',
+        shortcut('Undefined', 'Idle'),
+        'Refused: Void. The receiver of the action is "Undefined", so no service receives it.',
+    ],
     ['no state', shortcut('UserMenu', ''), 'Refused: Void. It is for no state, and the current state is Idle.'],
 ]) {
     test(`an action for ${name} is refused in words`, async () => {

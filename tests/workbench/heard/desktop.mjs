@@ -92,8 +92,17 @@ export class Desktop {
     }
 
     async #enableAccessibility() {
-        const set = ['call', '--session', '--dest', 'org.a11y.Bus', '--object-path', '/org/a11y/bus',
-            '--method', 'org.freedesktop.DBus.Properties.Set', 'org.a11y.Status'];
+        const set = [
+            'call',
+            '--session',
+            '--dest',
+            'org.a11y.Bus',
+            '--object-path',
+            '/org/a11y/bus',
+            '--method',
+            'org.freedesktop.DBus.Properties.Set',
+            'org.a11y.Status',
+        ];
         await eventually(() => this.run('gdbus', ...set, 'IsEnabled', '<true>'));
         await this.run('gdbus', ...set, 'ScreenReaderEnabled', '<true>');
     }

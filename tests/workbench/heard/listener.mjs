@@ -66,7 +66,9 @@ export class Listener {
 
     /// A key of the keyboard, in the words of xdotool: "Tab", "shift+Tab". `verb` is "key", "keydown" or "keyup".
     keyboard(verb, key) {
-        return this.#untilTaken(verb === 'keydown' ? 'keydown' : 'keyup', 1, () => this.desktop.run('xdotool', verb, key));
+        return this.#untilTaken(verb === 'keydown' ? 'keydown' : 'keyup', 1, () =>
+            this.desktop.run('xdotool', verb, key),
+        );
     }
 
     type(text) {
@@ -154,8 +156,8 @@ export class Listener {
     async #openBrowser() {
         const profile = this.desktop.path('chromium');
         this.desktop.start('chromium', ...browserOptions, `--user-data-dir=${profile}`);
-        const port = await eventually(async () =>
-            (await readFile(`${profile}/DevToolsActivePort`, 'utf8')).split('\n')[0],
+        const port = await eventually(
+            async () => (await readFile(`${profile}/DevToolsActivePort`, 'utf8')).split('\n')[0],
         );
         this.browser = await installed('playwright-core').chromium.connectOverCDP(`http://127.0.0.1:${port}`);
         [this.page] = this.browser.contexts()[0].pages();

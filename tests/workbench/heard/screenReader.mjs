@@ -38,13 +38,13 @@ export class ScreenReader {
     #desktop;
     #process;
     #file;
-    #rest = '';       // of a line that is not whole yet
+    #rest = ''; // of a line that is not whole yet
     #spoken = [];
-    #heard = 0;       // of those
-    #sentMark = 0;    // the latest change of the page that was made for Orca
-    #mark = 0;        // the latest one that it has taken in
-    #announcements;    // of the page, at the last look
-    #messages = 0;    // of live regions, which it has not said yet
+    #heard = 0; // of those
+    #sentMark = 0; // the latest change of the page that was made for Orca
+    #mark = 0; // the latest one that it has taken in
+    #announcements; // of the page, at the last look
+    #messages = 0; // of live regions, which it has not said yet
 
     static async start(desktop) {
         const reader = new ScreenReader();

@@ -2,30 +2,31 @@
 
 /// What a golden file has done, by its first words.
 const verbs = {
-    'open': (listener, view) => listener.open(view),
-    'press': async (listener, keys) => {
+    open: (listener, view) => listener.open(view),
+    press: async (listener, keys) => {
         for (const key of keys.split(' ')) {
             await listener.keyboard('key', key);
         }
     },
-    'hold': (listener, key) => listener.keyboard('keydown', key),
+    hold: (listener, key) => listener.keyboard('keydown', key),
     'let go': (listener, key) => listener.keyboard('keyup', key),
-    'type': (listener, text) => listener.type(text),
+    type: (listener, text) => listener.type(text),
     'go to': (listener, what) => control(listener, what).focus(),
-    'choose': (listener, words) => {
+    choose: (listener, words) => {
         const [, option, what] = /^(.*) in (.*)$/.exec(words);
         return control(listener, what).selectOption(option);
     },
-    'disclose': (listener, text) => listener.page.getByText(text, { exact: true }).click(),
-    'load': (listener, words) => {
+    disclose: (listener, text) => listener.page.getByText(text, { exact: true }).click(),
+    load: (listener, words) => {
         const [, text, name, what] = /^(.*) as (\S+) into (.*)$/.exec(words);
-        return listener.page.getByLabel(what, { exact: true })
+        return listener.page
+            .getByLabel(what, { exact: true })
             .setInputFiles({ name, mimeType: 'text/plain', buffer: Buffer.from(text.replaceAll('; ', '\n')) });
     },
-    'wait': () => {}, // for what `until` says
+    wait: () => {}, // for what `until` says
     'outlast the window of earlier keys': listener => listener.outlastWindow(),
     'device holds': (listener, words) => listener.holdUntil(...words.split(' until ')),
-    'device': (listener, statements) => listener.simulator.take(...statements.split('; ')),
+    device: (listener, statements) => listener.simulator.take(...statements.split('; ')),
     'restart the device': listener => listener.simulator.restart(),
     'crash the daemon': listener => listener.simulator.crashDaemon(),
     'hang the daemon': listener => listener.simulator.hangDaemon(),
