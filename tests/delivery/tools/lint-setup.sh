@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# tools/lint installs clang-tidy if it is missing. Usage: lint-setup.sh SOURCE_FOLDER
+# tools/lint installs clang-tidy and the packages of the JavaScript tools if they are missing. Usage: lint-setup.sh SOURCE_FOLDER
 set -eu
 source=$1
 folder=$(mktemp -d)
@@ -13,6 +13,8 @@ fail() {
 
 mkdir -p "$folder/bin" "$folder/project/tools" "$folder/project/build/dev"
 cp "$source/tools/lint" "$source/tools/setup" "$folder/project/tools"
+printf '#!/bin/sh\necho "$@" >>%s/node-packages\n' "$folder" >"$folder/project/tools/node-packages"
+chmod +x "$folder/project/tools/node-packages"
 echo '[]' >"$folder/project/build/dev/compile_commands.json"
 for tool in cat chmod dirname grep id mkdir sed sh xargs; do
     ln -s "$(command -v "$tool")" "$folder/bin/$tool"
@@ -36,3 +38,4 @@ status=0
 PATH=$folder/bin "$folder/project/tools/lint" one.cpp >"$folder/output" 2>&1 || status=$?
 [ "$status" -eq 0 ] || fail "status $status: $(cat "$folder/output")"
 grep -q 'one\.cpp' "$folder/checked" || fail "nothing was checked"
+grep -qx 'tools/javascript build/lint/javascript' "$folder/node-packages" || fail "no packages for JavaScript"
