@@ -19,48 +19,6 @@ namespace {
 const QString lostLine = QStringLiteral("The connection to the system bus is lost\\.");
 const QString announcement = QStringLiteral("Console: NotifcationId: \"KeyboardChange\"");
 
-/// The daemon queues its messages during this fault.
-class StoppedBus : public Fault
-{
-public:
-    using Fault::Fault;
-
-    QString begin(FaultTest& test) override
-    {
-        test.device().setState(ls::StateId::Error);
-        if (!test.awaitReceiver(ls::ServiceId::ErrorHandler)) {
-            return QStringLiteral("the state does not change");
-        }
-        if (!signalTo(test.device().bus().processId(), SIGSTOP)) {
-            return QStringLiteral("the bus is gone");
-        }
-        m_announced = std::make_unique<QSignalSpy>(&test.device(), &SimulatedDevice::announced);
-        m_keys = 1 + dice.below(1000);
-        for (int i = 0; i < m_keys; ++i) {
-            test.tap(dice.pick({ls::KeyId::Up, ls::KeyId::Ok, ls::KeyId::Back}));
-        }
-        return FaultTest::await([&] { return test.device().pendingInput() == 0; })
-                   ? QString()
-                   : QStringLiteral("keys are not read");
-    }
-    QString end(FaultTest& test) override
-    {
-        signalTo(test.device().bus().processId(), SIGCONT);
-        if (!FaultTest::await([this] { return m_announced->size() == m_keys; })) {
-            return QStringLiteral("%1 of %2 keys").arg(m_announced->size()).arg(m_keys);
-        }
-        test.device().setState(ls::StateId::Idle);
-        return test.awaitReceiver(ls::ServiceId::UserMenu) ? QString()
-                                                           : QStringLiteral("the state does not change");
-    }
-    QVector<int> freeDevices() const override { return {}; }
-    qint64 slackKiB() const override { return queueSlackKiB; }
-
-private:
-    std::unique_ptr<QSignalSpy> m_announced;
-    int m_keys = 0;
-};
-
 /// The limit of the installed unit, or what this machine allows.
 rlim_t descriptorLimit()
 {
@@ -77,108 +35,6 @@ QVariantMap commandOf(const QString& name)
     return {{ls::commandIdKey, name}, {ls::senderIdKey, ls::ServiceId::WwwApi}};
 }
 
-/// More calls from several clients than the bus library would queue, and keys, while the daemon processes
-/// long commands.
-class Flood : public Fault
-{
-public:
-    explicit Flood(quint64 seed) : Fault(seed)
-    {
-        QStringList keys;
-        for (int i = 200'000 + dice.below(200'000); i > 0; --i) {
-            keys << ls::KeyId::Ten;
-        }
-        m_longCommand.insert(ls::keysListKey, keys);
-    }
-
-    void configure(DeviceOptions& options) override
-    {
-        options.daemon = QStringLiteral("/bin/sh");
-        options.daemonArguments = QStringList{
-            QStringLiteral("-c"), QStringLiteral("ulimit -n %1; exec \"$0\"").arg(descriptorLimit()),
-            QStringLiteral(KEYBOARD_HANDLER_DAEMON)};
-    }
-    QString begin(FaultTest& test) override
-    {
-        const QString address = test.device().bus().address();
-        BusClient busy(address);
-        std::vector<std::unique_ptr<BusClient>> clients;
-        for (int i = 0; i < clientCount; ++i) {
-            clients.push_back(std::make_unique<BusClient>(address));
-        }
-        QSignalSpy announced(&test.device(), &SimulatedDevice::announced);
-        QList<QDBusPendingCall> calls = busy.open(m_longCommand, longCommands);
-        for (const auto& client : clients) {
-            calls << client->open(command(), callsOfAClient());
-            test.tap(ls::KeyId::Menu, dice.below(Panel::keyboardCount));
-        }
-        const auto lost = std::count_if(calls.begin(), calls.end(), [](QDBusPendingCall& call) {
-            call.waitForFinished();
-            // The bus rejects calls that it cannot deliver in time.
-            return call.isError() && call.error().type() != QDBusError::LimitsExceeded;
-        });
-        if (lost > 0) {
-            return QStringLiteral("%1 of %2 calls are lost").arg(lost).arg(calls.size());
-        }
-        return FaultTest::await([&] { return announced.size() == clientCount; })
-                   ? QString()
-                   : QStringLiteral("%1 of %2 keys").arg(announced.size()).arg(clientCount);
-    }
-    /// Keys wait until the commands are processed.
-    QVector<int> freeDevices() const override { return {}; }
-
-    /// The heap keeps the memory of the largest burst.
-    qint64 slackKiB() const override { return 128 * 1024; }
-
-protected:
-    virtual QVariantMap command() = 0;
-    virtual int callsOfAClient() const = 0;
-
-private:
-    static constexpr int clientCount = 3;
-    static constexpr int longCommands = 6; // until the whole flood has arrived
-
-    QVariantMap m_longCommand = commandOf(ls::KeyboardHandlerCmdId::SimulateShortcut);
-};
-
-class FloodOfDescriptors : public Flood
-{
-public:
-    using Flood::Flood;
-
-protected:
-    QVariantMap command() override
-    {
-        constexpr int maxDescriptors = 16; // the limit of the bus
-        QVariantMap command = commandOf(ls::KeyboardHandlerCmdId::GetLongKeysTimeout);
-        for (int i = 0; i < maxDescriptors; ++i) {
-            command.insert(QString::number(i),
-                           QVariant::fromValue(QDBusUnixFileDescriptor(dice.below(STDERR_FILENO + 1))));
-        }
-        return command;
-    }
-    int callsOfAClient() const override
-    {
-        return 120;
-    } // the bus rejects clients with more than 128 pending calls
-};
-
-class FloodOfMegabytes : public Flood
-{
-public:
-    using Flood::Flood;
-
-protected:
-    QVariantMap command() override
-    {
-        constexpr int megabyte = 1024 * 1024;
-        QVariantMap command = commandOf(ls::KeyboardHandlerCmdId::GetLongKeysTimeout);
-        command.insert(QStringLiteral("odd"), QByteArray((24 + dice.below(7)) * megabyte, 'x'));
-        return command;
-    }
-    int callsOfAClient() const override { return 1; }
-};
-
 } // namespace
 
 class BusFaultsTest : public FaultTest
@@ -192,73 +48,145 @@ private Q_SLOTS:
     void servicesSendMegabytes();
 
 private:
-    /// Presses `count` keys without a bus; false if one is not recognised.
-    bool handleKeysWithoutBus(int count);
+    /// Presses `count` keys and waits until they are recognised, which the log shows.
+    void handleKeysWithoutBus(int count);
+    /// The fault is more calls from several clients than the bus library would queue, and keys, while the
+    /// daemon processes long commands.
+    void verifyFlood(const std::function<QVariantMap()>& makeCommand, int callsOfAClient);
 };
 
-bool BusFaultsTest::handleKeysWithoutBus(int count)
+void BusFaultsTest::handleKeysWithoutBus(int count)
 {
     const int before = log().count(announcement);
     for (int i = 0; i < count; ++i) {
         tap(ls::KeyId::Menu, i % Panel::keyboardCount);
     }
-    return await([&] { return log().count(announcement) == before + count; });
+    WAIT_FOR_EQUAL(log().count(announcement), before + count);
 }
 
 /// The daemon keeps running and recognises keys, but cannot announce them until it is restarted.
 void BusFaultsTest::theBusIsKilledAndRestarted()
 {
-    Dice dice(seed());
     options.loggingRules = QStringLiteral("Console.debug=true");
     QVERIFY(launch());
     QSignalSpy announced(&device(), &SimulatedDevice::announced);
-    const auto usual = latency();
-    QVERIFY(usual);
+    const double usual = latency();
     // The log may lag behind the announcements, and late lines would be counted with the next keys.
     WAIT_FOR_EQUAL(log().count(announcement), announced.size());
     QSignalSpy ended(&device(), &SimulatedDevice::busEnded);
     QVERIFY(signalTo(device().bus().processId(), SIGKILL));
     WAIT_FOR_EQUAL(ended.size(), 1);
-    QVERIFY(handleKeysWithoutBus(1000));
+    handleKeysWithoutBus(1000);
     const qint64 memory = memoryKiB();
     const int files = descriptors();
-    QVERIFY(handleKeysWithoutBus(4000 + dice.below(1000)));
+    handleKeysWithoutBus(4000 + dice.below(1000));
     QVERIFY(idles());
-    QCOMPARE(growth(memory, files, Fault::queueSlackKiB), QString());
-    QCOMPARE(logFault({"Console:.*", lostLine}), QString());
+    verifyNoGrowth(memory, files, Fault::queueSlackKiB);
+    verifyLog({"Console:.*", lostLine});
 
     QVERIFY(device().restartBus());
-    QVERIFY(handleKeysWithoutBus(1 + dice.below(200)));
+    handleKeysWithoutBus(1 + dice.below(200));
     BusClient client(device().bus().address());
     QVERIFY(
         !client.connection().interface()->isServiceRegistered(ls::busName(ls::ServiceId::KeyboardHandler)));
     device().stopDaemon();
     QVERIFY(launch());
     QCOMPARE(faults(), QString());
-    const auto afterwards = latency();
-    QVERIFY(afterwards);
-    QCOMPARE(slowness(*usual, *afterwards), QString());
-    QCOMPARE(logFault({"Console:.*", lostLine}), QString());
-    qInfo("seed %llu: a key takes %.2f ms before, %.2f ms afterwards", seed(), *usual, *afterwards);
+    const double afterwards = latency();
+    verifyLatency(usual, afterwards);
+    verifyLog({"Console:.*", lostLine});
+    qInfo("seed %llu: a key takes %.2f ms before, %.2f ms afterwards", FaultSeeds::current(), usual,
+          afterwards);
 }
 
+/// The daemon queues its messages during this fault.
 void BusFaultsTest::theBusIsStopped()
 {
-    StoppedBus fault(seed());
-    QCOMPARE(damageFrom(fault), QString());
+    std::unique_ptr<QSignalSpy> announced;
+    int keys = 0;
+    Fault fault;
+    fault.begin = [&] {
+        device().setState(ls::StateId::Error);
+        QVERIFY(awaitReceiver(ls::ServiceId::ErrorHandler));
+        QVERIFY(signalTo(device().bus().processId(), SIGSTOP));
+        announced = std::make_unique<QSignalSpy>(&device(), &SimulatedDevice::announced);
+        keys = 1 + dice.below(1000);
+        tapAny({ls::KeyId::Up, ls::KeyId::Ok, ls::KeyId::Back}, keys);
+        WAIT_FOR_EQUAL(device().pendingInput(), 0);
+    };
+    fault.end = [&] {
+        QVERIFY(signalTo(device().bus().processId(), SIGCONT));
+        WAIT_FOR_EQUAL(announced->size(), keys);
+        device().setState(ls::StateId::Idle);
+        QVERIFY(awaitReceiver(ls::ServiceId::UserMenu));
+    };
+    fault.freeKeyboards = {};
+    fault.slackKiB = Fault::queueSlackKiB;
+    verifyResilience(fault);
+}
+
+void BusFaultsTest::verifyFlood(const std::function<QVariantMap()>& makeCommand, int callsOfAClient)
+{
+    constexpr int clientCount = 3;
+    constexpr int longCommands = 6; // until the whole flood has arrived
+    startThroughShell(QStringLiteral("ulimit -n %1; exec \"$0\"").arg(descriptorLimit()));
+    QStringList keys;
+    for (int i = 200'000 + dice.below(200'000); i > 0; --i) {
+        keys << ls::KeyId::Ten;
+    }
+    QVariantMap longCommand = commandOf(ls::KeyboardHandlerCmdId::SimulateShortcut);
+    longCommand.insert(ls::keysListKey, keys);
+    Fault fault;
+    fault.begin = [&] {
+        const QString address = device().bus().address();
+        BusClient busy(address);
+        std::vector<std::unique_ptr<BusClient>> clients(clientCount);
+        for (auto& client : clients) {
+            client = std::make_unique<BusClient>(address);
+        }
+        QSignalSpy announced(&device(), &SimulatedDevice::announced);
+        QList<QDBusPendingCall> calls = busy.open(longCommand, longCommands);
+        for (const auto& client : clients) {
+            calls << client->open(makeCommand(), callsOfAClient);
+            tap(ls::KeyId::Menu, dice.below(Panel::keyboardCount));
+        }
+        for (QDBusPendingCall& call : calls) {
+            call.waitForFinished();
+            // The bus rejects calls that it cannot deliver in time.
+            QVERIFY2(!call.isError() || call.error().type() == QDBusError::LimitsExceeded,
+                     qPrintable(call.error().message()));
+        }
+        WAIT_FOR_EQUAL(announced.size(), clientCount);
+    };
+    fault.freeKeyboards = {};    // keys wait until the commands are processed
+    fault.slackKiB = 128 * 1024; // the heap keeps the memory of the largest burst
+    verifyResilience(fault);
 }
 
 void BusFaultsTest::servicesSendDescriptors()
 {
-    FloodOfDescriptors fault(seed());
     QVERIFY(descriptorLimit() > 0);
-    QCOMPARE(damageFrom(fault), QString());
+    const auto makeCommand = [this] {
+        constexpr int maxDescriptors = 16; // the limit of the bus for a message
+        QVariantMap command = commandOf(ls::KeyboardHandlerCmdId::GetLongKeysTimeout);
+        for (int i = 0; i < maxDescriptors; ++i) {
+            command.insert(QString::number(i),
+                           QVariant::fromValue(QDBusUnixFileDescriptor(dice.below(STDERR_FILENO + 1))));
+        }
+        return command;
+    };
+    verifyFlood(makeCommand, 120); // the bus rejects clients with more than 128 pending calls
 }
 
 void BusFaultsTest::servicesSendMegabytes()
 {
-    FloodOfMegabytes fault(seed());
-    QCOMPARE(damageFrom(fault), QString());
+    const auto makeCommand = [this] {
+        constexpr int megabyte = 1024 * 1024;
+        QVariantMap command = commandOf(ls::KeyboardHandlerCmdId::GetLongKeysTimeout);
+        command.insert(QStringLiteral("odd"), QByteArray((24 + dice.below(7)) * megabyte, 'x'));
+        return command;
+    };
+    verifyFlood(makeCommand, 1);
 }
 
 QTEST_GUILESS_MAIN(BusFaultsTest)

@@ -31,9 +31,10 @@ double median(QVector<double> values)
 
 } // namespace
 
-/// The figures of one start and end of a fault.
-struct FaultTest::Round
+/// The figures before, during and after the fault in one round.
+struct FaultTest::Figures
 {
+    double beforeMs = 0;
     double duringMs = 0;
     double afterMs = 0;
     qint64 memoryKiB = 0;
@@ -46,13 +47,33 @@ void FaultTest::initTestCase()
     qputenv("ASAN_OPTIONS", "quarantine_size_mb=1:" + qgetenv("ASAN_OPTIONS"));
 }
 
-bool FaultTest::await(const std::function<bool()>& condition)
+void FaultTest::init()
 {
-    WAIT_FOR(condition());
-    return true;
+    dice = Dice(FaultSeeds::current());
 }
 
-QString FaultTest::receiverOfMenu(int inputDevice)
+void FaultTest::verifyResilience(const Fault& fault)
+{
+    QVERIFY(prepare());
+    fault.precede();
+    if (QTest::currentTestFailed()) {
+        return;
+    }
+    QVERIFY2(launch(), "the daemon does not become ready");
+    verifyRounds(fault);
+    if (!QTest::currentTestFailed()) {
+        verifyLog(fault.log);
+    }
+}
+
+void FaultTest::tapAny(const QStringList& keys, int count)
+{
+    for (int i = 0; i < count; ++i) {
+        tap(dice.pick(keys), dice.below(Panel::keyboardCount));
+    }
+}
+
+QString FaultTest::receiverOfMenu(int keyboard)
 {
     QString receiver;
     QObject context;
@@ -62,14 +83,15 @@ QString FaultTest::receiverOfMenu(int inputDevice)
             receiver = notification.value(ls::receiverIdKey).toString();
         }
     });
-    tap(ls::KeyId::Menu, inputDevice);
+    tap(ls::KeyId::Menu, keyboard);
     WAIT_FOR(!receiver.isEmpty() || !device().isRunning());
     return receiver;
 }
 
 bool FaultTest::awaitReceiver(const QString& receiver)
 {
-    return await([&] { return receiverOfMenu() == receiver; });
+    WAIT_FOR(receiverOfMenu() == receiver || !device().isRunning());
+    return device().isRunning();
 }
 
 bool FaultTest::awaitLoneKey()
@@ -80,114 +102,82 @@ bool FaultTest::awaitLoneKey()
     return !announced.isEmpty();
 }
 
-std::optional<double> FaultTest::latency(const QVector<int>& inputDevices, int presses)
+double FaultTest::latency(const QVector<int>& keyboards, int presses)
 {
     QVector<double> times;
     for (int i = 0; i < presses; ++i) {
         QElapsedTimer timer;
         timer.start();
-        if (receiverOfMenu(inputDevices.at(i % inputDevices.size())).isEmpty()) {
-            return std::nullopt;
+        if (receiverOfMenu(keyboards.at(i % keyboards.size())).isEmpty()) {
+            return -1;
         }
         times << double(timer.nsecsElapsed()) / 1e6;
     }
     return median(times);
 }
 
-QString FaultTest::slowness(double usual, double disturbed)
+void FaultTest::verifyLatency(double usualMs, double disturbedMs)
 {
-    const bool isUnmoved = disturbed <= maxSlowdown * std::max(usual, minUsualMs);
-    return isUnmoved ? QString()
-                     : QStringLiteral("a key takes %1 ms instead of %2 ms").arg(disturbed).arg(usual);
+    QVERIFY2(usualMs >= 0 && disturbedMs >= 0, "keys do not work");
+    QVERIFY2(disturbedMs <= maxSlowdown * std::max(usualMs, minUsualMs),
+             qPrintable(QStringLiteral("a key takes %1 ms instead of %2 ms").arg(disturbedMs).arg(usualMs)));
 }
 
-QString FaultTest::growth(qint64 memoryBeforeKiB, int descriptorsBefore, qint64 slackKiB)
+void FaultTest::verifyNoGrowth(qint64 memoryBeforeKiB, int descriptorsBefore, qint64 slackKiB)
 {
-    if (memoryBeforeKiB <= 0 || descriptorsBefore <= 0) {
-        return QStringLiteral("the daemon cannot be looked into");
-    }
-    if (const int more = descriptorsAbove(descriptorsBefore); more > 0) {
-        return QStringLiteral("%1 descriptors more").arg(more);
-    }
-    const qint64 more = memoryKiB() - memoryBeforeKiB;
-    return more <= slackKiB + sanitizerSlackKiB ? QString() : QStringLiteral("%1 KiB more").arg(more);
+    QVERIFY2(memoryBeforeKiB > 0 && descriptorsBefore > 0,
+             "the daemon's memory and descriptors cannot be read");
+    const int moreDescriptors = descriptorsAbove(descriptorsBefore);
+    QVERIFY2(moreDescriptors <= 0, qPrintable(QStringLiteral("%1 descriptors more").arg(moreDescriptors)));
+    const qint64 moreKiB = memoryKiB() - memoryBeforeKiB;
+    QVERIFY2(moreKiB <= slackKiB + sanitizerSlackKiB, qPrintable(QStringLiteral("%1 KiB more").arg(moreKiB)));
 }
 
-QString FaultTest::logFault(const QStringList& patterns) const
+void FaultTest::verifyLog(const QStringList& patterns) const
 {
-    QStringList rest = log();
-    rest.removeAll(registered);
     for (const QString& pattern : patterns) {
-        const QRegularExpression expression(QRegularExpression::anchoredPattern(pattern));
-        const int before = rest.size();
-        rest.erase(std::remove_if(rest.begin(), rest.end(),
-                                  [&](const QString& line) { return expression.match(line).hasMatch(); }),
-                   rest.end());
-        if (rest.size() == before) {
-            return QStringLiteral("not in the log: ") + pattern;
-        }
+        const QRegularExpression line(QRegularExpression::anchoredPattern(pattern));
+        WAIT_FOR(!log().filter(line).isEmpty());
     }
-    return rest.isEmpty() ? QString() : QStringLiteral("unexpected in the log: ") + rest.first();
+    const QStringList all = patterns + QStringList(QRegularExpression::escape(registered));
+    const QRegularExpression other(QStringLiteral("^(?!(?:%1)$)").arg(all.join('|')));
+    QCOMPARE(log().filter(other).join('\n'), QString());
 }
 
-QString FaultTest::round(Fault& fault, Round& figures)
+void FaultTest::verifyRound(const Fault& fault, Figures& figures)
 {
-    QString broken = fault.begin(*this);
-    if (broken.isEmpty() && !fault.freeDevices().isEmpty()) {
-        figures.duringMs = latency(fault.freeDevices()).value_or(-1);
-        broken = figures.duringMs < 0 ? QStringLiteral("keys do not work during the fault") : QString();
+    fault.begin();
+    if (!QTest::currentTestFailed() && !fault.freeKeyboards.isEmpty()) {
+        figures.duringMs = latency(fault.freeKeyboards);
+        verifyLatency(figures.beforeMs, figures.duringMs);
     }
-    if (broken.isEmpty()) {
-        broken = fault.end(*this);
+    if (!QTest::currentTestFailed()) {
+        fault.end();
     }
-    if (broken.isEmpty()) {
-        figures.afterMs = latency({0, 1}, pressesForGrowth).value_or(-1);
-        broken = faults();
+    if (QTest::currentTestFailed()) {
+        return;
     }
+    figures.afterMs = latency({0, 1}, pressesForGrowth);
+    verifyLatency(figures.beforeMs, figures.afterMs);
+    QCOMPARE(faults(), QString());
     figures.memoryKiB = memoryKiB();
     figures.descriptors = descriptors();
-    return broken;
 }
 
-QString FaultTest::rounds(Fault& fault)
+void FaultTest::verifyRounds(const Fault& fault)
 {
-    const double usual = latency().value_or(-1);
-    Round first;
-    Round last;
-    QString broken = usual < 0 ? QStringLiteral("keys do not work before the fault") : QString();
-    for (int i = 0; i < roundCount && broken.isEmpty(); ++i) {
-        broken = round(fault, last);
+    Figures last;
+    last.beforeMs = latency();
+    Figures first;
+    for (int i = 0; i < roundCount && !QTest::currentTestFailed(); ++i) {
+        verifyRound(fault, last);
         first = i == 0 ? last : first;
-        if (broken.isEmpty()) {
-            broken = slowness(usual, std::max(last.duringMs, last.afterMs));
-        }
-        if (broken.isEmpty()) {
-            broken = growth(first.memoryKiB, first.descriptors, fault.slackKiB());
+        if (!QTest::currentTestFailed()) {
+            verifyNoGrowth(first.memoryKiB, first.descriptors, fault.slackKiB);
         }
     }
     qInfo("seed %llu: a key takes %.2f ms before, %.2f ms during, %.2f ms after the fault; "
           "%lld KiB and %d descriptors more",
-          seed(), usual, last.duringMs, last.afterMs, last.memoryKiB - first.memoryKiB,
+          FaultSeeds::current(), last.beforeMs, last.duringMs, last.afterMs, last.memoryKiB - first.memoryKiB,
           last.descriptors - first.descriptors);
-    return broken;
-}
-
-QString FaultTest::damageFrom(Fault& fault)
-{
-    fault.configure(options);
-    if (!prepare()) {
-        return QStringLiteral("the device cannot be created");
-    }
-    QString broken = fault.precede(*this);
-    if (broken.isEmpty() && !launch()) {
-        broken = QStringLiteral("the daemon does not become ready");
-    }
-    if (broken.isEmpty()) {
-        broken = rounds(fault);
-    }
-    if (broken.isEmpty()) {
-        await([&] { return logFault(fault.log()).isEmpty(); });
-        broken = logFault(fault.log());
-    }
-    return broken;
 }

@@ -6,7 +6,7 @@ cd "$1"
 
 tests=$(for file in tests/whole/faults/*Test.cpp; do
     program=$(basename "$file" .cpp)
-    sed -n '/Q_SLOTS:/,/^}/s/^    void \([a-z][A-Za-z]*\)();$/\1/p' "$file" | sed "s/^/$program::/"
+    sed -n '/Q_SLOTS:/,/^$/s/^    void \([a-z][A-Za-z]*\)();$/\1/p' "$file" | sed "s/^/$program::/"
 done | sort)
 # shellcheck disable=SC2016 # the backquotes are part of the document
 rows=$(sed -n 's/^|.*`\([A-Za-z]*Test::[A-Za-z]*\)` |$/\1/p' docs/reliability.md | sort)

@@ -92,9 +92,7 @@ bool SystemConsoleAbuseTest::work(const QByteArray& bytes)
 
 void SystemConsoleAbuseTest::redirect(const QString& redirections)
 {
-    options.daemon = QStringLiteral("/bin/sh");
-    options.daemonArguments = QStringList{QStringLiteral("-c"), QStringLiteral("exec \"$0\" ") + redirections,
-                                          QStringLiteral(KEYBOARD_HANDLER_DAEMON)};
+    startThroughShell(QStringLiteral("exec \"$0\" ") + redirections);
 }
 
 void SystemConsoleAbuseTest::anEndlessLineIsDropped()

@@ -41,7 +41,6 @@ private Q_SLOTS:
     void fullDeviceIsTolerated();
 
 private:
-    void startThroughShell(const QString& script);
     QString logPath() { return device().folder().runFolder() + QStringLiteral("/log"); }
     void openTerminal();
     void openPipe();
@@ -57,13 +56,6 @@ void SystemLogTest::init()
 {
     ::close(std::exchange(m_reader, -1)); // of the previous function
     ::close(std::exchange(m_terminal, -1));
-}
-
-void SystemLogTest::startThroughShell(const QString& script)
-{
-    options.daemon = QStringLiteral("/bin/sh");
-    options.daemonArguments =
-        QStringList{QStringLiteral("-c"), script, QStringLiteral(KEYBOARD_HANDLER_DAEMON)};
 }
 
 void SystemLogTest::openTerminal()

@@ -25,6 +25,13 @@ bool SystemTest::prepare()
     return started;
 }
 
+void SystemTest::startThroughShell(const QString& script)
+{
+    options.daemon = QStringLiteral("/bin/sh");
+    options.daemonArguments =
+        QStringList{QStringLiteral("-c"), script, QStringLiteral(KEYBOARD_HANDLER_DAEMON)};
+}
+
 bool SystemTest::launch()
 {
     if (!m_device && !prepare()) {
@@ -38,10 +45,10 @@ bool SystemTest::launch()
     return m_device->isReady();
 }
 
-void SystemTest::tap(const QString& key, int inputDevice)
+void SystemTest::tap(const QString& key, int keyboard)
 {
-    m_device->press(inputDevice, key);
-    m_device->release(inputDevice, key);
+    m_device->press(keyboard, key);
+    m_device->release(keyboard, key);
 }
 
 QVariantMap SystemTest::command(const QString& name, const QVariantMap& arguments)

@@ -23,9 +23,13 @@ protected:
     /// Starts the daemon, after `prepare` if necessary, and waits until it is ready.
     bool launch();
 
+    /// Starts the daemon by a shell script, which must end with `exec "$0"`. Must be called before `prepare`
+    /// or `launch`.
+    void startThroughShell(const QString& script);
+
     SimulatedDevice& device() { return *m_device; }
 
-    void tap(const QString& key, int inputDevice = 0);
+    void tap(const QString& key, int keyboard = 0);
     QVariantMap command(const QString& name, const QVariantMap& arguments = {});
 
     /// The announcements, speech, cancellations and answers in order of arrival, then the log.
