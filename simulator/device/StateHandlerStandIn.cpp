@@ -36,11 +36,6 @@ void StateHandlerStandIn::disappear()
     m_connection.reset();
 }
 
-void StateHandlerStandIn::setAnswer(const QVariantMap& answer)
-{
-    m_answer = answer;
-}
-
 void StateHandlerStandIn::setInitialState(const QString& state)
 {
     m_answer = answerOf(state);
@@ -57,17 +52,12 @@ void StateHandlerStandIn::changeState(const QString& state)
 
 void StateHandlerStandIn::announce(const QVariantMap& notification)
 {
-    announceArguments({notification});
-}
-
-void StateHandlerStandIn::announceArguments(const QVariantList& arguments)
-{
     if (!m_connection) {
         return;
     }
     QDBusMessage message = QDBusMessage::createSignal(ls::busPath, ls::busName(ls::ServiceId::StateHandler),
                                                       QStringLiteral("notification"));
-    message.setArguments(arguments);
+    message << notification;
     m_connection->get().send(message);
 }
 

@@ -31,16 +31,12 @@ public:
     void setBehaviour(Behaviour behaviour) { m_behaviour = behaviour; }
     /// The delay of each answer; 0 by default.
     void setDelay(std::chrono::milliseconds delay) { m_delay = delay; }
-    /// Answers with `answer` instead of the state.
-    void setAnswer(const QVariantMap& answer);
 
     /// Sets the state without announcing it.
     void setInitialState(const QString& state);
     /// Changes the state and announces it.
     void changeState(const QString& state);
     void announce(const QVariantMap& notification);
-    /// Sends a notification with any arguments.
-    void announceArguments(const QVariantList& arguments);
 
     /// The number of requests for the state.
     int requests() const { return m_requests; }

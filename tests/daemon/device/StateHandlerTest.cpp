@@ -191,6 +191,8 @@ void StateHandlerTest::unknownStatesAreRefused_data()
     QTest::newRow("unknown") << QVariant("Sleeping");
     QTest::newRow("other case") << QVariant("IDLE");
     QTest::newRow("missing value") << QVariant();
+    QTest::newRow("number") << QVariant(2);
+    QTest::newRow("list") << QVariant(QStringList{"Idle", "Print"});
     QTest::newRow("map") << QVariant(QVariantMap{{"stateId", "Idle"}});
 }
 

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void pathsWithoutRegularFileAreRefused_data();
     void pathsWithoutRegularFileAreRefused();
     void fifoIsRefusedWithoutBlocking();
+    void linkToItselfIsRefused();
     void linkToARegularFileIsFollowed();
     void contentIsReplacedCompletely();
     void tenMebibytesAreRead();
@@ -150,6 +151,13 @@ void JFileTest::fifoIsRefusedWithoutBlocking()
     QVERIFY(QFile::link(path("fifo"), path("link")));
 
     verifyRefused(path("fifo"));
+    verifyRefused(path("link"));
+}
+
+void JFileTest::linkToItselfIsRefused()
+{
+    QVERIFY(QFile::link(path("link"), path("link")));
+
     verifyRefused(path("link"));
 }
 

@@ -72,6 +72,9 @@ void CommandsTest::simulateKeyRefusesInvalidValues()
     const QVariantMap expected{{"resultId", "Failure"}, {"errorId", "InvalidValue"}};
     QCOMPARE(send("SimulateKey", parameters), expected);
     QCOMPARE(device->take(), QStringList{"log KeyboardHandler::simulateKey ERROR: " + text});
+    // A served command sets the sender even if its values are invalid.
+    device->tap(KeyId::Menu);
+    QCOMPARE(device->take(), QStringList{"announce SingleKey UserMenu ServiceTool Menu"});
 }
 
 void CommandsTest::simulatedListsAcceptValuesConvertibleToAStringList_data()

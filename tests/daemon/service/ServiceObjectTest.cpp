@@ -11,6 +11,8 @@ private Q_SLOTS:
     void init() { start(StateId::Idle); }
     void refusedCommandsNameTheirError_data();
     void refusedCommandsNameTheirError();
+    void refusedCommandsSetNoSender_data() { refusedCommandsNameTheirError_data(); }
+    void refusedCommandsSetNoSender();
     void everyKnownServiceMaySendAnyCommand();
     void senderIsResetEvenIfAParameterReplacedIt();
     void commandIsTracedInItsCategory();
@@ -47,6 +49,9 @@ void ServiceObjectTest::refusedCommandsNameTheirError_data()
     QTest::newRow("sender with a trailing blank")
         << QVariantMap{{"commandId", "GetLastKey"}, {"senderId", "UserMenu "}} << "InvalidSender"
         << prefix + "Invalid sender!";
+    QTest::newRow("not served, from an unknown sender")
+        << QVariantMap{{"commandId", "GetKeyList"}, {"senderId", "Nobody"}} << "InvalidSender"
+        << prefix + "Invalid sender!";
     QTest::newRow("known but not served")
         << QVariantMap{{"commandId", "GetKeyList"}, {"senderId", "UserMenu"}} << "CmdNotFound"
         << prefix + "\"GetKeyList\" command n/a!";
@@ -60,6 +65,13 @@ void ServiceObjectTest::refusedCommandsNameTheirError()
     const QVariantMap expected{{"resultId", "Failure"}, {"errorId", error}};
     QCOMPARE(device->handler().process(command), expected);
     QCOMPARE(device->take(), QStringList{line});
+}
+
+void ServiceObjectTest::refusedCommandsSetNoSender()
+{
+    QFETCH(QVariantMap, command);
+    device->handler().process(command);
+    QCOMPARE(emitted({}).value(senderIdKey).toString(), QString());
 }
 
 void ServiceObjectTest::everyKnownServiceMaySendAnyCommand()

@@ -66,10 +66,6 @@ private Q_SLOTS:
     void init();
     void responsesHaveTheseValuesAndTypes_data();
     void responsesHaveTheseValuesAndTypes();
-    void theLastKeyIsANumber();
-    void theTestResultIsANumber();
-    void failuresAreNamedAndLogged_data();
-    void failuresAreNamedAndLogged();
     void identifiersOfOtherTypesAreRefused_data();
     void identifiersOfOtherTypesAreRefused();
     void identifiersConvertibleToTextAreAccepted_data();
@@ -80,9 +76,6 @@ private Q_SLOTS:
     void otherValuesThanListsSimulateNothing();
     void listsWithUnknownKeysAreRefused_data();
     void listsWithUnknownKeysAreRefused();
-    void aSimulatedShortcutIsAnnounced();
-    void onlyTheFirstAnnouncementHasTheSender();
-    void aRefusedCommandSetsNoSender();
     void aCallWithoutReplyIsExecuted();
 };
 
@@ -118,6 +111,7 @@ void SystemBusCommandsTest::responsesHaveTheseValuesAndTypes_data()
     QTest::newRow("a key") << by("SimulateKey", key("Pressed", "Up")) << succeeded;
     QTest::newRow("a combination") << by("SimulateModifier", keys(QStringList{"Help", "Ok"})) << succeeded;
     QTest::newRow("a shortcut") << by("SimulateShortcut", keys(QStringList{"Feed", "Up"})) << succeeded;
+    QTest::newRow("a failure") << by("Dance") << "{errorId: s InvalidCmd, resultId: s Failure}";
 }
 
 void SystemBusCommandsTest::responsesHaveTheseValuesAndTypes()
@@ -127,80 +121,6 @@ void SystemBusCommandsTest::responsesHaveTheseValuesAndTypes()
     const QDBusMessage reply = client.process(command);
     QCOMPARE(reply.signature(), QStringLiteral("a{sv}"));
     QTEST(wireText(reply.arguments().first()), "response");
-    QVERIFY(nextKeyWorks());
-}
-
-void SystemBusCommandsTest::theLastKeyIsANumber()
-{
-    BusClient client(device().bus().address());
-    QCOMPARE(client.outcome(by("SimulateKey", key("Repeated", "Function"))), QStringLiteral("OK"));
-    QCOMPARE(wireText(client.process(by("GetLastKey")).arguments().first()),
-             QStringLiteral("{errorId: s Undefined, key: i 464, resultId: s Success}"));
-}
-
-void SystemBusCommandsTest::theTestResultIsANumber()
-{
-    BusClient client(device().bus().address());
-    device().setState(ls::StateId::Error);
-    WAIT_FOR((tap(ls::KeyId::Up),
-              actions().contains(QStringLiteral("announce SingleKey ErrorHandler KeyboardHandler Up"))));
-    QCOMPARE(client.outcome(by("StartTestMode")), QStringLiteral("OK"));
-    for (const char* name : {"Up", "Menu", "Up"}) {
-        client.process(by("SimulateKey", key("Released", name)));
-    }
-    for (const char* count : {"2", "0"}) {
-        QCOMPARE(wireText(client.process(by("GetTestResult")).arguments().first()),
-                 QStringLiteral("{errorId: s Undefined, resultId: i %1}").arg(count));
-    }
-}
-
-void SystemBusCommandsTest::failuresAreNamedAndLogged_data()
-{
-    QTest::addColumn<QVariantMap>("command");
-    QTest::addColumn<QString>("error");
-    QTest::addColumn<QStringList>("lines");
-    const auto fail = [](const char* name, const QVariantMap& command, const char* error,
-                         const QStringList& lines) { QTest::newRow(name) << command << error << lines; };
-    const QString process = QStringLiteral("KeyboardHandler::process ERROR: ");
-    const QString simulate = QStringLiteral("KeyboardHandler::simulate");
-    fail("nothing", {}, "InvalidCmd", {process + "Invalid command!"});
-    fail("an unknown command", by("Dance"), "InvalidCmd", {process + "Invalid command!"});
-    fail("an unknown command of an unknown sender", from("Nobody", "getlastkey"), "InvalidCmd",
-         {process + "Invalid command!"});
-    fail("no sender", {{ls::commandIdKey, "GetLastKey"}}, "InvalidSender", {process + "Invalid sender!"});
-    fail("an unknown sender", from("wwwapi", "GetLastKey"), "InvalidSender", {process + "Invalid sender!"});
-    fail("an unserved command", by("GetKeyList"), "CmdNotFound", {process + "\"GetKeyList\" command n/a!"});
-    fail("an unserved command of an unknown sender", from("", "GetKeyList"), "InvalidSender",
-         {process + "Invalid sender!"});
-    fail("no key action", by("SimulateKey", {{ls::keyKey, "Up"}}), "InvalidValue",
-         {simulate + "Key ERROR: Invalid key action received!"});
-    fail("an unknown key action and an unknown key", by("SimulateKey", key("Touched", "up")), "InvalidValue",
-         {simulate + "Key ERROR: Invalid key action received!"});
-    fail("no key", by("SimulateKey", {{ls::actionIdKey, "Pressed"}}), "InvalidValue",
-         {simulate + "Key ERROR: Invalid key received!"});
-    fail("the key action of none", by("SimulateKey", key("None", "Up")), "ServiceError",
-         {"Keyboard::simulateKey ERROR: Key value is invalid!", simulate + "Key FAILED!"});
-    fail("a combination without keys", by("SimulateModifier"), "InvalidValue",
-         {simulate + "Modifier ERROR: Invalid modifier received!"});
-    fail("a shortcut without keys", by("SimulateShortcut"), "InvalidValue",
-         {simulate + "Shortcut ERROR: Invalid shortcut received!"});
-    fail("a combination with a word", by("SimulateModifier", keys(QStringList{"Help", "Any"})),
-         "InvalidValue", {simulate + "Modifier ERROR: Invalid key included in the modifier!"});
-    fail("a shortcut with a word", by("SimulateShortcut", keys(QStringList{"Any", "Up"})), "InvalidValue",
-         {simulate + "Shortcut ERROR: Invalid key included in the shortcut!"});
-}
-
-void SystemBusCommandsTest::failuresAreNamedAndLogged()
-{
-    QFETCH(QVariantMap, command);
-    QFETCH(QString, error);
-    QFETCH(QStringList, lines);
-    BusClient client(device().bus().address());
-    const QDBusMessage reply = client.process(command);
-    QCOMPARE(wireText(reply.arguments().first()),
-             QStringLiteral("{errorId: s %1, resultId: s Failure}").arg(error));
-    QVERIFY(awaitLog(lines.last()));
-    QCOMPARE(completeLog().mid(1), lines);
     QVERIFY(nextKeyWorks());
 }
 
@@ -324,35 +244,6 @@ void SystemBusCommandsTest::listsWithUnknownKeysAreRefused()
     }
     QVERIFY(nextKeyWorks());
     QCOMPARE(actions().filter(QStringLiteral("announce")).size(), 1);
-}
-
-void SystemBusCommandsTest::aSimulatedShortcutIsAnnounced()
-{
-    BusClient client(device().bus().address());
-    QCOMPARE(client.outcome(by("SimulateShortcut", keys(QVariantList{"Feed", "Up"}))), QStringLiteral("OK"));
-    QVERIFY(awaitAction(QStringLiteral("announce Chord UserMenu WwwApi Feed Up")));
-    QVERIFY(nextKeyWorks());
-}
-
-void SystemBusCommandsTest::onlyTheFirstAnnouncementHasTheSender()
-{
-    BusClient client(device().bus().address());
-    QCOMPARE(client.outcome(by("SimulateKey", key("Released", "Feed"))), QStringLiteral("OK"));
-    QVERIFY(awaitAction(QStringLiteral("announce SingleKey UserMenu KeyboardHandler Feed")));
-    QCOMPARE(actions().filter(QStringLiteral("announce")).first(),
-             QStringLiteral("announce SingleKey PrintManager WwwApi Feed"));
-}
-
-void SystemBusCommandsTest::aRefusedCommandSetsNoSender()
-{
-    BusClient client(device().bus().address());
-    client.process(by("Dance"));
-    client.process(by("GetKeyList"));
-    tap(ls::KeyId::Menu);
-    QVERIFY(awaitAction(QStringLiteral("announce SingleKey UserMenu - Menu")));
-    client.process(by("SimulateKey", key("Touched", "Up")));
-    tap(ls::KeyId::Menu);
-    QVERIFY(awaitAction(QStringLiteral("announce SingleKey UserMenu WwwApi Menu")));
 }
 
 void SystemBusCommandsTest::aCallWithoutReplyIsExecuted()

@@ -42,9 +42,6 @@ private Q_SLOTS:
     void aRefusedNameIsLoggedWithTheReason();
     void aSecondInstanceDoesNotAffectTheFirst();
     void theServiceDescribesItself();
-    void malformedCallsAreRefused_data();
-    void malformedCallsAreRefused();
-    void aFloodOfCommandsIsAnswered();
     void theLossOfTheBusIsLoggedOnceAndTheConsoleKeepsWorking_data();
     void theLossOfTheBusIsLoggedOnceAndTheConsoleKeepsWorking();
 };
@@ -117,46 +114,6 @@ void SystemBusNamesTest::theServiceDescribesItself()
     QVERIFY2(interface.contains(QStringLiteral("<method name=\"process\">")), qPrintable(interface));
     QVERIFY2(interface.contains(QStringLiteral("<signal name=\"notification\">")), qPrintable(interface));
     QCOMPARE(interface.count(QStringLiteral("type=\"a{sv}\"")), 3);
-}
-
-void SystemBusNamesTest::malformedCallsAreRefused_data()
-{
-    QTest::addColumn<QString>("member");
-    QTest::addColumn<QVariantList>("arguments");
-    QTest::newRow("no argument") << "process" << QVariantList();
-    QTest::newRow("a text") << "process" << QVariantList{"GetLastKey"};
-    QTest::newRow("a list") << "process" << QVariantList{QStringList{"GetLastKey"}};
-    QTest::newRow("two maps") << "process" << QVariantList{QVariantMap(), QVariantMap()};
-}
-
-void SystemBusNamesTest::malformedCallsAreRefused()
-{
-    QFETCH(QString, member);
-    QFETCH(QVariantList, arguments);
-    QVERIFY(launch());
-    BusConnection client(device().bus().address());
-    QDBusMessage call = callOf(serviceName(), member);
-    call.setArguments(arguments);
-    QCOMPARE(client.get().call(call).type(), QDBusMessage::ErrorMessage);
-    QVERIFY(nextKeyWorks());
-}
-
-void SystemBusNamesTest::aFloodOfCommandsIsAnswered()
-{
-    const QVariantMap getList{{ls::commandIdKey, "GetModifierKeyList"}, {ls::senderIdKey, "WwwApi"}};
-    QVERIFY(launch());
-    // In waves, because the bus rejects clients with more pending calls.
-    constexpr int waves = 20;
-    constexpr int perWave = 100;
-    for (int wave = 1; wave <= waves; ++wave) {
-        for (int i = 0; i < perWave; ++i) {
-            device().sendCommand(i % 2 == 0 ? getList : QVariantMap{{ls::commandIdKey, "Dance"}});
-        }
-        WAIT_FOR_EQUAL(actions().filter(QStringLiteral("answer ")).size(), wave * perWave);
-    }
-    QCOMPARE(actions().count(QStringLiteral("answer errorId=InvalidCmd resultId=Failure")),
-             waves * perWave / 2);
-    QVERIFY(nextKeyWorks());
 }
 
 void SystemBusNamesTest::theLossOfTheBusIsLoggedOnceAndTheConsoleKeepsWorking_data()

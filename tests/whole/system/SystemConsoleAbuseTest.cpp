@@ -69,6 +69,7 @@ private Q_SLOTS:
     void anyBytesAreHarmless();
     void aLineMayBeSplitAnywhere();
     void theEndOfInputDoesNotCompleteALine();
+    void closedInputIsNotRead();
     void aHundredThousandLinesDoNotDelayKeys();
     void anUnreadLogDoesNotBlock();
     void aLogWithoutReaderIsTolerated();
@@ -192,6 +193,17 @@ void SystemConsoleAbuseTest::theEndOfInputDoesNotCompleteALine()
     QVERIFY(idles());
     QCOMPARE(faults(), QString());
     QCOMPARE(completeLog().count(ran), 1);
+}
+
+/// Without /dev/null as descriptor 0, the daemon would read another of its files as console lines.
+void SystemConsoleAbuseTest::closedInputIsNotRead()
+{
+    options.standardInput = DeviceOptions::StandardInput::Closed;
+    QVERIFY(launch());
+    const QString input = QStringLiteral("/proc/%1/fd/0").arg(device().daemon().processId());
+    QCOMPARE(QFile::symLinkTarget(input), QStringLiteral("/dev/null"));
+    QVERIFY(nextKeyWorks());
+    QCOMPARE(completeLog().count(helpTitle), 0);
 }
 
 void SystemConsoleAbuseTest::aHundredThousandLinesDoNotDelayKeys()

@@ -2,10 +2,7 @@
 #include "tests/support/ProcessFigures.h"
 #include "tests/whole/system/SystemTest.h"
 
-#include <QDir>
 #include <QFile>
-
-#include <sys/stat.h>
 
 namespace {
 
@@ -33,11 +30,6 @@ constexpr int sanitizerFactor = 1;
 #endif
 
 constexpr int mebibyte = 1024 * 1024;
-
-QByteArray nested(int depth)
-{
-    return "{\"LongKeys\": " + QByteArray(depth, '[') + QByteArray(depth, ']') + '}';
-}
 
 QByteArray manyRows(int bytes)
 {
@@ -78,10 +70,6 @@ private Q_SLOTS:
     void withoutFilesEachListIsReported();
     void theDaemonWorksWithAFaultyFile_data();
     void theDaemonWorksWithAFaultyFile();
-    void anIrregularFileIsReported_data();
-    void anIrregularFileIsReported();
-    void unusualRowsAreKeptAndHarmless_data();
-    void unusualRowsAreKeptAndHarmless();
     void anyTopLevelContentIsReturnedToTheClient_data();
     void anyTopLevelContentIsReturnedToTheClient();
     void theLargestListsFitIntoTheUnit_data();
@@ -89,7 +77,6 @@ private Q_SLOTS:
 
 private:
     QStringList loadFaults() { return completeLog().filter(QStringLiteral("::load ")); }
-    QVariantMap timeouts() { return command("GetLongKeysTimeout").value(ls::keyTimeouts).toMap(); }
 };
 
 void SystemKeyListFilesTest::withoutFilesEachListIsReported()
@@ -112,21 +99,9 @@ void SystemKeyListFilesTest::theDaemonWorksWithAFaultyFile_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QStringList>("faults");
-    QTest::newRow("empty") << QByteArray() << unreadable;
     QTest::newRow("truncated") << manyRows(1000).left(700) << unreadable;
-    QTest::newRow("not JSON") << QByteArray("LongKeys: none") << unreadable;
-    QTest::newRow("bytes") << QByteArray("\x00\xff\xfe{\x80", 5) << unreadable;
-    QTest::newRow("an array") << QByteArray("[1, 2]") << unreadable;
-    QTest::newRow("a bare text") << QByteArray("\"LongKeys\"") << unreadable;
     QTest::newRow("an empty object") << QByteArray("{}") << withoutSection;
-    QTest::newRow("another section") << QByteArray(R"({"longkeys": []})") << withoutSection;
-    QTest::newRow("an object as list") << QByteArray(R"({"LongKeys": {"keys": []}})") << noList;
     QTest::newRow("a number as list") << QByteArray(R"({"LongKeys": 7})") << noList;
-    QTest::newRow("null as list") << QByteArray(R"({"LongKeys": null})") << noList;
-    QTest::newRow("nested a little") << nested(100) << QStringList();
-    QTest::newRow("nested too deeply for the parser") << nested(100'000) << unreadable;
-    QTest::newRow("a list without objects")
-        << QByteArray(R"({"LongKeys": [1, "x", null, [], true]})") << QStringList();
     QTest::newRow("1 MiB") << manyRows(1'000'000).leftJustified(mebibyte) << QStringList();
     QTest::newRow("over 1 MiB") << manyRows(1'000'000).leftJustified(mebibyte + 1) << overLimit;
 }
@@ -139,70 +114,6 @@ void SystemKeyListFilesTest::theDaemonWorksWithAFaultyFile()
     QVERIFY(nextKeyWorks());
     QTEST(loadFaults(), "faults");
     QCOMPARE(command("GetLongKeysTimeout").value(ls::resultIdKey).toString(), QStringLiteral("Success"));
-}
-
-void SystemKeyListFilesTest::anIrregularFileIsReported_data()
-{
-    QTest::addColumn<QString>("kind");
-    for (const char* kind : {"a folder", "a FIFO", "a link to itself", "a link to an endless device"}) {
-        QTest::newRow(kind) << QString(kind);
-    }
-}
-
-void SystemKeyListFilesTest::anIrregularFileIsReported()
-{
-    QFETCH(QString, kind);
-    QVERIFY(prepare());
-    const QString path = device().folder().keyList(longFile);
-    QVERIFY(QFile::remove(path));
-    if (kind == "a folder") {
-        QVERIFY(QDir().mkdir(path));
-    } else if (kind == "a FIFO") {
-        QCOMPARE(mkfifo(qPrintable(path), S_IRUSR | S_IWUSR), 0);
-    } else {
-        QVERIFY(QFile::link(kind == "a link to itself" ? longFile : QStringLiteral("/dev/zero"), path));
-    }
-    QVERIFY(launch());
-    QVERIFY(nextKeyWorks());
-    QCOMPARE(loadFaults(), unreadable);
-}
-
-void SystemKeyListFilesTest::unusualRowsAreKeptAndHarmless_data()
-{
-    QTest::addColumn<QByteArray>("rows");
-    QTest::addColumn<QVariantMap>("times");
-    QTest::newRow("no keys") << QByteArray(R"({"keys": [], "timeout": 1})") << QVariantMap();
-    QTest::newRow("nothing at all") << QByteArray("{}") << QVariantMap();
-    QTest::newRow("fields of other types")
-        << QByteArray(
-               R"({"keys": [1, null, {}], "eAction": [], "receiverService": {}, "timeout": "2", "validOnState": 5})")
-        << QVariantMap{{"1", 2000}};
-    QTest::newRow("the same key twice")
-        << QByteArray(R"({"keys": ["Ok"], "timeout": 1}, {"keys": ["Ok"], "timeout": 5})")
-        << QVariantMap{{"Ok", 5000}};
-    QTest::newRow("the same field twice")
-        << QByteArray(R"({"keys": ["Ok"], "timeout": 1, "timeout": 7})") << QVariantMap{{"Ok", 7000}};
-    QTest::newRow("a negative time") << QByteArray(R"({"keys": ["Ok"], "timeout": -3})")
-                                     << QVariantMap{{"Ok", -3000}};
-    QTest::newRow("a huge time")
-        << QByteArray(
-               R"({"keys": ["Ok"], "timeout": 1e300}, {"keys": ["Help"], "timeout": 2147484}, {"keys": ["Up"],)"
-               R"( "timeout": 99999999999999999999})")
-        << QVariantMap{{"Ok", 2147483000}, {"Help", 2147483647}, {"Up", 2147483000}};
-}
-
-void SystemKeyListFilesTest::unusualRowsAreKeptAndHarmless()
-{
-    QFETCH(QByteArray, rows);
-    options.keyLists.insert(longFile, "{\"LongKeys\": [" + rows + "]}");
-    QVERIFY(launch());
-    QTEST(timeouts(), "times");
-    device().press(0, ls::KeyId::Ok);
-    device().press(0, ls::KeyId::Help);
-    device().release(0, ls::KeyId::Help);
-    device().release(0, ls::KeyId::Ok);
-    QVERIFY(nextKeyWorks());
-    QCOMPARE(loadFaults(), QStringList());
 }
 
 void SystemKeyListFilesTest::anyTopLevelContentIsReturnedToTheClient_data()

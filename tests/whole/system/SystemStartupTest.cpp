@@ -39,6 +39,7 @@ private Q_SLOTS:
     void readinessIsDeclaredAfterTheState();
     void aCommandBeforeTheStateIsAnswered();
     void readinessDoesNotNeedTheBusName();
+    void readinessDoesNotNeedInputDevices();
     void versionAndHelpWaitForTheDependencies_data();
     void versionAndHelpWaitForTheDependencies();
     void anUnknownOptionIsRefused();
@@ -183,6 +184,17 @@ void SystemStartupTest::readinessDoesNotNeedTheBusName()
     QVERIFY(launch());
     QVERIFY(!hasBusName());
     QVERIFY(nextKeyWorks());
+}
+
+void SystemStartupTest::readinessDoesNotNeedInputDevices()
+{
+    options.keyboards = {false, false};
+    QVERIFY(launch());
+    command(ls::KeyboardHandlerCmdId::SimulateModifier, {{ls::keysListKey, QStringList{"Help", "Ok"}}});
+    QVERIFY(awaitAction(QStringLiteral("announce RepeatMessage UserMenu ServiceTool Help Ok")));
+    // Without the first device, a simulated key is accepted but has no effect.
+    command(ls::KeyboardHandlerCmdId::SimulateKey, {{ls::actionIdKey, "Released"}, {ls::keyKey, "Menu"}});
+    QCOMPARE(actions().last(), QStringLiteral("answer errorId=Undefined resultId=Success"));
 }
 
 void SystemStartupTest::versionAndHelpWaitForTheDependencies_data()
