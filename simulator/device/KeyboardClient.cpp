@@ -22,14 +22,14 @@ bool KeyboardClient::listen()
                          SLOT(onNotification(QVariantMap)));
 }
 
-void KeyboardClient::send(const QVariantMap& command)
+void KeyboardClient::send(const QVariantMap& command, int timeout)
 {
     QDBusMessage message = QDBusMessage::createMethodCall(keyboardService(), ls::busPath, keyboardService(),
                                                           QStringLiteral("process"));
     message << command;
     // Slots are connected before the message is sent. A QDBusPendingCallWatcher could be too late, and report
     // the reply after messages that were sent later.
-    m_bus.callWithCallback(message, this, SLOT(onReply(QDBusMessage)), SLOT(onError(QDBusError)));
+    m_bus.callWithCallback(message, this, SLOT(onReply(QDBusMessage)), SLOT(onError(QDBusError)), timeout);
 }
 
 void KeyboardClient::onNotification(const QVariantMap& notification)

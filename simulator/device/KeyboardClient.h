@@ -7,6 +7,8 @@
 #include <QObject>
 #include <QVariantMap>
 
+#include <limits>
+
 /// The peers of the keyboard service: the receivers of its key actions and a client that sends commands.
 class KeyboardClient : public QObject
 {
@@ -18,8 +20,12 @@ public:
     /// Subscribes to notifications of the keyboard service from any sender, even without the service's name.
     bool listen();
 
-    /// Sends a command without waiting; `answered` or `failed` reports the result.
-    void send(const QVariantMap& command);
+    static constexpr int defaultTimeout = -1; // the library's, 25 seconds
+    static constexpr int noTimeout = std::numeric_limits<int>::max();
+
+    /// Sends a command without waiting; `answered` or `failed` reports the result. The timeout is in
+    /// milliseconds.
+    void send(const QVariantMap& command, int timeout);
 
 Q_SIGNALS:
     void announced(const QVariantMap& notification);

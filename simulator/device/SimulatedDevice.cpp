@@ -4,11 +4,7 @@
 #include <QEventLoop>
 #include <QTimer>
 
-using namespace std::chrono_literals;
-
 namespace {
-
-constexpr auto requestTimeout = 10s;
 
 const QString daemonName = QStringLiteral("keyboard-handler");
 const QStringList dependencies{QStringLiteral("state-handler"), QStringLiteral("speechd")};
@@ -104,8 +100,7 @@ QVariantMap SimulatedDevice::request(const QVariantMap& command)
         loop.quit();
     });
     connect(this, &SimulatedDevice::commandFailed, &loop, &QEventLoop::quit);
-    QTimer::singleShot(requestTimeout, &loop, &QEventLoop::quit);
-    QTimer::singleShot(0, &loop, [&] { sendCommand(command); });
+    QTimer::singleShot(0, &loop, [&] { send(command, KeyboardClient::noTimeout); });
     loop.exec();
     return response;
 }
@@ -148,8 +143,13 @@ void SimulatedDevice::setService(const ServiceChange& change)
 
 void SimulatedDevice::sendCommand(const QVariantMap& command)
 {
+    send(command, KeyboardClient::defaultTimeout);
+}
+
+void SimulatedDevice::send(const QVariantMap& command, int timeout)
+{
     if (m_client) {
-        m_client->send(command);
+        m_client->send(command, timeout);
     } else {
         Q_EMIT commandFailed(QDBusError(QDBusError::Disconnected, QStringLiteral("The bus is not running.")));
     }

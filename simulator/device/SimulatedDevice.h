@@ -63,8 +63,8 @@ public:
     void dropSpeech();
     void restoreSpeech();
 
-    /// Sends a command and runs the event loop until its response arrives. Empty on an error or after a
-    /// timeout of 10 seconds. No other command may be pending.
+    /// Sends a command and runs the event loop until its response arrives, without a timeout. Empty on an
+    /// error. No other command may be pending.
     QVariantMap request(const QVariantMap& command);
 
     void press(int keyboard, const QString& key) override;
@@ -94,6 +94,7 @@ private:
     void setStateHandler(ServiceChange::Condition condition);
     void setSpeechDaemon(ServiceChange::Condition condition);
     bool fail(const QString& error);
+    void send(const QVariantMap& command, int timeout);
 
     DeviceOptions m_options;
     DeviceFolder m_folder;
