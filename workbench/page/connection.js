@@ -72,7 +72,7 @@ function lose(reason, { onLost }) {
     if (status !== 'lost') {
         status = 'lost';
         ++epoch;
-        onLost(`${reason} The page goes on trying.`);
+        onLost(`${reason} The page keeps trying.`);
     }
 }
 
@@ -89,7 +89,7 @@ function open(handlers) {
     events.addEventListener('error', () => {
         if (events.readyState === EventSource.CLOSED) {
             // The browser does not reconnect after a refusal.
-            lose('The simulator takes no further page now.', handlers);
+            lose('The simulator accepts no more pages at the moment.', handlers);
             setTimeout(open, retryDelay, handlers);
         } else {
             lose('There is no connection to the simulator.', handlers);

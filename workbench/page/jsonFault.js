@@ -68,8 +68,12 @@ class JsonReader {
         this.#match(token(''));
         const found = this.#text[this.#at];
         const lines = this.#text.slice(0, this.#at).split('\n');
-        const text = `${fault}${found === undefined ? ' at the end' : ` before ${found}`}`;
-        throw Object.assign(new SyntaxError(), { line: lines.length, column: lines.at(-1).length + 1, text });
+        const place = found === undefined ? 'at the end' : `before ${found === '"' ? 'a quote' : `"${found}"`}`;
+        throw Object.assign(new SyntaxError(), {
+            line: lines.length,
+            column: lines.at(-1).length + 1,
+            text: `${fault} ${place}`,
+        });
     }
 }
 

@@ -60,12 +60,12 @@ function keepDraft(field) {
     setDraft('draft', fileOf(field), isDraft(field) ? field.value : undefined);
 }
 
-/// Keeps the former text, which the user can bring back.
+/// Keeps the previous text, which the user can restore.
 function replaceText(field, text) {
     if (field.value !== text) {
         setDraft('former', fileOf(field), field.value);
         fillField(field, text);
-        news.add('The former texts of the key lists can be brought back in the view Key lists.');
+        news.add('The previous texts of the key lists can be restored in the view Key lists.');
     }
     showFormer();
 }
@@ -83,7 +83,7 @@ function bringBackFormer() {
             keepDraft(field);
         }
     }
-    showStatus('The former texts stand in the fields again. They count after "Check and restart".');
+    showStatus('The fields have the previous texts again. They take effect after "Check and restart".');
 }
 
 /// Gets the lists that the daemon has. What is typed stays, also over a reload.
@@ -112,14 +112,14 @@ async function loadFile(input) {
     replaceText(field, await file.text());
     keepDraft(field);
     input.value = '';
-    showStatus(`${file.name} stands in the field of ${fileOf(field)} now. It counts after "Check and restart".`);
+    showStatus(`${file.name} is in the field of ${fileOf(field)}. It takes effect after "Check and restart".`);
 }
 
 async function restoreInstalled() {
     const names = fields.filter(isDraft).map(fileOf);
     const question =
         `What you have typed in ${names.join(' and ')} is not in use yet. ` +
-        'The installed lists take its place. It can be brought back in this browser.';
+        'The installed lists replace it. It can be restored in this browser.';
     if (names.length === 0 || (await ask(question, 'Take the installed lists'))) {
         await restartWith(null);
     }
@@ -163,7 +163,7 @@ function describeNever({ kind, row, keys, action, why }) {
 
 /// Shows the rows of the loaded lists that no key can ever complete.
 export function showNever() {
-    const heading = element('h3', { textContent: 'Rows that never count' });
+    const heading = element('h3', { textContent: 'Rows that never work' });
     byId('never').replaceChildren(...(card.never.length > 0 ? [heading, list(card.never.map(describeNever))] : []));
 }
 

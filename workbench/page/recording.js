@@ -13,7 +13,7 @@ let shownReplay = 0; // the id of its entry
 /// Follows the entries of the session, old and new.
 export function followRecording({ type, status, former }) {
     if (type === 'recording' && former && isUnsaved) {
-        news.add('The former recording can be downloaded in the view Recording.');
+        news.add('The previous recording can be downloaded in the view Recording.');
     }
     if (type === 'recording' && status === 'recording') {
         isUnsaved = false;
@@ -22,7 +22,7 @@ export function followRecording({ type, status, former }) {
     }
 }
 
-/// `former` says whether there is a former recording; nothing changes about it if it is missing.
+/// `former` says whether there is a previous recording; nothing changes about it if it is missing.
 export function showRecording({ status, former = !byId('download-former').hidden }) {
     byId('download-former').hidden = !former;
     const isFull = status === 'full';
@@ -46,8 +46,8 @@ export function showReplay(entry) {
 /// Asks before a recording that was not downloaded ends. Returns whether it may.
 async function mayEndRecording(answer) {
     const question =
-        'The recording is not downloaded. A new one begins now. ' +
-        'Until the next restart this one can be downloaded as the former recording.';
+        'The current recording ends. It has not been downloaded; ' +
+        'until the next restart it can be downloaded as the previous recording.';
     return !isUnsaved || ask(question, answer);
 }
 
@@ -67,8 +67,8 @@ async function startReplay(event) {
 }
 
 on('#restart-recording', 'click', async () => {
-    if ((await mayEndRecording('Start anew')) && (await attempt(post('/api/recording')))) {
-        showStatus('The recording begins anew.');
+    if ((await mayEndRecording('Start a new recording')) && (await attempt(post('/api/recording')))) {
+        showStatus('A new recording has begun.');
     }
 });
 on('#download-recording', 'click', async () => {

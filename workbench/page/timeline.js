@@ -570,7 +570,7 @@ function deafness({ heard, pressHeard, releaseHeard = true }) {
 }
 
 function windowText(window) {
-    const restarts = window.restarts.length > 0 && `begun anew ${countOf(window.restarts.length, 'time')}`;
+    const restarts = window.restarts.length > 0 && `restarted ${countOf(window.restarts.length, 'time')}`;
     return joined('Waits for more keys', restarts, window.open && 'still open');
 }
 

@@ -38,7 +38,7 @@ export function answerText({ command, text, response }) {
 }
 
 export const unansweredText = ({ text, isFinal }) =>
-    `${text}: the daemon ${isFinal ? 'went without an answer' : 'has not answered yet'}.`;
+    `${text}: the daemon ${isFinal ? 'did not answer' : 'has not answered yet'}.`;
 
 export function replayText({ status, differences = [], expectations }) {
     const all = count(expectations, 'expectation');

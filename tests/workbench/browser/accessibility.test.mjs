@@ -204,7 +204,7 @@ for (const [view, hash, stops] of [
         'Recording',
         '#record',
         [
-            ...buttons('Start the recording anew', 'Download the recording', 'Download the former recording'),
+            ...buttons('Start a new recording', 'Download the recording', 'Download the previous recording'),
             'button "Key script"',
             ...buttons('Replay the script', 'Stop the replay'),
         ],
@@ -236,7 +236,7 @@ for (const [view, hash, stops] of [
     ],
 ]) {
     test(`Tab goes through the view ${view} in the order in which it is read`, async () => {
-        await fixture.simulator.restart(); // so that there is a former recording
+        await fixture.simulator.restart(); // so that there is a previous recording
         const panel = await fixture.open({ view: hash });
         await panel.disclose('sound');
         await panel.page.locator('#skip-link').focus();

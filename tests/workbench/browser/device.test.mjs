@@ -159,7 +159,7 @@ test('a sixth page of one browser waits until one of the five closes', async () 
     const sixth = await panels[0].another({ status: 'not connected' });
     await sixth.showsText(
         '#alert',
-        'This browser has the panel open in as many pages as it can serve. The page goes on trying.',
+        'This browser has the panel open in as many pages as it can serve. The page keeps trying.',
     );
     await panels[0].key('Menu').click();
     await panels[0].isTold('SingleKey Menu to UserMenu');

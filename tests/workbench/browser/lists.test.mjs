@@ -59,7 +59,7 @@ test('a list is loaded from a file', async () => {
     const panel = await openLists();
     const file = asFile('modifierKeyList.json', combination('FromFile', 'Ok', 'Chs'));
     await panel.page.getByLabel('Load modifierKeyList.json').setInputFiles(file);
-    await panel.showsText('#status', /^modifierKeyList\.json stands in the field/);
+    await panel.showsText('#status', /^modifierKeyList\.json is in the field/);
     await checkAndRestart(panel);
     await fixture.simulator.take('tap Ok Chs');
     await panel.isTold('FromFile Ok Chs to UserMenu');
@@ -69,7 +69,7 @@ test('the name of a file decides which list it is', async () => {
     const panel = await openLists();
     const file = asFile('modifierKeyList.json', combination('ByName', 'Ok', 'Chs'));
     await panel.page.getByLabel('Load longKeyList.json').setInputFiles(file);
-    await panel.showsText('#status', /^modifierKeyList\.json stands in the field of modifierKeyList\.json/);
+    await panel.showsText('#status', /^modifierKeyList\.json is in the field of modifierKeyList\.json/);
     assert.match(await combinations(panel).inputValue(), /ByName/);
 });
 
@@ -146,7 +146,7 @@ test('a list is saved to a file as it stands in its field', async () => {
     assert.equal(saved, combination('Saved', 'Up', 'Down'));
 });
 
-test('the installed lists take the place of what is typed only if that is wanted, and it can be brought back', async () => {
+test('the installed lists replace what is typed only after a question, and it can be restored', async () => {
     const panel = await openLists();
     const typed = combination('Draft', 'Up', 'Down');
     await combinations(panel).fill(typed);
@@ -163,32 +163,32 @@ test('the installed lists take the place of what is typed only if that is wanted
     observer.close();
     await eventually(async () => assert.match(await combinations(panel).inputValue(), /PaperStatus/));
     await panel.page.reload();
-    await panel.button('Bring back the former texts').click();
+    await panel.button('Restore the previous texts').click();
     await eventually(async () => assert.equal(await combinations(panel).inputValue(), typed));
     assert.equal(await panel.question.isVisible(), false);
 });
 
-test('lists in use that a replay replaces can be brought back', async () => {
+test('lists in use that a replay replaces can be restored', async () => {
     const panel = await openLists();
     const tried = combination('Tried', 'Up', 'Down');
     await combinations(panel).fill(tried);
     await checkAndRestart(panel);
     await fixture.simulator.post('/api/replay', 'state Idle\nwait 10\n', { 'Content-Type': 'text/plain' });
-    await panel.showsText('#status', /The former texts of the key lists can be brought back in the view Key lists\./);
+    await panel.showsText('#status', /The previous texts of the key lists can be restored in the view Key lists\./);
     assert.match(await combinations(panel).inputValue(), /PaperStatus/);
-    await panel.button('Bring back the former texts').click();
+    await panel.button('Restore the previous texts').click();
     assert.equal(await combinations(panel).inputValue(), tried);
     await fixture.simulator.restart({ keyLists: null });
 });
 
-test('a text that a loaded file replaces can be brought back', async () => {
+test('a text that a loaded file replaces can be restored', async () => {
     const panel = await openLists();
     const typed = combination('Draft', 'Up', 'Down');
     await combinations(panel).fill(typed);
     const file = asFile('modifierKeyList.json', combination('FromFile', 'Ok', 'Chs'));
     await panel.page.getByLabel('Load modifierKeyList.json').setInputFiles(file);
     await eventually(async () => assert.match(await combinations(panel).inputValue(), /FromFile/));
-    await panel.button('Bring back the former texts').click();
+    await panel.button('Restore the previous texts').click();
     assert.equal(await combinations(panel).inputValue(), typed);
 });
 

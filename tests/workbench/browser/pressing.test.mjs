@@ -202,3 +202,13 @@ test('many quick keys arrive in their order', async () => {
     }, names);
     await deviceGot(observer, ...names.flatMap(name => [`${name} 1`, `${name} 0`]));
 });
+
+for (const width of [320, 1024, 1280]) {
+    test(`names fit in the keys of a page of ${width} px`, async () => {
+        const { page } = await fixture.open({ viewport: { width, height: 900 } });
+        const overflowing = await page
+            .locator('.key')
+            .evaluateAll(keys => keys.filter(key => key.scrollWidth > key.clientWidth).map(key => key.dataset.key));
+        assert.deepEqual(overflowing, []);
+    });
+}

@@ -40,8 +40,8 @@ async function downloaded(panel, name) {
 /// Records two keys from the beginning and replays them; comes back with what came otherwise.
 async function recordAndReplay(panel) {
     const observer = await fixture.simulator.observe();
-    await panel.button('Start the recording anew').click();
-    await confirm(panel, 'Start anew');
+    await panel.button('Start a new recording').click();
+    await confirm(panel, 'Start a new recording');
     await observer.sees({ type: 'device', status: 'ready' });
     await panel.showsText('#device-status', 'ready');
     await panel.goTo('Panel');
@@ -77,7 +77,7 @@ test('what is done is recorded, downloaded and replayed as it came', async () =>
 
 for (const [what, button, end] of [
     ['A replay', 'Replay the script', { type: 'replay', status: 'finished' }],
-    ['A new recording', 'Start the recording anew', { type: 'device', status: 'ready' }],
+    ['A new recording', 'Start a new recording', { type: 'device', status: 'ready' }],
 ]) {
     test(`${what} asks before it ends a recording that was not downloaded, and then only`, async () => {
         const panel = await openRecording();
@@ -100,7 +100,7 @@ for (const [what, button, end] of [
         assert.equal(await panel.question.isVisible(), false);
         observer.close();
         await panel.showsText('#device-status', 'ready');
-        assert.match(await downloaded(panel, 'Download the former recording'), /^press Chs$[^]*^press Down$/m);
+        assert.match(await downloaded(panel, 'Download the previous recording'), /^press Chs$[^]*^press Down$/m);
     });
 }
 
@@ -110,11 +110,11 @@ test('another model leaves the recording to be downloaded, and says so', async (
     await panel.isTold('SingleKey Chs to UserMenu');
     await panel.disclose('setup');
     await panel.button('Orvane').click();
-    await panel.showsText('#status', /The former recording can be downloaded in the view Recording\.$/);
+    await panel.showsText('#status', /The previous recording can be downloaded in the view Recording\.$/);
     await panel.goTo('Recording');
-    assert.match(await downloaded(panel, 'Download the former recording'), /^press Chs$/m);
+    assert.match(await downloaded(panel, 'Download the previous recording'), /^press Chs$/m);
     const later = await fixture.open({ view: '#record' });
-    await later.button('Download the former recording').waitFor();
+    await later.button('Download the previous recording').waitFor();
     await fixture.simulator.restart({ model: 'Pellit' });
 });
 

@@ -136,7 +136,7 @@ describe('the window for more keys', () => {
         assert.deepEqual(times(model.windows), [[100, 800]]);
         assert.equal(model.windowMs, 700);
     });
-    test('begins anew with each release until then, of any key on any device', () => {
+    test('restarts with each release until then, of any key on any device', () => {
         const model = modelOf([ready(), tap(50, 'Up'), tap(1000, 'Down', 1), tap(2499, 'Ok')], 9000);
         assert.deepEqual(pick(model.windows, 'from', 'to', 'restarts'), [
             { from: 100, to: 4049, restarts: [1050, 2549] },
@@ -255,7 +255,7 @@ describe('the time of a long press', () => {
         const model = modelOf([...held('Menu', 250), refused(2251), announced(2252, 'MainMenu', 'Menu')], 4000);
         assert.equal(holdsOf(model, 'Menu')[0].outcome, 'fired');
     });
-    test('runs anew with the next repetition after it fired', () => {
+    test('runs again with the next repetition after it fired', () => {
         const model = modelOf(
             [...held('Help', 250, 2231), announced(2252, 'KeyDescription', 'Help'), repeat(2264, 'Help')],
             3000,
@@ -287,7 +287,7 @@ describe('the time of a long press', () => {
             assert.deepEqual(pick(holdsOf(model, 'Help'), 'to', 'outcome'), [{ to: 900, outcome: 'stopped' }]);
         });
     }
-    test('is stopped by the end of a window and begins anew', () => {
+    test('is stopped by the end of a window and begins again', () => {
         const model = modelOf(
             [ready(), tap(0, 'Up'), press(100, 'Help'), repeat(350, 'Help'), repeat(1560, 'Help')],
             2000,
@@ -341,7 +341,7 @@ describe('the time of a long press', () => {
         const model = modelOf(held('Help', 250), 2300);
         assert.deepEqual(pick(holdsOf(model, 'Help'), 'to', 'outcome'), [{ to: 2250, outcome: 'running' }]);
     });
-    test('runs anew in the end when no word of it comes', () => {
+    test('runs again in the end when nothing more is reported of it', () => {
         const model = modelOf(held('Help', 250, 2340, 2360), 2400);
         assert.deepEqual(pick(holdsOf(model, 'Help'), 'from', 'to', 'outcome'), [
             { from: 250, to: 2250, outcome: 'stopped' },
@@ -397,7 +397,7 @@ describe('the hold of the factory reset', () => {
         const model = modelOf([ready(0, 'Startup'), press(100, 'FactoryReset')], 6000);
         assert.deepEqual(holdsOf(model, 'FactoryReset'), []);
     });
-    test('begins anew with another press', () => {
+    test('begins again with another press', () => {
         const model = modelOf([ready(), press(100, 'FactoryReset'), press(900, 'FactoryReset', 1)], 2000);
         assert.deepEqual(
             holdsOf(model, 'FactoryReset').map(hold => hold.outcome),
@@ -459,7 +459,7 @@ describe('moments, states and runs', () => {
             ],
         );
     });
-    test('a device that is started again follows behind a break, and its clock begins anew', () => {
+    test('a device that is started again follows behind a break, and its clock begins again', () => {
         const model = modelOf([ready(), tap(950, 'Up'), ready(), tap(100, 'Down')], 3000);
         assert.deepEqual(pick(model.breaks, 'at'), [{ at: 1500 }]);
         assert.deepEqual(times(laneOf(model, 'Down').bars), [[1600, 1650]]);

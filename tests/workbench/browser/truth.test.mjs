@@ -172,7 +172,7 @@ test('a command that a restart overtakes stays unanswered', async () => {
     await fixture.simulator.hangDaemon();
     await panel.button('Send GetTestResult').click();
     await fixture.simulator.restart();
-    const text = 'GetTestResult: the daemon went without an answer.';
+    const text = 'GetTestResult: the daemon did not answer.';
     await panel.page.locator('#answers').getByText(text).waitFor();
     const later = await fixture.open({ view: '#commands' });
     await later.page.locator('#answers').getByText(text).waitFor();

@@ -17,7 +17,7 @@ class WebTest : public QObject
     Q_OBJECT
 
 protected:
-    /// Makes session and server anew, with `options`.
+    /// Creates the session and the server again, with `options`.
     void begin();
 
     Session& session() { return *m_session; }
