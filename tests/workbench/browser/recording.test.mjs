@@ -86,7 +86,7 @@ for (const [what, button, end] of [
         await panel.page.getByLabel('Key script').setInputFiles(asFile('state Idle\nwait 10\n'));
         const observer = await fixture.simulator.observe();
         await panel.button(button).click();
-        await panel.question.getByText(/ The recording is not downloaded\./).waitFor();
+        await panel.question.getByText(/ It has not been downloaded;/).waitFor();
         await panel.reply('Cancel');
         await fixture.simulator.take('tap Down');
         await observer.sees({ type: 'key', key: 'Down', value: 0 });
