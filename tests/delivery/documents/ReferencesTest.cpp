@@ -2,50 +2,28 @@
 #include "simulator/script/KeyScript.h"
 #include "simulator/script/KeyScriptText.h"
 #include "simulator/script/StatementHelp.h"
+#include "tests/delivery/documents/Documents.h"
 
 #include <ls/Identifiers.h>
 
-#include <QDirIterator>
+#include <QDir>
+#include <QRegularExpression>
 #include <QtTest>
+
+using Documents::matches;
+using Documents::projectPath;
+using Documents::textOf;
 
 namespace {
 
-QString projectPath(const QString& name)
+/// The names by which links reach the headings of a document.
+QStringList anchorsOf(const QString& text)
 {
-    return QStringLiteral(PROJECT_FOLDER "/") + name;
-}
-
-QString textOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-/// All captures of the first group of `pattern` in `text`.
-QStringList matches(const QString& text, const char* pattern)
-{
-    QStringList found;
-    QRegularExpressionMatchIterator it = QRegularExpression(QString::fromLatin1(pattern)).globalMatch(text);
-    while (it.hasNext()) {
-        found.append(it.next().captured(1));
+    QStringList anchors;
+    for (const QString& heading : matches(text, "(?m)^#+ (.+)$")) {
+        anchors.append(heading.toLower().remove(QRegularExpression("[^a-z0-9 _-]")).replace(' ', '-'));
     }
-    return found;
-}
-
-/// The paths of the project's documents, relative to the project.
-QStringList documents()
-{
-    QStringList names;
-    QStringList folders{QString()};
-    folders += QDir(projectPath(QString())).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    folders.append(QStringLiteral("tests/whole/fuzz"));
-    for (const QString& folder : qAsConst(folders)) {
-        const QDir dir(projectPath(folder));
-        for (const QString& name : dir.entryList({QStringLiteral("*.md")}, QDir::Files)) {
-            names.append(folder.isEmpty() ? name : folder + '/' + name);
-        }
-    }
-    return names;
+    return anchors;
 }
 
 } // namespace
@@ -68,7 +46,7 @@ private Q_SLOTS:
 void ReferencesTest::linkedFilesExist_data()
 {
     QTest::addColumn<QString>("document");
-    const QStringList names = documents();
+    const QStringList names = Documents::names();
     QVERIFY(names.contains(QStringLiteral("README.md")));
     for (const QString& name : names) {
         QTest::newRow(qPrintable(name)) << name;
@@ -79,9 +57,13 @@ void ReferencesTest::linkedFilesExist()
 {
     QFETCH(QString, document);
     const QDir folder = QFileInfo(projectPath(document)).dir();
-    const QStringList links = matches(textOf(projectPath(document)), "\\]\\(([^)#:]+)\\)");
+    const QStringList links = matches(textOf(projectPath(document)), "\\]\\(([^): ]+)\\)");
     for (const QString& link : links) {
-        QVERIFY2(folder.exists(link), qPrintable(link));
+        const QString path = link.section('#', 0, 0);
+        const QString anchor = link.section('#', 1);
+        const QString target = path.isEmpty() ? projectPath(document) : folder.filePath(path);
+        QVERIFY2(QFileInfo::exists(target), qPrintable(link));
+        QVERIFY2(anchor.isEmpty() || anchorsOf(textOf(target)).contains(anchor), qPrintable(link));
     }
 }
 
