@@ -12,7 +12,7 @@ namespace Transcript {
 enum class Clock {
     /// Requires the same texts at the same times, in the same order.
     Virtual,
-    /// Requires the same texts in the same order, none of them early; late texts are accepted. The log is
+    /// Requires the same texts in the same order. No text may be early; late texts are accepted. The log is
     /// compared separately, because it does not arrive over the bus, and may hold additional lines.
     Real,
 };

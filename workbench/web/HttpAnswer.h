@@ -27,6 +27,6 @@ struct HttpAnswer
     static HttpAnswer json(const QJsonObject& object, int status = 200);
     /// A file that a browser saves under this name.
     static HttpAnswer file(const QByteArray& name, const QByteArray& type, const QByteArray& content);
-    /// `sentence` tells a person what is wrong, and `details` a program.
+    /// `sentence` explains the error to a person, and `details` to a program.
     static HttpAnswer error(int status, const QString& sentence, QJsonObject details = {});
 };

@@ -41,7 +41,7 @@ public:
     void end();
 
 Q_SIGNALS:
-    /// The library has to go on with the connection.
+    /// The library must continue with the connection.
     void resumed();
 
 private:

@@ -134,7 +134,7 @@ HttpAnswer PanelApi::keyLists() const
 HttpAnswer PanelApi::takeSteps(const HttpRequest& request)
 {
     const int client = clientOf(request);
-    // Nobody would release what a client presses that is not there.
+    // The keys that an unknown client presses would never be released.
     if (client != 0 && !m_streams.contains(client)) {
         return HttpAnswer::error(badRequest, QStringLiteral("There is no event stream of that client."));
     }

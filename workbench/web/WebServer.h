@@ -22,7 +22,7 @@ public:
     WebServer(const WebServer&) = delete;
     WebServer& operator=(const WebServer&) = delete;
 
-    /// Serves from now on, at any free port when `port` is 0. False when that cannot be; `errorString` tells
+    /// Serves from now on, at any free port when `port` is 0. False on failure; `errorString` says
     /// why.
     bool listen(quint16 port);
     QString errorString() const { return m_error; }

@@ -5,11 +5,13 @@
 #include <QDirIterator>
 #include <QRegularExpression>
 
+#include <algorithm>
+
 namespace {
 
 const QString documentSuffix = QStringLiteral(".md");
-/// The tests of the documents name what documents may say, so they are no evidence.
-const QString ownFolder = QStringLiteral("tests/delivery/documents/");
+/// The checks of the documents name what documents may say, so they do not count.
+const QStringList checks{QStringLiteral("tests/delivery/documents/"), QStringLiteral("tools/prose.")};
 
 bool isNameStart(QChar character)
 {
@@ -39,8 +41,10 @@ int endOfWord(const QString& text, int start)
 /// Whether a file is text that a person wrote.
 bool isSource(const QString& name)
 {
-    return !name.endsWith(documentSuffix) && !name.endsWith(QLatin1String(".png")) &&
-           !name.startsWith(ownFolder) && name != QLatin1String("LICENSE");
+    const bool isCheck = std::any_of(checks.cbegin(), checks.cend(),
+                                     [&name](const QString& start) { return name.startsWith(start); });
+    return !isCheck && !name.endsWith(documentSuffix) && !name.endsWith(QLatin1String(".png")) &&
+           name != QLatin1String("LICENSE");
 }
 
 } // namespace

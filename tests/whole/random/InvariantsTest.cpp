@@ -40,7 +40,7 @@ bool moveOn(Play& play, int index)
 
 bool drop(Play& play, int index)
 {
-    // It is not always known which long presses are due.
+    // The checks do not always know which long presses are due.
     const bool isChecked =
         startsWith(play, index, "announce SingleKey ") || play.events.at(index).place.isInStep();
     const bool isMutation = isChecked && !isLog(play, index);
@@ -68,7 +68,7 @@ bool nameOtherSender(Play& play, int index)
 
 bool nameOtherReceiver(Play& play, int index)
 {
-    return replaceWord(play, index, 2, QStringLiteral("Somebody"));
+    return replaceWord(play, index, 2, QStringLiteral("Another"));
 }
 
 bool nameOtherAction(Play& play, int index)
