@@ -6,6 +6,7 @@
 #include <ls/Identifiers.h>
 #include <ls/MessageKeys.h>
 
+#include <QMetaEnum>
 #include <QtTest>
 
 #include <limits>
@@ -23,7 +24,8 @@ private Q_SLOTS:
     void emptyFamilyHasNoMembers();
     void responseHoldsExactlyResultAndError();
     void successHasTheNoErrorMarker();
-    void keyNamesAreSentences17To29And31();
+    void keyIsNamedByItsSentence_data();
+    void keyIsNamedByItsSentence();
     void keyNamesReturnsIndependentCopies();
     void logPrefixIsExtractedFromTheSignature_data();
     void logPrefixIsExtractedFromTheSignature();
@@ -79,21 +81,21 @@ void VocabularyTest::successHasTheNoErrorMarker()
     QCOMPARE(vocabulary::response(ls::ResultId::Success), expected);
 }
 
-void VocabularyTest::keyNamesAreSentences17To29And31()
+void VocabularyTest::keyIsNamedByItsSentence_data()
 {
-    const QMap<QString, int> expected{
-        {QStringLiteral("On"), 17},    {QStringLiteral("Off"), 18},     {QStringLiteral("Feed"), 19},
-        {QStringLiteral("Help"), 20},  {QStringLiteral("Menu"), 21},    {QStringLiteral("Back"), 22},
-        {QStringLiteral("Right"), 23}, {QStringLiteral("Up"), 24},      {QStringLiteral("Down"), 25},
-        {QStringLiteral("Ok"), 26},    {QStringLiteral("Chs"), 27},     {QStringLiteral("One"), 28},
-        {QStringLiteral("Ten"), 29},   {QStringLiteral("Function"), 31}};
-    QMap<QString, int> numbers;
-    const vocabulary::KeyNames names = vocabulary::keyNames();
-    for (auto name = names.cbegin(); name != names.cend(); ++name) {
-        numbers.insert(name.key(), int(name.value()));
+    QTest::addColumn<QString>("key");
+    for (const QString& key : ls::KeyId::meta.keys()) {
+        QTest::newRow(qPrintable(key)) << key;
     }
-    QCOMPARE(numbers, expected);
-    QCOMPARE(int(names.value(ls::KeyId::FactoryReset)), 0);
+}
+
+void VocabularyTest::keyIsNamedByItsSentence()
+{
+    QFETCH(QString, key);
+    const QMetaEnum sentences = QMetaEnum::fromType<EmbosserCore>();
+    const int number = int(vocabulary::keyNames().value(key));
+    const bool isNameless = key == ls::KeyId::FactoryReset || key == ls::KeyId::Unknown;
+    QCOMPARE(QString(sentences.valueToKey(number)), isNameless ? QString() : "Key" + key);
 }
 
 void VocabularyTest::keyNamesReturnsIndependentCopies()

@@ -10,6 +10,7 @@
 #include <QRegularExpression>
 #include <QtTest>
 
+using Identifiers = QMap<QString, int>;
 using Documents::matches;
 using Documents::projectPath;
 using Documents::textOf;
@@ -36,6 +37,8 @@ class ReferencesTest : public QObject
 private Q_SLOTS:
     void linkedFilesExist_data();
     void linkedFilesExist();
+    void identifiersArePresented_data();
+    void identifiersArePresented();
     void scriptsOfTheBehaviourExist();
     void testsOfTheFaultsExist();
     void statementsOfTheReadmeAreValid_data();
@@ -64,6 +67,48 @@ void ReferencesTest::linkedFilesExist()
         const QString target = path.isEmpty() ? projectPath(document) : folder.filePath(path);
         QVERIFY2(QFileInfo::exists(target), qPrintable(link));
         QVERIFY2(anchor.isEmpty() || anchorsOf(textOf(target)).contains(anchor), qPrintable(link));
+    }
+}
+
+void ReferencesTest::identifiersArePresented_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("pattern"); // %1: the identifier, %2: its number
+    QTest::addColumn<Identifiers>("identifiers");
+    Identifiers keys = ls::KeyId::meta;
+    keys.remove(ls::KeyId::Unknown);
+    Identifiers commands = ls::KeyboardHandlerCmdId::meta;
+    commands.remove(ls::KeyboardHandlerCmdId::GetKeyList);
+
+    QTest::newRow("keys of rows") << "docs/behaviour.md"
+                                  << "\n\\| `keys` \\|[^|]*\\b%1\\b" << keys;
+    QTest::newRow("states of rows") << "docs/behaviour.md"
+                                    << "\n\\| `validOnState` \\|[^|]*\\b%1\\b" << ls::StateId::meta;
+    QTest::newRow("codes of keys") << "docs/integration.md"
+                                   << "\\| %1 \\| `KEY_\\w+` %2 \\|" << keys;
+    QTest::newRow("parameters of commands") << "docs/dbus.md"
+                                            << "\n\\| `%1` \\|.*\\|.*\\|\n"
+                                            << commands;
+    QTest::newRow("senders") << "docs/dbus.md"
+                             << "\n\\| `senderId` \\|.*\\b%1\\b" << ls::ServiceId::meta;
+    QTest::newRow("commands of the interface") << "data/KeyboardHandler.xml.in"
+                                               << "\\b%1\\b" << commands;
+    QTest::newRow("keys of the page") << "workbench/page/index.html"
+                                      << "data-key=\"%1\"" << keys;
+    QTest::newRow("commands of the page") << "workbench/page/index.html"
+                                          << "data-command=\"%1\"" << commands;
+}
+
+void ReferencesTest::identifiersArePresented()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, pattern);
+    QFETCH(Identifiers, identifiers);
+    const QString text = textOf(projectPath(file));
+    for (auto it = identifiers.cbegin(); it != identifiers.cend(); ++it) {
+        const QString expression =
+            QString(pattern).replace("%1", it.key()).replace("%2", QString::number(it.value()));
+        QVERIFY2(text.contains(QRegularExpression(expression)), qPrintable(it.key()));
     }
 }
 

@@ -87,7 +87,7 @@ struct CommandCase
     QVariantMap answer;
 };
 
-/// The nine commands, sent in the keyboard test after a release of Menu.
+/// The commands, sent in the keyboard test after a release of Menu.
 QVector<CommandCase> commandCases(const QString& state)
 {
     const QVariantMap key{{actionIdKey, KeyActionId::Pressed}, {keyKey, KeyId::Up}};

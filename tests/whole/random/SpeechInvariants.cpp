@@ -3,6 +3,9 @@
 #include "tests/whole/random/Invariants.h"
 
 #include <ls/MessageKeys.h>
+#include <translation/Sid.h>
+
+#include <QMetaEnum>
 
 #include <algorithm>
 
@@ -16,12 +19,9 @@ const QString cancellation = QStringLiteral("cancel");
 /// The sentence of a key's name; 0 for a key without one.
 int sentenceOf(const QString& key)
 {
-    static const QStringList named{KeyId::On,   KeyId::Off,   KeyId::Feed, KeyId::Help, KeyId::Menu,
-                                   KeyId::Back, KeyId::Right, KeyId::Up,   KeyId::Down, KeyId::Ok,
-                                   KeyId::Chs,  KeyId::One,   KeyId::Ten};
-    constexpr int first = 17;
-    constexpr int function = 31;
-    return key == KeyId::Function ? function : named.contains(key) ? first + named.indexOf(key) : 0;
+    static const QMetaEnum sentences = QMetaEnum::fromType<libtranslation::Sid::EmbosserCore>();
+    const int sentence = sentences.keyToValue(("Key" + key).toLatin1().constData());
+    return qMax(sentence, 0);
 }
 
 /// The spoken name of a lone key.
