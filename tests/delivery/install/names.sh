@@ -1,6 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Checks that installed files contain the configured names and no default names. Usage: names.sh SOURCE_FOLDER
+# Checks that installed files contain the configured names and no default names, and that the links of the installed
+# documents lead to installed files. Usage: names.sh SOURCE_FOLDER
 set -eu
 source=$1
 folder=$(mktemp -d)
@@ -43,3 +44,9 @@ left=$(grep -rlE 'com\.vantre|embosser-services|embosser-panel-|speechd\.service
 [ -z "$left" ] || fail "files contain default names: $left"
 left=$(find . -name '*com.vantre*')
 [ -z "$left" ] || fail "files have default names: $left"
+
+links=$(grep -ohE '\]\([^)#:]+' usr/share/doc/keyboard-handler/*.md | cut -c3- | sort -u)
+[ -n "$links" ] || fail "no links were found"
+for link in $links; do
+    [ -e "usr/share/doc/keyboard-handler/$link" ] || fail "a document links to $link, which is not installed"
+done
