@@ -32,7 +32,7 @@ export function longTimesOf(card, { repeatDelayMs }) {
 /// before. `times` are those of the device's description; `longTimes` has the time of each key's long press, unless a
 /// `device` entry brings its own `longTimes`.
 /// `end` is the moment up to which is known, on the clock of the last run; without it the last entry's.
-/// What still goes on there is marked `open`, and so is the model if there is any.
+/// What still lasts there is marked `open`, and so is the model if there is any.
 export function timelineModel(entries, times = unknownTimes, longTimes = {}, end = undefined) {
     const builder = new ModelBuilder(times, longTimes);
     for (const entry of entries) {
@@ -41,7 +41,7 @@ export function timelineModel(entries, times = unknownTimes, longTimes = {}, end
     return builder.finish(end);
 }
 
-/// Nothing has happened up to `end`, and nothing was going on: only the last state and run have become longer.
+/// Nothing has happened up to `end`, and nothing was in progress: only the last state and run have become longer.
 function prolong(model, end) {
     for (const last of [model.states, model.runs].map(spans => spans[spans.length - 1])) {
         if (last) {
@@ -836,7 +836,7 @@ class Drawing {
         this.#y += 26;
     }
 
-    /// Words stand beside their markers; markers without room for words stand in a row of their own.
+    /// Words are next to their markers; markers without room for words are in a separate row.
     #drawMoments(kind, label) {
         const y = this.#y;
         const moments = this.#model.moments.filter(one => one.kind === kind && this.#sees(one.at, one.at));
@@ -864,8 +864,8 @@ class Drawing {
     }
 
     #drawWords(text, x, y, { row, before }) {
-        const [beside, anchor] = before ? [x - 9, 'end'] : [x + 9, 'start'];
-        this.#put('text', { x: beside, y: y + 17 + row * labelHeight, 'text-anchor': anchor }, text);
+        const [wordX, anchor] = before ? [x - 9, 'end'] : [x + 9, 'start'];
+        this.#put('text', { x: wordX, y: y + 17 + row * labelHeight, 'text-anchor': anchor }, text);
     }
 
     #drawTimes() {
@@ -938,7 +938,7 @@ function tickStep(least) {
     return [1, 2, 5, 10].map(factor => factor * power).find(step => step >= least);
 }
 
-/// Finds rows in which labels have room beside their markers, so that they never cover each other.
+/// Finds rows in which labels have room next to their markers, so that they never cover each other.
 class LabelRows {
     used = 0;
     #ends;
@@ -968,12 +968,12 @@ class LabelRows {
 
 const firstSpan = 15000;
 const shortestSpan = 200;
-/// Between two drawings of the picture, and of the table, as time goes on.
+/// Between two drawings of the picture, and of the table, as time passes.
 const pictureInterval = 100;
 const tableInterval = 1000;
 /// How far the picture moves by one key press or button, in parts of its width.
 const moveBy = 0.25;
-/// Room for the words beside what happens now.
+/// Room for the words next to what happens now.
 const aheadOfNow = 0.12;
 /// How many steps of the slider go through the time that is shown.
 const stepsOfSlider = 10;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the page is to those who do not see it, use the keyboard alone, or need it large or in colours of their own.
+// What the page is to those who do not see it, use the keyboard alone, or need it large or in other colours.
 import assert from 'node:assert/strict';
 import { readFile } from 'node:fs/promises';
 import { test } from 'node:test';
@@ -120,7 +120,7 @@ async function focused(panel) {
     return role === 'text' ? focus.innerText() : `${role} "${name}"`;
 }
 
-/// All stops of the Tab key from the one that has the focus to the end of the page, whatever answers stand in it.
+/// All stops of the Tab key from the one that has the focus to the end of the page, whatever answers it shows.
 async function tabStops(panel) {
     const stops = [];
     while ((await panel.page.locator(':focus').count()) > 0) {

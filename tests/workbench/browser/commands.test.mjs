@@ -39,7 +39,7 @@ test('there is a form for each of the nine commands', async () => {
     assert.deepEqual(forms.sort(), (await fixture.simulator.json('/api/device')).commands.sort());
 });
 
-test('GetLastKey tells the code of the last key', async () => {
+test('GetLastKey shows the code of the last key', async () => {
     const panel = await openCommands();
     assert.match(await answerTo(panel, 'GetLastKey'), /\bkey=139\b.*\bresultId=Success\b/);
 });

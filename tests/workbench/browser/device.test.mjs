@@ -69,7 +69,7 @@ test('another model restarts the device and is known afterwards', async () => {
     await fixture.simulator.restart({ model: 'Pellit' });
 });
 
-test('a daemon that crashes is told, and the device can be restarted', async () => {
+test('a daemon that crashes is reported, and the device can be restarted', async () => {
     const panel = await fixture.open();
     await fixture.simulator.crashDaemon();
     await panel.showsText('#device-status', 'ended');

@@ -16,7 +16,7 @@ for (const [name, text, line, column, fault] of [
     ['a missing colon', '{"a" 1}', 1, 6, 'a colon is missing before "1"'],
     ['a name without quotes', '{a: 1}', 1, 2, 'a name in double quotes is missing before "a"'],
     ['a text that does not end', '["Up', 1, 2, 'a value is missing before a quote'],
-    ['a number that is none', '[01]', 1, 2, 'a value is missing before "0"'],
+    ['a number that is invalid', '[01]', 1, 2, 'a value is missing before "0"'],
     ['more after the end', '{}\n}', 2, 1, 'the text should end before "}"'],
 ]) {
     test(`the fault is found: ${name}`, () => {

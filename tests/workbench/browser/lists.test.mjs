@@ -73,7 +73,7 @@ test('the name of a file decides which list it is', async () => {
     assert.match(await combinations(panel).inputValue(), /ByName/);
 });
 
-test('a list that is no JSON is marked, and the daemon says what it made of it', async () => {
+test('a list that is not JSON is marked, and the daemon says what it made of it', async () => {
     const panel = await openLists();
     await combinations(panel).fill('{ "ModifierKeys": [');
     await panel.showsText('#list-modifier-note', 'Not JSON: line 1, column 20: a value is missing at the end.');
@@ -89,7 +89,7 @@ test('a list that is no JSON is marked, and the daemon says what it made of it',
         .waitFor();
 });
 
-/// What is told of lists with a fault once the daemon is ready, and everything that was told until then.
+/// The messages about lists with a fault once the daemon is ready, and all earlier messages.
 async function toldOf(panel, text) {
     await combinations(panel).fill(text);
     await checkAndRestart(panel);
@@ -102,7 +102,7 @@ for (const [name, text, first] of [
     ['no JSON', '{\n  "ModifierKeys": [}', /^modifierKeyList\.json: Not JSON: line 2, column 20: /],
     ['another list', '{"Wrong": []}', /^modifierKeyList\.json has no readable list/],
 ]) {
-    test(`the faults of a file with ${name} are told first, and no success`, async () => {
+    test(`the faults of a file with ${name} are reported first, and no success`, async () => {
         const panel = await openLists();
         const { alert, announced } = await toldOf(panel, text);
         assert.match(alert, first);
@@ -136,7 +136,7 @@ test('what is typed outlives a reload and another model, and is given up once it
     await eventually(async () => assert.match(await combinations(panel).inputValue(), /PaperStatus/));
 });
 
-test('a list is saved to a file as it stands in its field', async () => {
+test('a list is saved to a file as it is in its field', async () => {
     const panel = await openLists();
     await combinations(panel).fill(combination('Saved', 'Up', 'Down'));
     const download = panel.page.waitForEvent('download');
@@ -206,7 +206,7 @@ test('the installed lists come back', async () => {
     await panel.isTold('PaperStatus Help Feed to PrintManager');
 });
 
-test('what somebody is typing stays when another restarts the device', async () => {
+test('a text that is being typed stays when another client restarts the device', async () => {
     const panel = await openLists();
     await combinations(panel).fill('half a sente');
     await fixture.simulator.restart({ model: 'Orvane' });

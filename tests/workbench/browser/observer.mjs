@@ -3,7 +3,7 @@ import { isDeepStrictEqual } from 'node:util';
 
 import { remind } from './eventually.mjs';
 
-/// Listens to the event stream without a browser: what the page is told, and what the device really got.
+/// Listens to the event stream without a browser: what the page receives, and what the device really got.
 export class Observer {
     snapshot;
     entries = [];

@@ -20,7 +20,7 @@ export class PanelSession {
         this.browser = await launchBrowser();
     }
 
-    /// The page, in a context of its own, once it has come to know the device. `url` and `view` say what is opened,
+    /// The page, in a separate context, once it has come to know the device. `url` and `view` say what is opened,
     /// `script` runs before the page does, `status` is the one that the page shows then; the other options are those of
     /// a browser context.
     async open({ url = this.simulator.url, view = '', script, status = 'ready', ...options } = {}) {

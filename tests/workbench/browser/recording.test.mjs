@@ -7,7 +7,7 @@ import { test } from 'node:test';
 import { panelFixture } from './panelFixture.mjs';
 
 const fixture = panelFixture();
-const mostAttempts = 10;
+const maxAttempts = 10;
 
 async function openRecording() {
     const panel = await fixture.open();
@@ -68,7 +68,7 @@ test('what is done is recorded, downloaded and replayed as it came', async () =>
     const panel = await openRecording();
     // The recording of a machine that stood still meanwhile comes otherwise, but not each one does.
     let differences = await recordAndReplay(panel);
-    for (let attempt = 1; attempt < mostAttempts && differences.length > 0; ++attempt) {
+    for (let attempt = 1; attempt < maxAttempts && differences.length > 0; ++attempt) {
         differences = await recordAndReplay(panel);
     }
     assert.deepEqual(differences, []);
@@ -125,7 +125,7 @@ test('a replay shows what came otherwise', async () => {
     assert.match(await panel.page.locator('#replay-result').innerText(), /PrintManager/);
 });
 
-test('a script that is none is refused with the line and the reason', async () => {
+test('an invalid script is refused with the line and the reason', async () => {
     const panel = await openRecording();
     await replay(panel, 'state Idle\npress Nothing\n');
     await panel.showsText('#replay-result', /Line 2: .*Nothing/);

@@ -7,7 +7,7 @@ import { createInterface } from 'node:readline';
 import { eventually } from './eventually.mjs';
 import { Observer } from './observer.mjs';
 
-/// A simulator process of its own that serves the page. Its output is kept, and told when something fails.
+/// A separate simulator process that serves the page. Its output is kept, and printed when something fails.
 export class Simulator {
     #process;
     #output = [];

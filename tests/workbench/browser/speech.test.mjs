@@ -8,7 +8,7 @@ import { panelFixture } from './panelFixture.mjs';
 
 const fixture = panelFixture();
 
-/// Stands in for the speech of the browser and notes what it is told.
+/// Replaces the speech of the browser, and records what it should say.
 const standIn = () => {
     window.said = [];
     window.SpeechSynthesisUtterance = class {
@@ -39,7 +39,7 @@ const isAnnounced = (panel, text) => panel.showsText('#announcements p >> nth=0'
 const says = (panel, ...words) =>
     eventually(async () => assert.deepEqual(await panel.page.evaluate('window.said'), words));
 
-test('nothing is spoken aloud until somebody wants it', async () => {
+test('nothing is spoken aloud until the user wants it', async () => {
     const panel = await open();
     await panel.key('Up').click();
     await panel.isTold(/^Up$/);

@@ -73,7 +73,7 @@ describe('bars of the keys', () => {
         assert.deepEqual(times(laneOf(model, 'Up').bars), [[100, 300]]);
         assert.deepEqual(times(laneOf(model, 'Up (device 1)').bars), [[150, 200]]);
     });
-    test('lanes stand in the order of the panel', () => {
+    test('lanes have the order of the panel', () => {
         const model = modelOf([ready(), tap(100, 'Ten'), tap(200, 'FactoryReset'), tap(300, 'On'), tap(400, 'Menu')]);
         assert.deepEqual(
             model.lanes.map(lane => lane.label),
@@ -449,7 +449,7 @@ describe('moments, states and runs', () => {
             ],
         );
     });
-    test('a state that is announced again goes on', () => {
+    test('a state that is announced again continues', () => {
         const model = modelOf([ready(), state(500, 'Idle')], 1000);
         assert.deepEqual(
             model.states.map(({ state: name, from, to }) => [name, from, to]),
@@ -469,7 +469,7 @@ describe('moments, states and runs', () => {
         ]);
         assert.equal(timelineRows(model).find(row => row.what === 'Down').time, 100);
     });
-    test('a restart cuts what was going on', () => {
+    test('a restart cuts what was in progress', () => {
         const model = modelOf(
             [ready(), tap(0, 'Up'), press(100, 'Help'), repeat(350, 'Help'), ready(), tap(100, 'Up')],
             5000,
@@ -502,7 +502,7 @@ describe('moments, states and runs', () => {
 });
 
 describe('the key card', () => {
-    test('tells the times of long presses, also of those that are never recognised', () => {
+    test('shows the times of long presses, also of those that are never recognised', () => {
         const row = (kind, holdMs, ...keys) => ({ kind, holdMs, keys });
         const card = {
             states: [
@@ -550,7 +550,7 @@ describe('the rows of the table', () => {
             ],
         );
     });
-    test('tell what is still going on and what was not heard', () => {
+    test('show what is still in progress and what was not heard', () => {
         const held = modelOf([ready(), tap(0, 'Up'), state(100, 'Startup'), press(200, 'Ok')], 300);
         assert.deepEqual(
             timelineRows(held)
@@ -559,7 +559,7 @@ describe('the rows of the table', () => {
             ['Up', 'Waits for more keys, still open', 'Ok, still held, not heard'],
         );
     });
-    test('have names of their own', () => {
+    test('have separate names', () => {
         const model = modelOf([ready(), tap(100, 'FactoryReset'), announced(200, 'SingleKey', 'Up')], 9000);
         const names = timelineRows(model).map(row => row.name);
         assert.equal(new Set(names).size, names.length);

@@ -149,7 +149,7 @@ test('a page that comes later shows the time that it is', async () => {
         );
     const table = await openTable(panel);
     await eventually(async () => assert((await lasts(table)) > 3000));
-    // Its own clock stands still, so that what it shows is what it was told.
+    // Its own clock stands still, so that it shows what it received.
     const later = await fixture.open({
         view: '#timeline',
         script: () => {
@@ -279,7 +279,7 @@ test('the picture has a name and a summary for who does not see it', async () =>
     await picture(panel).waitFor();
 });
 
-test('time goes on by itself, in steps where motion is not wanted', async () => {
+test('time passes by itself, in steps where motion is not wanted', async () => {
     const moving = await openTimeline();
     const before = await picture(moving).innerHTML();
     await eventually(async () => assert.notEqual(await picture(moving).innerHTML(), before));

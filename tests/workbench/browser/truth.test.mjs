@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What every page shows of the device is so, whoever did it, and the page says what it does not know.
+// Every page shows the true state of the device, whichever client changed it, and says what it does not know.
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 
@@ -18,7 +18,7 @@ const isPressed = (panel, name, pressed) =>
         assert.equal(pressedToReaders === null ? heldToReaders : pressedToReaders === 'true', pressed);
         await isYellow(panel, name, pressed);
     });
-/// What somebody holds without latching it is known to them: a screen reader says nothing of it.
+/// People know which keys they hold themselves: a screen reader does not announce them.
 const isYellow = (panel, name, pressed) =>
     eventually(async () => {
         assert.equal(/\bdown\b/.test(await panel.key(name).getAttribute('class')), pressed);
@@ -218,7 +218,7 @@ test('the timeline stands still without a connection, and says so', async () => 
     await eventually(async () => assert.notEqual(await picture.innerHTML(), before));
 });
 
-test('a crash is told in words', async () => {
+test('a crash is reported in words', async () => {
     const panel = await fixture.open();
     await fixture.simulator.crashDaemon();
     await panel.showsText('#ended-reason', 'The daemon was ended by the signal SIGSEGV (segmentation fault).');

@@ -138,7 +138,7 @@ export class Listener {
         return found;
     }
 
-    /// What is heard of all that has happened. The time of the page goes on in steps, each as short as the time between
+    /// What is heard of all that has happened. The time of the page passes in steps, each as short as the time between
     /// two announcements, until there is nothing more.
     async hears() {
         await this.#hasAnswers();

@@ -209,7 +209,7 @@ void EventStreamTest::soManyEntriesWaitForAClient()
         QVERIFY(stream.add("event: entry\n\n"));
     }
     QVERIFY(!stream.add("event: entry\n\n"));
-    // It is over, even if the client reads now.
+    // The stream is over, even if the client reads now.
     QVERIFY(!stream.add("event: entry\n\n"));
 }
 

@@ -42,7 +42,7 @@ public:
     void goOnReading();
     void disconnect() { m_socket.abort(); }
 
-    /// What has come so far.
+    /// The bytes that have arrived so far.
     const QByteArray& received();
     bool awaitEnd();
     /// Waits for the end of the connection.

@@ -456,7 +456,7 @@ void PanelApiTest::theSessionGoesOnWhileACardIsMade()
     QVector<HttpReply> replies{first.reply(), second.reply()};
     for (HttpReply& reply : replies) {
         while (reply.status == 503) {
-            // It was not its turn within the time that the server lets it wait.
+            // The request did not get its turn within the time that the server lets it wait.
             reply = get("/api/card.brf");
         }
     }
@@ -473,7 +473,7 @@ void PanelApiTest::restartsThatCannotBeAreExplained_data()
     QTest::newRow("model") << R"({"model":")" + name + R"("})";
     QTest::newRow("state") << R"({"state":")" + name + R"("})";
     QTest::newRow("key list") << R"({"keyLists":{")" + name + R"(":"[]"}})";
-    QTest::newRow("key list that is no text") << R"({"keyLists":{")" + name + R"(":1}})";
+    QTest::newRow("key list that is not a text") << R"({"keyLists":{")" + name + R"(":1}})";
 }
 
 void PanelApiTest::restartsThatCannotBeAreExplained()
