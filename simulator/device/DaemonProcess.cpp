@@ -21,21 +21,11 @@ constexpr int firstSignalStatus = 128; // as in a shell
 
 QStringList viewOfDevice(const DeviceFolder& folder)
 {
-    return {QStringLiteral("--die-with-parent"),
-            QStringLiteral("--ro-bind"),
-            QStringLiteral("/"),
-            QStringLiteral("/"),
-            QStringLiteral("--dev"),
-            QStringLiteral("/dev"),
-            QStringLiteral("--bind"),
-            folder.inputFolder(),
-            QStringLiteral("/dev/input"),
-            QStringLiteral("--bind"),
-            folder.libraryFolder(),
-            QStringLiteral("/var/lib"),
-            QStringLiteral("--bind"),
-            folder.runFolder(),
-            QStringLiteral("/run")};
+    const QString bind = QStringLiteral("--bind");
+    return QStringLiteral("--die-with-parent --ro-bind / / --dev /dev").split(' ') +
+           QStringList{bind, folder.inputFolder(),   QStringLiteral("/dev/input"),
+                       bind, folder.libraryFolder(), QStringLiteral("/var/lib"),
+                       bind, folder.runFolder(),     QStringLiteral("/run")};
 }
 
 /// Keeps the executable visible if it is in a folder that the device's view hides.
@@ -90,11 +80,6 @@ QByteArray readToEnd(int descriptor)
         text.append(buffer, int(count));
     }
     return text;
-}
-
-QString withoutNewline(const QByteArray& line)
-{
-    return QString::fromUtf8(line.constData(), line.size() - 1);
 }
 
 } // namespace
@@ -183,8 +168,10 @@ void DaemonProcess::endInput()
 void DaemonProcess::makeProcess(const DeviceOptions& options)
 {
     m_process = std::make_unique<ChildProcess>();
-    connect(m_process.get(), &QProcess::readyReadStandardError, this, &DaemonProcess::readLog);
-    connect(m_process.get(), &QProcess::readyReadStandardOutput, this, &DaemonProcess::readOutput);
+    connect(m_process.get(), &QProcess::readyReadStandardError, this,
+            [this] { readLines(QProcess::StandardError, &DaemonProcess::logLine); });
+    connect(m_process.get(), &QProcess::readyReadStandardOutput, this,
+            [this] { readLines(QProcess::StandardOutput, &DaemonProcess::outputLine); });
     connect(m_process.get(), qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
             &DaemonProcess::exited);
     if (options.standardInput == DeviceOptions::StandardInput::Null) {
@@ -193,18 +180,11 @@ void DaemonProcess::makeProcess(const DeviceOptions& options)
     m_process->setProcessEnvironment(environment(options.loggingRules));
 }
 
-void DaemonProcess::readLog()
+void DaemonProcess::readLines(QProcess::ProcessChannel channel, void (DaemonProcess::*report)(const QString&))
 {
-    m_process->setReadChannel(QProcess::StandardError);
+    m_process->setReadChannel(channel);
     while (m_process->canReadLine()) {
-        Q_EMIT logLine(withoutNewline(m_process->readLine()));
-    }
-}
-
-void DaemonProcess::readOutput()
-{
-    m_process->setReadChannel(QProcess::StandardOutput);
-    while (m_process->canReadLine()) {
-        Q_EMIT outputLine(withoutNewline(m_process->readLine()));
+        const QByteArray line = m_process->readLine();
+        (this->*report)(QString::fromUtf8(line.constData(), line.size() - 1)); // without the newline
     }
 }

@@ -50,8 +50,8 @@ Q_SIGNALS:
 
 private:
     void makeProcess(const DeviceOptions& options);
-    void readLog();
-    void readOutput();
+    /// Reports each line of `channel` by the signal `report`.
+    void readLines(QProcess::ProcessChannel channel, void (DaemonProcess::*report)(const QString&));
 
     std::unique_ptr<ChildProcess> m_process;
     qint64 m_processId = 0;

@@ -7,25 +7,18 @@ void ScriptTarget::play(const ScriptStep& step)
     case ScriptStep::Kind::Heading:
         break;
     case ScriptStep::Kind::Press:
-        press(step.keyboard, step.text);
-        break;
+        return press(step.keyboard, step.text);
     case ScriptStep::Kind::Release:
-        release(step.keyboard, step.text);
-        break;
+        return release(step.keyboard, step.text);
     case ScriptStep::Kind::Record:
-        record(step.keyboard, step.record);
-        break;
+        return record(step.keyboard, step.record);
     case ScriptStep::Kind::State:
-        setState(step.text);
-        break;
+        return setState(step.text);
     case ScriptStep::Kind::Service:
-        setService(step.service);
-        break;
+        return setService(step.service);
     case ScriptStep::Kind::Command:
-        sendCommand(step.command);
-        break;
+        return sendCommand(step.command);
     case ScriptStep::Kind::Console:
-        typeLine(step.text);
-        break;
+        return typeLine(step.text);
     }
 }

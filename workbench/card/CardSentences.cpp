@@ -100,19 +100,8 @@ QString sentenceOf(KeyCardConsequence consequence)
 
 QString CardSentences::nameOf(KeyCardKind kind)
 {
-    switch (kind) {
-    case KeyCardKind::Single:
-        return QStringLiteral("single");
-    case KeyCardKind::Long:
-        return QStringLiteral("long");
-    case KeyCardKind::Combination:
-        return QStringLiteral("combination");
-    case KeyCardKind::Shortcut:
-        return QStringLiteral("shortcut");
-    case KeyCardKind::Hold:
-        return QStringLiteral("hold");
-    }
-    return {};
+    static const QStringList names{"single", "long", "combination", "shortcut", "hold"};
+    return names.at(int(kind));
 }
 
 QString CardSentences::how(const KeyCardEntry& entry)

@@ -44,18 +44,13 @@ Session::~Session()
     disconnectDevice();
 }
 
-void Session::start()
-{
-    beginStart();
-}
-
 QString Session::restart(const Changes& changes)
 {
     const QString sentence = DeviceSetup::check(changes);
     if (sentence.isEmpty()) {
         disconnectDevice();
         m_setup.apply(changes);
-        beginStart();
+        start();
     }
     return sentence;
 }
@@ -105,7 +100,7 @@ void Session::replay(const KeyScript& script)
     disconnectDevice();
     m_setup.apply(script);
     m_replay.emplace(script);
-    beginStart();
+    start();
 }
 
 QVector<ScriptFault> Session::replay(const QString& text)
@@ -149,7 +144,7 @@ bool Session::isAnswering() const
     return !m_watch || m_watch->isAnswering();
 }
 
-void Session::beginStart()
+void Session::start()
 {
     m_clock.start();
     m_reason.clear();
@@ -166,8 +161,10 @@ void Session::build()
     m_events = std::make_unique<SessionReporter>(*m_device, state(), KeyListJson::rowsOf(keyLists()).rows);
     connect(m_events.get(), &SessionReporter::happened, this, &Session::add);
     connect(m_events.get(), &SessionReporter::observed, this, &Session::onObserved);
-    connect(m_device.get(), &SimulatedDevice::daemonExited, this, &Session::onDaemonExited);
-    connect(m_device.get(), &SimulatedDevice::busEnded, this, &Session::onBusEnded);
+    connect(m_device.get(), &SimulatedDevice::daemonExited, this,
+            [this](int status) { end(DaemonProcess::describeExit(status)); });
+    connect(m_device.get(), &SimulatedDevice::busEnded, this,
+            [this] { end(QStringLiteral("The bus has ended.")); });
     m_startClock.start();
     if (m_device->start()) {
         m_readinessTimer.start(readinessInterval);
@@ -199,16 +196,6 @@ void Session::becomeReady()
     if (m_status == Status::Ready && m_replay) {
         beginReplay();
     }
-}
-
-void Session::onDaemonExited(int status)
-{
-    end(DaemonProcess::describeExit(status));
-}
-
-void Session::onBusEnded()
-{
-    end(QStringLiteral("The bus has ended."));
 }
 
 void Session::end(const QString& reason)

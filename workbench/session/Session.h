@@ -93,12 +93,9 @@ Q_SIGNALS:
     void added(const SessionEntry& entry);
 
 private:
-    void beginStart();
     void build();
     void awaitReadiness();
     void becomeReady();
-    void onDaemonExited(int status);
-    void onBusEnded();
     void end(const QString& reason);
     void disconnectDevice();
     void deleteDevice();

@@ -33,7 +33,21 @@ void TranscriptPrinter::printText(const QString& text)
 void TranscriptPrinter::printEntry(const SessionEntry& entry)
 {
     m_now = entry.at;
-    std::visit([this](const auto& event) { print(event); }, entry.event);
+    std::visit(
+        Overloaded{
+            [this](const entry::Heading& heading) { printText('\n' + heading.text); },
+            [this](const entry::State& state) { printLine("state", state.state); },
+            [this](const entry::Service& service) {
+                printLine("service", ServiceWords::wordsOf(service.change).join(' '));
+            },
+            [this](const entry::Command& command) {
+                printLine("command", CommandWords::wordsOf(command.command).join(' '));
+            },
+            [this](const entry::ConsoleLine& line) { printLine("typed", line.text); },
+            [this](const entry::SpeechCancelled& /*cancelled*/) { printLine("cancelled", "all speech"); },
+            [this](const auto& other) { print(other); },
+        },
+        entry.event);
 }
 
 void TranscriptPrinter::print(const entry::Device& device)
@@ -51,11 +65,6 @@ void TranscriptPrinter::print(const entry::Device& device)
         printText(device.reason);
         break;
     }
-}
-
-void TranscriptPrinter::print(const entry::Heading& heading)
-{
-    printText(QStringLiteral("\n") + heading.text);
 }
 
 void TranscriptPrinter::print(const entry::Key& key)
@@ -76,26 +85,6 @@ void TranscriptPrinter::print(const entry::Record& record)
                             .arg(record.record.code)
                             .arg(record.record.value)
                             .arg(record.keyboard));
-}
-
-void TranscriptPrinter::print(const entry::State& state)
-{
-    printLine("state", state.state);
-}
-
-void TranscriptPrinter::print(const entry::Service& service)
-{
-    printLine("service", ServiceWords::wordsOf(service.change).join(' '));
-}
-
-void TranscriptPrinter::print(const entry::Command& command)
-{
-    printLine("command", CommandWords::wordsOf(command.command).join(' '));
-}
-
-void TranscriptPrinter::print(const entry::ConsoleLine& line)
-{
-    printLine("typed", line.text);
 }
 
 void TranscriptPrinter::print(const entry::LogLine& line)
@@ -120,11 +109,6 @@ void TranscriptPrinter::print(const entry::Announcement& announcement)
 void TranscriptPrinter::print(const entry::Speech& speech)
 {
     printLine("spoken", QStringLiteral("\"%1\"  (%2)").arg(speech.sentence, detailsOf(speech.observation)));
-}
-
-void TranscriptPrinter::print(const entry::SpeechCancelled& /*cancelled*/)
-{
-    printLine("cancelled", QStringLiteral("all speech"));
 }
 
 void TranscriptPrinter::print(const entry::Answer& answer)

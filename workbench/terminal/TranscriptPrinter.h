@@ -22,17 +22,11 @@ public:
 private:
     void printEntry(const SessionEntry& entry);
     void print(const entry::Device& device);
-    void print(const entry::Heading& heading);
     void print(const entry::Key& key);
     void print(const entry::Record& record);
-    void print(const entry::State& state);
-    void print(const entry::Service& service);
-    void print(const entry::Command& command);
-    void print(const entry::ConsoleLine& line);
     void print(const entry::LogLine& line);
     void print(const entry::Announcement& announcement);
     void print(const entry::Speech& speech);
-    void print(const entry::SpeechCancelled& cancelled);
     void print(const entry::Answer& answer);
     void print(const entry::Replay& replay);
     /// Other events are not printed.

@@ -16,28 +16,14 @@ namespace {
 
 QString nameOf(entry::Device::Status status)
 {
-    switch (status) {
-    case entry::Device::Status::Starting:
-        return QStringLiteral("starting");
-    case entry::Device::Status::Ready:
-        return QStringLiteral("ready");
-    case entry::Device::Status::Ended:
-        return QStringLiteral("ended");
-    }
-    return {};
+    static const QStringList names{"starting", "ready", "ended"};
+    return names.at(int(status));
 }
 
 QString nameOf(entry::Replay::Status status)
 {
-    switch (status) {
-    case entry::Replay::Status::Playing:
-        return QStringLiteral("playing");
-    case entry::Replay::Status::Finished:
-        return QStringLiteral("finished");
-    case entry::Replay::Status::Stopped:
-        return QStringLiteral("stopped");
-    }
-    return {};
+    static const QStringList names{"playing", "finished", "stopped"};
+    return names.at(int(status));
 }
 
 QJsonObject typed(const char* type, QJsonObject members)
@@ -67,11 +53,6 @@ QJsonObject toJson(const entry::Device& device)
     return object;
 }
 
-QJsonObject toJson(const entry::Heading& heading)
-{
-    return textOf("heading", heading.text);
-}
-
 QJsonObject toJson(const entry::Key& key)
 {
     return typed("key", {{QStringLiteral("device"), key.keyboard},
@@ -87,36 +68,6 @@ QJsonObject toJson(const entry::Record& record)
                             {QStringLiteral("value"), record.record.value}});
 }
 
-QJsonObject toJson(const entry::State& state)
-{
-    return typed("state", {{QStringLiteral("state"), state.state}});
-}
-
-QJsonObject toJson(const entry::Service& service)
-{
-    return textOf("service", ServiceWords::wordsOf(service.change).join(' '));
-}
-
-QJsonObject toJson(const entry::Command& command)
-{
-    return textOf("command", CommandWords::wordsOf(command.command).join(' '));
-}
-
-QJsonObject toJson(const entry::ConsoleLine& line)
-{
-    return textOf("console", line.text);
-}
-
-QJsonObject toJson(const entry::LogLine& line)
-{
-    return textOf("log", line.text);
-}
-
-QJsonObject toJson(const entry::OutputLine& line)
-{
-    return textOf("output", line.text);
-}
-
 QJsonObject toJson(const entry::Announcement& announcement)
 {
     return typed("announcement", {{QStringLiteral("action"), announcement.action},
@@ -130,11 +81,6 @@ QJsonObject toJson(const entry::Speech& speech)
 {
     return typed("speech", {{QStringLiteral("text"), speech.sentence},
                             {QStringLiteral("observation"), speech.observation}});
-}
-
-QJsonObject toJson(const entry::SpeechCancelled& /*cancelled*/)
-{
-    return typed("cancel", {});
 }
 
 QJsonObject toJson(const entry::Answer& answer)
@@ -171,14 +117,32 @@ QJsonObject toJson(const entry::Replay& replay)
     return object;
 }
 
-QJsonObject toJson(const entry::KeyboardTest& test)
+QJsonObject toJson(const SessionEvent& event)
 {
-    return typed("test", {{QStringLiteral("running"), test.isRunning}});
-}
-
-QJsonObject toJson(const entry::Daemon& daemon)
-{
-    return typed("daemon", {{QStringLiteral("answering"), daemon.isAnswering}});
+    return std::visit(Overloaded{
+                          [](const entry::Heading& heading) { return textOf("heading", heading.text); },
+                          [](const entry::State& state) {
+                              return typed("state", {{"state", state.state}});
+                          },
+                          [](const entry::Service& service) {
+                              return textOf("service", ServiceWords::wordsOf(service.change).join(' '));
+                          },
+                          [](const entry::Command& command) {
+                              return textOf("command", CommandWords::wordsOf(command.command).join(' '));
+                          },
+                          [](const entry::ConsoleLine& line) { return textOf("console", line.text); },
+                          [](const entry::LogLine& line) { return textOf("log", line.text); },
+                          [](const entry::OutputLine& line) { return textOf("output", line.text); },
+                          [](const entry::SpeechCancelled& /*cancelled*/) { return typed("cancel", {}); },
+                          [](const entry::KeyboardTest& test) {
+                              return typed("test", {{"running", test.isRunning}});
+                          },
+                          [](const entry::Daemon& daemon) {
+                              return typed("daemon", {{"answering", daemon.isAnswering}});
+                          },
+                          [](const auto& other) { return toJson(other); },
+                      },
+                      event);
 }
 
 /// The identifiers of a family in the order of their ordinals.
@@ -212,7 +176,7 @@ QJsonArray keysOf(const QVector<HeldKey>& held)
 
 QJsonObject SessionJson::entry(const SessionEntry& entry)
 {
-    QJsonObject object = std::visit([](const auto& event) { return toJson(event); }, entry.event);
+    QJsonObject object = toJson(entry.event);
     object.insert(QStringLiteral("id"), entry.id);
     object.insert(QStringLiteral("at"), qint64(entry.at.count()));
     return object;
