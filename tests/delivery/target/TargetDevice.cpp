@@ -133,7 +133,7 @@ void TargetDevice::setService(const ServiceChange& change)
 
 void TargetDevice::sendCommand(const QVariantMap& command)
 {
-    m_client.send(command);
+    m_client.send(command, KeyboardClient::defaultTimeout);
 }
 
 void TargetDevice::typeLine(const QString& line)
