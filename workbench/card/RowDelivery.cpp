@@ -12,7 +12,7 @@ namespace {
 QString whyIgnoredIn(const QString& state)
 {
     if (state == ls::StateId::Startup) {
-        return QStringLiteral("Keys are ignored in Startup.");
+        return QStringLiteral("Keys are ignored in Startup, except for a long press that began before.");
     }
     if (CardVocabulary::acceptsKeys(state)) {
         return QStringLiteral("No combination can begin in %1: each key is announced and forgotten there.")

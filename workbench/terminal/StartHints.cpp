@@ -19,7 +19,7 @@ QString StartHints::deadRows(const QMap<QString, QByteArray>& keyLists, const QS
     if (rows.isEmpty()) {
         return {};
     }
-    QString text = QStringLiteral("Rows of the key lists that can never be announced:");
+    QString text = QStringLiteral("Rows of the key lists that key presses alone never announce:");
     for (const KeyCardDeadRow& row : rows.mid(0, maxRows)) {
         text += QStringLiteral("\n  ") + CardSentences::describe(row) + QLatin1Char(' ') + row.why;
     }

@@ -144,18 +144,22 @@ void KeyCardTest::notesOfEntries_data()
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QString>("keys");
     QTest::addColumn<QStringList>("notes");
-    QTest::newRow("several times") << "long presses"
-                                   << "Idle"
-                                   << "long"
-                                   << "Up"
-                                   << QStringList{"Unknown state \"\".", "Keys are ignored in Startup.",
-                                                  "Announced 2 times."};
-    QTest::newRow("also a single key") << "long presses"
-                                       << "Print"
-                                       << "long"
-                                       << "Up"
-                                       << QStringList{"Unknown state \"\".", "Keys are ignored in Startup.",
-                                                      "Each release is also announced as a single key."};
+    QTest::newRow("several times")
+        << "long presses"
+        << "Idle"
+        << "long"
+        << "Up"
+        << QStringList{"Unknown state \"\".",
+                       "Keys are ignored in Startup, except for a long press that began before.",
+                       "Announced 2 times."};
+    QTest::newRow("also a single key")
+        << "long presses"
+        << "Print"
+        << "long"
+        << "Up"
+        << QStringList{"Unknown state \"\".",
+                       "Keys are ignored in Startup, except for a long press that began before.",
+                       "Each release is also announced as a single key."};
     QTest::newRow("Menu that opens") << "Menu after a Help that opens nothing"
                                      << "Idle"
                                      << "combination"
@@ -218,23 +222,23 @@ void KeyCardTest::deadRowsAreExplained_data()
 {
     QTest::addColumn<QString>("lists");
     QTest::addColumn<QStringList>("reasons");
-    QTest::newRow("long presses") << "long presses"
-                                  << QStringList{
-                                         "1 Only the last row for a key works; for Help, that is row 2.",
-                                         "5 Unknown state \"Idle \".",
-                                         "6 Keys are ignored in Startup.",
-                                         "7 The action is dropped, because its receiver is \"Undefined\".",
-                                         "8 The panel has no key \"Bell\".",
-                                         "9 The panel has no key \"Unknown\".",
-                                         "10 The row has no keys.",
-                                         "14 Unknown state \"Dreaming\". Unknown state \"idle\"."};
+    QTest::newRow("long presses")
+        << "long presses"
+        << QStringList{"1 Only the last row for a key works; for Help, that is row 2.",
+                       "5 Unknown state \"Idle \".",
+                       "6 Keys are ignored in Startup, except for a long press that began before.",
+                       "7 The action is dropped, because its receiver is \"Undefined\".",
+                       "8 The panel has no key \"Bell\".",
+                       "9 The panel has no key \"Unknown\".",
+                       "10 The row has no keys.",
+                       "14 Unknown state \"Dreaming\". Unknown state \"idle\"."};
     QTest::newRow("shortcuts")
         << "shortcuts"
         << QStringList{"1 The action is dropped, because its receiver is \"Undefined\".",
                        "2 Only the first row for a pair of keys works; for Function and Up, that is row 1.",
                        "6 Only a long press can join states; \"Idle|Print\" is not a state.",
                        "7 Only the first row for a pair of keys works; for Ok and Chs, that is row 6.",
-                       "8 Keys are ignored in Startup.",
+                       "8 Keys are ignored in Startup, except for a long press that began before.",
                        "10 The panel has no key \"Bell\".",
                        "12 The row has no keys."};
     QTest::newRow("longer row hides others")
