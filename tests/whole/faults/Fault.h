@@ -6,8 +6,8 @@
 
 #include <functional>
 
-/// A fault around a running daemon. Its functions verify with QVERIFY that the fault occurs and that the
-/// daemon keeps what is specific to this fault.
+/// A fault around a running daemon. Its functions use QVERIFY to check that the fault occurs and that the
+/// daemon handles it.
 struct Fault
 {
     /// For faults that queue hundreds of keys or lines, whose memory the heap keeps.
