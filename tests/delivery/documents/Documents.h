@@ -20,8 +20,8 @@ QStringList matches(const QString& text, const char* pattern);
 /// The paths of the project's documents, relative to the project.
 QStringList names();
 
-/// The code of a document: indented lines, and the spans between backticks. Fenced blocks are left out, because
-/// other tests run them.
+/// The code of a document: indented lines, and the spans between backticks. Fenced blocks are left out,
+/// because other tests run them.
 QStringList codeIn(const QString& text);
 
 /// The words of a text: names, options and file names, with the hyphens and dots within them and the hyphens
