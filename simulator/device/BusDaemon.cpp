@@ -124,8 +124,3 @@ QString BusDaemon::start(const DeviceFolder& folder, DeviceOptions::NamePolicy n
             Qt::UniqueConnection);
     return {};
 }
-
-void BusDaemon::stop()
-{
-    m_process.end();
-}

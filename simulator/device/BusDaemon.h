@@ -19,7 +19,7 @@ public:
 
     /// Starts the bus and waits until it listens. Returns a sentence about the error, or an empty string.
     QString start(const DeviceFolder& folder, DeviceOptions::NamePolicy namePolicy);
-    void stop();
+    void stop() { m_process.end(); }
 
     /// 0 while the bus is not running.
     qint64 processId() const { return m_process.processId(); }

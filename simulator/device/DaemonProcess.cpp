@@ -143,11 +143,6 @@ void DaemonProcess::stop()
     m_process->end();
 }
 
-bool DaemonProcess::isRunning() const
-{
-    return m_process && m_process->state() == QProcess::Running;
-}
-
 void DaemonProcess::typeLine(const QString& line)
 {
     type(line.toUtf8() + '\n');
@@ -158,11 +153,6 @@ void DaemonProcess::type(const QByteArray& bytes)
     if (isRunning()) {
         m_process->write(bytes);
     }
-}
-
-void DaemonProcess::endInput()
-{
-    m_process->closeWriteChannel();
 }
 
 void DaemonProcess::makeProcess(const DeviceOptions& options)

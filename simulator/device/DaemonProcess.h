@@ -28,7 +28,7 @@ public:
     /// waits for its end.
     void stop();
 
-    bool isRunning() const;
+    bool isRunning() const { return m_process && m_process->state() == QProcess::Running; }
     /// The process id of the daemon, not of bubblewrap; 0 before its start.
     qint64 processId() const { return m_processId; }
 
@@ -38,7 +38,7 @@ public:
     /// Writes bytes that need not be whole lines.
     void type(const QByteArray& bytes);
     /// Closes the daemon's standard input.
-    void endInput();
+    void endInput() { m_process->closeWriteChannel(); }
 
 Q_SIGNALS:
     /// A line of the daemon's log.

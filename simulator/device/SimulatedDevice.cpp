@@ -30,11 +30,6 @@ SimulatedDevice::~SimulatedDevice()
     m_daemon.stop();
 }
 
-bool SimulatedDevice::start()
-{
-    return startServices() && startDaemon();
-}
-
 bool SimulatedDevice::startServices()
 {
     if (!m_error.isEmpty()) {
@@ -81,16 +76,6 @@ bool SimulatedDevice::restartBus()
     return startBus();
 }
 
-void SimulatedDevice::dropSpeech()
-{
-    m_speech->disappear();
-}
-
-void SimulatedDevice::restoreSpeech()
-{
-    m_speech->appear();
-}
-
 QVariantMap SimulatedDevice::request(const QVariantMap& command)
 {
     QVariantMap response;
@@ -103,21 +88,6 @@ QVariantMap SimulatedDevice::request(const QVariantMap& command)
     QTimer::singleShot(0, &loop, [&] { send(command, KeyboardClient::noTimeout); });
     loop.exec();
     return response;
-}
-
-void SimulatedDevice::press(int keyboard, const QString& key)
-{
-    m_panel.press(keyboard, key);
-}
-
-void SimulatedDevice::release(int keyboard, const QString& key)
-{
-    m_panel.release(keyboard, key);
-}
-
-void SimulatedDevice::record(int keyboard, const RawRecord& record)
-{
-    m_panel.record(keyboard, record);
 }
 
 void SimulatedDevice::setState(const QString& state)
@@ -141,11 +111,6 @@ void SimulatedDevice::setService(const ServiceChange& change)
     }
 }
 
-void SimulatedDevice::sendCommand(const QVariantMap& command)
-{
-    send(command, KeyboardClient::defaultTimeout);
-}
-
 void SimulatedDevice::send(const QVariantMap& command, int timeout)
 {
     if (m_client) {
@@ -153,11 +118,6 @@ void SimulatedDevice::send(const QVariantMap& command, int timeout)
     } else {
         Q_EMIT commandFailed(QDBusError(QDBusError::Disconnected, QStringLiteral("The bus is not running.")));
     }
-}
-
-void SimulatedDevice::typeLine(const QString& line)
-{
-    m_daemon.typeLine(line);
 }
 
 bool SimulatedDevice::startBus()

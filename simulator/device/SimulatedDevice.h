@@ -30,7 +30,7 @@ public:
 
     /// Starts the bus, the stand-ins and the daemon, without waiting for the daemon to be ready. On failure,
     /// returns false and sets `errorString`.
-    bool start();
+    bool start() { return startServices() && startDaemon(); }
     QString errorString() const { return m_error; }
     /// Like `start`, but without the daemon.
     bool startServices();
@@ -60,20 +60,20 @@ public:
     bool restartBus();
 
     /// The speech daemon leaves the bus, or returns to it.
-    void dropSpeech();
-    void restoreSpeech();
+    void dropSpeech() { m_speech->disappear(); }
+    void restoreSpeech() { m_speech->appear(); }
 
     /// Sends a command and runs the event loop until its response arrives, without a timeout. Empty on an
     /// error. No other command may be pending.
     QVariantMap request(const QVariantMap& command);
 
-    void press(int keyboard, const QString& key) override;
-    void release(int keyboard, const QString& key) override;
-    void record(int keyboard, const RawRecord& record) override;
+    void press(int keyboard, const QString& key) override { m_panel.press(keyboard, key); }
+    void release(int keyboard, const QString& key) override { m_panel.release(keyboard, key); }
+    void record(int keyboard, const RawRecord& record) override { m_panel.record(keyboard, record); }
     void setState(const QString& state) override;
     void setService(const ServiceChange& change) override;
-    void sendCommand(const QVariantMap& command) override;
-    void typeLine(const QString& line) override;
+    void sendCommand(const QVariantMap& command) override { send(command, KeyboardClient::defaultTimeout); }
+    void typeLine(const QString& line) override { m_daemon.typeLine(line); }
 
 Q_SIGNALS:
     /// The front panel wrote `record` to `keyboard`.

@@ -2,7 +2,7 @@
 // What a screen reader says about the entries of the session.
 import { isSpokenAloud } from './feedback.js';
 import { idOf, isPressedHere } from './keys.js';
-import { announce, announcer } from './messages.js';
+import { announce, announcer, end, kindOf } from './messages.js';
 import { isView } from './views.js';
 import { actionText, answerText, refusalText, replayText, speechText } from './wording.js';
 
@@ -54,6 +54,13 @@ function announceConsole({ text }) {
     }
 }
 
+function announceReplay(entry) {
+    [replayText(entry), ...(entry.differences ?? [])].forEach(text => announce(text, kindOf('replay')));
+    if (entry.status !== 'playing') {
+        end('replay');
+    }
+}
+
 function setAtConsole({ type }) {
     isAtConsole = type === 'console';
 }
@@ -68,7 +75,7 @@ const announceByType = {
     command: setAtConsole,
     log: announceConsole,
     output: announceConsole,
-    replay: entry => [replayText(entry), ...(entry.differences ?? [])].forEach(text => announce(text, 'event')),
+    replay: announceReplay,
 };
 
 export function announceEntry(entry) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Requests to the simulator, and the stream of its events.
 import { byId, saveFile, setText } from './dom.js';
-import { attempt } from './messages.js';
+import { attempt, begin } from './messages.js';
 
 const answerTimeout = 15000; // milliseconds
 const retryDelay = 3000; // milliseconds
@@ -59,6 +59,7 @@ export function sendOnLeaving(statements) {
 }
 
 export function restart(changes) {
+    begin('restart');
     return attempt(post('/api/restart', JSON.stringify(changes), { 'Content-Type': 'application/json' }));
 }
 

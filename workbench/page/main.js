@@ -3,12 +3,12 @@
 import { announceEntry } from './announcements.js';
 import { answers, consoleLog, fillCommandChoices, followCommands, followConsole, resetAnswers } from './commands.js';
 import { connect } from './connection.js';
-import { setDevice, updateDevice } from './device.js';
+import { device, setDevice, updateDevice } from './device.js';
 import { announced, speakAloud, spoken } from './feedback.js';
 import { showHeader } from './header.js';
 import { releaseMomentary, resetKeys, showKeys, updateKeys } from './keys.js';
 import { listLog } from './lists.js';
-import { news, showFault, showStatus } from './messages.js';
+import { end, kindOf, news, showFault, showStatus } from './messages.js';
 import { showPanel } from './panel.js';
 import { expectReadiness, loadAfterConnecting, reportReadiness } from './readiness.js';
 import { followRecording, showRecording, showReplay } from './recording.js';
@@ -25,26 +25,42 @@ function showDevice() {
     showKeys();
 }
 
+const notAnswering = 'The daemon does not answer. What is pressed waits until it does.';
+const endText = reason => `${reason ?? 'The daemon has ended.'} "Restart the device" is at the top of the page.`;
+
 function reportDevice({ status, reason }) {
     if (status === 'ended') {
-        showFault(`${reason ?? 'The daemon has ended.'} "Restart the device" is at the top of the page.`);
+        end('restart');
+        showFault(endText(reason));
     } else if (status === 'starting') {
-        showStatus('The device restarts.', 'event');
+        showStatus('The device restarts.', kindOf('restart'));
         expectReadiness();
     } else {
         reportReadiness();
     }
 }
 
+function reportState({ state }) {
+    showStatus(`State ${state}.`, kindOf('state'));
+    end('state');
+}
+
+/// What has changed while there was no connection; `former` is the device as it was known before.
+function changeText(former) {
+    if (device.status === 'ended') {
+        return former.status === 'ended' ? '' : ` ${endText(device.reason)}`;
+    }
+    const isHung = device.answering === false && former.answering !== false;
+    const isOtherState = former.state && former.state !== device.state;
+    return (isOtherState ? ` State ${device.state}.` : '') + (isHung ? ` ${notAnswering}` : '');
+}
+
 /// What the page does about a new entry, after it has shown the new state of the device.
 const reactions = {
     device: reportDevice,
-    state: ({ state }) => showStatus(`State ${state}.`, 'event'),
+    state: reportState,
     key: showKeys,
-    daemon: ({ answering }) =>
-        answering
-            ? showStatus('The daemon answers again.', 'event')
-            : showFault('The daemon does not answer. What is pressed waits until it does.'),
+    daemon: ({ answering }) => (answering ? showStatus('The daemon answers again.', 'event') : showFault(notAnswering)),
     test: ({ running }) => showStatus(`The keyboard test ${running ? 'is running' : 'has ended'}.`, 'event'),
     recording: showRecording,
     replay: showReplay,
@@ -57,11 +73,12 @@ const reactions = {
 
 const sinceLastStart = history => history.slice(history.findLastIndex(({ status }) => status === 'starting') + 1);
 
-function onSnapshot({ history, at, device }, isAgain) {
+function onSnapshot({ history, at, device: description }, isAgain) {
+    const former = device;
     lastId = history.at(-1)?.id ?? 0;
     history.forEach(followRecording);
     news.clear();
-    setDevice(device);
+    setDevice(description);
     resetKeys(device.held);
     showRecording({ status: device.recording ? 'recording' : 'full', former: device.formerRecording });
     showReplay(history.findLast(({ type }) => type === 'replay'));
@@ -71,7 +88,7 @@ function onSnapshot({ history, at, device }, isAgain) {
     timeline.setTimes(device.times);
     timeline.reset(history, at);
     if (isAgain) {
-        showStatus('Connected again.', 'fault');
+        showStatus(`Connected again.${changeText(former)}`, 'fault');
     }
     fillCommandChoices();
     showDevice();

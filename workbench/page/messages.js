@@ -17,6 +17,12 @@ let resolveAnswer = () => {};
 export const news = new Set();
 export const announcer = new Announcer(byId('announcements'));
 
+/// What the user has begun on this page: "restart", "state" or "replay". What the device does about it is a reply.
+const begun = new Set();
+export const begin = what => begun.add(what);
+export const kindOf = what => (begun.has(what) ? 'reply' : 'event');
+export const end = what => begun.delete(what);
+
 export const announce = (text, kind, isLogged) => announcer.announce(text, kind, isLogged);
 
 export function showStatus(text, kind = 'reply') {

@@ -4,7 +4,7 @@ import { card, groupsOf } from './card.js';
 import { isConnected, restart, send } from './connection.js';
 import { device, deviceStatus } from './device.js';
 import { byId, element, keyCaps, list, setText } from './dom.js';
-import { attempt } from './messages.js';
+import { attempt, begin } from './messages.js';
 import { count, seconds, withNotes } from './wording.js';
 
 /// Why it is not known, or nothing at all, what leads to an action; the daemon must be ready to take keys.
@@ -74,7 +74,10 @@ function showNow() {
 }
 
 export function showPanel() {
-    showChoice('states', device.states, device.state, state => attempt(send(`state ${state}`)));
+    showChoice('states', device.states, device.state, state => {
+        begin('state');
+        attempt(send(`state ${state}`));
+    });
     showChoice('models', device.models, device.model, model => restart({ model }));
     showNow();
 }

@@ -3,7 +3,7 @@
 import { card, loadCard } from './card.js';
 import { device } from './device.js';
 import { listLog, listsRead, loadLists, showListFaults, showNever } from './lists.js';
-import { attempt, news, showFault, showStatus } from './messages.js';
+import { attempt, end, kindOf, news, showFault, showStatus } from './messages.js';
 import { showPanel } from './panel.js';
 import { timeline } from './timelineView.js';
 import { isView } from './views.js';
@@ -53,6 +53,8 @@ export async function reportReadiness() {
         showFault([...faults, effect, ...sentences].join(' '));
     } else {
         const read = isView('lists') ? [listsRead] : [];
-        showStatus([...read, `The daemon is ready, on model ${device.model}.`, ...sentences].join(' '), 'event');
+        const text = [...read, `The daemon is ready, on model ${device.model}.`, ...sentences].join(' ');
+        showStatus(text, kindOf('restart'));
     }
+    end('restart');
 }

@@ -2,13 +2,14 @@
 // The view Recording: the recording of the session, and the replay of key scripts.
 import { download, post, postScript } from './connection.js';
 import { byId, element, line, list, on, setText } from './dom.js';
-import { announce, ask, attempt, news, showStatus } from './messages.js';
+import { announce, ask, attempt, begin, news, showFault, showStatus } from './messages.js';
 import { replayText } from './wording.js';
 
 const recordedTypes = ['key', 'record', 'state', 'command', 'console', 'heading'];
 
 let isUnsaved = false; // whether something was recorded that was not downloaded
 let shownReplay = 0; // the id of its entry
+let isReplaying = false;
 
 /// Follows the entries of the session, old and new.
 export function followRecording({ type, status, former }) {
@@ -39,6 +40,7 @@ export function showReplay(entry) {
     // A result is not read again.
     if (entry && entry.id !== shownReplay) {
         shownReplay = entry.id;
+        isReplaying = entry.status === 'playing';
         showResult(replayText(entry), entry.differences ?? []);
     }
 }
@@ -53,12 +55,19 @@ async function mayEndRecording(answer) {
 
 async function startReplay(event) {
     event.preventDefault();
+    const [file] = byId('replay-file').files;
+    if (!file) {
+        byId('replay-file').focus();
+        showFault('Choose a key script first.');
+        return;
+    }
     if (!(await mayEndRecording('Replay the script'))) {
         return;
     }
     try {
-        const [file] = byId('replay-file').files;
+        ['restart', 'replay'].forEach(begin);
         await postScript('/api/replay', await file.text());
+        isReplaying = true; // its entry comes when the device is ready
     } catch ({ message, lines = [] }) {
         const title = lines.length ? 'The script is faulty:' : message;
         showResult(title, lines);
@@ -67,7 +76,11 @@ async function startReplay(event) {
 }
 
 on('#restart-recording', 'click', async () => {
-    if ((await mayEndRecording('Start a new recording')) && (await attempt(post('/api/recording')))) {
+    if (!(await mayEndRecording('Start a new recording'))) {
+        return;
+    }
+    begin('restart');
+    if (await attempt(post('/api/recording'))) {
         showStatus('A new recording has begun.');
     }
 });
@@ -78,4 +91,11 @@ on('#download-recording', 'click', async () => {
 });
 on('#download-former', 'click', () => download('/api/former-recording.keys', 'former-recording.keys'));
 on('#replay-form', 'submit', startReplay);
-on('#stop-replay', 'click', () => attempt(post('/api/replay/stop')));
+on('#stop-replay', 'click', () => {
+    if (isReplaying) {
+        begin('replay');
+        attempt(post('/api/replay/stop'));
+    } else {
+        showStatus('No replay is running.');
+    }
+});

@@ -129,16 +129,6 @@ void Session::restartRecording()
     }
 }
 
-QString Session::recording(QStringList* faults) const
-{
-    return m_recording.toText(faults);
-}
-
-QString Session::formerRecording(QStringList* faults) const
-{
-    return m_formerRecording.toText(faults);
-}
-
 bool Session::isAnswering() const
 {
     return !m_watch || m_watch->isAnswering();

@@ -71,9 +71,9 @@ public:
     void restartRecording();
     /// All actions since the device became ready and their results, as the text of a *.keys file. If a script
     /// cannot represent them, returns an empty text and sets `faults`.
-    QString recording(QStringList* faults) const;
+    QString recording(QStringList* faults) const { return m_recording.toText(faults); }
     /// Likewise, for the last recording with actions that a restart of the device ended.
-    QString formerRecording(QStringList* faults) const;
+    QString formerRecording(QStringList* faults) const { return m_formerRecording.toText(faults); }
 
     QString model() const { return m_setup.options().model; }
     QString state() const { return m_setup.options().state; }

@@ -16,8 +16,3 @@ void EntryHistory::add(const QByteArray& entry)
         m_size -= m_entries.dequeue().size();
     }
 }
-
-QByteArray EntryHistory::toJson() const
-{
-    return '[' + m_entries.join(',') + ']';
-}

@@ -11,7 +11,7 @@ public:
     void add(const QByteArray& entry);
 
     /// A JSON array, oldest first.
-    QByteArray toJson() const;
+    QByteArray toJson() const { return '[' + m_entries.join(',') + ']'; }
 
 private:
     QQueue<QByteArray> m_entries;

@@ -183,3 +183,30 @@ test('while a key of the page is held from the keyboard nothing is announced', a
     await panel.page.keyboard.up('Space');
     await eventually(async () => assert.match((await announced(panel))[0], /KeyDescription, Help, to UserMenu\.$/));
 });
+
+test('what is begun on the page is answered at each setting, and nothing else', async () => {
+    const panel = await fixture.open();
+    const all = [];
+    const says = pattern =>
+        eventually(async () => {
+            all.push(...(await announced(panel)));
+            assert.match(all.join(' '), pattern);
+        });
+    await panel.disclose('sound');
+    await level(panel).selectOption('Nothing that the device does');
+    await panel.disclose('setup');
+    await panel.button('Print').click();
+    await says(/State Print\./);
+    await fixture.simulator.take('state PrintOff');
+    await panel.showsText('#device-state', 'PrintOff');
+    await panel.goTo('Recording');
+    await panel.page
+        .getByLabel('Key script')
+        .setInputFiles({ name: 'script.keys', mimeType: 'text/plain', buffer: Buffer.from('state Idle\nwait 10\n') });
+    await panel.button('Replay the script').click();
+    await panel.reply('Replay the script');
+    await says(/The device restarts\./);
+    await says(/The daemon is ready, on model Pellit\./);
+    await says(/Everything came as written: 0 expectations\./);
+    assert.doesNotMatch(all.join(' '), /PrintOff|State Idle/);
+});

@@ -157,3 +157,16 @@ test('a recording that no script can tell is not downloaded but explained', asyn
     await panel.showsText('#alert', /./);
     await fixture.simulator.restart({ keyLists: null });
 });
+
+test('a replay without a script asks for one', async () => {
+    const panel = await openRecording();
+    await panel.button('Replay the script').click();
+    await panel.showsText('#alert', 'Choose a key script first.');
+    assert(await panel.page.getByLabel('Key script').evaluate(field => field === document.activeElement));
+});
+
+test('a replay that is not running cannot be stopped', async () => {
+    const panel = await openRecording();
+    await panel.button('Stop the replay').click();
+    await panel.showsText('#status', 'No replay is running.');
+});

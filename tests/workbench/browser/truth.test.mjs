@@ -218,6 +218,24 @@ test('the timeline stands still without a connection, and says so', async () => 
     await eventually(async () => assert.notEqual(await picture.innerHTML(), before));
 });
 
+test('what changed without a connection is reported when it is back', async () => {
+    const relay = await fixture.relay();
+    const panel = await fixture.open({ url: relay.url });
+    await relay.cut();
+    await panel.showsText('#device-status', 'not connected');
+    await fixture.simulator.take('state Print');
+    await relay.mend();
+    await panel.showsText('#status', 'Connected again. State Print.');
+    await relay.cut();
+    await panel.showsText('#device-status', 'not connected');
+    await fixture.simulator.crashDaemon();
+    await relay.mend();
+    await panel.showsText(
+        '#status',
+        /^Connected again\. The daemon was ended by the signal SIGSEGV .* top of the page\.$/,
+    );
+});
+
 test('a crash is reported in words', async () => {
     const panel = await fixture.open();
     await fixture.simulator.crashDaemon();
