@@ -64,9 +64,10 @@ function describeGroup([title, entries]) {
 
 function showNow() {
     const reason = nothingTexts[deviceStatus()];
+    // The card comes after the page: it has no model before.
     const state = card.states.find(each => each.state === device.state);
     const entries = reason || !state ? [] : state.entries.filter(({ kind }) => kind !== 'single' || !isTested());
-    setText(byId('now-state'), reason || nowText(state));
+    setText(byId('now-state'), reason || (card.model ? nowText(state) : ''));
     byId('now-details').hidden = entries.length === 0;
     setText(byId('now-count'), count(entries.length, 'action'));
     setText(byId('now-notes'), entries.length > 0 ? (state.notes ?? []).join(' ') : '');

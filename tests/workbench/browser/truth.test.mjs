@@ -197,6 +197,26 @@ test('what is not known without a connection is not shown', async () => {
     await panel.showsText('#device-state', 'Idle');
 });
 
+/// Holds back the key card until `letCardIn` is called (runs in the page).
+function holdCard() {
+    const { fetch } = window;
+    const letIn = new Promise(resolve => {
+        window.letCardIn = resolve;
+    });
+    window.fetch = async (address, ...words) => {
+        await (String(address).endsWith('/api/card') ? letIn : undefined);
+        return fetch(address, ...words);
+    };
+}
+
+test('the page does not say what can be pressed before it has the key card', async () => {
+    const panel = await fixture.open({ script: holdCard });
+    await panel.showsText('#device-state', 'Idle');
+    assert.equal(await panel.page.locator('#now-state').textContent(), '');
+    await panel.page.evaluate(() => window.letCardIn());
+    await panel.showsText('#now-state', /^In the state Idle, on model/);
+});
+
 test('the timeline stands still without a connection, and says so', async () => {
     const relay = await fixture.relay();
     const panel = await fixture.open({ url: relay.url, view: '#timeline' });

@@ -31,9 +31,10 @@ export class Desktop {
         return join(this.folder, name);
     }
 
-    /// A program of this display; it ends with it. Its output is in the file `log`.
+    /// A program of this display, with its own process group; it ends with it. Its output is in the file `log`.
     start(command, ...words) {
-        const child = spawn(command, words, { env: this.environment, stdio: ['ignore', 'pipe', 'pipe', 'pipe'] });
+        const stdio = ['ignore', 'pipe', 'pipe', 'pipe'];
+        const child = spawn(command, words, { env: this.environment, stdio, detached: true });
         child.on('error', fault => this.#log.write(`${command}: ${fault.message}\n`));
         child.stdout.pipe(this.#log, { end: false });
         child.stderr.pipe(this.#log, { end: false });

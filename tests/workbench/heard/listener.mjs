@@ -59,9 +59,11 @@ export class Listener {
     async open(view = '') {
         await this.page.goto(emptyPage);
         await this.reader.heard(this.page);
+        this.reader.pause(); // it would read what has come so far
         await this.page.goto(new URL(view, this.relay.url).href);
         await this.page.locator('#device-status').getByText('ready').waitFor();
         await this.page.locator('#card-tables > *').first().waitFor({ state: 'attached' });
+        this.reader.resume();
     }
 
     /// A key of the keyboard, in the words of xdotool: "Tab", "shift+Tab". `verb` is "key", "keydown" or "keyup".

@@ -61,6 +61,15 @@ export class ScreenReader {
         return this.#file.close();
     }
 
+    /// Has it take in nothing until `resume`.
+    pause() {
+        process.kill(-this.#process.pid, 'SIGSTOP');
+    }
+
+    resume() {
+        process.kill(-this.#process.pid, 'SIGCONT');
+    }
+
     /// What it has said since the last call, once it has taken in all that the page has reported to it.
     async heard(page) {
         this.#announcements = await announcementsOf(page);
