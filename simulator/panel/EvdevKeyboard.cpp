@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/panel/EvdevKeyboard.h"
 
-#include "simulator/panel/Autorepeat.h"
+#include "model/Autorepeat.h"
 #include "simulator/script/KeyValue.h"
 
 #include <time.h>

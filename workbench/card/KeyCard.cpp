@@ -2,7 +2,7 @@
 #include "workbench/card/KeyCard.h"
 
 #include "keys/KeyRules.h"
-#include "simulator/panel/Autorepeat.h"
+#include "model/Autorepeat.h"
 #include "vocabulary/Vocabulary.h"
 #include "workbench/card/CardConsequences.h"
 #include "workbench/card/CardLists.h"

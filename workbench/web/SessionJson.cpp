@@ -2,7 +2,7 @@
 #include "workbench/web/SessionJson.h"
 
 #include "keys/KeyRules.h"
-#include "simulator/panel/Autorepeat.h"
+#include "model/Autorepeat.h"
 #include "simulator/script/CommandWords.h"
 #include "simulator/script/ScriptWords.h"
 #include "simulator/script/ServiceWords.h"

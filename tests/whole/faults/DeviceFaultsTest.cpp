@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "input/Keyboard.h"
-#include "simulator/panel/Autorepeat.h"
+#include "model/Autorepeat.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/ProcessFigures.h"
 #include "tests/virtual/DeviceTest.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "simulator/panel/Autorepeat.h"
+#include "model/Autorepeat.h"
 #include "tests/support/Waiting.h"
 #include "tests/whole/faults/FaultTest.h"
 

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+#include "model/Effect.h"
+
+#include <iterator>
+
+namespace model {
+
+namespace {
+
+constexpr Parts bit(Part part)
+{
+    return static_cast<Parts>(1U << static_cast<unsigned>(part));
+}
+
+constexpr Parts none = 0;
+constexpr Parts state = bit(Part::State);
+constexpr Parts last = bit(Part::LastKey);
+constexpr Parts held = bit(Part::HeldKey);
+constexpr Parts first = bit(Part::FirstKey);
+constexpr Parts sequence = bit(Part::Sequence);
+constexpr Parts armed = bit(Part::ArmedKey);
+constexpr Parts gesture = bit(Part::GestureSeen);
+constexpr Parts test = bit(Part::TestMode);
+constexpr Parts window = bit(Part::Window);
+constexpr Parts reset = bit(Part::FactoryReset);
+
+struct Description
+{
+    const char* name;
+    Parts read;
+    Parts written;
+    bool isPerceived;
+};
+
+// In the order of the rules.
+constexpr Description descriptions[] = {
+    {"StartupRefuses", state, none, true},
+    {"StartupIgnores", state, none, false},
+    {"ShortcutOpens", held, held, false},
+    {"ShortcutCompletes", held, none, false},
+    {"ShortcutCloses", held, held, false},
+    {"CombinationOpens", first, static_cast<Parts>(first | sequence), false},
+    {"CombinationCompletes", static_cast<Parts>(first | sequence), sequence, true},
+    {"SequenceHides", static_cast<Parts>(first | sequence), sequence, false},
+    {"LongPressArms", armed, armed, false},
+    {"LongPressContinues", armed, none, false},
+    {"LongPressStops", armed, armed, false},
+    {"LongPressCompletes", armed, armed, false},
+    {"Announces", state, none, true},
+    {"RefusesState", state, none, false},
+    {"DropsReceiver", none, none, false},
+    {"MarksGesture", none, gesture, false},
+    {"WindowOpens", none, window, false},
+    {"KeyReplaced", last, last, false},
+    {"MenuSentAtOnce", static_cast<Parts>(state | last), none, true},
+    {"MenuWaits", static_cast<Parts>(state | last), none, false},
+    {"NameSpoken", static_cast<Parts>(state | gesture), none, true},
+    {"NameSilenced", static_cast<Parts>(state | gesture), none, false},
+    {"NameOmitted", state, none, false},
+    {"KeyWaits", state, last, false},
+    {"LoneKeySent", static_cast<Parts>(state | last | gesture), none, true},
+    {"LoneKeyUsedUp", static_cast<Parts>(state | last | gesture), none, false},
+    {"LoneKeyDropped", static_cast<Parts>(state | last), none, false},
+    {"KeySentAtOnce", static_cast<Parts>(state | test), none, true},
+    {"TestNameSpoken", static_cast<Parts>(state | test), none, true},
+    {"TestCounts", static_cast<Parts>(state | test), last, false},
+    {"TestEnds", static_cast<Parts>(state | test), test, true},
+    {"TestBegins", none, test, false},
+    {"KeysForgotten", none, static_cast<Parts>(last | held | first | sequence | armed | gesture), false},
+    {"WindowCloses", window, window, false},
+    {"FactoryResetStarts", none, reset, false},
+    {"FactoryResetStops", reset, reset, false},
+    {"FactoryResetCompletes", reset, reset, true},
+    {"StateChanges", none, state, false},
+};
+static_assert(std::size(descriptions) == ruleCount);
+
+const Description& of(Rule rule)
+{
+    return descriptions[static_cast<size_t>(rule)];
+}
+
+} // namespace
+
+QString Rules::nameOf(Rule rule)
+{
+    return QString::fromLatin1(of(rule).name);
+}
+
+Parts Rules::read(Rule rule)
+{
+    return of(rule).read;
+}
+
+Parts Rules::written(Rule rule)
+{
+    return of(rule).written;
+}
+
+bool Rules::isPerceived(Rule rule)
+{
+    return of(rule).isPerceived;
+}
+
+} // namespace model
