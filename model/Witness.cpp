@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#include "model/Witness.h"
+
+#include <algorithm>
+
+using std::chrono::milliseconds;
+
+namespace model {
+
+namespace {
+
+constexpr milliseconds movementInterval{50};
+
+class Player
+{
+public:
+    Player(const KeyModel& keyModel, const Environment& environment, State start)
+        : m_environment(environment), m_playback(keyModel, start)
+    {}
+
+    void play(Input input);
+    const Playback& playback() const { return m_playback; }
+
+private:
+    void waitFor(Input input);
+    void move(Input input);
+    bool isPerson() const { return m_environment.kind == Environment::Kind::Person; }
+    bool isDigital() const { return m_environment.time == Environment::Time::Digital; }
+
+    Environment m_environment;
+    Playback m_playback;
+    bool m_hasMoved = false;
+};
+
+void Player::play(Input input)
+{
+    const bool comesByItself = input.isExpiry() || (isPerson() && input.kind == Input::Kind::Repeat);
+    if (input.kind == Input::Kind::Tick) {
+        m_playback.wait(Environment::tick);
+    } else if (comesByItself) {
+        waitFor(input);
+    } else if (input.kind <= Input::Kind::Repeat) {
+        move(input);
+    } else {
+        m_playback.take(input);
+    }
+}
+
+/// On digital clocks, the tick has already brought the input.
+void Player::waitFor(Input input)
+{
+    const auto due = m_playback.due(input);
+    if (!isDigital() && due) {
+        m_playback.wait(*due - m_playback.now());
+    }
+}
+
+void Player::move(Input input)
+{
+    if (m_hasMoved && !isDigital()) {
+        m_playback.wait(movementInterval);
+    }
+    m_hasMoved = true;
+    if (!isPerson()) {
+        m_playback.take(input);
+    } else if (input.kind == Input::Kind::Press) {
+        m_playback.press(input.key(), input.device);
+    } else {
+        m_playback.release(input.key(), input.device);
+    }
+}
+
+} // namespace
+
+Playback Witness::play(const KeyModel& keyModel, const Environment& environment, const Run& run)
+{
+    Player player(keyModel, environment, run.start);
+    for (const Input input : run.inputs) {
+        player.play(input);
+    }
+    return player.playback();
+}
+
+bool Witness::announces(const Playback& playback, RowId row)
+{
+    const auto isMeant = [row](const Effect& effect) {
+        return effect.rule == Rule::Announces && effect.row == row;
+    };
+    const auto& steps = playback.steps();
+    return std::any_of(steps.begin(), steps.end(), [&](const PlayedStep& step) {
+        return step.at == steps.last().at && std::any_of(step.effects.begin(), step.effects.end(), isMeant);
+    });
+}
+
+} // namespace model
