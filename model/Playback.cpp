@@ -25,7 +25,11 @@ void Playback::wait(milliseconds duration)
         if (input.kind == Input::Kind::Repeat) {
             set(repeatClock(input.device), Autorepeat::period);
         }
+        const Situation before = m_situation;
         step(input, PlayedStep::Origin::Time);
+        if (input.kind == Input::Kind::Repeat && m_situation == before) {
+            skipRepetitions(input.device, end);
+        }
     }
     m_now = end;
 }
@@ -91,6 +95,20 @@ void Playback::setTimers(const Effects& effects)
     clearUnless(m_situation.windowRuns, Window);
     clearUnless(m_situation.longPressRuns, LongPress);
     clearUnless(m_situation.factoryResetRuns, FactoryReset);
+}
+
+/// Skips the repetitions after one without effect, because a key may be held for weeks: they have no effect
+/// either until another timer expires.
+void Playback::skipRepetitions(int device, milliseconds end)
+{
+    milliseconds until = end;
+    for (size_t clock = Window; clock < FirstRepeat; ++clock) {
+        until = std::min(until, m_timers[clock].at.value_or(end));
+    }
+    const auto count = (until - m_now) / Autorepeat::period;
+    if (count > 1) {
+        set(repeatClock(device), count * Autorepeat::period);
+    }
 }
 
 /// The timer that falls due first; null if none does until `limit`.

@@ -81,6 +81,7 @@ private:
     static int repeatClock(int device) { return FirstRepeat + device; }
     void set(int clock, milliseconds duration);
     void setTimers(const Effects& effects);
+    void skipRepetitions(int device, milliseconds end);
     Timer* next(milliseconds limit);
     void step(Input input, PlayedStep::Origin origin);
     void record(PlayedStep played, const Effects& effects);
