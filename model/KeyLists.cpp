@@ -1,27 +1,106 @@
 // SPDX-License-Identifier: MIT
 #include "model/KeyLists.h"
 
+#include "keys/KeyListFile.h"
 #include "keys/KeyRules.h"
+#include "vocabulary/Vocabulary.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLoggingCategory>
 
 namespace model {
 
-const QList<KeyEntry>& KeyLists::rows(List list) const
+namespace {
+
+QList<KeyEntry> KeyLists::*rowsOf(List list)
 {
     switch (list) {
     case List::LongPresses:
-        return longPresses;
+        return &KeyLists::longPresses;
     case List::Combinations:
-        return combinations;
+        return &KeyLists::combinations;
     case List::Shortcuts:
         break;
     }
-    return shortcuts;
+    return &KeyLists::shortcuts;
+}
+
+EnumDetail::RowKeyList rowKeyListOf(List list)
+{
+    switch (list) {
+    case List::LongPresses:
+        return EnumDetail::RowKeyList::LongKeys;
+    case List::Combinations:
+        return EnumDetail::RowKeyList::ModifierKeys;
+    case List::Shortcuts:
+        break;
+    }
+    return EnumDetail::RowKeyList::ShortcutKeys;
+}
+
+QVariantMap mapOf(const QByteArray& content)
+{
+    return content.size() > KeyListFile::maxSize ? QVariantMap()
+                                                 : QJsonDocument::fromJson(content).object().toVariantMap();
+}
+
+/// Suppresses the loader's messages, because the daemon logs the same ones.
+class QuietLog
+{
+public:
+    QuietLog() { QLoggingCategory::defaultCategory()->setEnabled(QtCriticalMsg, false); }
+    ~QuietLog() { QLoggingCategory::defaultCategory()->setEnabled(QtCriticalMsg, m_wasEnabled); }
+    Q_DISABLE_COPY(QuietLog)
+
+private:
+    bool m_wasEnabled = QLoggingCategory::defaultCategory()->isCriticalEnabled();
+};
+
+} // namespace
+
+KeyLists KeyLists::read(const QMap<QString, QByteArray>& files, bool isOrvane)
+{
+    const QuietLog quiet;
+    KeyLists lists;
+    lists.isOrvane = isOrvane;
+    for (const List list : allLists) {
+        const auto file = KeyListFile::take(mapOf(files.value(fileOf(list))), rowKeyListOf(list), Q_FUNC_INFO);
+        lists.*rowsOf(list) = file.rows;
+        if (file.content.isEmpty()) {
+            lists.unreadable.append(list);
+        }
+    }
+    return lists;
+}
+
+const QString& KeyLists::fileOf(List list)
+{
+    switch (list) {
+    case List::LongPresses:
+        return vocabulary::longKeyListFile;
+    case List::Combinations:
+        return vocabulary::modifierKeyListFile;
+    case List::Shortcuts:
+        break;
+    }
+    return vocabulary::shortcutKeyListFile;
+}
+
+QString KeyLists::sectionOf(List list)
+{
+    return KeyListFile::sectionName(rowKeyListOf(list));
+}
+
+const QList<KeyEntry>& KeyLists::rows(List list) const
+{
+    return this->*rowsOf(list);
 }
 
 QVector<RowId> KeyLists::ids() const
 {
     QVector<RowId> ids;
-    for (const List list : {List::LongPresses, List::Combinations, List::Shortcuts}) {
+    for (const List list : allLists) {
         for (int i = 0; i < rows(list).size(); ++i) {
             ids.append({list, i});
         }
@@ -33,9 +112,7 @@ KeyLists KeyLists::only(List list) const
 {
     KeyLists lists;
     lists.isOrvane = isOrvane;
-    lists.longPresses = list == List::LongPresses ? longPresses : QList<KeyEntry>();
-    lists.combinations = list == List::Combinations ? combinations : QList<KeyEntry>();
-    lists.shortcuts = list == List::Shortcuts ? shortcuts : QList<KeyEntry>();
+    lists.*rowsOf(list) = rows(list);
     return lists;
 }
 

@@ -3,7 +3,9 @@
 
 #include "keys/KeyEntry.h"
 
+#include <QByteArray>
 #include <QList>
+#include <QMap>
 #include <QStringList>
 #include <QVector>
 
@@ -11,6 +13,7 @@ namespace model {
 
 /// One of the three key lists, each of which has a recogniser.
 enum class List : quint8 { LongPresses, Combinations, Shortcuts };
+constexpr List allLists[] = {List::LongPresses, List::Combinations, List::Shortcuts};
 
 /// A row of the key lists; `index` counts from 0 in its list.
 struct RowId
@@ -29,6 +32,16 @@ struct KeyLists
     QList<KeyEntry> combinations;
     QList<KeyEntry> shortcuts;
     bool isOrvane = false;
+    /// The lists whose files have no readable list; they have no rows.
+    QVector<List> unreadable;
+
+    /// Reads the rows from the contents of the files, by file names, with the daemon's own loader, whose log
+    /// lines are suppressed. A missing file counts as unreadable.
+    static KeyLists read(const QMap<QString, QByteArray>& files, bool isOrvane);
+    /// The name of the file that holds the rows of `list`.
+    static const QString& fileOf(List list);
+    /// The name of the section of that file.
+    static QString sectionOf(List list);
 
     const QList<KeyEntry>& rows(List list) const;
     const KeyEntry& row(RowId id) const { return rows(id.list).at(id.index); }

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "checker/SourceFile.h"
+#include "model/Explorer.h"
+#include "model/KeyLists.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <optional>
+
+namespace checker {
+
+enum class Level { Note, Warning, Error };
+
+/// A part of a key list with a remark about it.
+struct Place
+{
+    model::List list = model::List::LongPresses;
+    Range range;
+    /// May be empty.
+    QString remark;
+};
+
+/// What a search has decided about a finding.
+struct ProofNote
+{
+    /// The embosser model for which it holds; empty if it holds for all.
+    QString embosser;
+    model::Proof proof;
+};
+
+/// One fault or oddity of the key lists.
+struct Finding
+{
+    /// Stable; `explain` describes it.
+    QString id;
+    Level level = Level::Warning;
+    /// One sentence without a full stop.
+    QString message;
+    /// The place that the message is about.
+    Place place;
+    /// Other places that explain it.
+    QVector<Place> related;
+    std::optional<ProofNote> proof;
+    /// What the author can do; may be empty.
+    QString help;
+    /// A key script that shows the finding; may be empty.
+    QString witness;
+};
+
+} // namespace checker
