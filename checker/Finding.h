@@ -40,6 +40,8 @@ struct Finding
     Level level = Level::Warning;
     /// One sentence without a full stop.
     QString message;
+    /// The row that it is about; the index is -1 if it is about the file.
+    model::RowId row{model::List::LongPresses, -1};
     /// The place that the message is about.
     Place place;
     /// Other places that explain it.

@@ -32,6 +32,8 @@ public:
     /// Opens the pairs whose runs were not confirmed.
     void reopenUnconfirmed();
     bool isDone() const { return m_openCount == 0; }
+    /// The last search.
+    const Proof& proof() const { return m_proof; }
 
 private:
     void open(const QVector<quint8>& states);
@@ -163,7 +165,7 @@ void RowProofs::prove(List list)
     Search search(m_model, list, m_limits, m_verdicts[static_cast<size_t>(list)]);
     const bool isPerson = m_environment.kind == Environment::Kind::Person;
     if (isPerson) {
-        search.look(anyInput(), false);
+        look(anyInput(), false, search);
         search.close(true);
         search.reopenUnconfirmed();
     }
@@ -179,11 +181,17 @@ void RowProofs::prove(List list)
     }
 }
 
+void RowProofs::look(const Environment& environment, bool confirms, Search& search)
+{
+    search.look(environment, confirms);
+    m_searches.append(search.proof());
+}
+
 void RowProofs::lookThrough(const Environment& environment, Search& search)
 {
     for (const Environment& part : environment.growth()) {
         if (!search.isDone()) {
-            search.look(part, true);
+            look(part, true, search);
         }
     }
 }

@@ -42,19 +42,23 @@ public:
     const RowVerdict& of(RowId row, State state) const;
     /// Whether the row is proved never to be announced, in any state.
     bool isNever(RowId row) const;
+    /// All searches that were made.
+    const QVector<Proof>& searches() const { return m_searches; }
 
 private:
     class Search;
     using ByState = std::array<RowVerdict, maxStates>;
 
     void prove(List list);
-    static void lookThrough(const Environment& environment, Search& search);
+    void look(const Environment& environment, bool confirms, Search& search);
+    void lookThrough(const Environment& environment, Search& search);
     Environment anyInput() const;
 
     KeyModel m_model;
     Environment m_environment;
     Limits m_limits;
     std::array<QVector<ByState>, 3> m_verdicts;
+    QVector<Proof> m_searches;
 };
 
 } // namespace model

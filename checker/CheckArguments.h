@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "checker/Check.h"
+
+#include <QString>
+#include <QStringList>
+
+namespace checker {
+
+/// The arguments of the subcommand `check`.
+struct CheckArguments
+{
+    enum class Format { Text, Json, Sarif };
+
+    QStringList paths;
+    CheckOptions options;
+    Format format = Format::Text;
+    /// Findings with these ids are left out.
+    QStringList allowed;
+    /// Whether warnings count as errors.
+    bool deniesWarnings = false;
+    /// The folder for the key scripts that announce each row; empty if they are not wanted.
+    QString witnessFolder;
+    /// The text of `--help`; empty if it is not wanted.
+    QString help;
+    /// Why the arguments cannot be used; empty if they can.
+    QString fault;
+
+    /// `arguments` begins with the name of the subcommand.
+    static CheckArguments parse(const QStringList& arguments);
+};
+
+} // namespace checker

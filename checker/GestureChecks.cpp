@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+#include "checker/GestureChecks.h"
+
+#include "checker/Gesture.h"
+
+#include <algorithm>
+
+namespace checker {
+
+using model::List;
+using model::Output;
+using model::PlayedStep;
+using model::RowId;
+using model::State;
+
+namespace {
+
+/// Checks one gesture in all states.
+class GestureCheck
+{
+public:
+    GestureCheck(const model::KeyModel& keyModel, const RowPlaces& places, RowId id)
+        : m_model(keyModel), m_places(places), m_id(id)
+    {}
+
+    QVector<Finding> findings();
+
+private:
+    void checkIn(State state);
+    void addSilent();
+    void addOthers();
+
+    const model::KeyModel& m_model;
+    const RowPlaces& m_places;
+    RowId m_id;
+    QStringList m_silentStates;
+    QVector<RowId> m_others; // the rows that the gesture announces as well
+    QVector<Finding> m_findings;
+};
+
+bool isPerceived(const PlayedStep& step)
+{
+    return std::any_of(step.outputs.begin(), step.outputs.end(),
+                       [](const Output& output) { return output.kind != Output::Kind::Log; });
+}
+
+QVector<Finding> GestureCheck::findings()
+{
+    for (const State state : model::Alphabet::states()) {
+        if (state != State::Undefined) {
+            checkIn(state);
+        }
+    }
+    addSilent();
+    addOthers();
+    return m_findings;
+}
+
+void GestureCheck::checkIn(State state)
+{
+    const model::Playback playback = Gesture::play(m_model, m_id, state);
+    const auto& steps = playback.steps();
+    if (std::none_of(steps.begin(), steps.end(), isPerceived)) {
+        m_silentStates.append(model::Alphabet::nameOf(state));
+    }
+    QVector<RowId> announced;
+    for (const PlayedStep& step : steps) {
+        for (const model::Effect& effect : step.effects) {
+            if (effect.rule == model::Rule::Announces) {
+                announced.append(effect.row);
+            }
+        }
+    }
+    for (const RowId other : qAsConst(announced)) {
+        if (announced.contains(m_id) && !(other == m_id) && !m_others.contains(other)) {
+            m_others.append(other);
+        }
+    }
+}
+
+void GestureCheck::addSilent()
+{
+    if (!m_silentStates.isEmpty()) {
+        Finding finding;
+        finding.id = QStringLiteral("silent");
+        finding.message = QStringLiteral("in %1, %2 causes neither speech nor an action")
+                              .arg(m_silentStates.join(QStringLiteral(" and ")),
+                                   Gesture::toText(m_model.lists(), m_id));
+        finding.row = m_id;
+        finding.place = m_places.whole(m_id);
+        m_findings.append(finding);
+    }
+}
+
+void GestureCheck::addOthers()
+{
+    for (const RowId other : qAsConst(m_others)) {
+        Finding finding;
+        finding.id = QStringLiteral("also");
+        finding.level = Level::Note;
+        finding.message = QStringLiteral("%1 announces \"%2\" as well")
+                              .arg(Gesture::toText(m_model.lists(), m_id), m_model.lists().row(other).eAction());
+        finding.row = m_id;
+        finding.place = m_places.whole(m_id);
+        finding.related.append(m_places.whole(other));
+        finding.related.last().remark = QStringLiteral("the other action");
+        m_findings.append(finding);
+    }
+}
+
+} // namespace
+
+QVector<Finding> GestureChecks::of(const model::KeyLists& lists, const RowPlaces& places)
+{
+    const model::KeyModel keyModel(lists);
+    QVector<Finding> findings;
+    for (const RowId id : lists.ids()) {
+        if (Gesture::isPossible(lists.row(id))) {
+            findings += GestureCheck(keyModel, places, id).findings();
+        }
+    }
+    return findings;
+}
+
+} // namespace checker

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "checker/SourceFile.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <vector>
+
+namespace checker {
+
+/// A value of a JSON text, with its place. Qt's reader decides what a text means; these nodes only say where
+/// each value is.
+struct JsonNode
+{
+    enum class Kind { Object, Array, Text, Literal };
+
+    Kind kind = Kind::Literal;
+    Range range;
+    /// For a member of an object: its name, and the place of the name with its quotation marks.
+    QString name;
+    Range nameRange;
+    /// The value as the file has it; empty for objects and arrays.
+    QByteArray written;
+    /// The members of an object, or the elements of an array.
+    std::vector<JsonNode> children;
+
+    /// The member that Qt's reader keeps: the last one with this name. Null if there is none.
+    const JsonNode* member(const QString& wanted) const;
+};
+
+namespace JsonText {
+
+/// The root of `text`, which Qt's reader must have accepted. For other texts, the result is meaningless but
+/// within the bounds of the text.
+JsonNode scan(const QByteArray& text);
+
+} // namespace JsonText
+
+} // namespace checker

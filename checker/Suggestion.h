@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace checker {
+
+namespace Suggestion {
+
+/// The name that resembles `word` most; empty if none does.
+QString of(const QString& word, const QStringList& names);
+/// A question for the author: ": did you mean "Help"?"; empty if no name resembles `word`.
+QString question(const QString& word, const QStringList& names);
+
+} // namespace Suggestion
+
+} // namespace checker

@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: MIT
+#include "checker/TextChecks.h"
+
+#include "checker/Suggestion.h"
+#include "keys/KeyListFile.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace checker {
+
+using model::KeyLists;
+using model::List;
+using model::RowId;
+
+namespace {
+
+Finding atOffset(List list, const QString& id, const QString& message, Range range)
+{
+    Finding finding;
+    finding.id = id;
+    finding.level = Level::Error;
+    finding.message = message;
+    finding.place = {list, range, {}};
+    return finding;
+}
+
+QVector<Finding> duplicatesOf(List list, const JsonNode& object)
+{
+    QVector<Finding> findings;
+    QMap<QString, Range> seen;
+    for (const JsonNode& member : object.children) {
+        if (seen.contains(member.name)) {
+            Finding finding =
+                atOffset(list, QStringLiteral("duplicate"),
+                         QStringLiteral("\"%1\" is there twice, and the last one counts").arg(member.name),
+                         member.nameRange);
+            finding.level = Level::Warning;
+            finding.related.append({list, seen.value(member.name), QStringLiteral("this one is ignored")});
+            findings.append(finding);
+        }
+        seen.insert(member.name, member.nameRange);
+    }
+    return findings;
+}
+
+QString withoutSection(List list, const JsonNode& root)
+{
+    QStringList names;
+    for (const JsonNode& member : root.children) {
+        names.append(member.name);
+    }
+    const QString section = KeyLists::sectionOf(list);
+    const QString similar = Suggestion::of(section, names);
+    return QStringLiteral("the file has no list \"%1\", so it has no rows").arg(section) +
+           (similar.isEmpty() ? QString() : QStringLiteral("; is \"%1\" misspelt?").arg(similar));
+}
+
+QVector<Finding> ofRoot(List list, const JsonNode& root)
+{
+    QVector<Finding> findings = duplicatesOf(list, root);
+    const JsonNode* section = root.member(KeyLists::sectionOf(list));
+    if (!section) {
+        findings.append(atOffset(list, QStringLiteral("section"), withoutSection(list, root),
+                                 {root.range.begin, root.range.begin + 1}));
+    } else if (section->kind != JsonNode::Kind::Array) {
+        findings.append(
+            atOffset(list, QStringLiteral("section"),
+                     QStringLiteral("\"%1\" is not a list, so it has no rows").arg(section->name),
+                     section->range));
+    }
+    return findings;
+}
+
+/// How the loader reads a time.
+QString readingOf(const JsonNode* time, int seconds)
+{
+    constexpr int maxShown = 20;
+    if (!time) {
+        return QStringLiteral("the row has no \"%1\"").arg(KeyListFields::timeout);
+    }
+    const QString written = QString::fromUtf8(time->written.left(maxShown));
+    return time->written.toDouble() == seconds && time->kind == JsonNode::Kind::Literal
+               ? QStringLiteral("a time of %1 s").arg(written)
+               : QStringLiteral("%1 is read as %2 s").arg(written).arg(seconds);
+}
+
+/// Checks the members of one row.
+class RowText
+{
+public:
+    RowText(RowId id, const KeyEntry& row, const JsonNode& object) : m_id(id), m_row(row), m_object(object) {}
+
+    QVector<Finding> findings();
+
+private:
+    void checkName(const JsonNode& member);
+    void checkMissing();
+    void checkKeys();
+    void checkText(const QString& name, const QString& value);
+    void checkTime();
+    Finding& add(const char* id, Level level, const QString& message, Range range);
+    QStringList knownNames() const;
+    bool isTimed() const { return m_id.list == List::LongPresses; }
+
+    RowId m_id;
+    const KeyEntry& m_row;
+    const JsonNode& m_object;
+    QStringList m_misspelt; // known names for which a similar one is there
+    QVector<Finding> m_findings;
+};
+
+QVector<Finding> RowText::findings()
+{
+    m_findings = duplicatesOf(m_id.list, m_object);
+    for (const JsonNode& member : m_object.children) {
+        checkName(member);
+    }
+    checkMissing();
+    checkKeys();
+    checkText(KeyListFields::eAction, m_row.eAction());
+    checkText(KeyListFields::receiverService, m_row.receiverService());
+    checkText(KeyListFields::validOnState, m_row.validOnState());
+    if (isTimed()) {
+        checkTime();
+    }
+    for (Finding& finding : m_findings) {
+        finding.row = m_id;
+    }
+    return m_findings;
+}
+
+QStringList RowText::knownNames() const
+{
+    QStringList names{KeyListFields::keys, KeyListFields::eAction, KeyListFields::receiverService,
+                      KeyListFields::validOnState};
+    return isTimed() ? names << KeyListFields::timeout : names;
+}
+
+Finding& RowText::add(const char* id, Level level, const QString& message, Range range)
+{
+    m_findings.append(atOffset(m_id.list, QString::fromLatin1(id), message, range));
+    m_findings.last().level = level;
+    return m_findings.last();
+}
+
+void RowText::checkName(const JsonNode& member)
+{
+    const QStringList names = knownNames();
+    if (names.contains(member.name)) {
+        return;
+    }
+    QStringList missing = names;
+    for (const JsonNode& other : m_object.children) {
+        missing.removeAll(other.name);
+    }
+    const QString similar = Suggestion::of(member.name, missing);
+    if (!similar.isEmpty()) {
+        m_misspelt.append(similar);
+        add("member", Level::Error,
+            QStringLiteral("\"%1\" is ignored: did you mean \"%2\"?").arg(member.name, similar), member.nameRange);
+    } else if (member.name == KeyListFields::timeout) {
+        add("member", Level::Warning,
+            QStringLiteral("\"%1\" is ignored: only long presses have a time").arg(member.name),
+            member.nameRange);
+    } else {
+        add("member", Level::Warning, QStringLiteral("\"%1\" is ignored").arg(member.name), member.nameRange);
+    }
+}
+
+/// A row without a time is reported with what follows from it.
+void RowText::checkMissing()
+{
+    const QStringList names = knownNames();
+    for (const QString& name : names) {
+        const bool isReported = m_misspelt.contains(name) || name == KeyListFields::timeout;
+        if (!m_object.member(name) && !isReported) {
+            add("member", Level::Error, QStringLiteral("the row has no \"%1\"").arg(name), m_object.range);
+        }
+    }
+}
+
+void RowText::checkKeys()
+{
+    const JsonNode* keys = m_object.member(KeyListFields::keys);
+    if (!keys) {
+        return;
+    }
+    const bool isList = keys->kind == JsonNode::Kind::Array &&
+                        m_row.keys().size() == static_cast<int>(keys->children.size());
+    if (!isList) {
+        const QString read = m_row.keys().isEmpty()
+                                 ? QStringLiteral("no keys")
+                                 : QStringLiteral("the list [\"%1\"]").arg(m_row.keys().join(QStringLiteral("\", \"")));
+        add("value", Level::Warning, QStringLiteral("the keys are not a list of names: they are read as %1").arg(read),
+            keys->range);
+    }
+}
+
+void RowText::checkText(const QString& name, const QString& value)
+{
+    const JsonNode* member = m_object.member(name);
+    if (member && member->kind != JsonNode::Kind::Text) {
+        add("value", Level::Warning,
+            QStringLiteral("\"%1\" is not a text: it is read as \"%2\"").arg(name, value), member->range);
+    }
+}
+
+void RowText::checkTime()
+{
+    constexpr int millisecondsPerSecond = 1000;
+    constexpr int longHold = 30; // seconds
+    const int seconds = m_row.timeout() / millisecondsPerSecond;
+    const JsonNode* time = m_object.member(KeyListFields::timeout);
+    const Range range = time ? time->range : m_object.range;
+    if (seconds <= 0) {
+        add("time", Level::Error,
+            readingOf(time, seconds) +
+                QStringLiteral(": the action repeats 30 times a second while the key is held"),
+            range);
+    } else if (time->written.toDouble() != seconds) {
+        add("value", Level::Warning, readingOf(time, seconds), range);
+    }
+    if (seconds > longHold) {
+        add("long-hold", Level::Warning, QStringLiteral("the key must be held for %1 s").arg(seconds), range);
+    }
+}
+
+} // namespace
+
+QVector<Finding> TextChecks::ofFile(const ListSources& sources, List list)
+{
+    const QByteArray& text = sources.file(list).text();
+    if (text.size() > KeyListFile::maxSize) {
+        return {atOffset(list, QStringLiteral("too-large"),
+                         QStringLiteral("the file is over the limit of %1 bytes, and the daemon reads none of it")
+                             .arg(KeyListFile::maxSize),
+                         {0, 0})};
+    }
+    if (text.trimmed().isEmpty()) {
+        return {atOffset(list, QStringLiteral("syntax"), QStringLiteral("the file is empty"), {0, 0})};
+    }
+    QJsonParseError error{};
+    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
+    if (error.error != QJsonParseError::NoError) {
+        return {atOffset(list, QStringLiteral("syntax"),
+                         QStringLiteral("the file is not JSON: %1").arg(error.errorString()),
+                         {error.offset, error.offset})};
+    }
+    const JsonNode root = JsonText::scan(text);
+    if (!document.isObject()) {
+        return {atOffset(list, QStringLiteral("section"),
+                         QStringLiteral("the file is not an object with the list \"%1\"").arg(KeyLists::sectionOf(list)),
+                         root.range)};
+    }
+    return ofRoot(list, root);
+}
+
+QVector<Finding> TextChecks::ofRows(const KeyLists& lists, const RowPlaces& places, List list)
+{
+    QVector<Finding> findings;
+    for (const Range range : places.skipped(list)) {
+        findings.append(atOffset(list, QStringLiteral("element"),
+                                 QStringLiteral("the element is not a row, and the daemon skips it"), range));
+    }
+    for (int i = 0; i < lists.rows(list).size(); ++i) {
+        const RowId id{list, i};
+        findings += RowText(id, lists.row(id), places.row(id)).findings();
+    }
+    return findings;
+}
+
+} // namespace checker

@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: MIT
+#include "checker/WordChecks.h"
+
+#include "checker/Suggestion.h"
+#include "keys/KeyListFile.h"
+#include "keys/KeyRules.h"
+#include "model/Alphabet.h"
+#include "vocabulary/Vocabulary.h"
+
+#include <ls/Identifiers.h>
+
+#include <algorithm>
+
+namespace checker {
+
+using model::Alphabet::keyOf;
+using model::Alphabet::stateOf;
+using model::List;
+using model::RowId;
+
+namespace {
+
+/// Checks the names of one row.
+class RowWords
+{
+public:
+    RowWords(RowId id, const model::KeyLists& lists, const RowPlaces& places)
+        : m_id(id), m_row(lists.row(id)), m_lists(lists), m_places(places)
+    {}
+
+    QVector<Finding> findings();
+
+private:
+    void checkKeys();
+    void checkUnusedKeys();
+    void checkStates();
+    void checkReceiver();
+    void checkVisible(const QString& name, const QString& text);
+    Place keyPlace(int index) const;
+    void add(const char* id, Level level, const QString& message, const Place& place);
+
+    RowId m_id;
+    const KeyEntry& m_row;
+    const model::KeyLists& m_lists;
+    const RowPlaces& m_places;
+    QVector<Finding> m_findings;
+};
+
+QVector<Finding> RowWords::findings()
+{
+    checkKeys();
+    checkUnusedKeys();
+    checkStates();
+    checkReceiver();
+    checkVisible(KeyListFields::eAction, m_row.eAction());
+    checkVisible(KeyListFields::receiverService, m_row.receiverService());
+    checkVisible(KeyListFields::validOnState, m_row.validOnState());
+    return m_findings;
+}
+
+void RowWords::add(const char* id, Level level, const QString& message, const Place& place)
+{
+    Finding finding;
+    finding.id = QString::fromLatin1(id);
+    finding.level = level;
+    finding.message = message;
+    finding.row = m_id;
+    finding.place = place;
+    m_findings.append(finding);
+}
+
+Place RowWords::keyPlace(int index) const
+{
+    const JsonNode* keys = m_places.row(m_id).member(KeyListFields::keys);
+    const bool isListed = keys && index < static_cast<int>(keys->children.size());
+    return isListed ? Place{m_id.list, keys->children[static_cast<size_t>(index)].range, {}}
+                    : m_places.member(m_id, KeyListFields::keys);
+}
+
+void RowWords::checkKeys()
+{
+    if (m_row.keys().isEmpty() && m_places.row(m_id).member(KeyListFields::keys)) {
+        add("no-keys", Level::Error, QStringLiteral("the row has no keys"),
+            m_places.member(m_id, KeyListFields::keys));
+    }
+    for (int i = 0; i < m_row.keys().size(); ++i) {
+        const QString& key = m_row.keys().at(i);
+        if (!keyOf(key)) {
+            add("unknown-key", Level::Error,
+                QStringLiteral("\"%1\" is not a key").arg(key) +
+                    Suggestion::question(key, ls::KeyId::meta.keys()),
+                keyPlace(i));
+        }
+    }
+}
+
+/// Some recognisers do not look at all keys of a row.
+void RowWords::checkUnusedKeys()
+{
+    const int count = m_row.keyCount();
+    if (m_id.list == List::LongPresses && count > 1) {
+        add("value", Level::Warning,
+            QStringLiteral("a long press has one key: only \"%1\" counts").arg(m_row.firstKey()), keyPlace(1));
+    } else if (m_id.list == List::Shortcuts && count > 2) {
+        add("value", Level::Warning,
+            QStringLiteral("a shortcut has two keys: only \"%1\" and \"%2\" count")
+                .arg(m_row.firstKey(), m_row.lastKey()),
+            keyPlace(1));
+    }
+}
+
+void RowWords::checkStates()
+{
+    const Place place = m_places.member(m_id, KeyListFields::validOnState);
+    const bool isJoined = m_id.list != List::LongPresses && m_row.validOnState().contains(KeyRules::stateSeparator);
+    if (isJoined) {
+        add("joined-states", Level::Error,
+            QStringLiteral("\"%1\" is not a state: only long presses can join states").arg(m_row.validOnState()),
+            place);
+        return;
+    }
+    if (!m_places.row(m_id).member(KeyListFields::validOnState)) {
+        return; // reported as a missing member
+    }
+    QStringList states = m_lists.statesOf(m_id);
+    if (states.removeDuplicates() > 0) {
+        add("duplicate", Level::Warning,
+            QStringLiteral("\"%1\" names a state twice, and the action is announced twice there")
+                .arg(m_row.validOnState()),
+            place);
+    }
+    for (const QString& state : qAsConst(states)) {
+        if (!stateOf(state)) {
+            add("unknown-state", Level::Error,
+                QStringLiteral("\"%1\" is not a state").arg(state) +
+                    Suggestion::question(state, ls::StateId::meta.keys()),
+                place);
+        }
+    }
+}
+
+void RowWords::checkReceiver()
+{
+    const QString& receiver = m_row.receiverService();
+    const Place place = m_places.member(m_id, KeyListFields::receiverService);
+    if (receiver == vocabulary::undefined) {
+        add("undefined-receiver", Level::Warning,
+            QStringLiteral("the action is dropped, because its receiver is \"%1\"").arg(receiver), place);
+    } else if (!ls::ServiceId::meta.contains(receiver) &&
+               m_places.row(m_id).member(KeyListFields::receiverService)) {
+        add("unknown-service", Level::Error,
+            QStringLiteral("\"%1\" is not a service, and none reacts to the action").arg(receiver) +
+                Suggestion::question(receiver, ls::ServiceId::meta.keys()),
+            place);
+    }
+}
+
+void RowWords::checkVisible(const QString& name, const QString& text)
+{
+    const bool isVisible = std::all_of(text.begin(), text.end(), [](QChar c) { return c.isPrint(); });
+    if (!isVisible) {
+        add("invisible", Level::Warning, QStringLiteral("\"%1\" has invisible characters").arg(name),
+            m_places.member(m_id, name));
+    }
+}
+
+} // namespace
+
+QVector<Finding> WordChecks::of(const model::KeyLists& lists, const RowPlaces& places, List list)
+{
+    QVector<Finding> findings;
+    for (int i = 0; i < lists.rows(list).size(); ++i) {
+        findings += RowWords({list, i}, lists, places).findings();
+    }
+    return findings;
+}
+
+} // namespace checker

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#include "checker/Commands.h"
+#include "checker/Printable.h"
+
+#include <QCoreApplication>
+#include <QMap>
+
+#include <csignal>
+#include <unistd.h>
+
+namespace {
+
+using Command = checker::Status (*)(const QStringList&, QTextStream&, QTextStream&);
+
+const QMap<QString, Command>& commands()
+{
+    static const QMap<QString, Command> all{{QStringLiteral("check"), checker::Commands::check}};
+    return all;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    std::signal(SIGPIPE, SIG_DFL); // a pager that was left is the end of the output
+    const QCoreApplication application(argc, argv);
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+    out.setCodec("UTF-8");
+    err.setCodec("UTF-8");
+    const QStringList arguments = QCoreApplication::arguments().mid(1);
+    const Command command = commands().value(arguments.value(0));
+    if (!command) {
+        const QStringList names = commands().keys();
+        err << "Usage: keyboard-handler-keys COMMAND [ARGUMENT...]\nThe commands are: " << names.join(", ") << ".\n";
+        return checker::Unusable;
+    }
+    const checker::Status status = command(arguments, out, err);
+    out.flush();
+    if (out.status() != QTextStream::Ok) {
+        err << "The output could not be written.\n";
+        return checker::Unusable;
+    }
+    return status;
+}
