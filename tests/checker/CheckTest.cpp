@@ -1,0 +1,282 @@
+// SPDX-License-Identifier: MIT
+#include "checker/Check.h"
+#include "checker/FindingText.h"
+#include "keys/KeyListFile.h"
+#include "tests/checker/ListTexts.h"
+
+#include <QtTest>
+
+using namespace checker;
+using model::List;
+
+/// Each finding of `keyboard-handler-keys check` about small lists.
+class CheckTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void findings_data();
+    void findings();
+    void faultsOfAFile_data();
+    void faultsOfAFile();
+    void installedListsHaveOnlySilentGestures();
+    void optionsOfAPerson_data();
+    void optionsOfAPerson();
+    void aCombinationCanBeTooSlow();
+    void manyRowsEnd();
+    void textOfAFinding();
+    void namesAreNeverPrintedRaw();
+
+private:
+    static QStringList found(const ListSources& sources, const CheckOptions& options = {});
+};
+
+/// Each finding as "level id line:column message".
+QStringList CheckTest::found(const ListSources& sources, const CheckOptions& options)
+{
+    QStringList lines;
+    const CheckResult result = check(sources, options);
+    for (const Finding& finding : result.findings) {
+        const Position at = sources.file(finding.place.list).positionOf(finding.place.range.begin);
+        lines += QStringLiteral("%1 %2 %3:%4 %5")
+                     .arg(nameOf(finding.level), finding.id)
+                     .arg(at.line)
+                     .arg(at.column)
+                     .arg(finding.message);
+    }
+    return lines;
+}
+
+namespace {
+
+QByteArray row(const QByteArray& keys, const QByteArray& action, const QByteArray& state = "Idle",
+               const QByteArray& more = "")
+{
+    return "{ \"keys\": [" + keys + "], \"eAction\": \"" + action +
+           "\", \"receiverService\": \"UserMenu\", \"validOnState\": \"" + state + "\"" + more + " }\n";
+}
+
+QByteArray held(const QByteArray& timeout, const QByteArray& state = "Idle")
+{
+    return row("\"Help\"", "A", state, ", \"timeout\": " + timeout);
+}
+
+/// All states but Startup, which speaks: so that holding Help is nowhere silent, and only what is tested is found.
+const QByteArray everywhere = "Startup|Idle|Print|PrintOff|Update|Error";
+
+} // namespace
+
+void CheckTest::findings_data()
+{
+    QTest::addColumn<QByteArray>("longPresses");
+    QTest::addColumn<QByteArray>("combinations");
+    QTest::addColumn<QByteArray>("shortcuts");
+    QTest::addColumn<QStringList>("expected");
+
+    const auto longPress = [](const char* name, const QByteArray& rows, const QStringList& expected) {
+        QTest::newRow(name) << rows << QByteArray() << QByteArray() << expected;
+    };
+    const auto combination = [](const char* name, const QByteArray& rows, const QStringList& expected) {
+        QTest::newRow(name) << QByteArray() << rows << QByteArray() << expected;
+    };
+    const auto shortcut = [](const char* name, const QByteArray& rows, const QStringList& expected) {
+        QTest::newRow(name) << QByteArray() << QByteArray() << rows << expected;
+    };
+
+    longPress("a long press for Idle", held("2"), {});
+    longPress("a long press for another state is silent in Idle", held("2", "Print"),
+              {"warning silent 2:1 in Idle, holding Help causes neither speech nor an action"});
+    longPress("a time below half a second", held("0.4"),
+              {"error time 2:106 0.4 is read as 0 s: the action repeats 30 times a second while the key is held"});
+    longPress("a time of 0", held("0"),
+              {"error time 2:106 a time of 0 s: the action repeats 30 times a second while the key is held"});
+    longPress("a rounded time", held("1.5"), {"warning value 2:106 1.5 is read as 2 s"});
+    longPress("a time that is true", held("true"), {"warning value 2:106 true is read as 1 s"});
+    longPress("a time that is a text", held("\"2\""), {"warning value 2:106 \"2\" is read as 2 s"});
+    longPress("a whole time with a point", held("2.0"), {});
+    longPress("half an hour", held("3000"), {"warning long-hold 2:106 the key must be held for 3000 s"});
+    longPress("no time", row("\"Help\"", "A"),
+              {"error time 2:1 the row has no \"timeout\": the action repeats 30 times a second while the key is held"});
+    longPress("a misspelt time", row("\"Help\"", "A", "Idle", ", \"timeOut\": 2"),
+              {"error time 2:1 the row has no \"timeout\": the action repeats 30 times a second while the key is held",
+               "error member 2:94 \"timeOut\" is ignored: did you mean \"timeout\"?"});
+    longPress("two keys", row("\"Help\", \"Up\"", "A", "Idle", ", \"timeout\": 2"),
+              {"warning value 2:20 a long press has one key: only \"Help\" counts"});
+    longPress("two rows for a key", held("2") + "," + held("3"),
+              {"error hidden 2:11 no keys announce \"A\""});
+    longPress("an unknown state", held("2", "Idle | Sleep"), {"error unknown-state 2:79 \"Sleep\" is not a state"});
+    longPress("a misspelt state", held("2", "Idel"), {"error unknown-state 2:79 \"Idel\" is not a state: did you mean \"Idle\"?"});
+    longPress("a state twice", held("2", "Idle|Idle"),
+              {"warning duplicate 2:79 \"Idle|Idle\" names a state twice, and the action is announced twice there"});
+
+    combination("a pair", row("\"Help\", \"Feed\"", "A"), {});
+    combination("a pair for another state", row("\"Help\", \"Feed\"", "A", "Print"),
+                {"error never 2:11 no keys announce \"A\""});
+    combination("a pair behind a row of three keys",
+                row("\"Function\", \"Help\", \"One\"", "A") + "," + row("\"Help\", \"Feed\"", "B"),
+                {"error hidden 3:12 no keys announce \"B\""});
+    combination("a pair twice", row("\"Help\", \"Feed\"", "A") + "," + row("\"Help\", \"Feed\"", "B"),
+                {"note also 2:1 Help, then Feed announces \"B\" as well",
+                 "note also 3:2 Help, then Feed announces \"A\" as well",
+                 "warning same-keys 3:12 row 1 has the same keys, and both actions are announced"});
+    combination("joined states", row("\"Help\", \"Feed\"", "A", "Idle|Print"),
+                {"error joined-states 2:87 \"Idle|Print\" is not a state: only long presses can join states"});
+    combination("a misspelt key", row("\"Hlep\", \"Feed\"", "A"),
+                {"error unknown-key 2:12 \"Hlep\" is not a key: did you mean \"Help\"?"});
+    combination("no keys", row("", "A"), {"error no-keys 2:11 the row has no keys"});
+    combination("keys as a text",
+                R"({ "keys": "Help", "eAction": "A", "receiverService": "UserMenu", "validOnState": "Idle" })",
+                {"warning value 2:11 the keys are not a list of names: they are read as the list [\"Help\"]"});
+    combination("a time", row("\"Help\", \"Feed\"", "A", "Idle", ", \"timeout\": 2"),
+                {"warning member 2:102 \"timeout\" is ignored: only long presses have a time"});
+    combination("an element that is not a row", "5", {"error element 2:1 the element is not a row, and the daemon skips it"});
+
+    shortcut("a shortcut", row("\"Function\", \"Up\"", "A"), {});
+    shortcut("a shortcut for another state", row("\"Feed\", \"Ok\"", "A", "PrintOff"),
+             {"warning silent 2:1 in Idle, Feed and Ok together causes neither speech nor an action"});
+    shortcut("the same shortcut twice",
+             row("\"Function\", \"Up\"", "A") + "," + row("\"Function\", \"Up\"", "B"),
+             {"note also 3:2 x", "error hidden 3:12 no keys announce \"B\""});
+    shortcut("three keys", row("\"Function\", \"Help\", \"Up\"", "A"),
+             {"warning value 2:24 a shortcut has two keys: only \"Function\" and \"Up\" count"});
+    shortcut("a misspelt receiver",
+             R"({ "keys": ["Function", "Up"], "eAction": "A", "receiverService": "UserMenue", "validOnState": "Idle" })",
+             {"error unknown-service 2:66 \"UserMenue\" is not a service, and none reacts to the action: did you mean \"UserMenu\"?"});
+    shortcut("a misspelt member",
+             R"({ "keys": ["Function", "Up"], "eaction": "A", "receiverService": "UserMenu", "validOnState": "Idle" })",
+             {"error member 2:31 \"eaction\" is ignored: did you mean \"eAction\"?"});
+    shortcut("a receiver that drops the action",
+             R"({ "keys": ["Function", "Up"], "eAction": "A", "receiverService": "Undefined", "validOnState": "Idle" })",
+             {"warning undefined-receiver 2:66 the action is dropped, because its receiver is \"Undefined\""});
+    shortcut("a member twice", row("\"Function\", \"Up\"", "A", "Idle", ", \"eAction\": \"B\""),
+             {"warning duplicate 2:101 \"eAction\" is there twice, and the last one counts"});
+}
+
+void CheckTest::findings()
+{
+    QFETCH(QByteArray, longPresses);
+    QFETCH(QByteArray, combinations);
+    QFETCH(QByteArray, shortcuts);
+    QFETCH(QStringList, expected);
+    QCOMPARE(found(ListTexts::withRows(longPresses, combinations, shortcuts)), expected);
+}
+
+void CheckTest::faultsOfAFile_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("empty") << QByteArray(" \n") << "error syntax 1:1 the file is empty";
+    QTest::newRow("not JSON") << QByteArray("{\n  \"LongKeys\": [}\n") << "error syntax 2:17 the file is not JSON: illegal value";
+    QTest::newRow("not an object") << QByteArray("[]") << "error section 1:1 the file is not an object with the list \"LongKeys\"";
+    QTest::newRow("without the section") << QByteArray("{\"a\": 1}") << "error section 1:1 the file has no list \"LongKeys\", so it has no rows";
+    QTest::newRow("misspelt section")
+        << QByteArray("{\"LongKey\": []}")
+        << "error section 1:1 the file has no list \"LongKeys\", so it has no rows; is \"LongKey\" misspelt?";
+    QTest::newRow("the section is not a list") << QByteArray("{\"LongKeys\": 5}") << "error section 1:14 \"LongKeys\" is not a list, so it has no rows";
+    QTest::newRow("the section twice") << QByteArray("{\"LongKeys\": 5, \"LongKeys\": []}") << "warning duplicate 1:17 \"LongKeys\" is there twice, and the last one counts";
+    QTest::newRow("over the limit") << QByteArray(KeyListFile::maxSize + 1, ' ') << "error too-large 1:1 the file is over the limit of 1048576 bytes, and the daemon reads none of it";
+}
+
+void CheckTest::faultsOfAFile()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, expected);
+    QCOMPARE(found(ListTexts::withText(List::LongPresses, text)), QStringList(expected));
+}
+
+/// Holding Back and Ok, Feed with Ok and Help with Back do nothing in Idle.
+void CheckTest::installedListsHaveOnlySilentGestures()
+{
+    const ListSources sources = ListSources::read({QStringLiteral(KEY_LISTS)});
+    QCOMPARE(sources.fault, QString());
+    QStringList messages;
+    const CheckResult result = check(sources, {});
+    for (const Finding& finding : result.findings) {
+        messages.append(finding.id + QLatin1Char(' ') + finding.message);
+    }
+    QVERIFY(result.isProved);
+    QCOMPARE(messages, QStringList({"silent in Idle, holding Back causes neither speech nor an action",
+                                    "silent in Idle, holding Ok causes neither speech nor an action",
+                                    "silent in Idle, Feed and Ok together causes neither speech nor an action",
+                                    "silent in Idle, Help and Back together causes neither speech nor an action"}));
+}
+
+void CheckTest::optionsOfAPerson_data()
+{
+    QTest::addColumn<int>("fingers");
+    QTest::addColumn<int>("pace");
+    QTest::addColumn<QStringList>("expected");
+
+    QTest::newRow("one finger") << 1 << 0 << QStringList("warning two-hands 2:11 \"A\" cannot be reached with one finger in Idle");
+    QTest::newRow("two fingers") << 2 << 0 << QStringList();
+    QTest::newRow("a slow person") << 2 << 1000 << QStringList();
+}
+
+void CheckTest::optionsOfAPerson()
+{
+    QFETCH(int, fingers);
+    QFETCH(int, pace);
+    QFETCH(QStringList, expected);
+    CheckOptions options;
+    options.fingers = fingers;
+    options.pace = std::chrono::milliseconds(pace);
+    QCOMPARE(found(ListTexts::withRows({}, {}, row("\"Function\", \"Up\"", "A")), options), expected);
+}
+
+/// A combination must be quicker than the time after which all keys are forgotten.
+void CheckTest::aCombinationCanBeTooSlow()
+{
+    CheckOptions options;
+    options.pace = std::chrono::milliseconds(1750);
+    QCOMPARE(found(ListTexts::withRows({}, row("\"Help\", \"Feed\"", "A"), {}), options),
+             QStringList("warning pace 2:11 \"A\" cannot be reached with 1750 ms between two movements"));
+}
+
+void CheckTest::manyRowsEnd()
+{
+    constexpr int rows = 8000;
+    QByteArray text;
+    for (int i = 0; i < rows; ++i) {
+        text += (i > 0 ? "," : "") + row("\"Help\", \"Feed\"", QByteArray::number(i), "Idle");
+    }
+    const CheckResult result = check(ListTexts::withRows({}, text, {}), {});
+    QVERIFY(result.findings.size() >= rows - 1); // each has the keys of the first
+}
+
+void CheckTest::textOfAFinding()
+{
+    const ListSources sources = ListTexts::withRows(
+        {}, row("\"Function\", \"Help\", \"One\"", "A") + "," + row("\"Help\", \"Feed\"", "B"), {});
+    const CheckResult result = check(sources, {});
+    QCOMPARE(result.findings.size(), 1);
+    const QStringList lines = FindingText(sources, false).describe(result.findings.first()).split('\n');
+    QCOMPARE(lines.value(0), QStringLiteral("error[hidden]: no keys announce \"B\""));
+    QCOMPARE(lines.value(1), QStringLiteral("  --> modifierKeyList.json:3:12"));
+    QCOMPARE(lines.value(2), QStringLiteral("   |"));
+    QVERIFY(lines.value(3).startsWith(" 2 | { \"keys\": [\"Function\", \"Help\", \"One\"], \"eAction\": \"A\""));
+    QCOMPARE(lines.value(4), QStringLiteral("   |           --------------------------- row 1 hides row 2"));
+    QVERIFY(lines.value(5).startsWith(" 3 | ,{ \"keys\": [\"Help\", \"Feed\"]"));
+    QCOMPARE(lines.value(6), QStringLiteral("   |            ^^^^^^^^^^^^^^^^"));
+    QVERIFY(lines.value(7).startsWith("   = proved: any input, "));
+    QCOMPARE(lines.value(8), QStringLiteral("   = help: move row 1 to the end of the list: then row 2 works, and all "
+                                            "that work now still do"));
+}
+
+/// What a file contains must not act on a terminal.
+void CheckTest::namesAreNeverPrintedRaw()
+{
+    const ListSources sources =
+        ListTexts::withRows({}, row("\"He\\u001b[31mlp\", \"\x1b[2J\"", "A\\u202e"), {});
+    const CheckResult result = check(sources, {});
+    QVERIFY(result.findings.size() >= 2);
+    for (const Finding& finding : result.findings) {
+        const QString text = FindingText(sources, false).describe(finding);
+        for (const QChar c : text) {
+            QVERIFY2(c == '\n' || c.isPrint(), qPrintable(text));
+        }
+    }
+}
+
+QTEST_GUILESS_MAIN(CheckTest)
+#include "CheckTest.moc"

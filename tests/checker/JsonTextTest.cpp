@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: MIT
+#include "checker/JsonText.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtTest>
+
+#include <random>
+
+using namespace checker;
+
+namespace {
+
+constexpr int seeds = 20000;
+
+/// Writes random texts that are nearly JSON.
+class RandomText
+{
+public:
+    explicit RandomText(unsigned seed) : m_random(seed) {}
+
+    QByteArray value(int depth);
+
+private:
+    int roll(int sides) { return static_cast<int>(m_random() % static_cast<unsigned>(sides)); }
+    QByteArray blank();
+    QByteArray text();
+    QByteArray children(int depth, bool named);
+
+    std::mt19937 m_random;
+};
+
+QByteArray RandomText::blank()
+{
+    static const QByteArrayList blanks{"", "", " ", "\n", "\t", "\r\n"};
+    return blanks.at(roll(blanks.size()));
+}
+
+QByteArray RandomText::text()
+{
+    static const QByteArrayList parts{"a", "keys", "\\\"", "\\\\", "\\u0041", "\\ud83d\\ude00", "ä", "{", "]", ",", ":", "\\n", "\x7f", "\xff"};
+    QByteArray result;
+    for (int count = roll(4); count > 0; --count) {
+        result += parts.at(roll(parts.size()));
+    }
+    return '"' + result + '"';
+}
+
+QByteArray RandomText::children(int depth, bool named)
+{
+    QByteArray result;
+    for (int count = roll(4); count > 0; --count) {
+        result += blank() + (named ? text() + blank() + ":" : QByteArray()) + value(depth - 1);
+        result += count > 1 || roll(30) == 0 ? "," : "";
+    }
+    return result + blank();
+}
+
+QByteArray RandomText::value(int depth)
+{
+    static const QByteArrayList literals{"0", "-1.5e3", "true", "false", "null", "12", "nul", "01"};
+    const int kind = roll(depth > 0 ? 4 : 2);
+    const QByteArray inner = kind == 0   ? literals.at(roll(literals.size() - (roll(10) == 0 ? 0 : 2)))
+                             : kind == 1 ? text()
+                             : kind == 2 ? '[' + children(depth, false) + ']'
+                                         : '{' + children(depth, true) + '}';
+    return blank() + inner + blank();
+}
+
+/// The value of a text that is a part of another.
+QJsonValue alone(const QByteArray& text, Range range)
+{
+    return QJsonDocument::fromJson('[' + text.mid(range.begin, range.end - range.begin) + ']').array().first();
+}
+
+/// What is wrong with the place of a value, or of one in it.
+QString faultOf(const JsonNode& node, const QJsonValue& value, const QByteArray& text)
+{
+    if (alone(text, node.range) != value) {
+        return QStringLiteral("the text from %1 to %2 is another value").arg(node.range.begin).arg(node.range.end);
+    }
+    for (size_t i = 0; i < node.children.size(); ++i) {
+        const JsonNode& child = node.children[i];
+        const bool isKept = !value.isObject() || node.member(child.name) == &child;
+        const QJsonValue part = value.isObject() ? value.toObject().value(child.name)
+                                                 : value.toArray().at(static_cast<int>(i));
+        const QString fault = isKept ? faultOf(child, part, text) : QString();
+        if (!fault.isEmpty()) {
+            return fault;
+        }
+    }
+    return value.isArray() && value.toArray().size() != static_cast<int>(node.children.size())
+               ? QStringLiteral("an element is missing")
+               : QString();
+}
+
+} // namespace
+
+/// The places of the values of a JSON text.
+class JsonTextTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void placesOfMembers();
+    void theLastMemberOfANameCounts();
+    void aByteOrderMarkIsNotAValue();
+    void eachPlaceHasTheValueThatQtReads();
+    void anyTextIsScannedWithinItsBounds();
+};
+
+void JsonTextTest::placesOfMembers()
+{
+    const QByteArray text = R"({ "keys": ["Help", 5] })";
+    const JsonNode root = JsonText::scan(text);
+    const JsonNode* keys = root.member("keys");
+    QVERIFY(keys);
+    QCOMPARE(keys->nameRange.begin, 2);
+    QCOMPARE(keys->nameRange.end, 8);
+    QCOMPARE(keys->range.begin, 10);
+    QCOMPARE(keys->children.size(), size_t(2));
+    QCOMPARE(keys->children[0].written, QByteArray("\"Help\""));
+    QCOMPARE(keys->children[1].range.begin, 19);
+    QCOMPARE(keys->children[1].range.end, 20);
+}
+
+void JsonTextTest::theLastMemberOfANameCounts()
+{
+    const QByteArray text = R"({"a": 1, "\u0061": 2})";
+    QCOMPARE(QJsonDocument::fromJson(text).object().value("a").toInt(), 2);
+    QCOMPARE(JsonText::scan(text).member("a")->written, QByteArray("2"));
+}
+
+void JsonTextTest::aByteOrderMarkIsNotAValue()
+{
+    const JsonNode root = JsonText::scan("\xEF\xBB\xBF{}");
+    QCOMPARE(root.range.begin, 3);
+    QVERIFY(root.kind == JsonNode::Kind::Object);
+}
+
+void JsonTextTest::eachPlaceHasTheValueThatQtReads()
+{
+    int accepted = 0;
+    for (unsigned seed = 1; seed <= seeds; ++seed) {
+        const QByteArray text = RandomText(seed).value(4);
+        const QJsonDocument document = QJsonDocument::fromJson(text);
+        if (document.isNull()) {
+            continue;
+        }
+        ++accepted;
+        const QJsonValue value = document.isObject() ? QJsonValue(document.object()) : QJsonValue(document.array());
+        const QString fault = faultOf(JsonText::scan(text), value, text);
+        QVERIFY2(fault.isEmpty(), qPrintable(QStringLiteral("seed %1: %2\n").arg(seed).arg(fault) + text));
+    }
+    QVERIFY(accepted > seeds / 20);
+}
+
+void JsonTextTest::anyTextIsScannedWithinItsBounds()
+{
+    for (unsigned seed = 1; seed <= seeds; ++seed) {
+        const QByteArray whole = RandomText(seed).value(4);
+        const QByteArray text = whole.left(static_cast<int>(seed % 40)) + whole.mid(static_cast<int>(seed % 47));
+        const JsonNode root = JsonText::scan(text);
+        QVERIFY(root.range.begin >= 0 && root.range.begin <= root.range.end && root.range.end <= text.size());
+    }
+}
+
+QTEST_GUILESS_MAIN(JsonTextTest)
+#include "JsonTextTest.moc"
