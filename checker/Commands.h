@@ -24,6 +24,7 @@ Status check(const QStringList& arguments, QTextStream& out, QTextStream& err);
 Status explain(const QStringList& arguments, QTextStream& out, QTextStream& err);
 Status how(const QStringList& arguments, QTextStream& out, QTextStream& err);
 Status what(const QStringList& arguments, QTextStream& out, QTextStream& err);
+Status diff(const QStringList& arguments, QTextStream& out, QTextStream& err);
 Status why(const QStringList& arguments, QTextStream& out, QTextStream& err);
 Status schema(const QStringList& arguments, QTextStream& out, QTextStream& err);
 
