@@ -3,6 +3,8 @@
 
 #include "checker/Gesture.h"
 
+#include <QSet>
+
 #include <algorithm>
 
 namespace checker {
@@ -14,6 +16,9 @@ using model::RowId;
 using model::State;
 
 namespace {
+
+/// More rows with the same keys are reported as such.
+constexpr int maxOthers = 3;
 
 /// Checks one gesture in all states.
 class GestureCheck
@@ -71,8 +76,11 @@ void GestureCheck::checkIn(State state)
             }
         }
     }
+    if (!announced.contains(m_id)) {
+        return;
+    }
     for (const RowId other : qAsConst(announced)) {
-        if (announced.contains(m_id) && !(other == m_id) && !m_others.contains(other)) {
+        if (m_others.size() < maxOthers && !(other == m_id) && !m_others.contains(other)) {
             m_others.append(other);
         }
     }
@@ -114,8 +122,11 @@ QVector<Finding> GestureChecks::of(const model::KeyLists& lists, const RowPlaces
 {
     const model::KeyModel keyModel(lists);
     QVector<Finding> findings;
+    QSet<QString> played;
     for (const RowId id : lists.ids()) {
-        if (Gesture::isPossible(lists.row(id))) {
+        const QString gesture = Gesture::toText(lists, id);
+        if (Gesture::isPossible(lists.row(id)) && !played.contains(gesture)) {
+            played.insert(gesture);
             findings += GestureCheck(keyModel, places, id).findings();
         }
     }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "checker/ProofChecks.h"
 
-#include "checker/Gesture.h"
 #include "checker/HidingRows.h"
 #include "keys/KeyListFile.h"
 #include "model/KeyFacts.h"
@@ -26,12 +25,20 @@ constexpr model::Limits limits{1'000'000, 50'000'000};
 /// The search for the rows that hide a row takes some more proofs.
 constexpr int maxExplained = 50;
 
-Environment personOf(const CheckOptions& options)
+/// A person in front of the device, while the state stays as it is.
+Environment personOf(int fingers)
 {
     Environment environment;
     environment.kind = Environment::Kind::Person;
-    environment.fingers = options.fingers;
+    environment.fingers = fingers;
+    environment.stateChanges = false;
     return environment;
+}
+
+/// Keys in any order, and changes of the state between them.
+Environment anyInput()
+{
+    return {};
 }
 
 QString namesOf(const QVector<State>& states)
@@ -43,39 +50,76 @@ QString namesOf(const QVector<State>& states)
     return names.join(QStringLiteral(" and "));
 }
 
-/// The verdicts on one row, in its states.
+/// The searches for all rows.
+struct Proofs
+{
+    Proofs(const KeyLists& lists, int fingers)
+        : person(lists, personOf(fingers), limits)
+        , pair(lists, personOf(qMax(fingers, 2)), limits)
+        , any(lists, anyInput(), limits)
+    {}
+
+    RowProofs person;
+    /// No gesture takes more than two fingers.
+    RowProofs pair;
+    RowProofs any;
+};
+
+/// The states of one row, by what is proved.
 struct RowVerdicts
 {
     QVector<State> announced;
     /// No input announces the row.
     QVector<State> never;
-    /// Other input announces the row, but not this person.
+    /// Only if the state changes between the keys.
+    QVector<State> changing;
+    /// Only with more fingers.
     QVector<State> notByPerson;
     QVector<State> notProved;
     /// Of the last state that is not announced.
     model::Proof proof;
 
-    int count() const { return announced.size() + never.size() + notByPerson.size() + notProved.size(); }
+    int count() const
+    {
+        return announced.size() + never.size() + changing.size() + notByPerson.size() + notProved.size();
+    }
 };
 
-RowVerdicts verdictsOn(const KeyLists& lists, const RowProofs& proofs, RowId id)
+void judge(const Proofs& proofs, RowId id, State state, RowVerdicts& verdicts)
+{
+    using Kind = RowVerdict::Kind;
+    const RowVerdict& person = proofs.person.of(id, state);
+    const RowVerdict& pair = proofs.pair.of(id, state);
+    const RowVerdict& any = proofs.any.of(id, state);
+    if (person.kind == Kind::Announced) {
+        verdicts.announced.append(state);
+    } else if (person.kind == Kind::NotProved) {
+        verdicts.notProved.append(state);
+        verdicts.proof = person.proof;
+    } else if (pair.kind == Kind::Announced) {
+        verdicts.notByPerson.append(state);
+        verdicts.proof = person.proof;
+    } else if (any.kind == Kind::Never) {
+        verdicts.never.append(state);
+        verdicts.proof = any.proof;
+    } else if (any.kind == Kind::Announced) {
+        verdicts.changing.append(state);
+        verdicts.proof = pair.proof;
+    } else {
+        verdicts.notProved.append(state);
+        verdicts.proof = any.proof;
+    }
+}
+
+RowVerdicts verdictsOn(const KeyLists& lists, const Proofs& proofs, RowId id)
 {
     RowVerdicts verdicts;
     QStringList names = lists.statesOf(id);
     names.removeDuplicates();
     for (const QString& name : qAsConst(names)) {
-        const auto state = model::Alphabet::stateOf(name);
-        if (!state) {
-            continue;
+        if (const auto state = model::Alphabet::stateOf(name)) {
+            judge(proofs, id, *state, verdicts);
         }
-        const RowVerdict& verdict = proofs.of(id, *state);
-        const bool isAbsolute = verdict.proof.environment.kind != Environment::Kind::Person;
-        QVector<State>& states = verdict.kind == RowVerdict::Kind::Announced   ? verdicts.announced
-                                 : verdict.kind == RowVerdict::Kind::NotProved ? verdicts.notProved
-                                 : isAbsolute                                  ? verdicts.never
-                                                                               : verdicts.notByPerson;
-        states.append(*state);
-        verdicts.proof = verdict.kind == RowVerdict::Kind::Announced ? verdicts.proof : verdict.proof;
     }
     return verdicts;
 }
@@ -96,7 +140,7 @@ QString reasonFor(List list, State state)
 class RowCheck
 {
 public:
-    RowCheck(const KeyLists& lists, const RowPlaces& places, const RowProofs& proofs, const CheckOptions& options,
+    RowCheck(const KeyLists& lists, const RowPlaces& places, const Proofs& proofs, const CheckOptions& options,
              CheckResult& result)
         : m_lists(lists), m_places(places), m_proofs(proofs), m_options(options), m_result(result)
     {}
@@ -106,12 +150,13 @@ public:
 private:
     void addNever(RowId id, const RowVerdicts& verdicts);
     void addInState(RowId id, const RowVerdicts& verdicts);
+    void addChanging(RowId id, const RowVerdicts& verdicts);
     Finding& add(RowId id, const char* name, Level level, const QString& message, const model::Proof& proof);
     QString action(RowId id) const { return m_lists.row(id).eAction(); }
 
     const KeyLists& m_lists;
     const RowPlaces& m_places;
-    const RowProofs& m_proofs;
+    const Proofs& m_proofs;
     const CheckOptions& m_options;
     CheckResult& m_result;
     int m_explained = 0;
@@ -131,6 +176,9 @@ void RowCheck::check(RowId id)
         addNever(id, verdicts);
     } else if (!verdicts.never.isEmpty()) {
         addInState(id, verdicts);
+    }
+    if (!verdicts.changing.isEmpty()) {
+        addChanging(id, verdicts);
     }
     if (!verdicts.notByPerson.isEmpty()) {
         add(id, "two-hands", Level::Warning,
@@ -158,7 +206,7 @@ Finding& RowCheck::add(RowId id, const char* name, Level level, const QString& m
 
 void RowCheck::addNever(RowId id, const RowVerdicts& verdicts)
 {
-    const Environment person = personOf(m_options);
+    const Environment person = personOf(qMax(m_options.fingers, 2));
     const QVector<RowId> hiding =
         ++m_explained > maxExplained ? QVector<RowId>() : HidingRows::of(m_lists, id, person, limits);
     const QString message = QStringLiteral("no keys announce \"%1\"").arg(action(id));
@@ -176,7 +224,7 @@ void RowCheck::addNever(RowId id, const RowVerdicts& verdicts)
         finding.related.append(m_places.member(row, KeyListFields::keys));
         finding.related.last().remark = QStringLiteral("row %1 hides row %2").arg(row.index + 1).arg(id.index + 1);
     }
-    if (hiding.size() == 1 && HidingRows::isMovable(m_lists, hiding.first(), id, m_proofs, person, limits)) {
+    if (hiding.size() == 1 && HidingRows::isMovable(m_lists, hiding.first(), id, m_proofs.pair, person, limits)) {
         finding.help =
             QStringLiteral("move row %1 to the end of the list: then row %2 works, and all that work now still do")
                 .arg(hiding.first().index + 1)
@@ -193,20 +241,45 @@ void RowCheck::addInState(RowId id, const RowVerdicts& verdicts)
     finding.place.remark = reasonFor(id.list, verdicts.never.first());
 }
 
+/// A row that works only while the state changes is of no use: an error unless it works in another state.
+void RowCheck::addChanging(RowId id, const RowVerdicts& verdicts)
+{
+    const Level level = verdicts.announced.isEmpty() ? Level::Error : Level::Warning;
+    Finding& finding =
+        add(id, "state-change", level,
+            QStringLiteral("no keys announce \"%1\" in %2 unless the state changes between them")
+                .arg(action(id), namesOf(verdicts.changing)),
+            verdicts.proof);
+    finding.place = m_places.member(id, KeyListFields::validOnState);
+    finding.place.remark = reasonFor(id.list, verdicts.changing.first());
+}
+
+void addExtent(const RowProofs& proofs, CheckResult& result)
+{
+    for (const model::Proof& proof : proofs.searches()) {
+        result.situations += proof.situations;
+        result.steps += proof.steps;
+    }
+}
+
 void checkPace(const KeyLists& lists, const RowPlaces& places, const QVector<RowId>& ids, const RowProofs& proofs,
                const CheckOptions& options, CheckResult& result)
 {
-    Environment slow = personOf(options);
+    Environment slow = personOf(options.fingers);
     slow.time = Environment::Time::Digital;
     slow.pace = options.pace;
     const RowProofs slowProofs(lists, slow, limits);
     for (const RowId id : ids) {
-        const QVector<State> before = verdictsOn(lists, proofs, id).announced;
-        const RowVerdicts after = verdictsOn(lists, slowProofs, id);
-        if (!after.notProved.isEmpty()) {
+        const auto statesWith = [&](const RowProofs& searched, RowVerdict::Kind kind) {
+            const auto& states = model::Alphabet::states();
+            return std::count_if(states.begin(), states.end(),
+                                 [&](State state) { return searched.of(id, state).kind == kind; });
+        };
+        const bool mayWork = statesWith(slowProofs, RowVerdict::Kind::Announced) > 0;
+        const bool isUnknown = statesWith(slowProofs, RowVerdict::Kind::NotProved) > 0;
+        if (isUnknown && !mayWork) {
             result.isProved = false;
-        }
-        if (!before.isEmpty() && after.announced.isEmpty() && after.notProved.isEmpty()) {
+        } else if (!mayWork && statesWith(proofs, RowVerdict::Kind::Announced) > 0) {
             Finding finding;
             finding.id = QStringLiteral("pace");
             finding.message = QStringLiteral("\"%1\" cannot be reached with %2 ms between two movements")
@@ -214,14 +287,11 @@ void checkPace(const KeyLists& lists, const RowPlaces& places, const QVector<Row
                                   .arg(options.pace.count());
             finding.row = id;
             finding.place = places.member(id, KeyListFields::keys);
-            finding.proof = ProofNote{{}, after.proof};
+            finding.proof = ProofNote{{}, slowProofs.of(id, State::Undefined).proof};
             result.findings.append(finding);
         }
     }
-    for (const model::Proof& proof : slowProofs.searches()) {
-        result.situations += proof.situations;
-        result.steps += proof.steps;
-    }
+    addExtent(slowProofs, result);
 }
 
 } // namespace
@@ -229,17 +299,16 @@ void checkPace(const KeyLists& lists, const RowPlaces& places, const QVector<Row
 void ProofChecks::run(const KeyLists& lists, const RowPlaces& places, const QVector<RowId>& ids,
                       const CheckOptions& options, CheckResult& result)
 {
-    const RowProofs proofs(lists, personOf(options), limits);
+    const Proofs proofs(lists, options.fingers);
     RowCheck rowCheck(lists, places, proofs, options, result);
     for (const RowId id : ids) {
         rowCheck.check(id);
     }
-    for (const model::Proof& proof : proofs.searches()) {
-        result.situations += proof.situations;
-        result.steps += proof.steps;
+    for (const RowProofs* searched : {&proofs.person, &proofs.pair, &proofs.any}) {
+        addExtent(*searched, result);
     }
     if (options.pace > std::chrono::milliseconds::zero()) {
-        checkPace(lists, places, ids, proofs, options, result);
+        checkPace(lists, places, ids, proofs.person, options, result);
     }
 }
 

@@ -33,7 +33,7 @@ struct KeyLists
     QList<KeyEntry> shortcuts;
     bool isOrvane = false;
     /// The lists whose files have no readable list; they have no rows.
-    QVector<List> unreadable;
+    QVector<List> unreadable = {};
 
     /// Reads the rows from the contents of the files, by file names, with the daemon's own loader, whose log
     /// lines are suppressed. A missing file counts as unreadable.
