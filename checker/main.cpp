@@ -14,7 +14,9 @@ using Command = checker::Status (*)(const QStringList&, QTextStream&, QTextStrea
 
 const QMap<QString, Command>& commands()
 {
-    static const QMap<QString, Command> all{{QStringLiteral("check"), checker::Commands::check}};
+    static const QMap<QString, Command> all{{QStringLiteral("check"), checker::Commands::check},
+                                            {QStringLiteral("how"), checker::Commands::how},
+                                            {QStringLiteral("what"), checker::Commands::what}};
     return all;
 }
 
@@ -32,7 +34,8 @@ int main(int argc, char* argv[])
     const Command command = commands().value(arguments.value(0));
     if (!command) {
         const QStringList names = commands().keys();
-        err << "Usage: keyboard-handler-keys COMMAND [ARGUMENT...]\nThe commands are: " << names.join(", ") << ".\n";
+        err << "Usage: keyboard-handler-keys COMMAND [ARGUMENT...]\nThe commands are: " << names.join(", ")
+            << ".\n";
         return checker::Unusable;
     }
     const checker::Status status = command(arguments, out, err);

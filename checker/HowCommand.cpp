@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#include "checker/Commands.h"
+#include "checker/HowAnswer.h"
+#include "checker/KeyArguments.h"
+#include "checker/Printable.h"
+#include "checker/Suggestion.h"
+
+namespace checker {
+
+namespace {
+
+void print(const HowAnswer& answer, QTextStream& out)
+{
+    bool isFirst = true;
+    for (const QStringList& lines : answer.paragraphs) {
+        out << (isFirst ? "" : "\n");
+        isFirst = false;
+        for (const QString& line : lines) {
+            out << printable(line) << '\n';
+        }
+    }
+}
+
+QString unknown(const QString& action, const QStringList& known)
+{
+    return QStringLiteral("Unknown action \"") + action + QLatin1Char('"') +
+           Suggestion::question(action, known) + QStringLiteral("; known actions: ") +
+           known.join(QStringLiteral(", ")) + QLatin1Char('.');
+}
+
+Status statusOf(const HowAnswer& answer)
+{
+    if (!answer.isProved) {
+        return NotProved;
+    }
+    return answer.isAnnounced ? Clean : Found;
+}
+
+} // namespace
+
+Status Commands::how(const QStringList& arguments, QTextStream& out, QTextStream& err)
+{
+    KeyArguments line(
+        QStringLiteral("how"), QStringLiteral("ACTION"),
+        QStringLiteral("Says how keys announce an action: the shortest way for each row that has "
+                       "it, in words and as a key script. If a folder is named, the scripts "
+                       "contain its rows."));
+    if (const auto status = line.read(arguments, out, err)) {
+        return *status;
+    }
+    const ListSources sources = ListSources::read(line.paths());
+    if (!sources.fault.isEmpty()) {
+        err << printable(sources.fault) << '\n';
+        return Unusable;
+    }
+    for (const QString& note : sources.notes) {
+        err << "note: " << printable(note) << '\n';
+    }
+    const auto rows = line.paths().isEmpty() ? std::nullopt : std::optional(ScriptRows::of(sources));
+    const model::KeyLists lists = sources.lists(line.isOrvane());
+    const QStringList known = HowAnswer::actionsOf(lists);
+    if (!known.contains(line.subject())) {
+        err << printable(unknown(line.subject(), known)) << '\n';
+        return Unusable;
+    }
+    const HowAnswer answer =
+        HowAnswer::of(line.subject(), lists, line.state(), PlacesOf::rowsIn(sources), rows);
+    print(answer, out);
+    return statusOf(answer);
+}
+
+} // namespace checker

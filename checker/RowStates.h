@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "model/Alphabet.h"
+#include "model/KeyLists.h"
+
+namespace checker::RowStates {
+
+/// The states that the row names, without duplicates and without names that are not states.
+QVector<model::State> of(const model::KeyLists& lists, model::RowId row);
+
+} // namespace checker::RowStates
