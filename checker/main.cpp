@@ -16,7 +16,8 @@ const QMap<QString, Command>& commands()
 {
     static const QMap<QString, Command> all{{QStringLiteral("check"), checker::Commands::check},
                                             {QStringLiteral("how"), checker::Commands::how},
-                                            {QStringLiteral("what"), checker::Commands::what}};
+                                            {QStringLiteral("what"), checker::Commands::what},
+                                            {QStringLiteral("why"), checker::Commands::why}};
     return all;
 }
 

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+#include "tests/checker/DaemonTrial.h"
+
+#include "tests/whole/random/Player.h"
+
+#include <algorithm>
+
+using namespace checker;
+using model::Alphabet::nameOf;
+using std::chrono::milliseconds;
+
+namespace {
+
+KeyRow::Kind kindOf(model::List list)
+{
+    static const QMap<model::List, KeyRow::Kind> kinds{{model::List::LongPresses, KeyRow::Kind::Long},
+                                                       {model::List::Combinations, KeyRow::Kind::Modifier},
+                                                       {model::List::Shortcuts, KeyRow::Kind::Shortcut}};
+    return kinds.value(list);
+}
+
+/// The rows but those that the edits remove.
+QVector<KeyRow> rowsOf(const KeyScript& script, const QVector<Edit>& edits)
+{
+    QMap<KeyRow::Kind, int> counts;
+    QVector<KeyRow> rows;
+    for (const KeyRow& row : script.rows) {
+        const int index = counts[row.kind]++;
+        const bool isRemoved = std::any_of(edits.begin(), edits.end(), [&](const Edit& edit) {
+            return edit.kind == Edit::Kind::RemoveRow && kindOf(edit.row.list) == row.kind &&
+                   edit.row.index == index;
+        });
+        if (!isRemoved) {
+            rows.append(row);
+        }
+    }
+    // Without any row, the installed lists would apply.
+    return rows.isEmpty() ? QVector<KeyRow>{KeyRow{}} : rows;
+}
+
+bool isAction(const QString& text)
+{
+    return text.startsWith("announce ") || text.startsWith("speak ") || text == "cancel" ||
+           text.startsWith("log KeyboardManager::onEvent WARN:");
+}
+
+bool isPerceived(const QString& text)
+{
+    return text.startsWith("announce ") || text.startsWith("speak ");
+}
+
+} // namespace
+
+DaemonTrial::DaemonTrial(const KeyScript& script, const QVector<Edit>& edits) : m_script(script)
+{
+    EditedScript edited = Edits::apply(script, edits);
+    edited.script.rows = rowsOf(script, edits);
+    m_ids = edited.ids;
+    m_play = Player::play(edited.script);
+}
+
+milliseconds DaemonTrial::timeOf(const Occasion& occasion) const
+{
+    const int index = m_ids.indexOf(occasion.scriptStep);
+    const milliseconds begin = index == -1 ? milliseconds::zero() : m_play.script.steps.at(index).at;
+    return begin + occasion.after.value_or(milliseconds::zero());
+}
+
+bool DaemonTrial::isMended(const Swallowed& swallowed, const DaemonTrial& original,
+                           const CauseSearch& search) const
+{
+    using Kind = Swallowed::Kind;
+    const QStringList now = observationsAt(swallowed.occasion);
+    if (swallowed.kind == Kind::NotSpoken || swallowed.kind == Kind::Ignored) {
+        return std::any_of(now.begin(), now.end(), isPerceived);
+    }
+    if (swallowed.kind == Kind::NotSent) {
+        return std::any_of(now.begin(), now.end(), [&](const QString& text) {
+            const QStringList words = text.split(' '); // announce SingleKey RECEIVER SENDER KEY
+            return words.value(1) == "SingleKey" && words.mid(4) == QStringList(nameOf(swallowed.key));
+        });
+    }
+    if (swallowed.kind == Kind::Refused) {
+        const KeyEntry& row = search.original().keyModel().lists().row(swallowed.row);
+        const QString start = "announce " + row.eAction() + ' ' + row.receiverService() + ' ';
+        return std::any_of(now.begin(), now.end(),
+                           [&](const QString& text) { return text.startsWith(start); });
+    }
+    return now != original.observationsAt(swallowed.occasion);
+}
+
+milliseconds DaemonTrial::earliest(const QVector<Edit>& edits, const CauseSearch& search) const
+{
+    milliseconds time = milliseconds::max();
+    const auto addStep = [&](int step) { time = std::min(time, m_script.steps.at(step).at); };
+    for (const Edit& edit : edits) {
+        std::for_each(edit.steps.begin(), edit.steps.end(), addStep);
+        if (edit.kind == Edit::Kind::InsertState && edit.steps.isEmpty()) {
+            time = std::min(time, edit.at - milliseconds(1));
+        }
+        for (const model::PlayedStep& step : search.original().steps()) {
+            const bool matters =
+                edit.kind == Edit::Kind::RemoveRow &&
+                std::any_of(step.effects.begin(), step.effects.end(),
+                            [&](const model::Effect& effect) { return effect.row == edit.row; });
+            time = matters ? std::min(time, step.at) : time;
+        }
+    }
+    return time;
+}
+
+QStringList DaemonTrial::before(milliseconds time) const
+{
+    QStringList texts;
+    for (const PlayEvent& event : m_play.events) {
+        if (event.at < time) {
+            texts.append(QString::number(event.at.count()) + ' ' + event.text);
+        }
+    }
+    return texts;
+}
+
+/// Sorted, because speech passes the event loop.
+QStringList DaemonTrial::observationsAt(const Occasion& occasion) const
+{
+    const int index = m_ids.indexOf(occasion.scriptStep);
+    const milliseconds time = timeOf(occasion);
+    QStringList texts;
+    for (const PlayEvent& event : m_play.events) {
+        const bool isInStep = event.place.isInStep() && event.place.steps == index + 1;
+        const bool isTimer = !event.place.isInStep() && event.at == time;
+        if (isAction(event.text) && (occasion.after ? isTimer : isInStep)) {
+            texts.append(event.text);
+        }
+    }
+    texts.sort();
+    return texts;
+}
