@@ -92,6 +92,11 @@ std::optional<State> Alphabet::stateOf(const ls::EnumKey& name)
     return find<State>(stateNames(), name);
 }
 
+bool Alphabet::isOnPanel(Key key)
+{
+    return key != Key::None && isIdentified(key);
+}
+
 bool Alphabet::isIdentified(Key key)
 {
     return ls::KeyId::meta.contains(nameOf(key));

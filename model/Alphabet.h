@@ -42,6 +42,8 @@ QString nameOf(State state);
 std::optional<Key> keyOf(const ls::EnumKey& name);
 std::optional<State> stateOf(const ls::EnumKey& name);
 
+/// Whether the panel has the key: it has neither "Unknown" nor "Undefined".
+bool isOnPanel(Key key);
 /// Whether the key has an identifier in `ls`. Commands can simulate only such keys.
 bool isIdentified(Key key);
 /// The Linux input key code; for "Undefined" a code without an identifier.

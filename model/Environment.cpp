@@ -42,6 +42,9 @@ QString Environment::toText() const
     if (kind == Kind::Person && devices < deviceCount) {
         parts << QStringLiteral("on one device");
     }
+    if (panelKeysOnly) {
+        parts << QStringLiteral("only keys of the panel");
+    }
     if (pace > std::chrono::milliseconds::zero()) {
         parts << QStringLiteral("at least %1 ms between two movements").arg(pace.count());
     }

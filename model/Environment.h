@@ -41,6 +41,8 @@ struct Environment
     /// The most keys that a person holds down at once, at most `maxFingers`, and the number of devices.
     int fingers = 2;
     int devices = deviceCount;
+    /// Whether only keys of the panel are pressed, or also "Unknown" and keys without an identifier.
+    bool panelKeysOnly = false;
     /// The minimum time between two movements of a person's fingers; a multiple of the tick, at most a
     /// minute, and 0 unless time is digital.
     std::chrono::milliseconds pace{0};

@@ -40,8 +40,13 @@ void remove(Surroundings& around, quint8 finger)
 EnvironmentStep::EnvironmentStep(const Environment& environment, const RowTables& rows)
     : m_environment(environment), m_rows(rows)
 {
-    const auto addForAllKeys = [](Inputs& inputs, Input::Kind kind) {
-        for (const Key key : Alphabet::keys()) {
+    for (const Key key : Alphabet::keys()) {
+        if (!environment.panelKeysOnly || Alphabet::isOnPanel(key)) {
+            m_keys.append(key);
+        }
+    }
+    const auto addForAllKeys = [this](Inputs& inputs, Input::Kind kind) {
+        for (const Key key : qAsConst(m_keys)) {
             if (kind <= Input::Kind::Repeat || Alphabet::isIdentified(key)) {
                 inputs.append(Input::of(kind, key));
             }
@@ -143,7 +148,7 @@ void EnvironmentStep::allowFingers(const Surroundings& around, Inputs& inputs) c
     const auto* free = std::find(begin, std::end(around.down), quint8(0));
     const bool isFree = free - begin < m_environment.fingers;
     for (int device = 0; device < m_environment.devices; ++device) {
-        for (const Key key : Alphabet::keys()) {
+        for (const Key key : m_keys) {
             const bool isDown = std::find(begin, free, fingerOn(Input::press(key, device))) != free;
             if (isDown) {
                 inputs.append(Input::release(key, device));

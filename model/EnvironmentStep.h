@@ -62,8 +62,9 @@ private:
 
     Environment m_environment;
     const RowTables& m_rows;
-    Inputs m_anyKeys;  // the key events of any input
-    Inputs m_services; // state changes and commands
+    QVector<Key> m_keys; // that are pressed
+    Inputs m_anyKeys;    // the key events of any input
+    Inputs m_services;   // state changes and commands
 };
 
 } // namespace model

@@ -51,6 +51,9 @@ public:
     /// All steps but repetitions of held keys without effect on the situation and without output.
     const QVector<PlayedStep>& steps() const { return m_steps; }
 
+    /// Forgets the steps so far. Causes then no longer name steps.
+    void forgetSteps() { m_steps.clear(); }
+
     /// Advances the clock; what falls due meanwhile happens at its time.
     void wait(milliseconds duration);
     /// Moves a key on a device, which repeats it while it is held. Pressing a key that is down and releasing

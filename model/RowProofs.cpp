@@ -6,6 +6,7 @@
 #include <QtAlgorithms>
 
 #include <algorithm>
+#include <optional>
 
 namespace model {
 
@@ -38,7 +39,6 @@ public:
 private:
     void open(const QVector<quint8>& states);
     void find(const Explorer& explorer, const Explorer::Transition& transition, bool confirms);
-    bool isConfirmed(const Run& run, RowId row) const;
 
     const KeyModel& m_all;
     List m_list;
@@ -97,6 +97,9 @@ void RowProofs::Search::look(const Environment& environment, bool confirms)
 
 void RowProofs::Search::find(const Explorer& explorer, const Explorer::Transition& transition, bool confirms)
 {
+    // Rows that one step announces share its run, which is played once: thousands of rows may be alike.
+    Run run;
+    std::optional<Playback> playback;
     for (const Effect& effect : transition.effects) {
         const quint8 state = bit(transition.after.situation.state);
         const bool isNew = effect.rule == Rule::Announces && (m_open.at(effect.row.index) & state);
@@ -104,10 +107,13 @@ void RowProofs::Search::find(const Explorer& explorer, const Explorer::Transitio
             continue;
         }
         const int row = effect.row.index;
-        const Run run = explorer.pathThrough(transition);
+        if (confirms && !playback) {
+            run = explorer.pathThrough(transition);
+            playback.emplace(Witness::play(m_all, m_environment, run));
+        }
         m_open[row] = static_cast<quint8>(m_open.at(row) & ~state);
         --m_openCount;
-        if (confirms && isConfirmed(run, effect.row)) {
+        if (playback && Witness::announces(*playback, effect.row)) {
             m_found[row] = static_cast<quint8>(m_found.at(row) | state);
             m_verdicts[row][static_cast<size_t>(transition.after.situation.state)] = {
                 RowVerdict::Kind::Announced, m_proof, run};
@@ -115,11 +121,6 @@ void RowProofs::Search::find(const Explorer& explorer, const Explorer::Transitio
             m_unconfirmed[row] = static_cast<quint8>(m_unconfirmed.at(row) | state);
         }
     }
-}
-
-bool RowProofs::Search::isConfirmed(const Run& run, RowId row) const
-{
-    return Witness::announces(Witness::play(m_all, m_environment, run), row);
 }
 
 void RowProofs::Search::close(bool excludes)

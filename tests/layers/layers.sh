@@ -41,10 +41,10 @@ forbid "the simulator may include only the vocabulary, the key lists, the rules 
 forbid "the simulator must not include the workbench and the tests" "(workbench|tests)/" simulator
 forbid "key scripts must not include the panel and the device" "simulator/(panel|device)/" simulator/script
 forbid "the panel may include only key scripts" "simulator/device/" simulator/panel
-forbid "the workbench may include only the vocabulary, the key lists and the rules of keys" \
+forbid "the workbench may include only the vocabulary, the key lists, the rules of keys and the model" \
     "(app|service|input|device|console|tests)/|keys/(LongKey|ModifierKey|ShortcutKey)" workbench
-forbid "a session may include only the simulator" "workbench/(card|web|terminal)/" workbench/session
-forbid "the key card may include only the rules of keys" "simulator/(script|device)/|workbench/(session|web|terminal)/" workbench/card
+forbid "a session may include only the simulator and the model" "workbench/(card|web|terminal)/" workbench/session
+forbid "the key card may include only the rules of keys and the model" "simulator/(script|device)/|workbench/(session|web|terminal)/" workbench/card
 forbid "the web server must not include the terminal" "workbench/terminal/" workbench/web
 forbid "only app/ creates the service object and the console" "app/" service input keys device console vocabulary
 

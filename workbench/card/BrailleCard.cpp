@@ -98,6 +98,7 @@ QByteArray brailleCard(const KeyCard& card, QString* error)
     }
     if (!card.deadRows.isEmpty()) {
         writer.begin(QStringLiteral("Rows that never work"));
+        writer.add(CardSentences::proof(card.environment));
         for (const KeyCardDeadRow& row : card.deadRows) {
             writer.add(CardSentences::describe(row) + QLatin1Char(' ') + row.why);
         }

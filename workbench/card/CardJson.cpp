@@ -50,7 +50,9 @@ QJsonObject toJson(const KeyCardDeadRow& row)
             {QStringLiteral("action"), row.action},
             {QStringLiteral("receiver"), row.receiver},
             {QStringLiteral("validOnState"), row.validOnState},
-            {QStringLiteral("why"), row.why}};
+            {QStringLiteral("why"), row.why},
+            {QStringLiteral("proof"), QJsonObject{{QStringLiteral("situations"), double(row.situations)},
+                                                  {QStringLiteral("steps"), double(row.steps)}}}};
 }
 
 } // namespace
@@ -60,5 +62,6 @@ QJsonObject toJson(const KeyCard& card)
     return {{QStringLiteral("model"), card.model},
             {QStringLiteral("states"), toArray(card.states)},
             {QStringLiteral("never"), toArray(card.deadRows)},
+            {QStringLiteral("environment"), card.environment},
             {QStringLiteral("notes"), QJsonArray::fromStringList(card.notes)}};
 }

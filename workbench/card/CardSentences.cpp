@@ -10,6 +10,7 @@
 
 namespace {
 
+constexpr int maxActionLength = 40;
 const QString comma = QStringLiteral(", ");
 
 QString orEmpty(const QString& text)
@@ -89,6 +90,9 @@ QString sentenceOf(KeyCardConsequence consequence)
         return QStringLiteral("Menu is also announced as a single key when it is released, unless Help "
                               "was released just before; a key released after it is announced as a single "
                               "key, too.");
+    case KeyCardConsequence::FactoryReset:
+        return QStringLiteral("The factory reset is also announced, after %1 seconds.")
+            .arg(seconds(int(KeyRules::factoryResetHold.count())));
     case KeyCardConsequence::LastKey:
         return QStringLiteral("The key released last is also announced as a single key, because this action "
                               "does not silence its keys.");
@@ -134,6 +138,36 @@ QString CardSentences::describe(const KeyCardDeadRow& row)
     return QStringLiteral("Row %1 (%2, %3), valid in %4: %5")
         .arg(QString::number(row.row), nameOf(row.kind), orEmpty(row.keys.join(comma)),
              orEmpty(row.validOnState), outcome(row.action, {row.receiver}));
+}
+
+QString CardSentences::alsoAnnounced(const QStringList& actions, int others, const QString& releasedFirst)
+{
+    QStringList names;
+    for (const QString& action : actions) {
+        names.append(orEmpty(action.left(maxActionLength)));
+    }
+    if (others > 0) {
+        names.append(QStringLiteral("%1 more").arg(others));
+    }
+    const QString condition =
+        releasedFirst.isEmpty() ? QString() : QStringLiteral(" if %1 is released first").arg(releasedFirst);
+    return enumeration(names, QStringLiteral(" and ")) +
+           (names.size() == 1 ? QStringLiteral(" is") : QStringLiteral(" are")) +
+           QStringLiteral(" also announced") + condition + QLatin1Char('.');
+}
+
+QString CardSentences::proof(const QString& environment)
+{
+    return QStringLiteral("Proved for %1.").arg(environment);
+}
+
+QString CardSentences::notProved(model::List list, int count, int first)
+{
+    const QString& file = model::KeyLists::fileOf(list);
+    const QString rows = count == 1 ? QStringLiteral("row %1 of %2 works").arg(QString::number(first), file)
+                                    : QStringLiteral("%1 rows of %2 work, such as row %3,")
+                                          .arg(QString::number(count), file, QString::number(first));
+    return QStringLiteral("Whether %1 is not proved, because the search reached its limit.").arg(rows);
 }
 
 QStringList CardSentences::notesOf(const KeyCardEntry& entry)

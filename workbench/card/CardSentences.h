@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "model/KeyLists.h"
 #include "workbench/card/CardTypes.h"
 
 /// The sentences of key cards in all formats.
@@ -13,11 +14,19 @@ QString nameOf(KeyCardKind kind);
 QString how(const KeyCardEntry& entry);
 /// "ACTION to RECEIVER and RECEIVER."
 QString outcome(const QString& action, const QStringList& receivers);
+/// How many actions `alsoAnnounced` takes.
+constexpr int maxActions = 3;
+/// Says that `actions` and `others` more are also announced. If `releasedFirst` is a key, they depend on it.
+QString alsoAnnounced(const QStringList& actions, int others, const QString& releasedFirst);
 /// A sentence for each further effect.
 QStringList notesOf(const KeyCardEntry& entry);
 QStringList notesOf(const KeyCardState& state);
 
 /// The number, content and outcome of a row that never works.
 QString describe(const KeyCardDeadRow& row);
+/// What the proofs of such rows assume.
+QString proof(const QString& environment);
+/// Says that `count` rows of `list`, of which `first` is one, counted from 1, are not proved to work or not.
+QString notProved(model::List list, int count, int first);
 
 } // namespace CardSentences

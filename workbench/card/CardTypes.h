@@ -20,7 +20,9 @@ enum class KeyCardConsequence {
     Menu,
     MenuUnlessAfterHelp,
     MenuUnlessAfterHelpAndNextKey,
-    LastKey
+    LastKey,
+    /// For a long hold of FactoryReset.
+    FactoryReset
 };
 
 /// One action that the keys can perform in a state.
@@ -46,7 +48,7 @@ struct KeyCardState
     QVector<KeyCardEntry> entries;
 };
 
-/// A row of a key list that no keys can complete while the state stays the same.
+/// A row of a key list that is proved never to be announced in the environment of the card.
 struct KeyCardDeadRow
 {
     KeyCardKind kind = KeyCardKind::Long;
@@ -58,4 +60,7 @@ struct KeyCardDeadRow
     QString validOnState;
     /// A sentence.
     QString why;
+    /// The extent of the proof.
+    quint64 situations = 0;
+    quint64 steps = 0;
 };

@@ -164,7 +164,9 @@ function describeNever({ kind, row, keys, action, why }) {
 /// Shows the rows of the loaded lists that no key can ever complete.
 export function showNever() {
     const heading = element('h3', { textContent: 'Rows that never work' });
-    byId('never').replaceChildren(...(card.never.length > 0 ? [heading, list(card.never.map(describeNever))] : []));
+    const proof = line(`Proved for ${card.environment}.`);
+    const parts = [heading, list(card.never.map(describeNever)), proof];
+    byId('never').replaceChildren(...(card.never.length > 0 ? parts : []));
 }
 
 on('#lists-form', 'submit', event => {

@@ -1,42 +1,48 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "model/Playback.h"
 #include "workbench/session/SessionEntry.h"
 
-#include <QElapsedTimer>
-#include <QPair>
-#include <QSet>
-
+#include <chrono>
 #include <optional>
 
-/// Finds refused actions in the daemon's log and their rows.
-///
-/// The log does not name the action. A row matches by its state and by keys that have changed since the panel
-/// was last idle.
+/// Finds refused actions in the daemon's log, which does not name them. The model of the keys follows the
+/// inputs of the daemon and names the rows that are refused.
 class RefusalFinder
 {
 public:
-    explicit RefusalFinder(const QVector<KeyRow>& rows);
+    using milliseconds = std::chrono::milliseconds;
 
-    /// Records a key of the device; `value` is 0 released, 1 pressed, 2 repeated.
-    void noteKey(int keyboard, const QString& key, int value);
-    /// Records keys that a command or the console may have simulated.
-    void noteSimulated(const QStringList& keys);
+    /// The daemon starts in `state`, at the time 0.
+    RefusalFinder(const model::KeyLists& lists, const QString& state);
+    Q_DISABLE_COPY(RefusalFinder)
 
-    /// The refusal that a log line reports, if any. A long press logs a line for each of its states except
-    /// the current one; if it was announced, these lines are not refusals.
-    std::optional<entry::Refusal> find(const QString& logLine) const;
+    /// The following pass what the daemon receives at the time `at`, which must not decrease.
+    void noteRecord(milliseconds at, int keyboard, const RawRecord& record);
+    void noteState(milliseconds at, const QString& state);
+    void noteCommand(milliseconds at, const QVariantMap& command);
+    void noteConsoleLine(milliseconds at, const QString& line);
+
+    /// The refusal that a log line reports at `at`, if any. A long press logs a line for each of its states
+    /// except the current one; if it was announced, these lines are not refusals.
+    std::optional<entry::Refusal> find(milliseconds at, const QString& logLine);
 
 private:
-    void forgetOldKeys();
-    bool matchesKeys(const KeyRow& row) const;
-    template <typename Condition>
-    const KeyRow* uniqueRow(Condition isCandidate) const;
+    /// A row whose refusals are still to be logged.
+    struct Refused
+    {
+        model::RowId row;
+        QStringList states;
+        int lines = 0;
+        bool isAnnounced = false;
+    };
 
-    QVector<KeyRow> m_rows;
-    QSet<QPair<int, QString>> m_down;
-    QSet<QString> m_pressed;
-    QSet<QString> m_released;
-    QSet<QString> m_repeated;
-    QElapsedTimer m_sinceRelease;
+    void take(milliseconds at, const QVector<model::Input>& inputs);
+    void collect();
+    std::optional<Refused> next(const entry::Refusal& refusal);
+
+    model::KeyModel m_model;
+    model::Playback m_playback;
+    QVector<Refused> m_refused; // in the order of their log lines
 };

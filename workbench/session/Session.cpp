@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/session/Session.h"
 
+#include "model/KeyLists.h"
 #include "simulator/device/DaemonWatch.h"
 #include "simulator/device/SimulatedDevice.h"
-#include "simulator/script/KeyListJson.h"
 #include "simulator/script/KeyScriptText.h"
 #include "workbench/session/SessionReporter.h"
 
@@ -148,7 +148,8 @@ void Session::build()
 {
     deleteDevice();
     m_device = std::make_unique<SimulatedDevice>(m_setup.options());
-    m_events = std::make_unique<SessionReporter>(*m_device, state(), KeyListJson::rowsOf(keyLists()).rows);
+    m_events = std::make_unique<SessionReporter>(
+        *m_device, state(), model::KeyLists::read(keyLists(), model() == QLatin1String("Orvane")));
     connect(m_events.get(), &SessionReporter::happened, this, &Session::add);
     connect(m_events.get(), &SessionReporter::observed, this, &Session::onObserved);
     connect(m_device.get(), &SimulatedDevice::daemonExited, this,

@@ -112,7 +112,7 @@ struct Refusal
     std::optional<QString> expected;
     /// The state of the device; empty if the action is refused in every state.
     QString current;
-    /// Empty if several rows of the key lists match.
+    /// Empty if it is not known.
     QString action;
 };
 

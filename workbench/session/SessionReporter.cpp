@@ -43,10 +43,11 @@ bool isRefusalToStart(const QVariantMap& request)
 
 } // namespace
 
-SessionReporter::SessionReporter(SimulatedDevice& device, const QString& state, const QVector<KeyRow>& rows,
+SessionReporter::SessionReporter(SimulatedDevice& device, const QString& state, const model::KeyLists& lists,
                                  QObject* parent)
-    : QObject(parent), m_state(state), m_refusals(rows)
+    : QObject(parent), m_state(state), m_refusals(lists, state)
 {
+    m_clock.start();
     connect(&device, &SimulatedDevice::written, this, &SessionReporter::onWritten);
     connect(&device, &SimulatedDevice::announced, this, &SessionReporter::onAnnounced);
     connect(&device, &SimulatedDevice::spoken, this, &SessionReporter::onSpoken);
@@ -69,18 +70,18 @@ void SessionReporter::noteStep(const ScriptStep& step)
         break;
     case ScriptStep::Kind::State:
         m_state = step.text;
+        m_refusals.noteState(now(), step.text);
         Q_EMIT happened(entry::State{step.text});
         break;
     case ScriptStep::Kind::Service:
         Q_EMIT happened(entry::Service{step.service});
         break;
     case ScriptStep::Kind::Command:
-        m_refusals.noteSimulated(step.command.value(ls::keysListKey).toStringList() +
-                                 QStringList(step.command.value(ls::keyKey).toString()));
+        m_refusals.noteCommand(now(), step.command);
         Q_EMIT happened(entry::Command{step.command});
         break;
     case ScriptStep::Kind::Console:
-        m_refusals.noteSimulated(ls::KeyId::meta.keys());
+        m_refusals.noteConsoleLine(now(), step.text);
         Q_EMIT happened(entry::ConsoleLine{step.text});
         break;
     case ScriptStep::Kind::Press:
@@ -95,12 +96,12 @@ void SessionReporter::onWritten(int keyboard, const RawRecord& record)
     if (record.type == EV_SYN && record.code == SYN_REPORT) {
         return;
     }
+    m_refusals.noteRecord(now(), keyboard, record);
     const QString key = keyOf(record);
     if (key.isEmpty()) {
         Q_EMIT happened(entry::Record{keyboard, record});
         return;
     }
-    m_refusals.noteKey(keyboard, key, record.value);
     Q_EMIT happened(entry::Key{keyboard, key, record.value});
 }
 
@@ -144,7 +145,7 @@ void SessionReporter::onLogLine(const QString& line)
 {
     Q_EMIT happened(entry::LogLine{line});
     Q_EMIT observed(ObservationText::logLine(line));
-    if (const std::optional<entry::Refusal> refusal = m_refusals.find(line)) {
+    if (const std::optional<entry::Refusal> refusal = m_refusals.find(now(), line)) {
         Q_EMIT happened(*refusal);
     }
 }

@@ -5,6 +5,7 @@
 #include "workbench/session/SessionEntry.h"
 
 #include <QDBusError>
+#include <QElapsedTimer>
 #include <QObject>
 
 class SimulatedDevice;
@@ -16,8 +17,8 @@ class SessionReporter : public QObject
     Q_OBJECT
 
 public:
-    /// `rows` are those of the device's key lists.
-    SessionReporter(SimulatedDevice& device, const QString& state, const QVector<KeyRow>& rows,
+    /// `lists` are the device's key lists.
+    SessionReporter(SimulatedDevice& device, const QString& state, const model::KeyLists& lists,
                     QObject* parent = nullptr);
 
     /// Reports a step that is about to be played. Keys and records are reported when the panel writes them.
@@ -35,6 +36,9 @@ private:
     void onFailed(const QDBusError& error);
     void onLogLine(const QString& line);
 
+    std::chrono::milliseconds now() const { return std::chrono::milliseconds(m_clock.elapsed()); }
+
+    QElapsedTimer m_clock;
     QString m_state;
     RefusalFinder m_refusals;
 };

@@ -15,7 +15,8 @@ constexpr int maxRows = 20;
 
 QString StartHints::deadRows(const QMap<QString, QByteArray>& keyLists, const QString& model)
 {
-    const QVector<KeyCardDeadRow> rows = KeyCard::from(keyLists, model).deadRows;
+    const KeyCard card = KeyCard::from(keyLists, model);
+    const QVector<KeyCardDeadRow>& rows = card.deadRows;
     if (rows.isEmpty()) {
         return {};
     }
@@ -27,7 +28,7 @@ QString StartHints::deadRows(const QMap<QString, QByteArray>& keyLists, const QS
         text +=
             QStringLiteral("\n  ... and %1 more; the key card lists them all.").arg(rows.size() - maxRows);
     }
-    return text;
+    return text + QStringLiteral("\n  ") + CardSentences::proof(card.environment);
 }
 
 QString StartHints::bus(const QString& address)

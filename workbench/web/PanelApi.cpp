@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/web/PanelApi.h"
 
+#include "model/KeyLists.h"
 #include "simulator/script/ScriptWords.h"
 #include "workbench/card/BrailleCard.h"
 #include "workbench/card/CardJson.h"
@@ -176,7 +177,21 @@ void PanelApi::replay(const HttpRequest& request, const Reply& reply)
 
 void PanelApi::makeCard(HttpAnswer (*answerOf)(const KeyCard& card), const Reply& reply)
 {
-    m_work.start([card = KeyCard::from(m_session.keyLists(), m_session.model()), answerOf, reply] {
-        return [answer = answerOf(card), reply] { reply(answer); };
+    m_work.start([card = currentCard(), answerOf, reply] {
+        return [answer = answerOf(card.get()), reply] { reply(answer); };
     });
+}
+
+/// The first thread that needs the card makes it, and the others wait for it.
+std::shared_future<KeyCard> PanelApi::currentCard()
+{
+    const QMap<QString, QByteArray> files = m_session.keyLists();
+    const QString model = m_session.model();
+    if (!m_card.valid() || files != m_cardLists || model != m_cardModel) {
+        m_cardLists = files;
+        m_cardModel = model;
+        const auto lists = model::KeyLists::read(files, model == QLatin1String("Orvane"));
+        m_card = std::async(std::launch::deferred, [lists, model] { return KeyCard::of(lists, model); });
+    }
+    return m_card;
 }

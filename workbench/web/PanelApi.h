@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "workbench/card/KeyCard.h"
 #include "workbench/web/BackgroundWork.h"
 #include "workbench/web/HttpAnswer.h"
 #include "workbench/web/HttpRequest.h"
 
+#include <future>
+
 class Session;
 class EventStreams;
-struct KeyCard;
 
 /// The routes below /api, which work on the session; docs/panel-page.md describes them.
 class PanelApi
@@ -34,8 +36,13 @@ private:
     HttpAnswer restart(const HttpRequest& request);
     void replay(const HttpRequest& request, const Reply& reply);
     void makeCard(HttpAnswer (*answerOf)(const KeyCard& card), const Reply& reply);
+    std::shared_future<KeyCard> currentCard();
 
     Session& m_session;
     EventStreams& m_streams;
+    /// The last card, and the key lists and the model that it is for.
+    std::shared_future<KeyCard> m_card;
+    QMap<QString, QByteArray> m_cardLists;
+    QString m_cardModel;
     BackgroundWork m_work;
 };

@@ -3,7 +3,6 @@
 
 #include "service/KeyboardHandler.h"
 #include "vocabulary/Vocabulary.h"
-#include "workbench/card/CardVocabulary.h"
 
 #include <ls/Identifiers.h>
 #include <ls/MessageKeys.h>
@@ -164,7 +163,7 @@ void CardDevice::tryRow(const KeyCardDeadRow& row)
 {
     QStringList keys;
     for (const QString& key : row.keys) {
-        if (CardVocabulary::isPanelKey(key)) {
+        if (isPanelKey(key)) {
             keys.append(key);
         }
     }
@@ -176,6 +175,13 @@ void CardDevice::tryRow(const KeyCardDeadRow& row)
         tapInAllVariants(keys.size() == 1 ? keys + keys : keys);
     }
     m_device.wait(5s);
+}
+
+QStringList CardDevice::panelKeys()
+{
+    QStringList keys = ls::KeyId::meta.keys();
+    keys.removeOne(ls::KeyId::Unknown); // means "no key"
+    return keys;
 }
 
 QStringList CardDevice::heardAbout(const KeyCardEntry& entry) const
@@ -220,7 +226,7 @@ void CardDevice::tapInTurn(const QStringList& keys)
 void CardDevice::tapInAllVariants(const QStringList& keys)
 {
     tapInTurn(keys);
-    for (const QString& key : CardVocabulary::panelKeys()) {
+    for (const QString& key : panelKeys()) {
         for (const QStringList& before : {QStringList{key}, QStringList{key, ls::KeyId::Help}}) {
             m_device.wait(5s);
             tapInTurn(before + keys);

@@ -26,6 +26,9 @@ public:
     /// The recorded announcements of the action of `entry` and of single keys.
     QStringList heardAbout(const KeyCardEntry& entry) const;
 
+    static QStringList panelKeys();
+    static bool isPanelKey(const QString& key) { return panelKeys().contains(key); }
+
     /// The expected announcements of `entry` of `card`: its action and single keys. If the hold is too long,
     /// only the single key.
     static QStringList expected(const KeyCardEntry& entry, const KeyCardState& card);

@@ -185,6 +185,8 @@ QMap<QString, KeyLists> CardKeyLists::odd()
                                                               .combination({"Ok", "Up"})
                                                               .combination({"Ok", "Up", "Ok", "Feed"})
                                                               .combination({"Chs", "Feed"})},
+        {"shortcut and combination of one pair",
+         Rows().shortcut({"Help", "Feed"}).combination({"Help", "Feed"})},
         {"no rows", {}},
     };
 }

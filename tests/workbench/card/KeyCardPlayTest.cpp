@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/virtual/DeviceTest.h"
 #include "tests/workbench/card/CardKeyLists.h"
-#include "workbench/card/CardVocabulary.h"
+#include "vocabulary/Vocabulary.h"
 
 /// Compares the card with the daemon: all actions of the card are announced, and no others.
 class KeyCardPlayTest : public QObject
@@ -83,7 +83,7 @@ void KeyCardPlayTest::deadRowsAreNeverAnnounced()
     QFETCH(KeyLists, lists);
     const KeyCard card = KeyCard::from(lists, "Pellit");
     for (const KeyCardDeadRow& row : card.deadRows) {
-        for (const QString& state : CardVocabulary::states()) {
+        for (const QString& state : QStringList(ls::StateId::meta.keys()) << vocabulary::undefined) {
             CardDevice device(lists, card.model, state);
             device.tryRow(row);
             const QString heard = device.heard().join('\n') + '\n';

@@ -4,7 +4,6 @@
 #include "tests/whole/random/RandomRows.h"
 #include "tests/workbench/card/CardDevice.h"
 #include "workbench/card/CardSentences.h"
-#include "workbench/card/CardVocabulary.h"
 
 namespace {
 
@@ -75,7 +74,7 @@ QString someKey(const QVector<KeyRow>& rows, Dice& dice)
 {
     const QStringList keys = dice.pick(rows).keys;
     const QString key = keys.isEmpty() ? QString() : dice.pick(keys);
-    return CardVocabulary::isPanelKey(key) ? key : dice.pick(CardVocabulary::panelKeys());
+    return CardDevice::isPanelKey(key) ? key : dice.pick(CardDevice::panelKeys());
 }
 
 } // namespace
@@ -171,7 +170,7 @@ void KeyCardRandomTest::tapRow(const QVector<KeyRow>& rows, Dice& dice, VirtualD
         keys += keys;
     }
     for (const QString& key : keys) {
-        if (CardVocabulary::isPanelKey(key)) {
+        if (CardDevice::isPanelKey(key)) {
             panel.hold(key, 20ms);
         }
     }

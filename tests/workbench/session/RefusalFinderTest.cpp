@@ -1,27 +1,72 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/session/RefusalFinder.h"
 
+#include "simulator/script/KeyListJson.h"
+#include "simulator/script/KeyValue.h"
+
+#include <ls/MessageKeys.h>
+
 #include <QtTest>
 
+#include <linux/input-event-codes.h>
+
 namespace {
+
+using std::chrono::milliseconds;
 
 const QVector<KeyRow> rows{
     {KeyRow::Kind::Long, "Eject", "PrintManager", "Idle|PrintOff", 1, {"Feed"}},
     {KeyRow::Kind::Modifier, "Status", "PrintManager", "PrintOff", 0, {"Help", "Feed"}},
-    {KeyRow::Kind::Modifier, "Test", "PrintManager", "Error", 0, {"One", "Up", "Ten"}},
     {KeyRow::Kind::Shortcut, "Load", "PrintManager", "PrintOff", 0, {"Feed", "Ok"}},
     {KeyRow::Kind::Shortcut, "Volume", "UserMenu", "Print", 0, {"Function", "Up"}},
     {KeyRow::Kind::Shortcut, "Void", "Undefined", "PrintOff", 0, {"Help", "Up"}}};
 
-const QString offLine = QStringLiteral(
-    "KeyboardManager::onEvent WARN: Expected state is:  \"PrintOff\" , but current state is:  \"Update\" !?");
 const QString undefinedLine =
     QStringLiteral("KeyboardManager::onEvent WARN: Invalid event, receiver service is undefined!");
 
-QString withState(const QString& state)
+QString lineFor(const QString& expected, const QString& current)
 {
-    return QString(offLine).replace(QStringLiteral("PrintOff"), state);
+    return QStringLiteral(
+               "KeyboardManager::onEvent WARN: Expected state is:  \"%1\" , but current state is:  "
+               "\"%2\" !?")
+        .arg(expected, current);
 }
+
+/// Passes keys and waits to a finder.
+class Follower
+{
+public:
+    explicit Follower(const QString& state)
+        : finder(model::KeyLists::read(KeyListJson::filesOf(rows), false), state)
+    {}
+
+    /// "Feed+" is a press, "Feed*" a repetition, "Feed-" a release, a number a wait in milliseconds.
+    void move(const QString& words)
+    {
+        for (const QString& word : words.split(' ', Qt::SkipEmptyParts)) {
+            bool isNumber = false;
+            const int wait = word.toInt(&isNumber);
+            now += milliseconds(wait);
+            if (!isNumber) {
+                const int value = QStringLiteral("-+*").indexOf(word.right(1));
+                const auto code = static_cast<quint16>(ls::KeyId::meta.value(word.chopped(1)));
+                finder.noteRecord(now, 0, {EV_KEY, code, value});
+            }
+        }
+    }
+    /// The action of the refusal in `line`, "not refused" or "unknown".
+    QString actionOf(const QString& line)
+    {
+        const auto refusal = finder.find(now, line);
+        if (!refusal) {
+            return QStringLiteral("not refused");
+        }
+        return refusal->action.isEmpty() ? QStringLiteral("unknown") : refusal->action;
+    }
+
+    RefusalFinder finder;
+    milliseconds now{0};
+};
 
 } // namespace
 
@@ -35,44 +80,36 @@ private Q_SLOTS:
     void theStatesAreTakenFromTheLog();
     void theActionIsIdentifiedByItsKeys_data();
     void theActionIsIdentifiedByItsKeys();
-    void keysBeforeAnIdlePeriodAreIgnored();
+    void severalActionsAreIdentifiedInTheirOrder();
+    void simulatedKeysAreConsidered_data();
     void simulatedKeysAreConsidered();
+    void changesOfStateAreConsidered();
+    void theStateOfTheLogIsRight();
     void aLongPressAnnouncedInAnotherStateIsNotRefused();
-
-private:
-    /// "Feed+" is a press, "Feed*" a repetition, "Feed-" a release.
-    static void move(RefusalFinder& finder, const QString& keys);
 };
-
-void RefusalFinderTest::move(RefusalFinder& finder, const QString& keys)
-{
-    const QStringList words = keys.split(' ', Qt::SkipEmptyParts);
-    for (const QString& word : words) {
-        finder.noteKey(0, word.chopped(1), QStringLiteral("-+*").indexOf(word.right(1)));
-    }
-}
 
 void RefusalFinderTest::otherLinesAreNotRefusals_data()
 {
     QTest::addColumn<QString>("line");
     QTest::newRow("empty") << QString();
     QTest::newRow("another") << "KeyboardManager::onEvent WARN: Expected state is: none";
-    QTest::newRow("words before") << "x" + offLine;
-    QTest::newRow("words after") << offLine + "x";
+    QTest::newRow("words before") << "x" + lineFor("PrintOff", "Idle");
+    QTest::newRow("words after") << lineFor("PrintOff", "Idle") + "x";
     QTest::newRow("words after the receiver") << undefinedLine + "x";
 }
 
 void RefusalFinderTest::otherLinesAreNotRefusals()
 {
     QFETCH(QString, line);
-    QVERIFY(!RefusalFinder(rows).find(line));
+    QCOMPARE(Follower("Idle").actionOf(line), QStringLiteral("not refused"));
 }
 
 void RefusalFinderTest::theStatesAreTakenFromTheLog()
 {
-    const std::optional<entry::Refusal> refusal = RefusalFinder(rows).find(offLine);
+    const QString line = lineFor("PrintOff", "Update");
+    const std::optional<entry::Refusal> refusal = Follower("Update").finder.find(milliseconds(0), line);
     QVERIFY(refusal);
-    QCOMPARE(refusal->reason, offLine);
+    QCOMPARE(refusal->reason, line);
     QCOMPARE(refusal->expected.value(), QStringLiteral("PrintOff"));
     QCOMPARE(refusal->current, QStringLiteral("Update"));
     QCOMPARE(refusal->action, QString());
@@ -80,58 +117,119 @@ void RefusalFinderTest::theStatesAreTakenFromTheLog()
 
 void RefusalFinderTest::theActionIsIdentifiedByItsKeys_data()
 {
+    QTest::addColumn<QString>("state");
     QTest::addColumn<QString>("keys");
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("action");
-    QTest::newRow("a long press") << "Feed+ Feed*" << offLine << "Eject";
-    QTest::newRow("a long press of joined states") << "Feed+ Feed*" << withState("Idle") << "Eject";
-    QTest::newRow("a press that is too short") << "Feed+" << offLine << "";
-    QTest::newRow("pressed again") << "Feed+ Feed* Feed- Feed+" << offLine << "";
-    QTest::newRow("a combination") << "Help+ Help- Feed+ Feed-" << offLine << "Status";
-    QTest::newRow("an incomplete combination") << "Help+ Help- Feed+" << offLine << "";
-    QTest::newRow("a shortcut") << "Feed+ Ok+" << offLine << "Load";
-    QTest::newRow("several candidates") << "Feed+ Feed* Ok+" << offLine << "";
-    QTest::newRow("of another state") << "Function+ Up+" << offLine << "";
-    QTest::newRow("of its state") << "Function+ Up+" << withState("Print") << "Volume";
-    QTest::newRow("an undefined receiver") << "Help+ Up+" << undefinedLine << "Void";
-    QTest::newRow("not the undefined receiver") << "Help+ Up+" << offLine << "";
+    const auto add = [](const char* name, const QString& state, const QString& keys, const QString& expected,
+                        const QString& action) {
+        QTest::newRow(name) << state << keys << lineFor(expected, state) << action;
+    };
+    add("a long press", "Update", "Feed+ 250 Feed* 1000", "PrintOff", "Eject");
+    add("its other state", "Update", "Feed+ 250 Feed* 1000", "Idle", "Eject");
+    add("a press that is too short", "Update", "Feed+ 250 Feed* 999", "PrintOff", "unknown");
+    add("a press without repetition", "Update", "Feed+ 2000", "PrintOff", "unknown");
+    add("pressed again", "Update", "Feed+ 250 Feed* Feed- Feed+ 1000", "PrintOff", "unknown");
+    add("a combination", "Idle", "Help+ Help- Feed+ Feed-", "PrintOff", "Status");
+    add("an incomplete combination", "Idle", "Help+ Help- Feed+", "PrintOff", "unknown");
+    add("a combination that takes too long", "Idle", "Help+ Help- 1500 Feed+ Feed-", "PrintOff", "unknown");
+    add("a shortcut", "Idle", "Feed+ Ok+", "PrintOff", "Load");
+    add("a shortcut after a repetition", "Idle", "Feed+ Feed* Ok+", "PrintOff", "Load");
+    add("of another state", "Idle", "Function+ Up+", "PrintOff", "unknown");
+    add("of its state", "Idle", "Function+ Up+", "Print", "Volume");
+    add("not the undefined receiver", "Idle", "Help+ Up+", "PrintOff", "unknown");
+    QTest::newRow("an undefined receiver") << "Idle"
+                                           << "Help+ Up+" << undefinedLine << "Void";
 }
 
 void RefusalFinderTest::theActionIsIdentifiedByItsKeys()
 {
+    QFETCH(QString, state);
     QFETCH(QString, keys);
     QFETCH(QString, line);
-    RefusalFinder finder(rows);
-    move(finder, keys);
-    QVERIFY(finder.find(line));
-    QTEST(finder.find(line)->action, "action");
+    Follower follower(state);
+    follower.move(keys);
+    QTEST(follower.actionOf(line), "action");
 }
 
-void RefusalFinderTest::keysBeforeAnIdlePeriodAreIgnored()
+void RefusalFinderTest::severalActionsAreIdentifiedInTheirOrder()
 {
-    RefusalFinder finder(rows);
-    move(finder, "Feed+ Feed* Feed-");
-    QTest::qWait(2050);
-    move(finder, "Feed+ Ok+");
-    QCOMPARE(finder.find(offLine)->action, QStringLiteral("Load"));
+    Follower follower("Idle");
+    follower.move("Help+ Help- Feed+ Feed- Feed+ Ok+ Ok- Feed- Help+ Up+");
+    QCOMPARE(follower.actionOf(lineFor("PrintOff", "Idle")), QStringLiteral("Status"));
+    QCOMPARE(follower.actionOf(lineFor("PrintOff", "Idle")), QStringLiteral("Load"));
+    QCOMPARE(follower.actionOf(undefinedLine), QStringLiteral("Void"));
+    QCOMPARE(follower.actionOf(lineFor("PrintOff", "Idle")), QStringLiteral("unknown"));
+}
+
+void RefusalFinderTest::simulatedKeysAreConsidered_data()
+{
+    namespace Id = ls::KeyboardHandlerCmdId;
+    QTest::addColumn<QVector<QVariantMap>>("commands");
+    QTest::addColumn<QString>("expected");
+    QTest::addColumn<QString>("action");
+    const auto list = [](const QString& id, const QStringList& keys) {
+        return QVector<QVariantMap>{{{ls::commandIdKey, id}, {ls::keysListKey, keys}}};
+    };
+    const auto press = [](const QString& key) {
+        return QVariantMap{{ls::commandIdKey, Id::SimulateKey},
+                           {ls::actionIdKey, ls::KeyActionId::Pressed},
+                           {ls::keyKey, key}};
+    };
+    QTest::newRow("combination") << list(Id::SimulateModifier, {"Help", "Feed"}) << "PrintOff"
+                                 << "Status";
+    QTest::newRow("shortcut") << list(Id::SimulateShortcut, {"Function", "Up"}) << "Print"
+                              << "Volume";
+    QTest::newRow("with an unknown key") << list(Id::SimulateShortcut, {"Function", "Up", "Bell"}) << "Print"
+                                         << "unknown";
+    QTest::newRow("keys") << QVector<QVariantMap>{press("Function"), press("Up")} << "Print"
+                          << "Volume";
 }
 
 void RefusalFinderTest::simulatedKeysAreConsidered()
 {
-    RefusalFinder finder(rows);
-    finder.noteSimulated({"Function", "Up"});
-    QCOMPARE(finder.find(withState("Print"))->action, QStringLiteral("Volume"));
+    QFETCH(QVector<QVariantMap>, commands);
+    QFETCH(QString, expected);
+    Follower follower("Idle");
+    for (const QVariantMap& command : commands) {
+        follower.finder.noteCommand(follower.now, command);
+    }
+    QTEST(follower.actionOf(lineFor(expected, "Idle")), "action");
+
+    Follower atConsole("Idle");
+    atConsole.finder.noteConsoleLine(atConsole.now, "C 7 1 464");  // Function
+    atConsole.finder.noteConsoleLine(atConsole.now, "c  7 1 103"); // Up
+    QCOMPARE(atConsole.actionOf(lineFor("Print", "Idle")), QStringLiteral("Volume"));
+}
+
+void RefusalFinderTest::changesOfStateAreConsidered()
+{
+    Follower follower("Startup");
+    follower.move("Feed+ Ok+ Ok- Feed-");
+    QCOMPARE(follower.actionOf(lineFor("PrintOff", "Startup")), QStringLiteral("unknown"));
+    follower.finder.noteState(follower.now, "Idle");
+    follower.move("Feed+ Ok+");
+    QCOMPARE(follower.actionOf(lineFor("PrintOff", "Idle")), QStringLiteral("Load"));
+}
+
+void RefusalFinderTest::theStateOfTheLogIsRight()
+{
+    Follower follower("PrintOff"); // but the daemon is in Idle
+    follower.move("Feed+ Ok+ Ok- Feed- 2000");
+    QCOMPARE(follower.actionOf(lineFor("PrintOff", "Idle")), QStringLiteral("unknown"));
+    follower.move("Feed+ Ok+");
+    QCOMPARE(follower.actionOf(lineFor("PrintOff", "Idle")), QStringLiteral("Load"));
 }
 
 void RefusalFinderTest::aLongPressAnnouncedInAnotherStateIsNotRefused()
 {
     // The daemon announces Eject in Idle and logs a refusal for PrintOff.
-    RefusalFinder finder({rows.first()});
-    move(finder, QStringLiteral("Feed+ Feed*"));
-    QVERIFY(!finder.find(QString(offLine).replace("\"Update\"", "\"Idle\"")));
-    const std::optional<entry::Refusal> refused = finder.find(offLine);
-    QVERIFY(refused);
-    QCOMPARE(refused->action, QStringLiteral("Eject"));
+    Follower follower("Idle");
+    follower.move("Feed+ 250 Feed* 1000");
+    QCOMPARE(follower.actionOf(lineFor("PrintOff", "Idle")), QStringLiteral("not refused"));
+    follower.finder.noteState(follower.now, "Update");
+    follower.move("Feed- Feed+ 250 Feed* 1000");
+    QCOMPARE(follower.actionOf(lineFor("PrintOff", "Update")), QStringLiteral("Eject"));
 }
 
 QTEST_GUILESS_MAIN(RefusalFinderTest)

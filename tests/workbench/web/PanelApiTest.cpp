@@ -144,6 +144,7 @@ private Q_SLOTS:
     void aScriptIsReplayedAndJudged();
     void aReplayIsStopped();
     void theCardIsGiven();
+    void theCardFollowsTheKeyLists();
     void theCardIsGivenInBraille();
     void theSessionGoesOnWhileACardIsMade();
     void restartsThatCannotBeAreExplained_data();
@@ -413,6 +414,19 @@ void PanelApiTest::theCardIsGiven()
     QCOMPARE(reply.status, 200);
     QCOMPARE(reply.json().value(QStringLiteral("model")).toString(), QStringLiteral("Pellit"));
     QVERIFY(!reply.json().value(QStringLiteral("states")).toArray().isEmpty());
+}
+
+void PanelApiTest::theCardFollowsTheKeyLists()
+{
+    const auto cardHas = [this](const QString& action) {
+        return get("/api/card").body.contains('"' + action.toUtf8() + '"');
+    };
+    QVERIFY(cardHas("VolumeUp"));
+    const QByteArray rows = R"({"ShortcutKeys": [{"keys": ["Up", "Ok"], "eAction": "Ring",
+                                "receiverService": "UserMenu", "validOnState": "Idle"}]})";
+    QCOMPARE(post("/api/restart", restartBody(QStringLiteral("shortcutKeyList.json"), rows, {})).status, 202);
+    QVERIFY(cardHas("Ring"));
+    QVERIFY(!cardHas("VolumeUp"));
 }
 
 void PanelApiTest::theCardIsGivenInBraille()
