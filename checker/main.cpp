@@ -14,7 +14,8 @@ using Command = checker::Status (*)(const QStringList&, QTextStream&, QTextStrea
 
 const QMap<QString, Command>& commands()
 {
-    static const QMap<QString, Command> all{{QStringLiteral("check"), checker::Commands::check}};
+    static const QMap<QString, Command> all{{QStringLiteral("check"), checker::Commands::check},
+                                             {QStringLiteral("schema"), checker::Commands::schema}};
     return all;
 }
 
