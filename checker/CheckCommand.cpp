@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "checker/CheckArguments.h"
 #include "checker/Commands.h"
+#include "checker/FindingJson.h"
+#include "checker/FindingSarif.h"
 #include "checker/FindingText.h"
 #include "checker/Printable.h"
+#include "checker/WitnessFiles.h"
 
 #include <algorithm>
 
@@ -36,13 +39,30 @@ void printText(const ListSources& sources, const CheckResult& result, QTextStrea
     out << text.summary(result);
 }
 
+void print(CheckArguments::Format format, const ListSources& sources, const CheckResult& result,
+           QTextStream& out)
+{
+    switch (format) {
+    case CheckArguments::Format::Text:
+        printText(sources, result, out);
+        break;
+    case CheckArguments::Format::Json:
+        out << QString::fromUtf8(FindingJson::of(result, sources));
+        break;
+    case CheckArguments::Format::Sarif:
+        out << QString::fromUtf8(FindingSarif::of(result, sources));
+        break;
+    }
+}
+
 } // namespace
 
 Status Commands::check(const QStringList& arguments, QTextStream& out, QTextStream& err)
 {
     const CheckArguments line = CheckArguments::parse(arguments);
     if (!line.fault.isEmpty() || !line.help.isEmpty()) {
-        (line.fault.isEmpty() ? out : err) << (line.fault.isEmpty() ? line.help : printable(line.fault) + QLatin1Char('\n'));
+        (line.fault.isEmpty() ? out : err)
+            << (line.fault.isEmpty() ? line.help : printable(line.fault) + QLatin1Char('\n'));
         return line.fault.isEmpty() ? Clean : Unusable;
     }
     const ListSources sources = ListSources::read(line.paths);
@@ -52,7 +72,14 @@ Status Commands::check(const QStringList& arguments, QTextStream& out, QTextStre
     }
     CheckResult result = checker::check(sources, line.options);
     leaveOut(result.findings, line.allowed);
-    printText(sources, result, out);
+    print(line.format, sources, result, out);
+    if (!line.witnessFolder.isEmpty()) {
+        const QString fault = WitnessFiles::write(sources, line.options, line.witnessFolder);
+        if (!fault.isEmpty()) {
+            err << printable(fault) << '\n';
+            return Unusable;
+        }
+    }
     return statusOf(result, line.deniesWarnings);
 }
 

@@ -14,10 +14,12 @@ using Command = checker::Status (*)(const QStringList&, QTextStream&, QTextStrea
 
 const QMap<QString, Command>& commands()
 {
-    static const QMap<QString, Command> all{{QStringLiteral("check"), checker::Commands::check},
-                                            {QStringLiteral("how"), checker::Commands::how},
-                                            {QStringLiteral("what"), checker::Commands::what},
-                                            {QStringLiteral("why"), checker::Commands::why}};
+    using namespace checker;
+    static const QMap<QString, Command> all{
+        {QStringLiteral("check"), Commands::check}, {QStringLiteral("explain"), Commands::explain},
+        {QStringLiteral("how"), Commands::how},     {QStringLiteral("what"), Commands::what},
+        {QStringLiteral("why"), Commands::why},     {QStringLiteral("diff"), Commands::diff},
+        {QStringLiteral("schema"), Commands::schema}};
     return all;
 }
 

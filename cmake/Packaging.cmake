@@ -45,6 +45,7 @@ if(CMAKE_CROSSCOMPILING)
 else()
   set(CPACK_DEBIAN_DAEMON_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_SIMULATOR_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
 endif()
 
 debian_package(daemon keyboard-handler misc "front-panel keys of a braille embosser"
@@ -57,6 +58,12 @@ set(CPACK_DEBIAN_DAEMON_PACKAGE_CONTROL_EXTRA
 debian_package(development keyboard-handler-dev libdevel "client libraries of an embosser's services"
   "Static libraries and headers with which services of a braille embosser share\ntheir identifiers, messages, readiness and speech with its key daemon.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "qtbase5-dev, libsystemd-dev")
+
+if(KEYBOARD_HANDLER_TOOLS)
+  debian_package(tools keyboard-handler-tools devel "checks of key lists for a braille embosser"
+    "Finds mistakes in key lists, proves which of their rows keys can announce, and\nexplains what keys do. Needs no device.")
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${program_libraries}")
+endif()
 
 if(KEYBOARD_HANDLER_SIMULATOR)
   debian_package(simulator keyboard-handler-simulator devel "simulated braille embosser with front-panel keys"

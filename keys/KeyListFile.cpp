@@ -8,16 +8,14 @@
 #include <QFileInfo>
 #include <QMetaEnum>
 
-#include <limits>
-
 namespace {
 
 constexpr int millisecondsPerSecond = 1000;
-constexpr int maxSeconds = std::numeric_limits<int>::max() / millisecondsPerSecond;
 
 /// Limits the result to 32 bits, because a file may contain any number.
 int toMilliseconds(const QVariant& seconds)
 {
+    constexpr int maxSeconds = KeyListFile::maxSeconds;
     const bool isReal = seconds.userType() == QMetaType::Double;
     const qint64 whole = isReal ? qRound64(qBound(-1.0 * maxSeconds, seconds.toDouble(), 1.0 * maxSeconds))
                                 : seconds.toLongLong();

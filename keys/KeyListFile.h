@@ -7,6 +7,8 @@
 #include <QList>
 #include <QVariantMap>
 
+#include <limits>
+
 namespace ls {
 class IReader;
 }
@@ -28,6 +30,8 @@ struct KeyListFile
 {
     /// In bytes. A larger file is not read, because its values could exceed the memory limit of the daemon.
     static constexpr qint64 maxSize = 1024 * 1024;
+    /// The longest time of a long press; a larger number counts as this one.
+    static constexpr int maxSeconds = std::numeric_limits<int>::max() / 1000;
 
     /// Reads `section` of the file `fileName` in the data directory. If the file has no list of rows, logs
     /// the fault and leaves both members empty. The log lines name the function with the signature `loader`.

@@ -28,7 +28,7 @@ version=$(dpkg-deb -f "$(package keyboard-handler)" Version) newer_version=$vers
 
 # The dependencies of the packages; the first one of alternatives.
 dependencies() {
-    for name in keyboard-handler keyboard-handler-simulator; do
+    for name in keyboard-handler keyboard-handler-simulator keyboard-handler-tools; do
         dpkg-deb -f "$(package "$name")" Depends | tr ',' '\n'
     done | sed 's/|.*//; s/([^)]*)//; s/ //g' | grep -vx keyboard-handler | sort -u
 }

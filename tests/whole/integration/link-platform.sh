@@ -10,7 +10,8 @@ maker=$folder/maker
 
 cmake --install "$build" --component development --prefix "$maker" >"$folder/install.log"
 cmake -S "$source" -B "$folder/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH="$maker" \
-    -DKEYBOARD_HANDLER_PLATFORM=system -DKEYBOARD_HANDLER_SANITIZE="$sanitize" -DKEYBOARD_HANDLER_SIMULATOR=OFF -DKEYBOARD_HANDLER_TESTS=OFF >/dev/null
+    -DKEYBOARD_HANDLER_PLATFORM=system -DKEYBOARD_HANDLER_SANITIZE="$sanitize" \
+    -DKEYBOARD_HANDLER_SIMULATOR=OFF -DKEYBOARD_HANDLER_TOOLS=OFF -DKEYBOARD_HANDLER_TESTS=OFF >/dev/null
 cmake --build "$folder/build" --target keyboard-handler
 
 for library in ls vantre servicewatcher speech translation configurationmanager; do

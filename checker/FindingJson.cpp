@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#include "checker/FindingJson.h"
+
+#include "checker/FindingText.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace checker {
+
+namespace {
+
+QJsonObject objectOf(const Place& place, const ListSources& sources)
+{
+    const SourceFile& file = sources.file(place.list);
+    const Position begin = file.positionOf(place.range.begin);
+    const Position end = file.positionOf(place.range.end);
+    return {{QStringLiteral("file"), file.name()},
+            {QStringLiteral("line"), begin.line},
+            {QStringLiteral("column"), begin.column},
+            {QStringLiteral("endLine"), end.line},
+            {QStringLiteral("endColumn"), end.column}};
+}
+
+QJsonArray relatedOf(const Finding& finding, const ListSources& sources)
+{
+    QJsonArray related;
+    for (const Place& place : finding.related) {
+        QJsonObject object = objectOf(place, sources);
+        object.insert(QStringLiteral("remark"), place.remark);
+        related.append(object);
+    }
+    return related;
+}
+
+QJsonObject objectOf(const Finding& finding, const ListSources& sources)
+{
+    QJsonObject object = objectOf(finding.place, sources);
+    object.insert(QStringLiteral("id"), finding.id);
+    object.insert(QStringLiteral("level"), nameOf(finding.level));
+    object.insert(QStringLiteral("message"), finding.message);
+    object.insert(QStringLiteral("remark"), finding.place.remark);
+    object.insert(QStringLiteral("row"), finding.row.index < 0 ? QJsonValue() : finding.row.index + 1);
+    object.insert(QStringLiteral("related"), relatedOf(finding, sources));
+    object.insert(QStringLiteral("proof"), finding.proof ? FindingJson::of(*finding.proof) : QJsonValue());
+    object.insert(QStringLiteral("help"), finding.help);
+    object.insert(QStringLiteral("witness"), finding.witness);
+    return object;
+}
+
+} // namespace
+
+QByteArray FindingJson::of(const CheckResult& result, const ListSources& sources)
+{
+    QJsonArray findings;
+    for (const Finding& finding : result.findings) {
+        findings.append(objectOf(finding, sources));
+    }
+    const QJsonObject tool{{QStringLiteral("name"), QStringLiteral("keyboard-handler-keys")},
+                           {QStringLiteral("version"), QStringLiteral(KEYBOARD_HANDLER_VERSION)}};
+    const QJsonObject document{{QStringLiteral("version"), version},
+                               {QStringLiteral("tool"), tool},
+                               {QStringLiteral("findings"), findings},
+                               {QStringLiteral("proved"), result.isProved},
+                               {QStringLiteral("situations"), static_cast<qint64>(result.situations)},
+                               {QStringLiteral("steps"), static_cast<qint64>(result.steps)}};
+    return QJsonDocument(document).toJson();
+}
+
+QJsonObject FindingJson::of(const ProofNote& note)
+{
+    const model::Proof& proof = note.proof;
+    return {{QStringLiteral("model"), note.embosser.isEmpty() ? QJsonValue() : note.embosser},
+            {QStringLiteral("environment"), proof.environment.toText()},
+            {QStringLiteral("situations"), static_cast<qint64>(proof.situations)},
+            {QStringLiteral("steps"), static_cast<qint64>(proof.steps)},
+            {QStringLiteral("complete"), proof.isComplete}};
+}
+
+} // namespace checker

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+#include "checker/Commands.h"
+#include "checker/KeyListSchema.h"
+
+namespace checker {
+
+Status Commands::schema(const QStringList& arguments, QTextStream& out, QTextStream& err)
+{
+    if (arguments.size() > 1) {
+        err << QStringLiteral("usage: keyboard-handler-keys schema\n");
+        return Unusable;
+    }
+    out << QString::fromUtf8(KeyListSchema::text());
+    return Clean;
+}
+
+} // namespace checker
