@@ -153,6 +153,7 @@ test('a recording that no script can tell is not downloaded but explained', asyn
         LongKeys: [{ keys: ['Up'], eAction: 'Odd', receiverService: 'UserMenu', timeout: 1.5, validOnState: 'Idle' }],
     };
     await fixture.simulator.restart({ keyLists: { 'longKeyList.json': JSON.stringify(list) } });
+    await panel.showsText('#status', /^The daemon is ready/); // which ends older messages
     await panel.button('Download the recording').click();
     await panel.showsText('#alert', /./);
     await fixture.simulator.restart({ keyLists: null });

@@ -13,9 +13,16 @@ const names = readdirSync(folder).filter(each => each.endsWith('.txt') && each !
 const concurrency = 3; // each waits for the other programs most of the time
 const listeners = Array.from({ length: concurrency }, () => new Listener());
 
+/// Orca ignores an event now and then when much happens at once. A fault of the page comes each time.
+const maxAttempts = 2;
+
 async function check(name, listener) {
     const golden = await readFile(new URL(name, folder), 'utf8');
-    const taken = await takeAgain(listener, golden);
+    let taken = await takeAgain(listener, golden);
+    for (let attempt = 1; attempt < maxAttempts && taken !== golden; ++attempt) {
+        console.error(`${name} was heard otherwise in attempt ${attempt}:\n\n${taken}`);
+        taken = await takeAgain(listener, golden);
+    }
     assert.equal(taken, golden, `${name} should be, if this is what should be heard:\n\n${taken}`);
 }
 
