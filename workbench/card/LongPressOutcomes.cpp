@@ -7,7 +7,7 @@
 
 namespace {
 
-RowOutcome outcomeOf(const KeyEntry& row, bool isLast, int lastNumber)
+RowOutcome longPressOutcome(const KeyEntry& row, bool isLast, int lastNumber)
 {
     const QStringList keys = row.keys().mid(0, 1);
     const QString missing = RowDelivery::missingKeys(keys);
@@ -33,7 +33,7 @@ QVector<RowOutcome> RowOutcomes::ofLongPresses(const QList<KeyEntry>& rows)
     QVector<RowOutcome> outcomes;
     for (int i = 0; i < rows.size(); ++i) {
         const int last = lastOf.value(rows.at(i).firstKey());
-        outcomes.append(outcomeOf(rows.at(i), last == i, last + 1));
+        outcomes.append(longPressOutcome(rows.at(i), last == i, last + 1));
     }
     return outcomes;
 }

@@ -14,7 +14,7 @@ Ends endsOf(const KeyEntry& row)
     return {row.firstKey(), row.lastKey()};
 }
 
-RowOutcome outcomeOf(const KeyEntry& row, bool isFirst, int firstNumber)
+RowOutcome shortcutOutcome(const KeyEntry& row, bool isFirst, int firstNumber)
 {
     const QStringList keys = row.isValid() ? QStringList{row.firstKey(), row.lastKey()} : QStringList{};
     const QString missing = RowDelivery::missingKeys(keys);
@@ -40,7 +40,7 @@ QVector<RowOutcome> RowOutcomes::ofShortcuts(const QList<KeyEntry>& rows)
     QVector<RowOutcome> outcomes;
     for (int i = 0; i < rows.size(); ++i) {
         const int first = firstOf.value(endsOf(rows.at(i)));
-        outcomes.append(outcomeOf(rows.at(i), first == i, first + 1));
+        outcomes.append(shortcutOutcome(rows.at(i), first == i, first + 1));
     }
     return outcomes;
 }
