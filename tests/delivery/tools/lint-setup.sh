@@ -16,7 +16,7 @@ cp "$source/tools/lint" "$source/tools/setup" "$folder/project/tools"
 printf '#!/bin/sh\necho "$@" >>%s/node-packages\n' "$folder" >"$folder/project/tools/node-packages"
 chmod +x "$folder/project/tools/node-packages"
 echo '  "command": "clang++-14 -o app/one.o -c one.cpp",' >"$folder/project/build/lint/compile_commands.json"
-for tool in cat chmod dirname grep id mkdir sed sh xargs; do
+for tool in cat chmod cp dirname find grep id mkdir sed sh xargs; do
     ln -s "$(command -v "$tool")" "$folder/bin/$tool"
 done
 for tool in cmake git shellcheck ../project/tools/prose ../project/tools/lint-javascript; do
