@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int startTimeoutMs = 5000;
+constexpr int busStartTimeoutMs = 5000;
 
 const QString denyOwnership = QStringLiteral(R"(
   <policy context="mandatory">
@@ -116,7 +116,7 @@ QString BusDaemon::start(const DeviceFolder& folder, DeviceOptions::NamePolicy n
                      QStringLiteral("--print-address=1"),
                      QStringLiteral("--config-file=") + folder.busConfiguration()});
     // The address is printed when the socket listens.
-    if (!m_process.waitForReadyRead(startTimeoutMs)) {
+    if (!m_process.waitForReadyRead(busStartTimeoutMs)) {
         return QStringLiteral("dbus-daemon did not start: %1 %2")
             .arg(m_process.errorString(), contentOf(folder.busLog()));
     }

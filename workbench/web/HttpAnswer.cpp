@@ -25,7 +25,8 @@ HttpAnswer HttpAnswer::json(const QJsonObject& object, int status)
 
 HttpAnswer HttpAnswer::file(const QByteArray& name, const QByteArray& type, const QByteArray& content)
 {
-    return {200, type, content, {{"Content-Disposition", "attachment; filename=\"" + name + '"'}}, {}};
+    return {
+        HttpStatus::ok, type, content, {{"Content-Disposition", "attachment; filename=\"" + name + '"'}}, {}};
 }
 
 HttpAnswer HttpAnswer::error(int status, const QString& sentence, QJsonObject details)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "workbench/web/HttpStatus.h"
+
 #include <QByteArray>
 #include <QJsonObject>
 #include <QMap>
@@ -13,7 +15,7 @@ class EventStream;
 /// What is sent back to a client.
 struct HttpAnswer
 {
-    int status = 200;
+    int status = HttpStatus::ok;
     QByteArray type;
     QByteArray body;
     /// Further headers, by their names.
@@ -24,7 +26,7 @@ struct HttpAnswer
     /// `headers`, the type and what every answer has, which keeps the page to itself.
     QMap<QByteArray, QByteArray> allHeaders() const;
 
-    static HttpAnswer json(const QJsonObject& object, int status = 200);
+    static HttpAnswer json(const QJsonObject& object, int status = HttpStatus::ok);
     /// A file that a browser saves under this name.
     static HttpAnswer file(const QByteArray& name, const QByteArray& type, const QByteArray& content);
     /// `sentence` explains the error to a person, and `details` to a program.

@@ -21,9 +21,6 @@ constexpr auto maxAnswerTime = 10s;
 constexpr auto maxFarewellTime = 2s;
 constexpr size_t blockSize = 4096;
 
-constexpr int badRequest = 400;
-constexpr int unavailable = 503;
-
 MHD_Result collect(void* map, MHD_ValueKind /*kind*/, const char* name, const char* value)
 {
     static_cast<QMultiMap<QByteArray, QByteArray>*>(map)->insert(QByteArray(name).toLower(), value);
@@ -120,7 +117,7 @@ void HttpConnection::cutOff()
 void HttpConnection::end()
 {
     if (m_phase == Phase::Work) {
-        answer(HttpAnswer::error(unavailable, QStringLiteral("The server ends.")));
+        answer(HttpAnswer::error(HttpStatus::unavailable, QStringLiteral("The server ends.")));
     } else {
         shutdown(m_socket, SHUT_RD);
     }
@@ -186,7 +183,8 @@ void HttpConnection::refuse(const HttpAnswer& refusal)
 void HttpConnection::onTimeout()
 {
     if (m_phase == Phase::Body) {
-        refuse(HttpAnswer::error(badRequest, QStringLiteral("The body does not come as announced.")));
+        refuse(HttpAnswer::error(HttpStatus::badRequest,
+                                 QStringLiteral("The body does not come as announced.")));
     } else {
         cutOff();
     }

@@ -16,8 +16,9 @@ QMap<QByteArray, HttpAnswer> load()
         QFile file(info.filePath());
         file.open(QIODevice::ReadOnly);
         const QString name = info.fileName() == QStringLiteral("index.html") ? QString() : info.fileName();
-        files.insert('/' + name.toUtf8(),
-                     {200, types.value(info.suffix(), "application/octet-stream"), file.readAll(), {}, {}});
+        files.insert(
+            '/' + name.toUtf8(),
+            {HttpStatus::ok, types.value(info.suffix(), "application/octet-stream"), file.readAll(), {}, {}});
     }
     return files;
 }

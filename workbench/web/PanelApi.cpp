@@ -17,12 +17,6 @@
 
 namespace {
 
-constexpr int accepted = 202;
-constexpr int badRequest = 400;
-constexpr int conflict = 409;
-constexpr int internalError = 500;
-constexpr int unavailable = 503;
-
 constexpr std::chrono::seconds maxTurnTime(10); // the server's end waits as long
 
 const QString notText = QStringLiteral("The body is not UTF-8 text.");
@@ -46,12 +40,13 @@ HttpAnswer cardInBraille(const KeyCard& card)
     static std::timed_mutex turn;
     const std::unique_lock lock(turn, maxTurnTime);
     if (!lock) {
-        return HttpAnswer::error(unavailable, QStringLiteral("The card is made in braille for others now."));
+        return HttpAnswer::error(HttpStatus::unavailable,
+                                 QStringLiteral("The card is made in braille for others now."));
     }
     QString error;
     const QByteArray pages = brailleCard(card, &error);
     return error.isEmpty() ? HttpAnswer::file("key-card.brf", "text/plain; charset=us-ascii", pages)
-                           : HttpAnswer::error(internalError, error);
+                           : HttpAnswer::error(HttpStatus::internalError, error);
 }
 
 HttpAnswer refuse(const QVector<ScriptFault>& faults)
@@ -60,7 +55,8 @@ HttpAnswer refuse(const QVector<ScriptFault>& faults)
     for (const ScriptFault& fault : faults) {
         list.append(QJsonObject{{QStringLiteral("line"), fault.line}, {QStringLiteral("text"), fault.text}});
     }
-    return HttpAnswer::error(badRequest, faults.constFirst().text, {{QStringLiteral("faults"), list}});
+    return HttpAnswer::error(HttpStatus::badRequest, faults.constFirst().text,
+                             {{QStringLiteral("faults"), list}});
 }
 
 using Recording = QString (Session::*)(QStringList* faults) const;
@@ -70,7 +66,7 @@ HttpAnswer recordingFile(const Session& session, Recording recording, const QByt
     QStringList faults;
     const QString script = (session.*recording)(&faults);
     return faults.isEmpty() ? HttpAnswer::file(name, "text/plain; charset=utf-8", script.toUtf8())
-                            : HttpAnswer::error(conflict, faults.join(QLatin1Char(' ')));
+                            : HttpAnswer::error(HttpStatus::conflict, faults.join(QLatin1Char(' ')));
 }
 
 } // namespace
@@ -118,8 +114,9 @@ const QMap<QByteArray, PanelApi::Route>& PanelApi::routes()
 HttpAnswer PanelApi::events()
 {
     const std::shared_ptr<EventStream> stream = m_streams.open();
-    return stream ? HttpAnswer{200, "text/event-stream", {}, {}, stream}
-                  : HttpAnswer::error(unavailable, QStringLiteral("There are too many event streams."));
+    return stream ? HttpAnswer{HttpStatus::ok, "text/event-stream", {}, {}, stream}
+                  : HttpAnswer::error(HttpStatus::unavailable,
+                                      QStringLiteral("There are too many event streams."));
 }
 
 HttpAnswer PanelApi::keyLists() const
@@ -137,11 +134,12 @@ HttpAnswer PanelApi::takeSteps(const HttpRequest& request)
     const int client = clientOf(request);
     // The keys that an unknown client presses would never be released.
     if (client != 0 && !m_streams.contains(client)) {
-        return HttpAnswer::error(badRequest, QStringLiteral("There is no event stream of that client."));
+        return HttpAnswer::error(HttpStatus::badRequest,
+                                 QStringLiteral("There is no event stream of that client."));
     }
     const std::optional<QString> statements = textOf(request.body);
     if (!statements) {
-        return HttpAnswer::error(badRequest, notText);
+        return HttpAnswer::error(HttpStatus::badRequest, notText);
     }
     const QVector<ScriptFault> faults = m_session.execute(*statements, client);
     return faults.isEmpty() ? HttpAnswer::json({}) : refuse(faults);
@@ -154,15 +152,15 @@ HttpAnswer PanelApi::restart(const HttpRequest& request)
     if (changes) {
         fault = m_session.restart(*changes);
     }
-    return fault.isEmpty() ? HttpAnswer::json({}, accepted)
-                           : HttpAnswer::error(badRequest, ScriptWords::shortened(fault));
+    return fault.isEmpty() ? HttpAnswer::json({}, HttpStatus::accepted)
+                           : HttpAnswer::error(HttpStatus::badRequest, ScriptWords::shortened(fault));
 }
 
 void PanelApi::replay(const HttpRequest& request, const Reply& reply)
 {
     const std::optional<QString> text = textOf(request.body);
     if (!text) {
-        reply(HttpAnswer::error(badRequest, notText));
+        reply(HttpAnswer::error(HttpStatus::badRequest, notText));
         return;
     }
     m_work.start([this, text, reply] {
@@ -170,7 +168,8 @@ void PanelApi::replay(const HttpRequest& request, const Reply& reply)
             if (parsed.faults.isEmpty()) {
                 m_session.replay(parsed.script);
             }
-            reply(parsed.faults.isEmpty() ? HttpAnswer::json({}, accepted) : refuse(parsed.faults));
+            reply(parsed.faults.isEmpty() ? HttpAnswer::json({}, HttpStatus::accepted)
+                                          : refuse(parsed.faults));
         };
     });
 }

@@ -13,14 +13,6 @@ constexpr int maxLineSize = 8 * 1024;
 constexpr size_t maxHeadSize = 16 * 1024;
 constexpr int maxBodySize = 1024 * 1024;
 
-constexpr int badRequest = 400;
-constexpr int forbidden = 403;
-constexpr int notFound = 404;
-constexpr int methodNotAllowed = 405;
-constexpr int payloadTooLarge = 413;
-constexpr int uriTooLong = 414;
-constexpr int unsupportedMediaType = 415;
-
 const QByteArrayList methods{"GET", "HEAD", "POST", "PUT", "DELETE", "CONNECT", "OPTIONS", "TRACE", "PATCH"};
 
 bool isUnderstood(const HttpRequest& request)
@@ -59,8 +51,8 @@ bool isDoneBy(const QByteArray& method, const HttpRequest& request)
 
 HttpAnswer otherMethod(const QByteArray& method)
 {
-    HttpAnswer refusal =
-        HttpAnswer::error(methodNotAllowed, QStringLiteral("The method here is %1.").arg(method.constData()));
+    HttpAnswer refusal = HttpAnswer::error(HttpStatus::methodNotAllowed,
+                                           QStringLiteral("The method here is %1.").arg(method.constData()));
     refusal.headers.insert("Allow", method);
     return refusal;
 }
@@ -76,38 +68,42 @@ bool hasStrangeBody(const HttpRequest& request)
 std::optional<HttpAnswer> checkRequest(const HttpRequest& request, quint16 port)
 {
     if (request.path.size() > maxLineSize) {
-        return HttpAnswer::error(uriTooLong, QStringLiteral("The address is too long."));
+        return HttpAnswer::error(HttpStatus::uriTooLong, QStringLiteral("The address is too long."));
     }
     if (!isUnderstood(request)) {
-        return HttpAnswer::error(badRequest, QStringLiteral("The request is not understood."));
+        return HttpAnswer::error(HttpStatus::badRequest, QStringLiteral("The request is not understood."));
     }
     // A name that another site has pointed at this machine would make its pages ours.
     const QByteArray host = request.headers.value("host").toLower();
     if (request.headers.count("host") != 1 || !isOwnHost(host, port)) {
-        return HttpAnswer::error(forbidden,
+        return HttpAnswer::error(HttpStatus::forbidden,
                                  QStringLiteral("The Host of the request is not this server's address."));
     }
     if (isFromElsewhere(request, host)) {
-        return HttpAnswer::error(forbidden, QStringLiteral("The request comes from a page of another site."));
+        return HttpAnswer::error(HttpStatus::forbidden,
+                                 QStringLiteral("The request comes from a page of another site."));
     }
     const QByteArray method =
         pageFiles().contains(request.path) ? "GET" : PanelApi::routes().value(request.path).method;
     if (method.isEmpty()) {
-        return HttpAnswer::error(notFound, QStringLiteral("There is nothing at this address."));
+        return HttpAnswer::error(HttpStatus::notFound, QStringLiteral("There is nothing at this address."));
     }
     if (!isDoneBy(method, request)) {
         return otherMethod(method);
     }
     if (request.headers.contains("content-encoding")) {
-        return HttpAnswer::error(unsupportedMediaType, QStringLiteral("A compressed body is not taken."));
+        return HttpAnswer::error(HttpStatus::unsupportedMediaType,
+                                 QStringLiteral("A compressed body is not taken."));
     }
     if (hasStrangeBody(request)) {
-        return HttpAnswer::error(badRequest, QStringLiteral("The body is sent in a way that is not known."));
+        return HttpAnswer::error(HttpStatus::badRequest,
+                                 QStringLiteral("The body is sent in a way that is not known."));
     }
     // The library has refused a length that is not a number.
     if (request.headers.value("content-length").toULongLong() > maxBodySize ||
         request.body.size() > maxBodySize) {
-        return HttpAnswer::error(payloadTooLarge, QStringLiteral("The body is greater than 1 MiB."));
+        return HttpAnswer::error(HttpStatus::payloadTooLarge,
+                                 QStringLiteral("The body is greater than 1 MiB."));
     }
     return std::nullopt;
 }

@@ -11,13 +11,17 @@ fail() {
     exit 1
 }
 
-mkdir -p "$folder/bin" "$folder/project/tools" "$folder/project/build/dev"
+mkdir -p "$folder/bin" "$folder/project/tools" "$folder/project/build/lint"
 cp "$source/tools/lint" "$source/tools/setup" "$folder/project/tools"
 printf '#!/bin/sh\necho "$@" >>%s/node-packages\n' "$folder" >"$folder/project/tools/node-packages"
 chmod +x "$folder/project/tools/node-packages"
-echo '[]' >"$folder/project/build/dev/compile_commands.json"
-for tool in cat chmod dirname grep id mkdir sed sh xargs; do
+echo '  "command": "clang++-14 -o app/one.o -c one.cpp",' >"$folder/project/build/lint/compile_commands.json"
+for tool in cat chmod cp dirname find grep id mkdir sed sh xargs; do
     ln -s "$(command -v "$tool")" "$folder/bin/$tool"
+done
+for tool in cmake git shellcheck ../project/tools/prose ../project/tools/lint-javascript; do
+    printf '#!/bin/sh\necho some-file\n' >"$folder/bin/$tool"
+    chmod +x "$folder/bin/$tool"
 done
 # A machine without packages, and an archive that has all.
 printf '#!/bin/sh\nexit 1\n' >"$folder/bin/dpkg-query"
@@ -35,7 +39,7 @@ END
 chmod +x "$folder/bin/dpkg-query" "$folder/bin/sudo" "$folder/bin/apt-get"
 
 status=0
-PATH=$folder/bin "$folder/project/tools/lint" one.cpp >"$folder/output" 2>&1 || status=$?
+PATH=$folder/bin "$folder/project/tools/lint" >"$folder/output" 2>&1 || status=$?
 [ "$status" -eq 0 ] || fail "status $status: $(cat "$folder/output")"
 grep -q 'one\.cpp' "$folder/checked" || fail "nothing was checked"
 grep -qx 'tools/javascript build/lint/javascript' "$folder/node-packages" || fail "no packages for JavaScript"
