@@ -12,6 +12,9 @@ constexpr Parts bit(Part part)
     return static_cast<Parts>(1U << static_cast<unsigned>(part));
 }
 
+/// The descriptions of the rules. The namespace keeps its short names from other sources.
+namespace table {
+
 constexpr Parts none = 0;
 constexpr Parts state = bit(Part::State);
 constexpr Parts last = bit(Part::LastKey);
@@ -75,31 +78,33 @@ constexpr Description descriptions[] = {
 };
 static_assert(std::size(descriptions) == ruleCount);
 
-const Description& of(Rule rule)
+} // namespace table
+
+const table::Description& descriptionOf(Rule rule)
 {
-    return descriptions[static_cast<size_t>(rule)];
+    return table::descriptions[static_cast<size_t>(rule)];
 }
 
 } // namespace
 
 QString Rules::nameOf(Rule rule)
 {
-    return QString::fromLatin1(of(rule).name);
+    return QString::fromLatin1(descriptionOf(rule).name);
 }
 
 Parts Rules::read(Rule rule)
 {
-    return of(rule).read;
+    return descriptionOf(rule).read;
 }
 
 Parts Rules::written(Rule rule)
 {
-    return of(rule).written;
+    return descriptionOf(rule).written;
 }
 
 bool Rules::isPerceived(Rule rule)
 {
-    return of(rule).isPerceived;
+    return descriptionOf(rule).isPerceived;
 }
 
 } // namespace model

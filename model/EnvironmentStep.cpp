@@ -29,6 +29,14 @@ void countDown(quint8& ticks)
     ticks = static_cast<quint8>(ticks == 0 ? 0 : ticks - 1);
 }
 
+/// Then the clock skips to the end of the long press, because whatever may happen meanwhile may happen now as
+/// well: no other clock starts unless it ends the long press.
+bool isOnlyLongPressTimed(const Surroundings& around)
+{
+    return around.longPressTicks > 0 && around.windowTicks == 0 && around.factoryResetTicks == 0 &&
+           around.paceTicks == 0;
+}
+
 void remove(Surroundings& around, quint8 finger)
 {
     auto* end = std::remove(std::begin(around.down), std::end(around.down), finger);
@@ -96,7 +104,7 @@ void EnvironmentStep::allow(const Node& node, Inputs& inputs) const
     }
     inputs.append(m_services.cbegin(), m_services.size());
     if (isDigital()) {
-        inputs.append(Input::of(Input::Kind::Tick));
+        inputs.append(Input::tick(isOnlyLongPressTimed(node.surroundings)));
     }
 }
 
@@ -108,7 +116,7 @@ void EnvironmentStep::follow(Node& node, Input input, const Effects& effects) co
     if (isDigital()) {
         setClocks(node, effects);
         if (input.kind == Input::Kind::Tick) {
-            tick(node);
+            tick(node, input.isLong());
         }
     }
 }
@@ -203,7 +211,7 @@ void EnvironmentStep::setClocks(Node& node, const Effects& effects) const
     around.longPressTicks = now.longPressRuns ? around.longPressTicks : 0;
 }
 
-void EnvironmentStep::tick(Node& node) const
+void EnvironmentStep::tick(Node& node, bool isLong) const
 {
     Surroundings& around = node.surroundings;
     countDown(around.windowTicks);
@@ -212,7 +220,7 @@ void EnvironmentStep::tick(Node& node) const
     for (quint8& ticks : around.repeatTicks) {
         countDown(ticks);
     }
-    around.longPressTicks -= around.longPressTicks > 0 ? 1 : 0;
+    around.longPressTicks = isLong || around.longPressTicks == 0 ? 0 : around.longPressTicks - 1;
 }
 
 } // namespace model

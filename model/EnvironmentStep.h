@@ -56,7 +56,7 @@ private:
     void allowFingers(const Surroundings& around, Inputs& inputs) const;
     void moveFinger(Surroundings& around, Input input) const;
     void setClocks(Node& node, const Effects& effects) const;
-    void tick(Node& node) const;
+    void tick(Node& node, bool isLong) const;
     bool isDigital() const { return m_environment.time == Environment::Time::Digital; }
     bool isPerson() const { return m_environment.kind == Environment::Kind::Person; }
 

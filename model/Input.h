@@ -23,7 +23,8 @@ struct Input
     };
 
     Kind kind = Kind::Tick;
-    /// The number of a key or, for `ChangeState`, of a state.
+    /// The number of a key or, for `ChangeState`, of a state. For `Tick`: 1 if it lasts until the time of the
+    /// armed long press expires.
     quint8 value = 0;
     /// The input device of a key: 0 or 1.
     quint8 device = 0;
@@ -38,8 +39,11 @@ struct Input
         return {kind, static_cast<quint8>(key), static_cast<quint8>(device), 0};
     }
 
+    static Input tick(bool isLong) { return {Kind::Tick, static_cast<quint8>(isLong ? 1 : 0), 0, 0}; }
+
     Key key() const { return static_cast<Key>(value); }
     State newState() const { return static_cast<State>(value); }
+    bool isLong() const { return value != 0; }
     /// Whether the input is the expiry of a timer of the daemon.
     bool isExpiry() const { return kind >= Kind::WindowEnd && kind <= Kind::FactoryResetTime; }
 

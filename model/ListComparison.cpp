@@ -3,12 +3,15 @@
 
 #include "model/EnvironmentStep.h"
 #include "model/NodeStore.h"
+#include "model/Witness.h"
 
 #include <QHash>
 #include <QMap>
+#include <QSet>
 #include <QStringList>
 
 #include <algorithm>
+#include <iterator>
 
 using std::chrono::milliseconds;
 
@@ -16,7 +19,6 @@ namespace model {
 
 namespace {
 
-constexpr milliseconds movementInterval{50};
 /// How many runs of a kind are played until one fits real times.
 constexpr int maxTries = 50;
 
@@ -53,6 +55,29 @@ QStringList textsOf(const QVector<Output>& outputs)
     return texts;
 }
 
+/// The perceived effects.
+Effects perceivedOf(const Effects& effects)
+{
+    Effects perceived;
+    std::copy_if(effects.begin(), effects.end(), std::back_inserter(perceived),
+                 [](const Effect& effect) { return Rules::isPerceived(effect.rule); });
+    return perceived;
+}
+
+/// Whether two steps do the same and no row takes part. Most steps do, and their outputs need no texts.
+bool areAlikeWithoutRows(const Effects& a, const Effects& b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const Effect& one, const Effect& other) {
+        return one.rule == other.rule && one.key == other.key && one.row.index < 0 && other.row.index < 0;
+    });
+}
+
+/// What makes two differences alike.
+QStringList kindOf(State state, const QStringList& oldTexts, const QStringList& newTexts)
+{
+    return QStringList(Alphabet::nameOf(state)) + oldTexts + QStringList(QString()) + newTexts;
+}
+
 /// Gives two daemons the same keys at the same times.
 class PairPlayer
 {
@@ -66,6 +91,7 @@ public:
     std::optional<Difference> difference(const ListComparison::Filter& filter) const;
 
 private:
+    void waitFor(Input input);
     void wait(milliseconds time);
     void move(Playback& playback, Input input) const;
 
@@ -77,21 +103,27 @@ private:
 void PairPlayer::play(Input input)
 {
     if (input.isExpiry() || input.kind == Input::Kind::Repeat) {
-        const Input timer = input.isExpiry() ? Input::of(input.kind) : input;
-        const auto oldDue = m_old.due(timer);
-        const auto newDue = m_new.due(timer);
-        const auto due = concerns(input, Side::Old) && oldDue ? oldDue : newDue;
-        if (due && *due > m_old.now()) {
-            wait(*due - m_old.now());
-        }
+        waitFor(input);
         return;
     }
     if (m_hasMoved) {
-        wait(movementInterval);
+        wait(Witness::movementInterval);
     }
     m_hasMoved = true;
     move(m_old, input);
     move(m_new, input);
+}
+
+void PairPlayer::waitFor(Input input)
+{
+    const Input timer = input.isExpiry() ? Input::of(input.kind) : input;
+    const auto oldDue = concerns(input, Side::Old) ? m_old.due(timer) : std::nullopt;
+    const auto newDue = concerns(input, Side::New) ? m_new.due(timer) : std::nullopt;
+    for (const auto& due : {oldDue, newDue}) {
+        if (due && *due > m_old.now()) {
+            wait(*due - m_old.now());
+        }
+    }
 }
 
 void PairPlayer::wait(milliseconds time)
@@ -125,6 +157,15 @@ QMap<qint64, QVector<Output>> outputsOf(const Playback& playback, const ListComp
     return outputs;
 }
 
+QVector<PlayedStep> stepsUntil(const Playback& playback, milliseconds end)
+{
+    QVector<PlayedStep> steps = playback.steps();
+    while (!steps.isEmpty() && steps.last().at > end) {
+        steps.removeLast();
+    }
+    return steps;
+}
+
 std::optional<Difference> PairPlayer::difference(const ListComparison::Filter& filter) const
 {
     const auto oldOutputs = outputsOf(m_old, filter);
@@ -132,9 +173,13 @@ std::optional<Difference> PairPlayer::difference(const ListComparison::Filter& f
     QVector<qint64> moments = oldOutputs.keys().toVector() + newOutputs.keys().toVector();
     std::sort(moments.begin(), moments.end());
     for (const qint64 moment : qAsConst(moments)) {
-        if (textsOf(oldOutputs.value(moment)) != textsOf(newOutputs.value(moment))) {
-            return Difference{m_old.situation().state, m_old.steps(),           m_new.steps(), m_old.now(),
-                              oldOutputs.value(moment), newOutputs.value(moment)};
+        const auto was = oldOutputs.value(moment);
+        const auto is = newOutputs.value(moment);
+        if (textsOf(was) != textsOf(is)) {
+            const milliseconds end(moment);
+            const auto steps = stepsUntil(m_old, end);
+            const State state = steps.isEmpty() ? m_old.situation().state : steps.last().after.state;
+            return Difference{state, steps, stepsUntil(m_new, end), end, was, is};
         }
     }
     return {};
@@ -148,6 +193,8 @@ struct ListComparison::Pair
     Situation oldSituation;
     Situation newSituation;
     Surroundings surroundings;
+    /// Whether the same repetition began the long presses of both.
+    quint64 isTogether = 0;
 };
 
 /// The search for differences.
@@ -160,11 +207,13 @@ public:
     const Proof& proof() const { return m_proof; }
 
 private:
+    void explore();
     void allow(const Pair& pair, Inputs& inputs) const;
     void allowLongPresses(const Pair& pair, Inputs& inputs) const;
     Pair step(const Pair& pair, Input input);
-    QStringList kindOf(const Pair& after) const;
+    QStringList differenceIn(State state) const;
     void confirm(quint32 from, Input input, const QStringList& kind);
+    bool isConfirmed() const;
     QStringList counted(const Effects& effects, const KeyModel& keyModel, State state) const;
 
     const ListComparison& m_comparison;
@@ -175,11 +224,13 @@ private:
     Effects m_oldEffects;
     Effects m_newEffects;
     QVector<Difference> m_differences;
-    QHash<QStringList, int> m_tries; // by kinds; `maxTries` when one is found
+    QHash<QStringList, int> m_tries; // by kinds
+    QSet<QStringList> m_found;       // the kinds of the differences
     Proof m_proof;
 };
 
-ListComparison::Search::Search(const ListComparison& comparison, const Environment& environment, const Limits& limits)
+ListComparison::Search::Search(const ListComparison& comparison, const Environment& environment,
+                               const Limits& limits)
     : m_comparison(comparison)
     , m_limits(limits)
     , m_rows(longPressesOfBoth(comparison.m_old.lists(), comparison.m_new.lists()))
@@ -194,6 +245,14 @@ QVector<Difference> ListComparison::Search::find()
     for (const Node& node : starts) {
         m_nodes.insert({node.situation, node.situation, node.surroundings}, NodeStore<Pair>::none, {});
     }
+    explore();
+    m_proof.situations = m_nodes.size();
+    m_proof.isComplete = m_proof.isComplete && isConfirmed();
+    return m_differences;
+}
+
+void ListComparison::Search::explore()
+{
     Inputs inputs;
     for (quint32 from = 0; from < m_nodes.size(); ++from) {
         const Pair before = m_nodes.at(from);
@@ -201,20 +260,18 @@ QVector<Difference> ListComparison::Search::find()
         for (const Input input : qAsConst(inputs)) {
             const Pair after = step(before, input);
             ++m_proof.steps;
-            const QStringList kind = kindOf(after);
+            const QStringList kind = differenceIn(after.oldSituation.state);
             if (kind.isEmpty()) {
                 m_nodes.insert(after, from, input);
             } else {
                 confirm(from, input, kind);
             }
         }
-        m_proof.situations = m_nodes.size();
         if (m_nodes.size() >= m_limits.situations || m_proof.steps >= m_limits.steps) {
-            return m_differences;
+            return;
         }
     }
     m_proof.isComplete = true;
-    return m_differences;
 }
 
 /// The state, the window and the hold of FactoryReset are equal on both sides.
@@ -228,23 +285,29 @@ void ListComparison::Search::allow(const Pair& pair, Inputs& inputs) const
 
 void ListComparison::Search::allowLongPresses(const Pair& pair, Inputs& inputs) const
 {
-    const Situation& a = pair.oldSituation;
-    const Situation& b = pair.newSituation;
+    const auto add = [&inputs](Side side) { inputs.append(expiry(Input::Kind::LongPressTime, side)); };
     const auto timeOf = [](const KeyModel& keyModel, const Situation& situation) {
         return keyModel.rows().milliseconds(keyModel.rows().longPressOf(situation.armedKey));
     };
-    // Times that began with the same repetition end in their order.
-    const bool isSame = a.longPressRuns && b.longPressRuns && a.armedKey == b.armedKey;
-    const int lead = isSame ? timeOf(m_comparison.m_new, b) - timeOf(m_comparison.m_old, a) : 0;
-    if (isSame && lead == 0) {
-        inputs.append(expiry(Input::Kind::LongPressTime, Side::Both));
+    const Situation& a = pair.oldSituation;
+    const Situation& b = pair.newSituation;
+    if (!a.longPressRuns || !b.longPressRuns) {
+        if (a.longPressRuns || b.longPressRuns) {
+            add(a.longPressRuns ? Side::Old : Side::New);
+        }
         return;
     }
-    if (a.longPressRuns && lead >= 0) {
-        inputs.append(expiry(Input::Kind::LongPressTime, Side::Old));
+    const int oldTime = timeOf(m_comparison.m_old, a);
+    const int newTime = timeOf(m_comparison.m_new, b);
+    if (pair.isTogether && oldTime == newTime) {
+        add(Side::Both);
+        return;
     }
-    if (b.longPressRuns && lead <= 0) {
-        inputs.append(expiry(Input::Kind::LongPressTime, Side::New));
+    const bool isOldShorter = oldTime < newTime;
+    add(isOldShorter ? Side::Old : Side::New);
+    // Times that began together end in their order.
+    if (!pair.isTogether) {
+        add(isOldShorter ? Side::New : Side::Old);
     }
 }
 
@@ -253,7 +316,8 @@ ListComparison::Pair ListComparison::Search::step(const Pair& pair, Input input)
     const Input plain = input.isExpiry() ? Input::of(input.kind) : input;
     const auto stepOne = [&](const KeyModel& keyModel, Situation situation, Side side, Effects& effects) {
         effects.clear();
-        return concerns(input, side) ? keyModel.canonical(keyModel.step(situation, plain, effects)) : situation;
+        return concerns(input, side) ? keyModel.canonical(keyModel.step(situation, plain, effects))
+                                     : situation;
     };
     Pair after = pair;
     after.oldSituation = stepOne(m_comparison.m_old, pair.oldSituation, Side::Old, m_oldEffects);
@@ -261,37 +325,43 @@ ListComparison::Pair ListComparison::Search::step(const Pair& pair, Input input)
     Node node{after.oldSituation, pair.surroundings};
     m_environment.follow(node, plain, m_oldEffects);
     after.surroundings = node.surroundings;
+    const bool wereStopped = !pair.oldSituation.longPressRuns && !pair.newSituation.longPressRuns;
+    const bool bothRun = after.oldSituation.longPressRuns && after.newSituation.longPressRuns;
+    after.isTogether = bothRun && (pair.isTogether || wereStopped) ? 1 : 0;
     return after;
 }
 
-/// The state and the outputs of both sides; nothing if the outputs are equal.
-QStringList ListComparison::Search::kindOf(const Pair& after) const
+/// The kind of the difference that the last step makes; nothing if the outputs are equal.
+QStringList ListComparison::Search::differenceIn(State state) const
 {
-    const State state = after.oldSituation.state;
-    const QStringList oldTexts = counted(m_oldEffects, m_comparison.m_old, state);
-    const QStringList newTexts = counted(m_newEffects, m_comparison.m_new, state);
-    return oldTexts == newTexts ? QStringList()
-                                : QStringList(Alphabet::nameOf(state)) + oldTexts + QStringList(QString()) + newTexts;
-}
-
-QStringList ListComparison::Search::counted(const Effects& effects, const KeyModel& keyModel, State state) const
-{
-    const bool isPerceived = std::any_of(effects.cbegin(), effects.cend(),
-                                         [](const Effect& effect) { return Rules::isPerceived(effect.rule); });
-    if (!isPerceived) {
+    const KeyModel& oldModel = m_comparison.m_old;
+    const KeyModel& newModel = m_comparison.m_new;
+    const Effects oldPerceived = perceivedOf(m_oldEffects);
+    const Effects newPerceived = perceivedOf(m_newEffects);
+    if (oldModel.lists().isOrvane == newModel.lists().isOrvane &&
+        areAlikeWithoutRows(oldPerceived, newPerceived)) {
         return {};
     }
+    const QStringList oldTexts =
+        oldPerceived.isEmpty() ? QStringList() : counted(m_oldEffects, oldModel, state);
+    const QStringList newTexts =
+        newPerceived.isEmpty() ? QStringList() : counted(m_newEffects, newModel, state);
+    return oldTexts == newTexts ? QStringList() : kindOf(state, oldTexts, newTexts);
+}
+
+QStringList ListComparison::Search::counted(const Effects& effects, const KeyModel& keyModel,
+                                            State state) const
+{
     QVector<Output> outputs = Outputs::of(effects, keyModel.lists(), state);
     const auto isLeftOut = [this](const Output& output) { return !m_comparison.m_filter(output); };
     outputs.erase(std::remove_if(outputs.begin(), outputs.end(), isLeftOut), outputs.end());
     return textsOf(outputs);
 }
 
-/// Plays the run with real times, which may not fit it, and keeps the first that fits of each kind.
+/// Plays the run with real times, which may not fit it or may show another difference before.
 void ListComparison::Search::confirm(quint32 from, Input input, const QStringList& kind)
 {
-    int& tries = m_tries[kind];
-    if (++tries > maxTries) {
+    if (++m_tries[kind] > maxTries || m_found.contains(kind)) {
         return;
     }
     QVector<Input> inputs{input};
@@ -302,14 +372,30 @@ void ListComparison::Search::confirm(quint32 from, Input input, const QStringLis
     for (const Input each : qAsConst(inputs)) {
         player.play(each);
     }
-    if (const auto difference = player.difference(m_comparison.m_filter)) {
-        tries = maxTries;
+    const auto difference = player.difference(m_comparison.m_filter);
+    if (!difference) {
+        return;
+    }
+    const QStringList played =
+        kindOf(difference->state, textsOf(difference->oldOutputs), textsOf(difference->newOutputs));
+    if (!m_found.contains(played)) {
+        m_found.insert(played);
         m_differences.append(*difference);
     }
 }
 
+/// Whether a run was found for each kind.
+bool ListComparison::Search::isConfirmed() const
+{
+    const auto kinds = m_tries.keys();
+    return std::all_of(kinds.begin(), kinds.end(),
+                       [this](const QStringList& kind) { return m_found.contains(kind); });
+}
+
 ListComparison::ListComparison(const KeyLists& oldLists, const KeyLists& newLists, const Filter& filter)
-    : m_old(oldLists), m_new(newLists), m_filter(filter)
+    : m_old(oldLists)
+    , m_new(newLists)
+    , m_filter([filter](const Output& output) { return output.kind != Output::Kind::Log && filter(output); })
 {}
 
 QVector<Difference> ListComparison::find(const Environment& environment, const Limits& limits)

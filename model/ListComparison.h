@@ -15,7 +15,8 @@ struct Difference
 {
     /// The state in which it shows.
     State state = State::Undefined;
-    /// The keys, with their times and what both lists do. Both begin in the same state and end at `end`.
+    /// The keys, with their times and what both lists do. Both begin in the same state and end at `end`, the
+    /// moment of the difference.
     QVector<PlayedStep> oldSteps;
     QVector<PlayedStep> newSteps;
     std::chrono::milliseconds end{0};
@@ -26,19 +27,22 @@ struct Difference
 
 /// Finds what a person at the device gets from one list and not from another.
 ///
-/// Explores both lists in lockstep, breadth-first and without clocks. A step after which the lists behave differently is
-/// not followed, because all that comes after it may differ. Each difference is played with real times.
+/// Explores both lists in lockstep, breadth-first and without clocks. A step after which the lists behave
+/// differently is not followed, because all that comes after it may differ. Each difference is played with
+/// real times.
 class ListComparison
 {
 public:
-    /// Whether an output counts.
+    /// Whether an output counts. Log lines never do.
     using Filter = std::function<bool(const Output&)>;
 
     ListComparison(const KeyLists& oldLists, const KeyLists& newLists, const Filter& filter);
 
-    /// The shortest run for each kind of difference: each pair of outputs in a state.
+    /// A short run for each kind of difference, that is each pair of outputs in a state. `environment` must
+    /// be that of a person without clocks.
     QVector<Difference> find(const Environment& environment, const Limits& limits = {});
-    /// The search. Without differences, it proves that there are none if it is complete.
+    /// The search. It is complete if all kinds of differences are found: none is left out because of a limit,
+    /// or because no real times fit the runs that were tried.
     const Proof& proof() const { return m_proof; }
 
 private:

@@ -12,6 +12,10 @@ namespace model {
 
 namespace {
 
+/// A search with clocks after one without looks only for a run, which is short; without a run it proves
+/// nothing.
+constexpr Limits limitsForRuns{50'000, 2'000'000};
+
 constexpr quint8 bit(State state)
 {
     return static_cast<quint8>(1U << static_cast<unsigned>(state));
@@ -32,6 +36,8 @@ public:
     void close(bool excludes);
     /// Opens the pairs whose runs were not confirmed.
     void reopenUnconfirmed();
+    /// Lowers the limits of further searches.
+    void limitTo(const Limits& limits);
     bool isDone() const { return m_openCount == 0; }
     /// The last search.
     const Proof& proof() const { return m_proof; }
@@ -140,6 +146,11 @@ void RowProofs::Search::reopenUnconfirmed()
     open(QVector<quint8>(m_unconfirmed));
 }
 
+void RowProofs::Search::limitTo(const Limits& limits)
+{
+    m_limits = {qMin(m_limits.situations, limits.situations), qMin(m_limits.steps, limits.steps)};
+}
+
 RowProofs::RowProofs(const KeyLists& lists, const Environment& environment, const Limits& limits)
     : m_model(lists), m_environment(environment), m_limits(limits)
 {
@@ -177,9 +188,10 @@ void RowProofs::prove(List list)
     if (isPerson && m_environment.time == Environment::Time::Untimed) {
         Environment digital = m_environment;
         digital.time = Environment::Time::Digital;
+        search.limitTo(limitsForRuns);
         lookThrough(digital, search);
-        search.close(false);
     }
+    search.close(false);
 }
 
 void RowProofs::look(const Environment& environment, bool confirms, Search& search)

@@ -3,13 +3,9 @@
 
 #include <algorithm>
 
-using std::chrono::milliseconds;
-
 namespace model {
 
 namespace {
-
-constexpr milliseconds movementInterval{50};
 
 class Player
 {
@@ -22,6 +18,7 @@ public:
     const Playback& playback() const { return m_playback; }
 
 private:
+    void waitForTick(Input input);
     void waitFor(Input input);
     void move(Input input);
     bool isPerson() const { return m_environment.kind == Environment::Kind::Person; }
@@ -36,7 +33,7 @@ void Player::play(Input input)
 {
     const bool comesByItself = input.isExpiry() || (isPerson() && input.kind == Input::Kind::Repeat);
     if (input.kind == Input::Kind::Tick) {
-        m_playback.wait(Environment::tick);
+        waitForTick(input);
     } else if (comesByItself) {
         waitFor(input);
     } else if (input.kind <= Input::Kind::Repeat) {
@@ -44,6 +41,12 @@ void Player::play(Input input)
     } else {
         m_playback.take(input);
     }
+}
+
+void Player::waitForTick(Input input)
+{
+    const auto longPress = m_playback.due(Input::of(Input::Kind::LongPressTime));
+    m_playback.wait(input.isLong() && longPress ? *longPress - m_playback.now() : Environment::tick);
 }
 
 /// On digital clocks, the tick has already brought the input.
@@ -58,7 +61,7 @@ void Player::waitFor(Input input)
 void Player::move(Input input)
 {
     if (m_hasMoved && !isDigital()) {
-        m_playback.wait(movementInterval);
+        m_playback.wait(Witness::movementInterval);
     }
     m_hasMoved = true;
     if (!isPerson()) {

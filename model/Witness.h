@@ -12,6 +12,9 @@ namespace model {
 /// times of its ticks.
 namespace Witness {
 
+/// The time between two movements of a person in an untimed run.
+constexpr std::chrono::milliseconds movementInterval{50};
+
 /// Plays the run with all key lists. An untimed search also finds runs that no real times fit; the caller
 /// must check the result.
 Playback play(const KeyModel& keyModel, const Environment& environment, const Run& run);

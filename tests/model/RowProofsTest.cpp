@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "model/RowProofs.h"
 #include "model/KeyFacts.h"
+#include "model/Witness.h"
 #include "tests/model/DaemonStep.h"
 #include "tests/model/ListMaps.h"
 #include "tests/support/Seeds.h"
@@ -151,6 +152,7 @@ private Q_SLOTS:
     void shortcutTakesOneFingerThroughStartup();
     void rowInStartupTakesAService();
     void paceDecidesAboutPairs();
+    void holdOfAnHourIsProvedOnClocks();
     void limitProvesNothing_data();
     void limitProvesNothing();
     void verdictNamesItsEnvironment();
@@ -247,6 +249,21 @@ void RowProofsTest::paceDecidesAboutPairs()
     QVERIFY(kindAt(1, 750ms) == RowVerdict::Kind::Never);
     QVERIFY(kindAt(2, 1250ms) == RowVerdict::Kind::Announced);
     QVERIFY(kindAt(2, 1500ms) == RowVerdict::Kind::Never);
+}
+
+/// The clocks skip what only a long press waits for.
+void RowProofsTest::holdOfAnHourIsProvedOnClocks()
+{
+    KeyLists lists;
+    lists.longPresses.append(
+        KeyEntry({KeyId::Help}, QStringLiteral("Long"), 3'600'000, ServiceId::UserMenu, StateId::Idle));
+    const RowVerdict verdict =
+        RowProofs(lists, paced(2, 500ms), {20'000, 1'000'000}).of({List::LongPresses, 0}, KeyFacts::idle);
+    QVERIFY(verdict.kind == RowVerdict::Kind::Announced);
+    const KeyModel keyModel(lists);
+    const Playback playback = Witness::play(keyModel, verdict.proof.environment, verdict.witness);
+    QVERIFY(Witness::announces(playback, {List::LongPresses, 0}));
+    QVERIFY(playback.now() >= 1h);
 }
 
 void RowProofsTest::limitProvesNothing_data()
