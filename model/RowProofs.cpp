@@ -47,7 +47,6 @@ private:
     void find(const Explorer& explorer, const Explorer::Transition& transition, bool confirms);
 
     const KeyModel& m_all;
-    List m_list;
     KeyModel m_model;
     Limits m_limits;
     QVector<ByState>& m_verdicts;
@@ -61,7 +60,6 @@ private:
 
 RowProofs::Search::Search(const KeyModel& all, List list, const Limits& limits, QVector<ByState>& verdicts)
     : m_all(all)
-    , m_list(list)
     , m_model(all.lists().only(list), KeyModel::Scope::RowsOfOneList)
     , m_limits(limits)
     , m_verdicts(verdicts)
