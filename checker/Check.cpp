@@ -8,6 +8,7 @@
 #include "checker/TextChecks.h"
 #include "checker/WordChecks.h"
 
+#include <QHash>
 #include <QSet>
 
 #include <algorithm>
@@ -46,23 +47,34 @@ QVector<RowId> soundRows(const KeyLists& lists, const QVector<Finding>& findings
 }
 
 /// What a person perceives may depend on the embosser model; nothing else does.
-void checkGestures(const ListSources& sources, const RowPlaces& places, const CheckOptions& options,
-                   CheckResult& result)
+QVector<Finding> gestureFindings(const ListSources& sources, const RowPlaces& places,
+                                 const QVector<RowId>& ids, const CheckOptions& options)
 {
-    QSet<QString> known;
+    constexpr int onBoth = 3;
+    const auto textOf = [](const Finding& finding) { return finding.id + finding.message; };
+    QVector<Finding> findings;
+    QHash<QString, int> models; // by texts: 1 is Pellit, 2 is Orvane
     for (const bool isOrvane : {false, true}) {
         if (isOrvane != options.isOrvane.value_or(isOrvane)) {
             continue;
         }
-        const auto findings = GestureChecks::of(sources.lists(isOrvane), places);
-        for (const Finding& finding : findings) {
-            const QString text = finding.id + finding.message;
-            if (!known.contains(text)) {
-                known.insert(text);
-                result.findings.append(finding);
+        const QVector<Finding> found = GestureChecks::of(sources.lists(isOrvane), places, ids);
+        for (const Finding& finding : found) {
+            int& known = models[textOf(finding)];
+            if (known == 0) {
+                findings.append(finding);
             }
+            known |= isOrvane ? 2 : 1;
         }
     }
+    for (Finding& finding : findings) {
+        const int known = models.value(textOf(finding));
+        if (!options.isOrvane && known != onBoth) {
+            finding.message +=
+                QStringLiteral(", on the model %1").arg(QLatin1String(known == 1 ? "Pellit" : "Orvane"));
+        }
+    }
+    return findings;
 }
 
 void sort(QVector<Finding>& findings, const ListSources& sources)
@@ -89,8 +101,11 @@ CheckResult check(const ListSources& sources, const CheckOptions& options)
         result.findings += TextChecks::ofRows(lists, places, list) + WordChecks::of(lists, places, list);
     }
     result.findings += SameKeys::of(lists, places);
-    ProofChecks::run(lists, places, soundRows(lists, result.findings), options, result);
-    checkGestures(sources, places, options, result);
+    const QVector<RowId> sound = soundRows(lists, result.findings);
+    result.rows = lists.ids().size();
+    result.provedRows = sound.size();
+    ProofChecks::run(lists, places, sound, options, result);
+    result.findings += gestureFindings(sources, places, sound, options);
     sort(result.findings, sources);
     return result;
 }

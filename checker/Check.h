@@ -3,6 +3,7 @@
 
 #include "checker/Finding.h"
 #include "checker/ListSources.h"
+#include "checker/SearchWords.h"
 
 #include <QVector>
 
@@ -19,12 +20,18 @@ struct CheckOptions
     int fingers = 2;
     /// The minimum time between two movements of a person's fingers; 0 is any time.
     std::chrono::milliseconds pace{0};
+    /// When a search gives up.
+    model::Limits limits = searchLimits;
 };
 
 struct CheckResult
 {
     /// By file, line and column, then by id.
     QVector<Finding> findings;
+    int rows = 0;
+    /// The rows that the searches were about: those without a finding about their words that leaves nothing
+    /// to prove.
+    int provedRows = 0;
     /// Whether each search came to its end.
     bool isProved = true;
     /// What the searches visited, for the summary.

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "checker/CheckArguments.h"
 
+#include "checker/Explanations.h"
+#include "checker/Suggestion.h"
+
 #include <QCommandLineParser>
 
 namespace checker {
@@ -11,7 +14,8 @@ namespace {
 
 constexpr int maxPace = 60'000; // milliseconds
 
-QCommandLineOption option(const char* name, const char* description, const char* value, const char* standard = "")
+QCommandLineOption option(const char* name, const char* description, const char* value,
+                          const char* standard = "")
 {
     return QCommandLineOption(QString::fromLatin1(name), QString::fromLatin1(description),
                               QString::fromLatin1(value), QString::fromLatin1(standard));
@@ -22,12 +26,18 @@ struct Options
 {
     QCommandLineOption model =
         option("model", "Check for one embosser model: Pellit or Orvane. Without it, for both.", "model");
-    QCommandLineOption hands = option("hands", "How many keys a person holds at once: 1 to 4.", "number", "2");
-    QCommandLineOption pace = option(
-        "pace", "The shortest time between two movements of a person: a multiple of 250 ms.", "milliseconds", "0");
+    QCommandLineOption hands =
+        option("hands", "How many keys a person holds at once: 1 to 4.", "number", "2");
+    QCommandLineOption pace =
+        option("pace", "The shortest time between two movements of a person: a multiple of 250 ms.",
+               "milliseconds", "0");
     QCommandLineOption format = option("format", "The output: text, json or sarif.", "format", "text");
-    QCommandLineOption allow = option("allow", "Leave out the findings with this id; may be repeated.", "id");
-    QCommandLineOption deny = option("deny", "Count warnings as errors: the only value is \"warning\".", "level");
+    QCommandLineOption allow = option("allow",
+                                      "Leave out the findings with this id, or with ID:ACTION those about "
+                                      "rows with this action; may be repeated.",
+                                      "id");
+    QCommandLineOption deny =
+        option("deny", "Count warnings as errors: the only value is \"warning\".", "level");
     QCommandLineOption witness =
         option("witness", "Write a key script for each row and state that works into this folder.", "folder");
     QCommandLineOption help{QStringList{QStringLiteral("h"), QStringLiteral("help")},
@@ -76,8 +86,26 @@ QString readFormat(const QString& word, CheckArguments::Format& format)
         {QStringLiteral("json"), CheckArguments::Format::Json},
         {QStringLiteral("sarif"), CheckArguments::Format::Sarif}};
     format = formats.value(word);
-    return formats.contains(word) ? QString()
-                                  : QStringLiteral("The format must be text, json or sarif, not \"%1\".").arg(word);
+    return formats.contains(word)
+               ? QString()
+               : QStringLiteral("The format must be text, json or sarif, not \"%1\".").arg(word);
+}
+
+QString checkAllowed(const QStringList& words)
+{
+    QStringList ids;
+    for (const Explanation& explanation : Explanations::all()) {
+        ids.append(explanation.id);
+    }
+    for (const QString& word : words) {
+        const QString id = word.section(QLatin1Char(':'), 0, 0);
+        if (!ids.contains(id)) {
+            return QStringLiteral("\"%1\" is not the id of a finding").arg(id) +
+                   Suggestion::question(id, ids) +
+                   QStringLiteral("; keyboard-handler-keys explain lists all.");
+        }
+    }
+    return {};
 }
 
 QString readDeny(const QStringList& words, bool& deniesWarnings)
@@ -98,11 +126,12 @@ CheckArguments CheckArguments::parse(const QStringList& arguments)
     const Options options;
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Checks key lists and proves which of their rows work."));
-    parser.addPositionalArgument(QStringLiteral("path"),
-                                 QStringLiteral("A folder with key lists, or single files; - is standard input."),
-                                 QStringLiteral("[path...]"));
-    parser.addOptions({options.model, options.hands, options.pace, options.format, options.allow, options.deny,
-                       options.witness, options.help});
+    parser.addPositionalArgument(
+        QStringLiteral("path"),
+        QStringLiteral("A folder with key lists, or single files; - is standard input."),
+        QStringLiteral("[path...]"));
+    parser.addOptions({options.model, options.hands, options.pace, options.format, options.allow,
+                       options.deny, options.witness, options.help});
     CheckArguments result;
     if (!parser.parse(arguments)) {
         result.fault = parser.errorText();
@@ -116,7 +145,8 @@ CheckArguments CheckArguments::parse(const QStringList& arguments)
                              readHands(parser.value(options.hands), result.options),
                              readPace(parser.value(options.pace), result.options),
                              readFormat(parser.value(options.format), result.format),
-                             readDeny(parser.values(options.deny), result.deniesWarnings)};
+                             readDeny(parser.values(options.deny), result.deniesWarnings),
+                             checkAllowed(result.allowed)};
     for (const QString& fault : faults) {
         result.fault = result.fault.isEmpty() ? fault : result.fault;
     }

@@ -16,7 +16,7 @@ struct CheckArguments
     QStringList paths;
     CheckOptions options;
     Format format = Format::Text;
-    /// Findings with these ids are left out.
+    /// Findings with these ids are left out; "ID:ACTION" is only about rows with this action.
     QStringList allowed;
     /// Whether warnings count as errors.
     bool deniesWarnings = false;

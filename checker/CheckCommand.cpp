@@ -13,9 +13,12 @@ namespace checker {
 
 namespace {
 
-void leaveOut(QVector<Finding>& findings, const QStringList& ids)
+void leaveOut(QVector<Finding>& findings, const model::KeyLists& lists, const QStringList& allowed)
 {
-    const auto isAllowed = [&](const Finding& finding) { return ids.contains(finding.id); };
+    const auto isAllowed = [&](const Finding& finding) {
+        const QString action = finding.row.index < 0 ? QString() : lists.row(finding.row).eAction();
+        return allowed.contains(finding.id) || allowed.contains(finding.id + QLatin1Char(':') + action);
+    };
     findings.erase(std::remove_if(findings.begin(), findings.end(), isAllowed), findings.end());
 }
 
@@ -30,9 +33,6 @@ Status statusOf(const CheckResult& result, bool deniesWarnings)
 void printText(const ListSources& sources, const CheckResult& result, QTextStream& out)
 {
     const FindingText text(sources, hasColours());
-    for (const QString& note : sources.notes) {
-        out << "note: " << printable(note) << '\n';
-    }
     for (const Finding& finding : result.findings) {
         out << text.describe(finding);
     }
@@ -47,10 +47,10 @@ void print(CheckArguments::Format format, const ListSources& sources, const Chec
         printText(sources, result, out);
         break;
     case CheckArguments::Format::Json:
-        out << QString::fromUtf8(FindingJson::of(result, sources));
+        out << printableJson(FindingJson::of(result, sources));
         break;
     case CheckArguments::Format::Sarif:
-        out << QString::fromUtf8(FindingSarif::of(result, sources));
+        out << printableJson(FindingSarif::of(result, sources));
         break;
     }
 }
@@ -71,7 +71,11 @@ Status Commands::check(const QStringList& arguments, QTextStream& out, QTextStre
         return Unusable;
     }
     CheckResult result = checker::check(sources, line.options);
-    leaveOut(result.findings, line.allowed);
+    leaveOut(result.findings, sources.lists(line.options.isOrvane.value_or(false)), line.allowed);
+    const bool isText = line.format == CheckArguments::Format::Text;
+    for (const QString& note : sources.notes) {
+        (isText ? out : err) << "note: " << printable(note) << '\n';
+    }
     print(line.format, sources, result, out);
     if (!line.witnessFolder.isEmpty()) {
         const QString fault = WitnessFiles::write(sources, line.options, line.witnessFolder);

@@ -4,10 +4,10 @@
 #include "checker/OutputWords.h"
 #include "checker/Printable.h"
 #include "checker/RunWords.h"
+#include "checker/SearchWords.h"
 #include "model/ListComparison.h"
 
 #include <QCommandLineParser>
-#include <QLocale>
 
 namespace checker {
 
@@ -31,22 +31,27 @@ struct DiffArguments
 
 DiffArguments DiffArguments::parse(const QStringList& arguments)
 {
-    const QCommandLineOption whom(QStringLiteral("for"),
-                                  QStringLiteral("Compare speech and actions (users) or actions only (services)."),
-                                  QStringLiteral("whom"), QStringLiteral("users"));
-    const QCommandLineOption model(QStringLiteral("model"), QStringLiteral("The embosser model: Pellit or Orvane."),
-                                   QStringLiteral("model"), QStringLiteral("Pellit"));
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help."));
+    const QCommandLineOption whom(
+        QStringLiteral("for"),
+        QStringLiteral("Compare speech and actions (users) or actions only (services)."),
+        QStringLiteral("whom"), QStringLiteral("users"));
+    const QCommandLineOption embosser(QStringLiteral("model"),
+                                      QStringLiteral("The embosser model: Pellit or Orvane."),
+                                      QStringLiteral("model"), QStringLiteral("Pellit"));
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Show this help."));
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Shows what keys do with one folder of key lists and not with another."));
-    parser.addPositionalArgument(QStringLiteral("old"), QStringLiteral("A folder with key lists, or a file."));
+    parser.setApplicationDescription(
+        QStringLiteral("Shows what keys do with one folder of key lists and not with another."));
+    parser.addPositionalArgument(QStringLiteral("old"),
+                                 QStringLiteral("A folder with key lists, or a file."));
     parser.addPositionalArgument(QStringLiteral("new"), QStringLiteral("Another one."));
-    parser.addOptions({whom, model, help});
+    parser.addOptions({whom, embosser, help});
     DiffArguments result;
     const bool isParsed = parser.parse(arguments);
     result.paths = parser.positionalArguments();
     result.forServices = parser.value(whom) == QLatin1String("services");
-    result.isOrvane = parser.value(model) == QLatin1String("Orvane");
+    result.isOrvane = parser.value(embosser) == QLatin1String("Orvane");
     result.help = isParsed && parser.isSet(help) ? parser.helpText() : QString();
     if (!isParsed) {
         result.fault = parser.errorText();
@@ -54,8 +59,9 @@ DiffArguments DiffArguments::parse(const QStringList& arguments)
         result.fault = QStringLiteral("Two folders or files are needed: the old and the new one.");
     } else if (!result.forServices && parser.value(whom) != QLatin1String("users")) {
         result.fault = QStringLiteral("--for must be users or services, not \"%1\".").arg(parser.value(whom));
-    } else if (!result.isOrvane && parser.value(model) != QLatin1String("Pellit")) {
-        result.fault = QStringLiteral("The model must be Pellit or Orvane, not \"%1\".").arg(parser.value(model));
+    } else if (!result.isOrvane && parser.value(embosser) != QLatin1String("Pellit")) {
+        result.fault =
+            QStringLiteral("The model must be Pellit or Orvane, not \"%1\".").arg(parser.value(embosser));
     }
     return result;
 }
@@ -88,16 +94,26 @@ void print(const Difference& difference, QTextStream& out)
         << "    now " << printable(textOf(difference.newOutputs)) << '\n';
 }
 
-QString number(quint64 value)
+/// Says which lists count as empty.
+void printNotes(const QString& path, const ListSources& sources, QTextStream& err)
 {
-    return QLocale(QLocale::English).toString(value);
+    const QStringList remarks = sources.remarks();
+    for (const QString& note : remarks) {
+        err << "note: " << printable(path) << ": " << printable(note) << '\n';
+    }
 }
+
+/// Searching two lists at once takes longer than one.
+constexpr model::Limits pairLimits{300'000, 10'000'000};
 
 Environment personAtOneDevice()
 {
     Environment environment;
     environment.kind = Environment::Kind::Person;
     environment.devices = 1;
+    environment.panelKeysOnly = true;
+    environment.stateChanges = false;
+    environment.keyboardTest = false;
     return environment;
 }
 
@@ -110,26 +126,31 @@ Status Commands::diff(const QStringList& arguments, QTextStream& out, QTextStrea
         out << line.help;
         return Clean;
     }
+    if (!line.fault.isEmpty()) {
+        err << printable(line.fault) << '\n';
+        return Unusable;
+    }
     const ListSources oldSources = ListSources::read(line.paths.mid(0, 1));
     const ListSources newSources = ListSources::read(line.paths.mid(1, 1));
-    for (const QString& fault : {line.fault, oldSources.fault, newSources.fault}) {
+    for (const QString& fault : {oldSources.fault, newSources.fault}) {
         if (!fault.isEmpty()) {
             err << printable(fault) << '\n';
             return Unusable;
         }
     }
+    printNotes(line.paths.first(), oldSources, err);
+    printNotes(line.paths.last(), newSources, err);
     model::ListComparison comparison(oldSources.lists(line.isOrvane), newSources.lists(line.isOrvane),
                                      line.forServices ? isForServices : isForUsers);
-    const QVector<Difference> differences = comparison.find(personAtOneDevice());
+    const QVector<Difference> differences = comparison.find(personAtOneDevice(), pairLimits);
     for (const Difference& difference : differences) {
         print(difference, out);
     }
     const model::Proof& proof = comparison.proof();
-    out << (!proof.isComplete         ? "Not proved: the search ended at its limit"
-            : differences.isEmpty() ? "No difference: proved"
-                                    : "Searched to the end")
-        << ", for " << proof.environment.toText() << ": " << number(proof.situations) << " situations, "
-        << number(proof.steps) << " steps.\n";
+    out << (!proof.isComplete       ? "Not proved: the search ended at its limit, "
+            : differences.isEmpty() ? "No difference: proved, "
+                                    : "Searched to the end, ")
+        << SearchWords::extentOf(proof) << ".\n";
     return !differences.isEmpty() ? Found : proof.isComplete ? Clean : NotProved;
 }
 

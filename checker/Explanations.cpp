@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "checker/Explanations.h"
 
+#include "checker/RowNames.h"
 #include "keys/KeyListFile.h"
 #include "keys/KeyRules.h"
 #include "model/Autorepeat.h"
@@ -17,12 +18,9 @@ namespace {
 
 constexpr int mebibyte = 1024 * 1024;
 
-/// The names of a family, without "Unknown", which means "no key".
-QString namesOf(const QMap<QString, int>& meta)
+QString listed(const QMap<QString, int>& meta)
 {
-    QStringList names = meta.keys();
-    names.removeOne(ls::KeyId::Unknown);
-    return names.join(QStringLiteral(", "));
+    return RowNames::of(meta).join(QStringLiteral(", "));
 }
 
 Example exampleOf(List list, const char* text)
@@ -250,7 +248,8 @@ QVector<Explanation> explanationsOfValues()
          QStringLiteral(
              "The daemon converts values without a log line. A timeout is rounded to whole seconds and "
              "limited to %1 s: 1.5 counts as 2, \"3\" as 3, true as 1. A single text counts as a list of one "
-             "key. A number counts as its digits where a text is expected. What cannot be converted counts "
+             "key. A number counts as its digits where a text is expected. A value that cannot be converted "
+             "counts "
              "as empty, and such a timeout as 0. Of the keys of a long press, only the first one counts; "
              "of those of a shortcut, the first and the last one.\n\n"
              "Write what the daemon reads, so that the file shows what happens.")
@@ -297,7 +296,7 @@ QVector<Explanation> explanationsOfValues()
              "No key of the panel has this name, so it is never pressed. The daemon does not check names, "
              "and upper and lower case matter. The keys are: %1.\n\n"
              "Of a long press only the first key counts, of a shortcut the first and the last one.")
-             .arg(namesOf(ls::KeyId::meta)),
+             .arg(listed(ls::KeyId::meta)),
          combinations(R"({
     "ModifierKeys": [
         { "keys": ["Help", "Fed"], "eAction": "PaperStatus", "receiverService": "PrintManager",
@@ -312,7 +311,7 @@ QVector<Explanation> explanationsOfValues()
              "check names, and upper and lower case matter. The states are: %1.\n\n"
              "Blanks around a name count, too: they are ignored only in long presses, and only where "
              "several states are joined with a vertical bar.")
-             .arg(namesOf(ls::StateId::meta)),
+             .arg(listed(ls::StateId::meta)),
          combinations(R"({
     "ModifierKeys": [
         { "keys": ["Help", "Feed"], "eAction": "PaperStatus", "receiverService": "PrintManager",
@@ -326,7 +325,7 @@ QVector<Explanation> explanationsOfValues()
              "The daemon announces the action to the receiver that the row names, whatever it is. No "
              "service has this name, so no service acts on it. Upper and lower case matter. The services "
              "are: %1.")
-             .arg(namesOf(ls::ServiceId::meta)),
+             .arg(listed(ls::ServiceId::meta)),
          combinations(R"({
     "ModifierKeys": [
         { "keys": ["Help", "Feed"], "eAction": "PaperStatus", "receiverService": "PrintManger",
@@ -420,12 +419,13 @@ QVector<Explanation> explanationsOfRows()
              "proved in the same way as for the finding \"never\"."),
          {},
          {}},
-        {QStringLiteral("state-change"),
-         Level::Error,
+        {QStringLiteral("state-change"), Level::Error,
          QStringLiteral("no keys announce the row while the state stays as it is"),
          QStringLiteral(
-             "Keys announce this row only if the state of the device changes between them: for example, a "
-             "combination for Print begins in Idle and ends in Print. In all states but Idle, a released key "
+             "Keys announce this row only if the state of the device changes between them, or while the "
+             "keyboard "
+             "test runs: for example, a combination for Print begins in Idle and ends in Print. In all "
+             "states but Idle, a released key "
              "is announced at once and forgotten, so that no combination can begin there. Use a shortcut or "
              "a long press for such a state. The finding is a warning if the row also names a state in which "
              "it works."),

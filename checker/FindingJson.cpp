@@ -14,8 +14,8 @@ namespace {
 QJsonObject objectOf(const Place& place, const ListSources& sources)
 {
     const SourceFile& file = sources.file(place.list);
-    const Position begin = file.positionOf(place.range.begin);
-    const Position end = file.positionOf(place.range.end);
+    const Position begin = file.position(place.range.begin);
+    const Position end = file.position(place.range.end);
     return {{QStringLiteral("file"), file.name()},
             {QStringLiteral("line"), begin.line},
             {QStringLiteral("column"), begin.column},

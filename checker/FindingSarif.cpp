@@ -94,8 +94,8 @@ QJsonObject SarifResults::artifactLocation(List list) const
 QJsonObject SarifResults::location(const Place& place) const
 {
     const SourceFile& file = m_sources.file(place.list);
-    const Position begin = file.positionOf(place.range.begin);
-    const Position end = file.positionOf(place.range.end);
+    const Position begin = file.position(place.range.begin);
+    const Position end = file.position(place.range.end);
     const QJsonObject region{{QStringLiteral("startLine"), begin.line},
                              {QStringLiteral("startColumn"), begin.column},
                              {QStringLiteral("endLine"), end.line},

@@ -2,8 +2,7 @@
 #include "checker/FindingText.h"
 
 #include "checker/Printable.h"
-
-#include <QLocale>
+#include "checker/SearchWords.h"
 
 #include <algorithm>
 
@@ -11,16 +10,30 @@ namespace checker {
 
 namespace {
 
-constexpr int maxWidth = 100; // of an excerpt
+/// The width of an excerpt, and how much of it may be before the place.
+constexpr int maxWidth = 100;
+constexpr int maxBefore = 40;
+/// What does not fit is not decoded: a line may be a mebibyte long.
+constexpr int maxBytes = 4 * maxWidth;
+const QString ellipsis = QStringLiteral("...");
+
+/// A text by its characters, each of which is one or two units of UTF-16.
+QString left(const QString& text, int count)
+{
+    const auto characters = text.toUcs4();
+    return QString::fromUcs4(characters.constData(), qMin(count, characters.size()));
+}
+
+QString right(const QString& text, int count)
+{
+    const auto characters = text.toUcs4();
+    const int kept = qMin(count, characters.size());
+    return QString::fromUcs4(characters.constData() + characters.size() - kept, kept);
+}
 
 int widthOf(const QString& text)
 {
     return text.toUcs4().size();
-}
-
-QString number(quint64 value)
-{
-    return QLocale(QLocale::English).toString(value);
 }
 
 QString blanks(int count)
@@ -28,17 +41,15 @@ QString blanks(int count)
     return QString(count, QLatin1Char(' '));
 }
 
-QString count(int value, const QString& noun)
+QString counted(int count, const QString& noun)
 {
-    return QStringLiteral("%1 %2%3").arg(value).arg(noun, value == 1 ? QString() : QStringLiteral("s"));
+    return QStringLiteral("%1 %2%3").arg(count).arg(noun, count == 1 ? QString() : QStringLiteral("s"));
 }
 
 QString sentenceOn(const ProofNote& note)
 {
-    const QString extent = QStringLiteral("%1, %2 situations, %3 steps")
-                               .arg(note.proof.environment.toText(), number(note.proof.situations),
-                                    number(note.proof.steps));
-    return note.proof.isComplete ? QStringLiteral("proved: %1; none announces it").arg(extent)
+    const QString extent = SearchWords::extentOf(note.proof);
+    return note.proof.isComplete ? QStringLiteral("proved: %1; no keys announce it").arg(extent)
                                  : QStringLiteral("not proved: the search ended after %1").arg(extent);
 }
 
@@ -59,19 +70,17 @@ QString nameOf(Level level)
 
 QString FindingText::describe(const Finding& finding) const
 {
-    const SourceFile& file = m_sources.file(finding.place.list);
-    const Position position = file.positionOf(finding.place.range.begin);
-    int lastLine = position.line;
+    int lastLine = lineOf(finding.place);
     for (const Place& place : finding.related) {
-        lastLine = qMax(lastLine, file.positionOf(place.range.begin).line);
+        lastLine = qMax(lastLine, lineOf(place));
     }
     const int margin = QString::number(lastLine).size();
-    QString text = heading(finding);
-    text += QStringLiteral("%1--> %2:%3:%4\n")
-                .arg(blanks(margin + 1), printable(file.name()))
-                .arg(position.line)
-                .arg(position.column);
-    text += excerpts(finding, margin);
+    QString text = heading(finding) + placesIn(finding.place.list, finding, margin);
+    for (const model::List list : model::allLists) {
+        const bool isIn = std::any_of(finding.related.begin(), finding.related.end(),
+                                      [list](const Place& place) { return place.list == list; });
+        text += isIn && list != finding.place.list ? placesIn(list, finding, margin) : QString();
+    }
     if (finding.proof) {
         text += QStringLiteral("%1= %2\n").arg(blanks(margin + 2), sentenceOn(*finding.proof));
     }
@@ -89,43 +98,62 @@ QString FindingText::heading(const Finding& finding) const
     return QStringLiteral("%1: %2\n").arg(shown, printable(finding.message));
 }
 
-QString FindingText::excerpts(const Finding& finding, int margin) const
+int FindingText::lineOf(const Place& place) const
 {
-    const SourceFile& file = m_sources.file(finding.place.list);
-    QVector<QPair<Place, QChar>> places{{finding.place, QLatin1Char('^')}};
-    for (const Place& place : finding.related) {
-        places.append({place, QLatin1Char('-')});
+    return m_sources.file(place.list).position(place.range.begin).line;
+}
+
+/// The name of the file, with the position of the first of its places, and excerpts of all of them.
+QString FindingText::placesIn(model::List list, const Finding& finding, int margin) const
+{
+    QVector<QPair<Place, QChar>> places;
+    if (finding.place.list == list) {
+        places.append({finding.place, QLatin1Char('^')});
     }
+    for (const Place& place : finding.related) {
+        if (place.list == list) {
+            places.append({place, QLatin1Char('-')});
+        }
+    }
+    const SourceFile& file = m_sources.file(list);
+    const Position position = file.position(places.first().first.range.begin);
+    QString text = QStringLiteral("%1%2 %3:%4:%5\n%6|\n")
+                       .arg(blanks(margin + 1),
+                            finding.place.list == list ? QStringLiteral("-->") : QStringLiteral(":::"),
+                            printable(file.name()), QString::number(position.line),
+                            QString::number(position.column), blanks(margin + 2));
     std::stable_sort(places.begin(), places.end(),
                      [](const auto& a, const auto& b) { return a.first.range.begin < b.first.range.begin; });
-    QString text = QStringLiteral("%1|\n").arg(blanks(margin + 2));
     int shownLine = 0;
     for (const auto& [place, mark] : qAsConst(places)) {
-        const int line = file.positionOf(place.range.begin).line;
-        if (shownLine != 0 && line > shownLine + 1) {
-            text += QStringLiteral("%1...\n").arg(blanks(margin + 2));
-        }
+        const int line = lineOf(place);
+        text += shownLine != 0 && line > shownLine + 1 ? blanks(margin + 2) + ellipsis + QLatin1Char('\n')
+                                                       : QString();
         shownLine = line;
         text += excerpt(place, mark, margin);
     }
     return text;
 }
 
-/// The line of the place, from where the place is shown, with marks below.
+/// The line of the place, from shortly before the place, with marks below.
 QString FindingText::excerpt(const Place& place, QChar mark, int margin) const
 {
     const SourceFile& file = m_sources.file(place.list);
-    const Position position = file.positionOf(place.range.begin);
-    const QString line = file.line(position.line);
-    const QString marked = file.textOf(place.range).section(QLatin1Char('\n'), 0, 0).remove(QLatin1Char('\r'));
-    const QString before = QString::fromUcs4(line.toUcs4().constData(), position.column - 1);
-    constexpr int maxBefore = 40;
-    const bool isCut = widthOf(printable(before)) > maxBefore && widthOf(printable(line)) > maxWidth;
-    const QString lead = isCut ? QStringLiteral("...") + printable(before).right(maxBefore) : printable(before);
-    const QString shown = lead + printable(line.mid(before.size()));
-    const int marks = qBound(1, widthOf(printable(marked)), maxWidth - widthOf(lead) + 3);
-    const QString cutLine = widthOf(shown) > maxWidth ? shown.left(maxWidth - 3) + QStringLiteral("...") : shown;
-    QString text = QStringLiteral(" %1 | %2\n").arg(position.line, margin).arg(cutLine);
+    const Range line = file.lineAround(place.range.begin);
+    const int at = qBound(line.begin, place.range.begin, line.end);
+    const int begin = qMax(line.begin, at - maxBytes);
+    const QString before = printable(file.textOf({begin, at}));
+    const QString after = printable(file.textOf({at, qMin(line.end, at + maxBytes)}));
+    const bool isCut =
+        begin > line.begin || (widthOf(before) > maxBefore && widthOf(before + after) > maxWidth);
+    const QString lead = isCut ? ellipsis + right(before, maxBefore) : before;
+    const QString shown = lead + after;
+    const QString marked =
+        printable(file.textOf({at, qBound(at, place.range.end, qMin(line.end, at + maxBytes))}));
+    const int marks = qBound(1, widthOf(marked), qMax(1, maxWidth - widthOf(lead)));
+    QString text = QStringLiteral(" %1 | ").arg(lineOf(place), margin);
+    text += (widthOf(shown) > maxWidth ? left(shown, maxWidth - ellipsis.size()) + ellipsis : shown) +
+            QLatin1Char('\n');
     text += QStringLiteral("%1| %2%3").arg(blanks(margin + 2), blanks(widthOf(lead)), QString(marks, mark));
     const QString remark = place.remark.isEmpty() ? QString() : QLatin1Char(' ') + printable(place.remark);
     return text + remark + QLatin1Char('\n');
@@ -134,16 +162,24 @@ QString FindingText::excerpt(const Place& place, QChar mark, int margin) const
 QString FindingText::summary(const CheckResult& result) const
 {
     const auto countOf = [&](Level level) {
-        return static_cast<int>(std::count_if(result.findings.begin(), result.findings.end(),
-                                              [level](const Finding& finding) { return finding.level == level; }));
+        return static_cast<int>(
+            std::count_if(result.findings.begin(), result.findings.end(),
+                          [level](const Finding& finding) { return finding.level == level; }));
     };
-    const int rows = m_sources.lists(false).ids().size();
-    return QStringLiteral("%1: %2, %3, %4. %5 by a search of %6 situations in %7 steps.\n")
-        .arg(count(rows, QStringLiteral("row")), count(countOf(Level::Error), QStringLiteral("error")),
-             count(countOf(Level::Warning), QStringLiteral("warning")),
-             count(countOf(Level::Note), QStringLiteral("note")),
-             result.isProved ? QStringLiteral("Proved") : QStringLiteral("Not all is proved"),
-             number(result.situations), number(result.steps));
+    const QString extent =
+        QStringLiteral("a search of %1 situations in %2 steps")
+            .arg(SearchWords::grouped(result.situations), SearchWords::grouped(result.steps));
+    const QString rows = result.provedRows == result.rows
+                             ? QString()
+                             : QStringLiteral(" for ") + counted(result.provedRows, QStringLiteral("row"));
+    const QString proof = result.provedRows == 0 ? QStringLiteral("Nothing was proved")
+                          : result.isProved      ? QStringLiteral("Proved%1 by %2").arg(rows, extent)
+                                                 : QStringLiteral("Not all is proved by %1").arg(extent);
+    return QStringLiteral("%1: %2, %3, %4. %5.\n")
+        .arg(counted(result.rows, QStringLiteral("row")),
+             counted(countOf(Level::Error), QStringLiteral("error")),
+             counted(countOf(Level::Warning), QStringLiteral("warning")),
+             counted(countOf(Level::Note), QStringLiteral("note")), proof);
 }
 
 } // namespace checker

@@ -20,8 +20,9 @@ public:
 
 private:
     QString heading(const Finding& finding) const;
-    QString excerpts(const Finding& finding, int margin) const;
+    QString placesIn(model::List list, const Finding& finding, int margin) const;
     QString excerpt(const Place& place, QChar mark, int margin) const;
+    int lineOf(const Place& place) const;
 
     const ListSources& m_sources;
     bool m_hasColours;

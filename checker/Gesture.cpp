@@ -18,6 +18,8 @@ using model::Alphabet::keyOf;
 namespace {
 
 constexpr milliseconds movement{100};
+/// A list may have a row of thousands of keys.
+constexpr int maxPlayedKeys = 50;
 
 /// The keys that the recogniser of the list looks at.
 QVector<Key> keysOf(const KeyEntry& row, List list)
@@ -56,10 +58,11 @@ void together(model::Playback& playback, Key held, Key key)
 bool Gesture::isPossible(const KeyEntry& row)
 {
     const QStringList& names = row.keys();
-    return !names.isEmpty() && std::all_of(names.begin(), names.end(), [](const QString& name) {
-        const auto key = keyOf(name);
-        return key && *key != Key::None && isIdentified(*key);
-    });
+    return !names.isEmpty() && names.size() <= maxPlayedKeys &&
+           std::all_of(names.begin(), names.end(), [](const QString& name) {
+               const auto key = keyOf(name);
+               return key && *key != Key::None && isIdentified(*key);
+           });
 }
 
 model::Playback Gesture::play(const model::KeyModel& keyModel, RowId id, model::State state)
@@ -87,11 +90,11 @@ QString Gesture::toText(const model::KeyLists& lists, RowId id)
     case List::LongPresses:
         return QStringLiteral("holding %1").arg(row.firstKey());
     case List::Combinations:
-        return row.keys().join(QStringLiteral(", then "));
+        return QStringLiteral("tapping ") + row.keys().join(QStringLiteral(", then "));
     case List::Shortcuts:
         break;
     }
-    return QStringLiteral("%1 and %2 together").arg(row.firstKey(), row.lastKey());
+    return QStringLiteral("pressing %1 and %2 together").arg(row.firstKey(), row.lastKey());
 }
 
 } // namespace checker

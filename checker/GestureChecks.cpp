@@ -2,6 +2,8 @@
 #include "checker/GestureChecks.h"
 
 #include "checker/Gesture.h"
+#include "checker/OutputWords.h"
+#include "checker/RowStates.h"
 
 #include <QSet>
 
@@ -10,7 +12,6 @@
 namespace checker {
 
 using model::List;
-using model::Output;
 using model::PlayedStep;
 using model::RowId;
 using model::State;
@@ -38,15 +39,14 @@ private:
     const model::KeyModel& m_model;
     const RowPlaces& m_places;
     RowId m_id;
-    QStringList m_silentStates;
+    QVector<State> m_silentStates;
     QVector<RowId> m_others; // the rows that the gesture announces as well
     QVector<Finding> m_findings;
 };
 
-bool isPerceived(const PlayedStep& step)
+bool hasPerceived(const PlayedStep& step)
 {
-    return std::any_of(step.outputs.begin(), step.outputs.end(),
-                       [](const Output& output) { return output.kind != Output::Kind::Log; });
+    return std::any_of(step.outputs.begin(), step.outputs.end(), OutputWords::isPerceived);
 }
 
 QVector<Finding> GestureCheck::findings()
@@ -65,8 +65,8 @@ void GestureCheck::checkIn(State state)
 {
     const model::Playback playback = Gesture::play(m_model, m_id, state);
     const auto& steps = playback.steps();
-    if (std::none_of(steps.begin(), steps.end(), isPerceived)) {
-        m_silentStates.append(model::Alphabet::nameOf(state));
+    if (std::none_of(steps.begin(), steps.end(), hasPerceived)) {
+        m_silentStates.append(state);
     }
     QVector<RowId> announced;
     for (const PlayedStep& step : steps) {
@@ -92,8 +92,7 @@ void GestureCheck::addSilent()
         Finding finding;
         finding.id = QStringLiteral("silent");
         finding.message = QStringLiteral("in %1, %2 causes neither speech nor an action")
-                              .arg(m_silentStates.join(QStringLiteral(" and ")),
-                                   Gesture::toText(m_model.lists(), m_id));
+                              .arg(RowStates::toText(m_silentStates), Gesture::toText(m_model.lists(), m_id));
         finding.row = m_id;
         finding.place = m_places.whole(m_id);
         m_findings.append(finding);
@@ -106,8 +105,9 @@ void GestureCheck::addOthers()
         Finding finding;
         finding.id = QStringLiteral("also");
         finding.level = Level::Note;
-        finding.message = QStringLiteral("%1 announces \"%2\" as well")
-                              .arg(Gesture::toText(m_model.lists(), m_id), m_model.lists().row(other).eAction());
+        finding.message =
+            QStringLiteral("%1 announces \"%2\" as well")
+                .arg(Gesture::toText(m_model.lists(), m_id), m_model.lists().row(other).eAction());
         finding.row = m_id;
         finding.place = m_places.whole(m_id);
         finding.related.append(m_places.whole(other));
@@ -116,16 +116,25 @@ void GestureCheck::addOthers()
     }
 }
 
+/// Of several long presses with the same key, the last one decides.
+bool isHiddenLongPress(const model::KeyModel& keyModel, RowId id)
+{
+    const auto key = model::Alphabet::keyOf(keyModel.lists().row(id).firstKey());
+    return id.list == List::LongPresses && key && keyModel.rows().longPressOf(*key) != id.index;
+}
+
 } // namespace
 
-QVector<Finding> GestureChecks::of(const model::KeyLists& lists, const RowPlaces& places)
+QVector<Finding> GestureChecks::of(const model::KeyLists& lists, const RowPlaces& places,
+                                   const QVector<RowId>& ids)
 {
     const model::KeyModel keyModel(lists);
     QVector<Finding> findings;
     QSet<QString> played;
-    for (const RowId id : lists.ids()) {
+    for (const RowId id : ids) {
         const QString gesture = Gesture::toText(lists, id);
-        if (Gesture::isPossible(lists.row(id)) && !played.contains(gesture)) {
+        const bool isPlayed = isHiddenLongPress(keyModel, id) || played.contains(gesture);
+        if (Gesture::isPossible(lists.row(id)) && !isPlayed) {
             played.insert(gesture);
             findings += GestureCheck(keyModel, places, id).findings();
         }

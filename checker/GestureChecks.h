@@ -10,8 +10,8 @@ namespace checker {
 namespace GestureChecks {
 
 /// Gestures without speech and action in a state, and gestures that announce other rows as well.
-/// `lists` has the embosser model.
-QVector<Finding> of(const model::KeyLists& lists, const RowPlaces& places);
+/// `lists` has the embosser model. Only of the rows `ids`.
+QVector<Finding> of(const model::KeyLists& lists, const RowPlaces& places, const QVector<model::RowId>& ids);
 
 } // namespace GestureChecks
 

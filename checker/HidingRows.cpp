@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "checker/HidingRows.h"
 
+#include "checker/SearchWords.h"
+
 #include <algorithm>
 
 namespace checker {
 
-using model::Environment;
 using model::KeyLists;
-using model::Limits;
 using model::List;
 using model::RowId;
 using model::RowProofs;
@@ -15,6 +15,10 @@ using model::RowVerdict;
 using model::State;
 
 namespace {
+
+/// A row alone is proved in milliseconds, a whole list in up to a second.
+constexpr int maxProofs = 200;
+constexpr size_t maxMoves = 5;
 
 QList<KeyEntry>& rowsOf(KeyLists& lists, List list)
 {
@@ -32,67 +36,98 @@ QList<KeyEntry>& rowsOf(KeyLists& lists, List list)
 bool isAnnounced(const RowProofs& proofs, RowId id)
 {
     const auto& states = model::Alphabet::states();
-    return std::any_of(states.begin(), states.end(), [&](State state) {
-        return proofs.of(id, state).kind == RowVerdict::Kind::Announced;
-    });
+    return std::any_of(states.begin(), states.end(),
+                       [&](State state) { return proofs.of(id, state).kind == RowVerdict::Kind::Announced; });
 }
 
-/// The rows that the recogniser of the list may prefer.
-QVector<int> candidatesFor(const KeyLists& lists, RowId id)
+/// Whether the pair consists of the first key of the sequence and another of its keys.
+bool interrupts(const KeyEntry& pair, const KeyEntry& sequence)
 {
-    const QList<KeyEntry>& rows = lists.rows(id.list);
-    const KeyEntry& row = lists.row(id);
-    QVector<int> candidates;
-    for (int i = 0; i < rows.size(); ++i) {
-        const bool hasSameFirst = rows.at(i).firstKey() == row.firstKey();
-        const bool hasSameLast = rows.at(i).lastKey() == row.lastKey();
-        const bool isCandidate = id.list == List::LongPresses    ? hasSameFirst
-                                 : id.list == List::Combinations ? rows.at(i).isSequence()
-                                                                 : hasSameFirst && hasSameLast;
-        if (isCandidate && i != id.index) {
-            candidates.append(i);
-        }
-    }
-    return candidates;
+    return !pair.isSequence() && pair.firstKey() == sequence.firstKey() &&
+           sequence.keys().contains(pair.lastKey());
+}
+
+/// The index of a row when the row `taken` has been put at the end of `count` rows.
+int indexAfter(int index, int taken, int count)
+{
+    return index == taken ? count - 1 : index > taken ? index - 1 : index;
 }
 
 } // namespace
 
-QVector<RowId> HidingRows::of(const KeyLists& lists, RowId id, const Environment& environment, const Limits& limits)
+std::optional<RowId> HidingRows::hiding(RowId id)
 {
-    constexpr int maxTries = 3;
-    const QVector<int> candidates = candidatesFor(lists, id).mid(0, maxTries);
-    KeyLists rest = lists.only(id.list);
-    RowId moved = id;
-    QVector<RowId> removed;
-    for (const int index : candidates) {
-        const int shift = removed.size(); // the rows that are gone were ahead
-        rowsOf(rest, id.list).removeAt(index - shift);
-        moved.index -= index < id.index ? 1 : 0;
-        removed.append({id.list, index});
-        if (isAnnounced(RowProofs(rest, environment, limits), moved)) {
-            return removed;
-        }
-    }
-    return {};
+    const auto preferred = preferredTo(id);
+    return preferred && worksAlone(id) ? preferred : std::nullopt;
 }
 
-bool HidingRows::isMovable(const KeyLists& lists, RowId hiding, RowId id, const RowProofs& proofs,
-                           const Environment& environment, const Limits& limits)
+/// Of long presses with the same key, the last one counts. In the other lists, the first row that is
+/// preferred counts.
+std::optional<RowId> HidingRows::preferredTo(RowId id) const
 {
-    KeyLists changed = lists.only(hiding.list);
-    QList<KeyEntry>& rows = rowsOf(changed, hiding.list);
-    rows.move(hiding.index, rows.size() - 1);
-    const RowProofs after(changed, environment, limits);
-    for (int i = 0; i < rows.size(); ++i) {
-        const int index = i == hiding.index ? rows.size() - 1 : i > hiding.index ? i - 1 : i;
-        const RowId before{hiding.list, i};
-        const bool mustWork = isAnnounced(proofs, before) || before == id;
-        if (mustWork && !isAnnounced(after, {hiding.list, index})) {
-            return false;
+    const QList<KeyEntry>& rows = m_lists.rows(id.list);
+    const KeyEntry& row = m_lists.row(id);
+    const bool isLongPress = id.list == List::LongPresses;
+    const auto isPreferred = [&](const KeyEntry& other) {
+        switch (id.list) {
+        case List::LongPresses:
+            return other.firstKey() == row.firstKey();
+        case List::Combinations:
+            return other.isSequence() || (row.isSequence() && interrupts(other, row));
+        case List::Shortcuts:
+            break;
+        }
+        return other.firstKey() == row.firstKey() && other.lastKey() == row.lastKey();
+    };
+    for (int i = isLongPress ? rows.size() - 1 : 0; i != id.index; i += isLongPress ? -1 : 1) {
+        if (isPreferred(rows.at(i))) {
+            return RowId{id.list, i};
         }
     }
-    return true;
+    return std::nullopt;
+}
+
+bool HidingRows::worksAlone(RowId id)
+{
+    const KeyEntry& row = m_lists.row(id);
+    const QStringList key = QStringList{KeyLists::sectionOf(id.list), row.validOnState()} + row.keys();
+    const auto known = m_works.constFind(key);
+    m_isExhausted = m_isExhausted || (known == m_works.cend() && m_works.size() >= maxProofs);
+    if (known != m_works.cend() || m_isExhausted) {
+        return known != m_works.cend() && *known;
+    }
+    KeyLists alone;
+    alone.isOrvane = m_lists.isOrvane;
+    rowsOf(alone, id.list).append(row);
+    const bool works = isAnnounced(RowProofs(alone, m_environment, searchLimits), {id.list, 0});
+    m_works.insert(key, works);
+    return works;
+}
+
+bool HidingRows::isMovable(RowId hiding, RowId id)
+{
+    auto move = m_moves.find(hiding);
+    if (move == m_moves.end()) {
+        if (m_moves.size() >= maxMoves) {
+            return false;
+        }
+        move = m_moves.emplace(hiding, moved(hiding)).first;
+    }
+    const int index = indexAfter(id.index, hiding.index, m_lists.rows(id.list).size());
+    return !move->second.losesRows && isAnnounced(move->second.proofs, {id.list, index});
+}
+
+HidingRows::Move HidingRows::moved(RowId hiding) const
+{
+    KeyLists changed = m_lists.only(hiding.list);
+    QList<KeyEntry>& rows = rowsOf(changed, hiding.list);
+    rows.move(hiding.index, rows.size() - 1);
+    Move move{RowProofs(changed, m_environment, searchLimits)};
+    for (int i = 0; i < rows.size(); ++i) {
+        const RowId after{hiding.list, indexAfter(i, hiding.index, rows.size())};
+        move.losesRows |= isAnnounced(m_proofs, {hiding.list, i}) && !isAnnounced(move.proofs, after);
+    }
+    return move;
 }
 
 } // namespace checker

@@ -5,11 +5,11 @@
 #include "checker/BuiltInActions.h"
 #include "checker/OutputWords.h"
 #include "checker/Printable.h"
+#include "checker/RowStates.h"
 #include "checker/RunWords.h"
+#include "checker/SearchWords.h"
 #include "checker/Times.h"
 #include "model/Witness.h"
-
-#include <QLocale>
 
 #include <algorithm>
 
@@ -20,35 +20,13 @@ namespace checker {
 namespace {
 
 const QString comment = QStringLiteral("# ");
-/// A search of the largest lists that the daemon reads takes some seconds.
-constexpr Limits limits{1'000'000, 50'000'000};
-
-QString grouped(quint64 number)
-{
-    return QLocale(QLocale::English).toString(number);
-}
-
-QString extentOf(const Proof& proof)
-{
-    return QStringLiteral("%1; %2 situations, %3 steps")
-        .arg(proof.environment.toText(), grouped(proof.situations), grouped(proof.steps));
-}
-
-QString namesOf(const QVector<State>& states)
-{
-    QStringList names;
-    for (const State state : states) {
-        names.append(Alphabet::nameOf(state));
-    }
-    return OutputWords::enumeration(names);
-}
 
 /// Writes the paragraphs of an answer.
-class Writer
+class HowWriter
 {
 public:
-    Writer(const KeyLists& lists, const PlaceOf& placeOf, const std::optional<ScriptRows>& rows,
-           HowAnswer& answer)
+    HowWriter(const KeyLists& lists, const PlaceOf& placeOf, const std::optional<ScriptRows>& rows,
+              HowAnswer& answer)
         : m_model(lists), m_placeOf(placeOf), m_rows(rows), m_answer(answer)
     {}
 
@@ -71,7 +49,7 @@ private:
     HowAnswer& m_answer;
 };
 
-void Writer::write(const QVector<ActionWay>& ways)
+void HowWriter::write(const QVector<ActionWay>& ways)
 {
     const RowId row = ways.first().row;
     const KeyEntry& entry = m_model.lists().row(row);
@@ -91,7 +69,7 @@ void Writer::write(const QVector<ActionWay>& ways)
     writeAnnounced(announced);
 }
 
-void Writer::writeBuiltIn(const QString& action, const QVector<State>& states)
+void HowWriter::writeBuiltIn(const QString& action, const QVector<State>& states)
 {
     for (const State state : states) {
         m_answer.paragraphs.append(QStringList());
@@ -114,7 +92,7 @@ void Writer::writeBuiltIn(const QString& action, const QVector<State>& states)
     }
 }
 
-QString Writer::wordsOf(const Run& run, const Environment& environment, State state) const
+QString HowWriter::wordsOf(const Run& run, const Environment& environment, State state) const
 {
     const QString words = RunWords::of(m_model, environment, run);
     return run.start == state ? words
@@ -122,7 +100,7 @@ QString Writer::wordsOf(const Run& run, const Environment& environment, State st
 }
 
 /// States with the same way share a script.
-void Writer::writeAnnounced(const QVector<ActionWay>& ways)
+void HowWriter::writeAnnounced(const QVector<ActionWay>& ways)
 {
     QStringList allWords;
     QVector<QVector<State>> states;
@@ -142,23 +120,23 @@ void Writer::writeAnnounced(const QVector<ActionWay>& ways)
         if (i > 0) {
             m_answer.paragraphs.append(QStringList());
         }
-        add(QStringLiteral("In ") + namesOf(states.at(i)) + QStringLiteral(": ") + allWords.at(i));
+        add(QStringLiteral("In ") + RowStates::toText(states.at(i)) + QStringLiteral(": ") + allWords.at(i));
         const RowVerdict& verdict = firstWays.at(i).verdict;
         writeScript(Witness::play(m_model, verdict.proof.environment, verdict.witness));
     }
 }
 
-void Writer::writeOther(const ActionWay& way)
+void HowWriter::writeOther(const ActionWay& way)
 {
     const QString where =
         way.state ? QStringLiteral("in ") + Alphabet::nameOf(*way.state) : QStringLiteral("in any state");
     if (way.verdict.kind == RowVerdict::Kind::NotProved) {
         add(QStringLiteral("Not proved %1: the search ended after %2.")
-                .arg(where, extentOf(way.verdict.proof)));
+                .arg(where, SearchWords::extentOf(way.verdict.proof)));
         return;
     }
     add(QStringLiteral("Never %1: no keys announce it (proved: %2).")
-            .arg(where, extentOf(way.verdict.proof)));
+            .arg(where, SearchWords::extentOf(way.verdict.proof)));
     if (way.row.index >= 0) {
         const QStringList states = m_model.lists().statesOf(way.row);
         const bool isNamed = way.state && states.contains(Alphabet::nameOf(*way.state));
@@ -174,7 +152,7 @@ void Writer::writeOther(const ActionWay& way)
 }
 
 /// A group is of keys that are tapped, or of the one key that is held.
-void Writer::writeGroups(const std::vector<BuiltInActions::Group>& groups)
+void HowWriter::writeGroups(const std::vector<BuiltInActions::Group>& groups)
 {
     for (const BuiltInActions::Group& group : groups) {
         const bool isHeld = group.playback.steps().last().input.kind == Input::Kind::FactoryResetTime;
@@ -187,7 +165,7 @@ void Writer::writeGroups(const std::vector<BuiltInActions::Group>& groups)
     }
 }
 
-void Writer::writeScript(const Playback& playback)
+void HowWriter::writeScript(const Playback& playback)
 {
     QStringList lines =
         Witness::toScript(playback, m_model.lists()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
@@ -207,7 +185,7 @@ void Writer::writeScript(const Playback& playback)
     m_answer.paragraphs.last() += lines;
 }
 
-void Writer::note(const RowVerdict& verdict)
+void HowWriter::note(const RowVerdict& verdict)
 {
     m_answer.isAnnounced = m_answer.isAnnounced || verdict.kind == RowVerdict::Kind::Announced;
     m_answer.isProved = m_answer.isProved && verdict.kind != RowVerdict::Kind::NotProved;
@@ -220,8 +198,8 @@ HowAnswer HowAnswer::of(const QString& action, const KeyLists& lists, std::optio
 {
     HowAnswer answer;
     answer.isKnown = actionsOf(lists).contains(action);
-    Writer writer(lists, placeOf, rows, answer);
-    ActionSearch search(lists, limits);
+    HowWriter writer(lists, placeOf, rows, answer);
+    ActionSearch search(lists, searchLimits);
     const QVector<ActionWay> ways = search.waysTo(action, state);
     for (int begin = 0; begin < ways.size();) {
         const auto isOther = [&](const ActionWay& way) { return !(way.row == ways.at(begin).row); };

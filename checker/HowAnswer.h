@@ -3,6 +3,7 @@
 
 #include "checker/PlaceOf.h"
 #include "checker/ScriptRows.h"
+#include "model/Alphabet.h"
 #include "model/KeyLists.h"
 
 #include <optional>

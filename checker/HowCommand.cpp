@@ -53,7 +53,8 @@ Status Commands::how(const QStringList& arguments, QTextStream& out, QTextStream
         err << printable(sources.fault) << '\n';
         return Unusable;
     }
-    for (const QString& note : sources.notes) {
+    const QStringList remarks = sources.remarks();
+    for (const QString& note : remarks) {
         err << "note: " << printable(note) << '\n';
     }
     const auto rows = line.paths().isEmpty() ? std::nullopt : std::optional(ScriptRows::of(sources));

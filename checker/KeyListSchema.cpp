@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "checker/KeyListSchema.h"
 
+#include "checker/RowNames.h"
 #include "keys/KeyListFile.h"
 #include "keys/KeyRules.h"
 #include "model/KeyLists.h"
@@ -61,18 +62,10 @@ QJsonObject oneOf(const QStringList& names)
     return {{QStringLiteral("enum"), QJsonArray::fromStringList(names)}};
 }
 
-/// The names that a row can mean; "Unknown" is the key that means "no key".
-QStringList namesOf(const QMap<QString, int>& meta)
-{
-    QStringList names = meta.keys();
-    names.removeOne(ls::KeyId::Unknown);
-    return names;
-}
-
 QJsonObject keysOf(const ListDescription& list)
 {
     QJsonObject schema = typed("array");
-    schema.insert(QStringLiteral("items"), oneOf(namesOf(ls::KeyId::meta)));
+    schema.insert(QStringLiteral("items"), oneOf(RowNames::of(ls::KeyId::meta)));
     schema.insert(QStringLiteral("minItems"), 1);
     if (list.maxKeys > 0) {
         schema.insert(QStringLiteral("maxItems"), list.maxKeys);
@@ -83,14 +76,14 @@ QJsonObject keysOf(const ListDescription& list)
 /// One state, or several that are joined, with blanks only around the latter.
 QJsonObject joinedStates()
 {
-    const QString state = QStringLiteral("(%1)").arg(namesOf(ls::StateId::meta).join(QLatin1Char('|')));
+    const QString state = QStringLiteral("(%1)").arg(RowNames::of(ls::StateId::meta).join(QLatin1Char('|')));
     const QString joined =
         QStringLiteral("\\s*%1\\s*(\\%2\\s*%1\\s*)+").arg(state).arg(KeyRules::stateSeparator);
     QJsonObject schema = typed("string");
     schema.insert(QStringLiteral("pattern"), QStringLiteral("^(%1|%2)$").arg(state, joined));
     return described(
         schema, QStringLiteral("The states in which the action is announced, joined with a vertical bar: %1")
-                    .arg(namesOf(ls::StateId::meta).join(QStringLiteral(", "))));
+                    .arg(RowNames::of(ls::StateId::meta).join(QStringLiteral(", "))));
 }
 
 QJsonObject timeout()
@@ -109,10 +102,10 @@ QJsonObject rowOf(const ListDescription& list)
         {KeyListFields::keys, keysOf(list)},
         {KeyListFields::eAction, described(typed("string"), QStringLiteral("The action to announce"))},
         {KeyListFields::receiverService,
-         described(oneOf(namesOf(ls::ServiceId::meta)), QStringLiteral("The service that is to act"))},
+         described(oneOf(RowNames::of(ls::ServiceId::meta)), QStringLiteral("The service that is to act"))},
         {KeyListFields::validOnState,
          isTimed ? joinedStates()
-                 : described(oneOf(namesOf(ls::StateId::meta)),
+                 : described(oneOf(RowNames::of(ls::StateId::meta)),
                              QStringLiteral("The state in which the action is announced"))},
     };
     if (isTimed) {

@@ -9,6 +9,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <optional>
+
 namespace checker {
 
 using model::KeyLists;
@@ -18,16 +20,22 @@ namespace {
 
 const QString standardInput = QStringLiteral("-");
 
+QString nameOf(const QString& path)
+{
+    return path == standardInput ? QStringLiteral("standard input") : path;
+}
+
 /// Reads one byte more than the daemon would, so that a file over its limit is recognised.
 bool read(const QString& path, QByteArray& text, QString& fault)
 {
     QFile file(path);
-    const bool isOpen = path == standardInput ? file.open(0, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
+    const bool isOpen =
+        path == standardInput ? file.open(0, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
     if (isOpen) {
         text = file.read(KeyListFile::maxSize + 1);
     }
     if (!isOpen || file.error() != QFileDevice::NoError) {
-        fault = QStringLiteral("%1 cannot be read: %2.").arg(path, file.errorString());
+        fault = QStringLiteral("%1 cannot be read: %2.").arg(nameOf(path), file.errorString());
         return false;
     }
     return true;
@@ -54,10 +62,9 @@ void add(ListSources& sources, List list, const QString& path, const QByteArray&
 {
     if (sources.found.contains(list)) {
         sources.fault = QStringLiteral("%1 and %2 are both lists of %3.")
-                            .arg(sources.file(list).name(), path, KeyLists::sectionOf(list));
+                            .arg(sources.file(list).name(), nameOf(path), KeyLists::sectionOf(list));
     }
-    const QString name = path == standardInput ? QStringLiteral("standard input") : path;
-    sources.files[static_cast<size_t>(list)] = SourceFile(name, text);
+    sources.files[static_cast<size_t>(list)] = SourceFile(nameOf(path), text);
     sources.found.append(list);
 }
 
@@ -72,10 +79,31 @@ void readFolder(ListSources& sources, const QString& folder)
         }
     }
     if (sources.found.isEmpty() && sources.fault.isEmpty()) {
-        sources.fault = QStringLiteral("%1 has none of the files %2, %3 and %4.")
+        sources.fault = QStringLiteral("%1 has no %2, %3 or %4.")
                             .arg(folder, KeyLists::fileOf(List::LongPresses),
                                  KeyLists::fileOf(List::Combinations), KeyLists::fileOf(List::Shortcuts));
     }
+}
+
+/// Why the sections of a text are not known.
+QString faultOf(const QByteArray& text)
+{
+    if (text.size() > KeyListFile::maxSize) {
+        return QStringLiteral("is over the limit of %1 bytes").arg(KeyListFile::maxSize);
+    }
+    if (text.trimmed().isEmpty()) {
+        return QStringLiteral("is empty");
+    }
+    QJsonParseError error{};
+    QJsonDocument::fromJson(text, &error);
+    if (error.error != QJsonParseError::NoError) {
+        const Position position = SourceFile({}, text).position(error.offset);
+        return QStringLiteral("is not JSON (line %1, column %2: %3)")
+            .arg(QString::number(position.line), QString::number(position.column), error.errorString());
+    }
+    return QStringLiteral("has no list %1, %2 or %3")
+        .arg(KeyLists::sectionOf(List::LongPresses), KeyLists::sectionOf(List::Combinations),
+             KeyLists::sectionOf(List::Shortcuts));
 }
 
 void readFile(ListSources& sources, const QString& path)
@@ -87,9 +115,8 @@ void readFile(ListSources& sources, const QString& path)
     if (const auto list = listOf(path, text)) {
         add(sources, *list, path, text);
     } else {
-        sources.fault = QStringLiteral("%1 has none of the sections %2, %3 and %4, nor the name of a key list.")
-                            .arg(path, KeyLists::sectionOf(List::LongPresses),
-                                 KeyLists::sectionOf(List::Combinations), KeyLists::sectionOf(List::Shortcuts));
+        sources.fault =
+            QStringLiteral("%1 %2, and its name is not that of a key list.").arg(nameOf(path), faultOf(text));
     }
 }
 
@@ -119,6 +146,20 @@ ListSources ListSources::read(const QStringList& paths)
         }
     }
     return sources;
+}
+
+QStringList ListSources::remarks() const
+{
+    QStringList all = notes;
+    const QVector<List> unreadable = lists(false).unreadable;
+    for (const List list : found) {
+        if (unreadable.contains(list)) {
+            all << QStringLiteral("%1 has no readable list %2, which counts as empty; keyboard-handler-keys "
+                                  "check says why.")
+                       .arg(file(list).name(), KeyLists::sectionOf(list));
+        }
+    }
+    return all;
 }
 
 KeyLists ListSources::lists(bool isOrvane) const

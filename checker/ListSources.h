@@ -22,11 +22,13 @@ struct ListSources
     /// Why nothing could be read; empty on success.
     QString fault;
 
-    /// Reads the key lists in a folder, or single files, which are recognised by their sections; "-" is standard
-    /// input. Without `paths`, reads the current folder.
+    /// Reads the key lists in a folder, or single files, which are recognised by their sections; "-" is
+    /// standard input. Without `paths`, reads the current folder.
     static ListSources read(const QStringList& paths);
 
     const SourceFile& file(model::List list) const { return files[static_cast<size_t>(list)]; }
+    /// The notes, and which of the files have no readable list, for commands that do not check them.
+    QStringList remarks() const;
     /// The rows, as the daemon's loader returns them.
     model::KeyLists lists(bool isOrvane) const;
 };

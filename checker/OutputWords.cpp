@@ -13,7 +13,7 @@ namespace {
 using libtranslation::Sid::EmbosserCore;
 
 /// The key whose name a sentence speaks; empty for other sentences.
-QString keyOf(const QString& sentence)
+QString keySpokenBy(const QString& sentence)
 {
     const auto core = [](EmbosserCore number) {
         return QStringLiteral("EmbosserCore %1").arg(static_cast<int>(number));
@@ -33,7 +33,7 @@ QString keyOf(const QString& sentence)
 QString speech(const model::Output& output)
 {
     const QString sentence = QStringLiteral("%1 %2").arg(output.text, QString::number(output.sentence));
-    const QString key = keyOf(sentence);
+    const QString key = keySpokenBy(sentence);
     if (!key.isEmpty()) {
         return QStringLiteral("speaks \"%1\"").arg(key);
     }

@@ -9,7 +9,7 @@ PlaceOf PlacesOf::rowsIn(const ListSources& sources)
 {
     return [sources, places = RowPlaces(sources)](model::RowId row) {
         const SourceFile& file = sources.file(row.list);
-        const int line = file.positionOf(places.row(row).range.begin).line;
+        const int line = file.position(places.row(row).range.begin).line;
         return file.name() + QLatin1Char(':') + QString::number(line);
     };
 }

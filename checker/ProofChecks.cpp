@@ -2,11 +2,12 @@
 #include "checker/ProofChecks.h"
 
 #include "checker/HidingRows.h"
+#include "checker/RowStates.h"
 #include "keys/KeyListFile.h"
 #include "model/KeyFacts.h"
 #include "model/RowProofs.h"
 
-#include <algorithm>
+#include <optional>
 
 namespace checker {
 
@@ -20,106 +21,101 @@ using model::State;
 
 namespace {
 
-/// A search of the largest lists that the daemon reads takes some seconds.
-constexpr model::Limits limits{1'000'000, 50'000'000};
-/// The search for the rows that hide a row takes some more proofs.
-constexpr int maxExplained = 50;
-
-/// A person in front of the device, while the state stays as it is.
+/// A person in front of the device, while the state stays as it is and the keyboard test does not run.
 Environment personOf(int fingers)
 {
     Environment environment;
     environment.kind = Environment::Kind::Person;
     environment.fingers = fingers;
     environment.stateChanges = false;
+    environment.keyboardTest = false;
     return environment;
 }
 
-/// Keys in any order, and changes of the state between them.
+/// Keys in any order, changes of the state between them, and the keyboard test.
 Environment anyInput()
 {
     return {};
 }
 
-QString namesOf(const QVector<State>& states)
-{
-    QStringList names;
-    for (const State state : states) {
-        names.append(model::Alphabet::nameOf(state));
-    }
-    return names.join(QStringLiteral(" and "));
-}
-
 /// The searches for all rows.
 struct Proofs
 {
-    Proofs(const KeyLists& lists, int fingers)
-        : person(lists, personOf(fingers), limits)
-        , pair(lists, personOf(qMax(fingers, 2)), limits)
-        , any(lists, anyInput(), limits)
-    {}
+    Proofs(const KeyLists& lists, int fingers, const model::Limits& limits)
+        : person(lists, personOf(fingers), limits), any(lists, anyInput(), limits)
+    {
+        if (fingers < maxNeeded) {
+            more.emplace(lists, personOf(maxNeeded), limits);
+        }
+    }
 
+    /// A person with as many fingers as any gesture needs.
+    const RowProofs& skilled() const { return more ? *more : person; }
+
+    /// No gesture needs more fingers.
+    static constexpr int maxNeeded = 2;
     RowProofs person;
-    /// No gesture takes more than two fingers.
-    RowProofs pair;
+    std::optional<RowProofs> more;
     RowProofs any;
+};
+
+/// States for which the same is proved.
+struct ProvedStates
+{
+    QVector<State> states;
+    /// Of the last of them.
+    model::Proof proof;
+
+    void add(State state, const RowVerdict& verdict)
+    {
+        states.append(state);
+        proof = verdict.proof;
+    }
+    bool isEmpty() const { return states.isEmpty(); }
 };
 
 /// The states of one row, by what is proved.
 struct RowVerdicts
 {
-    QVector<State> announced;
+    ProvedStates announced;
     /// No input announces the row.
-    QVector<State> never;
-    /// Only if the state changes between the keys.
-    QVector<State> changing;
+    ProvedStates never;
+    /// Only if the state changes between the keys, or in the keyboard test.
+    ProvedStates changing;
     /// Only with more fingers.
-    QVector<State> notByPerson;
-    QVector<State> notProved;
-    /// Of the last state that is not announced.
-    model::Proof proof;
-
-    int count() const
-    {
-        return announced.size() + never.size() + changing.size() + notByPerson.size() + notProved.size();
-    }
+    ProvedStates notByPerson;
+    ProvedStates notProved;
 };
 
 void judge(const Proofs& proofs, RowId id, State state, RowVerdicts& verdicts)
 {
     using Kind = RowVerdict::Kind;
     const RowVerdict& person = proofs.person.of(id, state);
-    const RowVerdict& pair = proofs.pair.of(id, state);
+    const RowVerdict& skilled = proofs.skilled().of(id, state);
     const RowVerdict& any = proofs.any.of(id, state);
     if (person.kind == Kind::Announced) {
-        verdicts.announced.append(state);
-    } else if (person.kind == Kind::NotProved) {
-        verdicts.notProved.append(state);
-        verdicts.proof = person.proof;
-    } else if (pair.kind == Kind::Announced) {
-        verdicts.notByPerson.append(state);
-        verdicts.proof = person.proof;
+        verdicts.announced.add(state, person);
     } else if (any.kind == Kind::Never) {
-        verdicts.never.append(state);
-        verdicts.proof = any.proof;
-    } else if (any.kind == Kind::Announced) {
-        verdicts.changing.append(state);
-        verdicts.proof = pair.proof;
+        verdicts.never.add(state, any);
+    } else if (person.kind == Kind::NotProved) {
+        verdicts.notProved.add(state, person);
+    } else if (skilled.kind == Kind::Announced) {
+        verdicts.notByPerson.add(state, person);
+    } else if (skilled.kind == Kind::NotProved || any.kind == Kind::NotProved) {
+        verdicts.notProved.add(state, skilled.kind == Kind::NotProved ? skilled : any);
+    } else if (skilled.proof.environment.kind == Environment::Kind::Person) {
+        verdicts.notByPerson.add(state, person); // other input in the same state announces the row
     } else {
-        verdicts.notProved.append(state);
-        verdicts.proof = any.proof;
+        verdicts.changing.add(state, skilled);
     }
 }
 
 RowVerdicts verdictsOn(const KeyLists& lists, const Proofs& proofs, RowId id)
 {
     RowVerdicts verdicts;
-    QStringList names = lists.statesOf(id);
-    names.removeDuplicates();
-    for (const QString& name : qAsConst(names)) {
-        if (const auto state = model::Alphabet::stateOf(name)) {
-            judge(proofs, id, *state, verdicts);
-        }
+    const QVector<State> states = RowStates::of(lists, id);
+    for (const State state : states) {
+        judge(proofs, id, state, verdicts);
     }
     return verdicts;
 }
@@ -140,17 +136,22 @@ QString reasonFor(List list, State state)
 class RowCheck
 {
 public:
-    RowCheck(const KeyLists& lists, const RowPlaces& places, const Proofs& proofs, const CheckOptions& options,
-             CheckResult& result)
-        : m_lists(lists), m_places(places), m_proofs(proofs), m_options(options), m_result(result)
+    RowCheck(const KeyLists& lists, const RowPlaces& places, const Proofs& proofs,
+             const CheckOptions& options, CheckResult& result)
+        : m_lists(lists)
+        , m_places(places)
+        , m_proofs(proofs)
+        , m_options(options)
+        , m_result(result)
+        , m_hidingRows(lists, proofs.skilled(), personOf(qMax(options.fingers, Proofs::maxNeeded)))
     {}
 
     void check(RowId id);
 
 private:
-    void addNever(RowId id, const RowVerdicts& verdicts);
-    void addInState(RowId id, const RowVerdicts& verdicts);
-    void addChanging(RowId id, const RowVerdicts& verdicts);
+    void addNever(RowId id, const ProvedStates& never);
+    void addInState(RowId id, const ProvedStates& never);
+    void addChanging(RowId id, const ProvedStates& changing, Level level);
     Finding& add(RowId id, const char* name, Level level, const QString& message, const model::Proof& proof);
     QString action(RowId id) const { return m_lists.row(id).eAction(); }
 
@@ -159,7 +160,7 @@ private:
     const Proofs& m_proofs;
     const CheckOptions& m_options;
     CheckResult& m_result;
-    int m_explained = 0;
+    HidingRows m_hidingRows;
 };
 
 void RowCheck::check(RowId id)
@@ -169,16 +170,16 @@ void RowCheck::check(RowId id)
         m_result.isProved = false;
         add(id, "not-proved", Level::Warning,
             QStringLiteral("not proved: the search for \"%1\" in %2 ended at its limit")
-                .arg(action(id), namesOf(verdicts.notProved)),
-            verdicts.proof);
+                .arg(action(id), RowStates::toText(verdicts.notProved.states)),
+            verdicts.notProved.proof);
     }
-    if (!verdicts.never.isEmpty() && verdicts.never.size() == verdicts.count()) {
-        addNever(id, verdicts);
+    if (!verdicts.never.isEmpty() && verdicts.never.states.size() == RowStates::of(m_lists, id).size()) {
+        addNever(id, verdicts.never);
     } else if (!verdicts.never.isEmpty()) {
-        addInState(id, verdicts);
+        addInState(id, verdicts.never);
     }
     if (!verdicts.changing.isEmpty()) {
-        addChanging(id, verdicts);
+        addChanging(id, verdicts.changing, verdicts.announced.isEmpty() ? Level::Error : Level::Warning);
     }
     if (!verdicts.notByPerson.isEmpty()) {
         add(id, "two-hands", Level::Warning,
@@ -186,12 +187,13 @@ void RowCheck::check(RowId id)
                 .arg(action(id),
                      m_options.fingers == 1 ? QStringLiteral("one finger")
                                             : QStringLiteral("%1 fingers").arg(m_options.fingers),
-                     namesOf(verdicts.notByPerson)),
-            verdicts.proof);
+                     RowStates::toText(verdicts.notByPerson.states)),
+            verdicts.notByPerson.proof);
     }
 }
 
-Finding& RowCheck::add(RowId id, const char* name, Level level, const QString& message, const model::Proof& proof)
+Finding& RowCheck::add(RowId id, const char* name, Level level, const QString& message,
+                       const model::Proof& proof)
 {
     Finding finding;
     finding.id = QString::fromLatin1(name);
@@ -204,54 +206,53 @@ Finding& RowCheck::add(RowId id, const char* name, Level level, const QString& m
     return m_result.findings.last();
 }
 
-void RowCheck::addNever(RowId id, const RowVerdicts& verdicts)
+void RowCheck::addNever(RowId id, const ProvedStates& never)
 {
-    const Environment person = personOf(qMax(m_options.fingers, 2));
-    const QVector<RowId> hiding =
-        ++m_explained > maxExplained ? QVector<RowId>() : HidingRows::of(m_lists, id, person, limits);
     const QString message = QStringLiteral("no keys announce \"%1\"").arg(action(id));
-    if (hiding.isEmpty()) {
-        Finding& finding = add(id, "never", Level::Error, message, verdicts.proof);
-        finding.place.remark = reasonFor(id.list, verdicts.never.first());
-        if (m_explained > maxExplained) {
-            finding.help = QStringLiteral("mend the other rows first: the cause was searched for only %1 rows")
-                               .arg(maxExplained);
+    const auto hiding = m_hidingRows.hiding(id);
+    if (!hiding) {
+        Finding& finding = add(id, "never", Level::Error, message, never.proof);
+        finding.place.remark = reasonFor(id.list, never.states.first());
+        if (m_hidingRows.isExhausted()) {
+            finding.help =
+                QStringLiteral("mend the other rows first: the search for causes has ended at its limit");
         }
         return;
     }
-    Finding& finding = add(id, "hidden", Level::Error, message, verdicts.proof);
-    for (const RowId row : hiding) {
-        finding.related.append(m_places.member(row, KeyListFields::keys));
-        finding.related.last().remark = QStringLiteral("row %1 hides row %2").arg(row.index + 1).arg(id.index + 1);
-    }
-    if (hiding.size() == 1 && HidingRows::isMovable(m_lists, hiding.first(), id, m_proofs.pair, person, limits)) {
+    Finding& finding = add(id, "hidden", Level::Error, message, never.proof);
+    finding.related.append(m_places.member(*hiding, KeyListFields::keys));
+    finding.related.last().remark =
+        QStringLiteral("row %1 hides row %2").arg(hiding->index + 1).arg(id.index + 1);
+    if (m_hidingRows.isMovable(*hiding, id)) {
         finding.help =
-            QStringLiteral("move row %1 to the end of the list: then row %2 works, and all that work now still do")
-                .arg(hiding.first().index + 1)
+            QStringLiteral(
+                "move row %1 to the end of the list: then row %2 works, and all that work now still do")
+                .arg(hiding->index + 1)
                 .arg(id.index + 1);
     }
 }
 
-void RowCheck::addInState(RowId id, const RowVerdicts& verdicts)
+void RowCheck::addInState(RowId id, const ProvedStates& never)
 {
-    Finding& finding = add(id, "never-in-state", Level::Warning,
-                           QStringLiteral("no keys announce \"%1\" in %2").arg(action(id), namesOf(verdicts.never)),
-                           verdicts.proof);
+    Finding& finding =
+        add(id, "never-in-state", Level::Warning,
+            QStringLiteral("no keys announce \"%1\" in %2").arg(action(id), RowStates::toText(never.states)),
+            never.proof);
     finding.place = m_places.member(id, KeyListFields::validOnState);
-    finding.place.remark = reasonFor(id.list, verdicts.never.first());
+    finding.place.remark = reasonFor(id.list, never.states.first());
 }
 
 /// A row that works only while the state changes is of no use: an error unless it works in another state.
-void RowCheck::addChanging(RowId id, const RowVerdicts& verdicts)
+void RowCheck::addChanging(RowId id, const ProvedStates& changing, Level level)
 {
-    const Level level = verdicts.announced.isEmpty() ? Level::Error : Level::Warning;
     Finding& finding =
         add(id, "state-change", level,
-            QStringLiteral("no keys announce \"%1\" in %2 unless the state changes between them")
-                .arg(action(id), namesOf(verdicts.changing)),
-            verdicts.proof);
+            QStringLiteral("no keys announce \"%1\" in %2 unless the state changes between them or "
+                           "the keyboard test runs")
+                .arg(action(id), RowStates::toText(changing.states)),
+            changing.proof);
     finding.place = m_places.member(id, KeyListFields::validOnState);
-    finding.place.remark = reasonFor(id.list, verdicts.changing.first());
+    finding.place.remark = reasonFor(id.list, changing.states.first());
 }
 
 void addExtent(const RowProofs& proofs, CheckResult& result)
@@ -262,34 +263,41 @@ void addExtent(const RowProofs& proofs, CheckResult& result)
     }
 }
 
-void checkPace(const KeyLists& lists, const RowPlaces& places, const QVector<RowId>& ids, const RowProofs& proofs,
-               const CheckOptions& options, CheckResult& result)
+/// The first state in which the row has a verdict of this kind.
+std::optional<State> stateWith(const RowProofs& proofs, RowId id, RowVerdict::Kind kind)
+{
+    for (const State state : model::Alphabet::states()) {
+        if (proofs.of(id, state).kind == kind) {
+            return state;
+        }
+    }
+    return std::nullopt;
+}
+
+void checkPace(const KeyLists& lists, const RowPlaces& places, const QVector<RowId>& ids,
+               const RowProofs& proofs, const CheckOptions& options, CheckResult& result)
 {
     Environment slow = personOf(options.fingers);
     slow.time = Environment::Time::Digital;
     slow.pace = options.pace;
-    const RowProofs slowProofs(lists, slow, limits);
+    const RowProofs slowProofs(lists, slow, options.limits);
     for (const RowId id : ids) {
-        const auto statesWith = [&](const RowProofs& searched, RowVerdict::Kind kind) {
-            const auto& states = model::Alphabet::states();
-            return std::count_if(states.begin(), states.end(),
-                                 [&](State state) { return searched.of(id, state).kind == kind; });
-        };
-        const bool mayWork = statesWith(slowProofs, RowVerdict::Kind::Announced) > 0;
-        const bool isUnknown = statesWith(slowProofs, RowVerdict::Kind::NotProved) > 0;
-        if (isUnknown && !mayWork) {
-            result.isProved = false;
-        } else if (!mayWork && statesWith(proofs, RowVerdict::Kind::Announced) > 0) {
-            Finding finding;
-            finding.id = QStringLiteral("pace");
-            finding.message = QStringLiteral("\"%1\" cannot be reached with %2 ms between two movements")
-                                  .arg(lists.row(id).eAction())
-                                  .arg(options.pace.count());
-            finding.row = id;
-            finding.place = places.member(id, KeyListFields::keys);
-            finding.proof = ProofNote{{}, slowProofs.of(id, State::Undefined).proof};
-            result.findings.append(finding);
+        const auto worksIn = stateWith(proofs, id, RowVerdict::Kind::Announced);
+        if (!worksIn || stateWith(slowProofs, id, RowVerdict::Kind::Announced)) {
+            continue;
         }
+        if (stateWith(slowProofs, id, RowVerdict::Kind::NotProved)) {
+            result.isProved = false;
+            continue;
+        }
+        Finding finding;
+        finding.id = QStringLiteral("pace");
+        finding.message = QStringLiteral("\"%1\" cannot be reached with %2 ms between two movements")
+                              .arg(lists.row(id).eAction(), QString::number(options.pace.count()));
+        finding.row = id;
+        finding.place = places.member(id, KeyListFields::keys);
+        finding.proof = ProofNote{{}, slowProofs.of(id, *worksIn).proof};
+        result.findings.append(finding);
     }
     addExtent(slowProofs, result);
 }
@@ -299,13 +307,15 @@ void checkPace(const KeyLists& lists, const RowPlaces& places, const QVector<Row
 void ProofChecks::run(const KeyLists& lists, const RowPlaces& places, const QVector<RowId>& ids,
                       const CheckOptions& options, CheckResult& result)
 {
-    const Proofs proofs(lists, options.fingers);
+    const Proofs proofs(lists, options.fingers, options.limits);
     RowCheck rowCheck(lists, places, proofs, options, result);
     for (const RowId id : ids) {
         rowCheck.check(id);
     }
-    for (const RowProofs* searched : {&proofs.person, &proofs.pair, &proofs.any}) {
-        addExtent(*searched, result);
+    addExtent(proofs.person, result);
+    addExtent(proofs.any, result);
+    if (proofs.more) {
+        addExtent(*proofs.more, result);
     }
     if (options.pace > std::chrono::milliseconds::zero()) {
         checkPace(lists, places, ids, proofs.person, options, result);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "checker/RowStates.h"
 
+#include "checker/OutputWords.h"
+
 namespace checker {
 
 QVector<model::State> RowStates::of(const model::KeyLists& lists, model::RowId row)
@@ -14,6 +16,15 @@ QVector<model::State> RowStates::of(const model::KeyLists& lists, model::RowId r
         }
     }
     return states;
+}
+
+QString RowStates::toText(const QVector<model::State>& states)
+{
+    QStringList names;
+    for (const model::State state : states) {
+        names.append(model::Alphabet::nameOf(state));
+    }
+    return OutputWords::enumeration(names);
 }
 
 } // namespace checker

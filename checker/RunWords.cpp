@@ -57,7 +57,7 @@ public:
 private:
     bool isMovement(int i, Input::Kind kind) const;
     void add();
-    void addPress();
+    void addKeyPress();
     void addPair();
     void noteWait(milliseconds until);
     /// The time of a movement; the end for the one after the last.
@@ -96,7 +96,7 @@ void Phrases::add()
     if (isPair) {
         addPair();
     } else if (isMovement(m_next, Input::Kind::Press)) {
-        addPress();
+        addKeyPress();
     } else {
         const Input input = m_moves.at(m_next).input;
         const bool isRelease = isMovement(m_next, Input::Kind::Release);
@@ -107,7 +107,7 @@ void Phrases::add()
 }
 
 /// A key that is released next, or not at all, is a phrase together with its release.
-void Phrases::addPress()
+void Phrases::addKeyPress()
 {
     const Input input = m_moves.at(m_next).input;
     const bool isLast = m_next + 1 == m_moves.size();

@@ -19,7 +19,7 @@ namespace {
 constexpr quint16 keyEventType = 1;
 
 /// All codes without an identifier are the same key.
-Key keyOf(quint16 code)
+Key keyOfCode(quint16 code)
 {
     const QString name = ls::KeyId::meta.key(code);
     return name.isEmpty() ? Alphabet::keys().last() : *Alphabet::keyOf(name);
@@ -132,7 +132,7 @@ void ScriptPlayback::take(const RawRecord& record, int device)
 {
     const auto kind = kindOf(record.value);
     if (record.type == keyEventType && kind) {
-        m_playback.take(Input::of(*kind, keyOf(record.code), device));
+        m_playback.take(Input::of(*kind, keyOfCode(record.code), device));
     }
 }
 

@@ -32,18 +32,21 @@ public:
     const QString& name() const { return m_name; }
     const QByteArray& text() const { return m_text; }
     /// The place of a byte; an offset after the end counts as the end.
-    Position positionOf(int offset) const;
-    /// A line without its end; `line` counts from 1. Invalid UTF-8 is replaced.
-    QString line(int line) const;
-    /// The bytes of a range, decoded.
+    Position position(int offset) const;
+    /// The line with a byte, without its end.
+    Range lineAround(int offset) const;
+    /// The bytes of a range, decoded. Invalid UTF-8 is replaced.
     QString textOf(Range range) const;
 
 private:
     int lineIndexOf(int offset) const;
+    int charactersBefore(int offset) const;
 
     QString m_name;
     QByteArray m_text;
     QVector<int> m_lineStarts;
+    // The characters before each block: a file may be a single line of a mebibyte with thousands of findings.
+    QVector<int> m_charactersBefore;
 };
 
 } // namespace checker

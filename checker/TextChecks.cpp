@@ -64,10 +64,9 @@ QVector<Finding> ofRoot(List list, const JsonNode& root)
         findings.append(atOffset(list, QStringLiteral("section"), withoutSection(list, root),
                                  {root.range.begin, root.range.begin + 1}));
     } else if (section->kind != JsonNode::Kind::Array) {
-        findings.append(
-            atOffset(list, QStringLiteral("section"),
-                     QStringLiteral("\"%1\" is not a list, so it has no rows").arg(section->name),
-                     section->range));
+        findings.append(atOffset(list, QStringLiteral("section"),
+                                 QStringLiteral("\"%1\" is not a list, so it has no rows").arg(section->name),
+                                 section->range));
     }
     return findings;
 }
@@ -79,10 +78,11 @@ QString readingOf(const JsonNode* time, int seconds)
     if (!time) {
         return QStringLiteral("the row has no \"%1\"").arg(KeyListFields::timeout);
     }
-    const QString written = QString::fromUtf8(time->written.left(maxShown));
+    const QString written = time->written.isEmpty() ? QStringLiteral("the value")
+                                                    : QString::fromUtf8(time->written.left(maxShown));
     return time->written.toDouble() == seconds && time->kind == JsonNode::Kind::Literal
                ? QStringLiteral("a time of %1 s").arg(written)
-               : QStringLiteral("%1 is read as %2 s").arg(written).arg(seconds);
+               : QStringLiteral("%1 is read as %2 s").arg(written, QString::number(seconds));
 }
 
 /// Checks the members of one row.
@@ -106,13 +106,18 @@ private:
     RowId m_id;
     const KeyEntry& m_row;
     const JsonNode& m_object;
-    QStringList m_misspelt; // known names for which a similar one is there
+    QStringList m_missing;  // known names that are not there
+    QStringList m_misspelt; // those of them for which a similar one is there
     QVector<Finding> m_findings;
 };
 
 QVector<Finding> RowText::findings()
 {
     m_findings = duplicatesOf(m_id.list, m_object);
+    m_missing = knownNames();
+    for (const JsonNode& member : m_object.children) {
+        m_missing.removeAll(member.name);
+    }
     for (const JsonNode& member : m_object.children) {
         checkName(member);
     }
@@ -150,15 +155,12 @@ void RowText::checkName(const JsonNode& member)
     if (names.contains(member.name)) {
         return;
     }
-    QStringList missing = names;
-    for (const JsonNode& other : m_object.children) {
-        missing.removeAll(other.name);
-    }
-    const QString similar = Suggestion::of(member.name, missing);
+    const QString similar = Suggestion::of(member.name, m_missing);
     if (!similar.isEmpty()) {
         m_misspelt.append(similar);
         add("member", Level::Error,
-            QStringLiteral("\"%1\" is ignored: did you mean \"%2\"?").arg(member.name, similar), member.nameRange);
+            QStringLiteral("\"%1\" is ignored: did you mean \"%2\"?").arg(member.name, similar),
+            member.nameRange);
     } else if (member.name == KeyListFields::timeout) {
         add("member", Level::Warning,
             QStringLiteral("\"%1\" is ignored: only long presses have a time").arg(member.name),
@@ -171,10 +173,9 @@ void RowText::checkName(const JsonNode& member)
 /// A row without a time is reported with what follows from it.
 void RowText::checkMissing()
 {
-    const QStringList names = knownNames();
-    for (const QString& name : names) {
+    for (const QString& name : qAsConst(m_missing)) {
         const bool isReported = m_misspelt.contains(name) || name == KeyListFields::timeout;
-        if (!m_object.member(name) && !isReported) {
+        if (!isReported) {
             add("member", Level::Error, QStringLiteral("the row has no \"%1\"").arg(name), m_object.range);
         }
     }
@@ -186,14 +187,15 @@ void RowText::checkKeys()
     if (!keys) {
         return;
     }
-    const bool isList = keys->kind == JsonNode::Kind::Array &&
-                        m_row.keys().size() == static_cast<int>(keys->children.size());
+    const bool isList =
+        keys->kind == JsonNode::Kind::Array && m_row.keys().size() == static_cast<int>(keys->children.size());
     if (!isList) {
-        const QString read = m_row.keys().isEmpty()
-                                 ? QStringLiteral("no keys")
-                                 : QStringLiteral("the list [\"%1\"]").arg(m_row.keys().join(QStringLiteral("\", \"")));
-        add("value", Level::Warning, QStringLiteral("the keys are not a list of names: they are read as %1").arg(read),
-            keys->range);
+        const QString read =
+            m_row.keys().isEmpty()
+                ? QStringLiteral("no keys")
+                : QStringLiteral("the list [\"%1\"]").arg(m_row.keys().join(QStringLiteral("\", \"")));
+        add("value", Level::Warning,
+            QStringLiteral("the keys are not a list of names: they are read as %1").arg(read), keys->range);
     }
 }
 
@@ -232,10 +234,11 @@ QVector<Finding> TextChecks::ofFile(const ListSources& sources, List list)
 {
     const QByteArray& text = sources.file(list).text();
     if (text.size() > KeyListFile::maxSize) {
-        return {atOffset(list, QStringLiteral("too-large"),
-                         QStringLiteral("the file is over the limit of %1 bytes, and the daemon reads none of it")
-                             .arg(KeyListFile::maxSize),
-                         {0, 0})};
+        return {
+            atOffset(list, QStringLiteral("too-large"),
+                     QStringLiteral("the file is over the limit of %1 bytes, and the daemon reads none of it")
+                         .arg(KeyListFile::maxSize),
+                     {0, 0})};
     }
     if (text.trimmed().isEmpty()) {
         return {atOffset(list, QStringLiteral("syntax"), QStringLiteral("the file is empty"), {0, 0})};
@@ -249,9 +252,10 @@ QVector<Finding> TextChecks::ofFile(const ListSources& sources, List list)
     }
     const JsonNode root = JsonText::scan(text);
     if (!document.isObject()) {
-        return {atOffset(list, QStringLiteral("section"),
-                         QStringLiteral("the file is not an object with the list \"%1\"").arg(KeyLists::sectionOf(list)),
-                         root.range)};
+        return {atOffset(
+            list, QStringLiteral("section"),
+            QStringLiteral("the file is not an object with the list \"%1\"").arg(KeyLists::sectionOf(list)),
+            root.range)};
     }
     return ofRoot(list, root);
 }

@@ -46,7 +46,8 @@ Status Commands::what(const QStringList& arguments, QTextStream& out, QTextStrea
     if (!argument.faults.isEmpty()) {
         return Unusable;
     }
-    for (const QString& note : sources.notes) {
+    const QStringList remarks = sources.remarks();
+    for (const QString& note : remarks) {
         err << "note: " << printable(note) << '\n';
     }
     argument.script.initialState = model::Alphabet::nameOf(line.state().value_or(model::KeyFacts::idle));

@@ -62,10 +62,10 @@ QVector<Part> partsOf(const QVector<PlayedStep>& steps)
 }
 
 /// Writes the lines about one part after the other.
-class Writer
+class WhyWriter
 {
 public:
-    Writer(const KeyLists& lists, const KeyScript& script, const PlaceOf& placeOf)
+    WhyWriter(const KeyLists& lists, const KeyScript& script, const PlaceOf& placeOf)
         : m_search(lists, script), m_effects(lists, placeOf), m_causes(m_search, m_effects)
     {}
 
@@ -84,7 +84,7 @@ private:
     QStringList m_lines;
 };
 
-void Writer::write(const Part& part)
+void WhyWriter::write(const Part& part)
 {
     if (!m_lines.isEmpty()) {
         m_lines.append(QString());
@@ -96,7 +96,7 @@ void Writer::write(const Part& part)
     writeCauses(part);
 }
 
-void Writer::writeStep(int step)
+void WhyWriter::writeStep(int step)
 {
     const PlayedStep& played = steps().at(step);
     QStringList phrases = m_effects.phrasesOf(steps(), step);
@@ -116,7 +116,7 @@ void Writer::writeStep(int step)
     }
 }
 
-void Writer::writeOutcome(const Part& part)
+void WhyWriter::writeOutcome(const Part& part)
 {
     const auto isPerceived = [](const PlayedStep& step) {
         return std::any_of(step.outputs.begin(), step.outputs.end(), OutputWords::isPerceived);
@@ -128,7 +128,7 @@ void Writer::writeOutcome(const Part& part)
 }
 
 /// Facts with the same causes are one sentence.
-void Writer::writeCauses(const Part& part)
+void WhyWriter::writeCauses(const Part& part)
 {
     int firstKey = -1;
     for (int step = part.begin; step < part.end && firstKey == -1; ++step) {
@@ -162,7 +162,7 @@ void Writer::writeCauses(const Part& part)
 QStringList WhyAnswer::of(const KeyLists& lists, const KeyScript& script, const PlaceOf& placeOf,
                           std::optional<milliseconds> at)
 {
-    Writer writer(lists, script, placeOf);
+    WhyWriter writer(lists, script, placeOf);
     const QVector<Part> parts = partsOf(writer.steps());
     const auto begin = [&](const Part& part) { return writer.steps().at(part.begin).at; };
     for (int i = 0; i < parts.size(); ++i) {

@@ -12,7 +12,6 @@ namespace checker {
 namespace {
 
 const QString atOption = QStringLiteral("at");
-const QString orvane = QStringLiteral("Orvane");
 
 /// The time of --at; `fault` gets a sentence if it is not a time.
 std::optional<std::chrono::milliseconds> timeOf(const QString& word, QString& fault)
@@ -44,8 +43,9 @@ Played playedOf(const ScriptArgument& argument, const ListSources& sources, cons
     if (argument.path.isEmpty() || line.state()) {
         played.script.initialState = model::Alphabet::nameOf(line.state().value_or(model::KeyFacts::idle));
     }
-    const bool isOrvane =
-        line.hasModel() || argument.path.isEmpty() ? line.isOrvane() : argument.script.model == orvane;
+    const bool isOrvane = line.hasModel() || argument.path.isEmpty()
+                              ? line.isOrvane()
+                              : argument.script.model == QLatin1String("Orvane");
     const bool hasRows = !argument.script.rows.isEmpty();
     played.lists = hasRows ? model::KeyLists::read(KeyListJson::filesOf(argument.script), isOrvane)
                            : sources.lists(isOrvane);
@@ -80,7 +80,8 @@ Status Commands::why(const QStringList& arguments, QTextStream& out, QTextStream
     if (!argument.faults.isEmpty()) {
         return Unusable;
     }
-    for (const QString& note : sources.notes) {
+    const QStringList remarks = sources.remarks();
+    for (const QString& note : remarks) {
         err << "note: " << printable(note) << '\n';
     }
     const Played played = playedOf(argument, sources, line);

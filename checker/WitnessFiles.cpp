@@ -2,6 +2,7 @@
 #include "checker/WitnessFiles.h"
 
 #include "checker/ScriptRows.h"
+#include "checker/SearchWords.h"
 #include "model/RowProofs.h"
 #include "model/Witness.h"
 
@@ -36,7 +37,8 @@ QString writeFile(const QString& path, const QString& text)
 {
     QSaveFile file(path);
     const QByteArray bytes = text.toUtf8();
-    const bool isWritten = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+    const bool isWritten =
+        file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush() && file.commit();
     return isWritten ? QString() : QStringLiteral("%1 cannot be written: %2.").arg(path, file.errorString());
 }
 
@@ -55,8 +57,9 @@ QString WitnessFiles::write(const ListSources& sources, const CheckOptions& opti
     person.kind = model::Environment::Kind::Person;
     person.fingers = options.fingers;
     person.stateChanges = false;
+    person.keyboardTest = false;
     const model::KeyModel keyModel(sources.lists(options.isOrvane.value_or(false)));
-    const model::RowProofs proofs(keyModel.lists(), person);
+    const model::RowProofs proofs(keyModel.lists(), person, searchLimits);
     for (const model::RowId id : keyModel.lists().ids()) {
         for (const State state : model::Alphabet::states()) {
             const RowVerdict& verdict = proofs.of(id, state);

@@ -10,7 +10,7 @@ namespace checker {
 namespace WitnessFiles {
 
 /// Writes a script for each row and state that works, such as "longKeyList-1-Idle.keys", into `folder`, which is
-/// created. Each file is written whole or not at all. Returns why it could not go on; empty on success.
+/// created. Each file is written whole or not at all. Returns why a file could not be written; empty on success.
 QString write(const ListSources& sources, const CheckOptions& options, const QString& folder);
 
 } // namespace WitnessFiles

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "checker/WordChecks.h"
 
+#include "checker/Printable.h"
+#include "checker/RowNames.h"
 #include "checker/Suggestion.h"
 #include "keys/KeyListFile.h"
 #include "keys/KeyRules.h"
@@ -9,14 +11,12 @@
 
 #include <ls/Identifiers.h>
 
-#include <algorithm>
-
 namespace checker {
 
-using model::Alphabet::keyOf;
-using model::Alphabet::stateOf;
 using model::List;
 using model::RowId;
+using model::Alphabet::keyOf;
+using model::Alphabet::stateOf;
 
 namespace {
 
@@ -36,6 +36,7 @@ private:
     void checkStates();
     void checkReceiver();
     void checkVisible(const QString& name, const QString& text);
+    bool counts(int key) const;
     Place keyPlace(int index) const;
     void add(const char* id, Level level, const QString& message, const Place& place);
 
@@ -85,22 +86,30 @@ void RowWords::checkKeys()
     }
     for (int i = 0; i < m_row.keys().size(); ++i) {
         const QString& key = m_row.keys().at(i);
-        if (!keyOf(key)) {
+        if (counts(i) && !keyOf(key)) {
             add("unknown-key", Level::Error,
                 QStringLiteral("\"%1\" is not a key").arg(key) +
-                    Suggestion::question(key, ls::KeyId::meta.keys()),
+                    Suggestion::question(key, RowNames::of(ls::KeyId::meta)),
                 keyPlace(i));
         }
     }
 }
 
 /// Some recognisers do not look at all keys of a row.
+bool RowWords::counts(int key) const
+{
+    const bool isFirst = key == 0;
+    const bool isLast = key + 1 == m_row.keyCount();
+    return isFirst || m_id.list == List::Combinations || (m_id.list == List::Shortcuts && isLast);
+}
+
 void RowWords::checkUnusedKeys()
 {
     const int count = m_row.keyCount();
     if (m_id.list == List::LongPresses && count > 1) {
         add("value", Level::Warning,
-            QStringLiteral("a long press has one key: only \"%1\" counts").arg(m_row.firstKey()), keyPlace(1));
+            QStringLiteral("a long press has one key: only \"%1\" counts").arg(m_row.firstKey()),
+            keyPlace(1));
     } else if (m_id.list == List::Shortcuts && count > 2) {
         add("value", Level::Warning,
             QStringLiteral("a shortcut has two keys: only \"%1\" and \"%2\" count")
@@ -112,10 +121,12 @@ void RowWords::checkUnusedKeys()
 void RowWords::checkStates()
 {
     const Place place = m_places.member(m_id, KeyListFields::validOnState);
-    const bool isJoined = m_id.list != List::LongPresses && m_row.validOnState().contains(KeyRules::stateSeparator);
+    const bool isJoined =
+        m_id.list != List::LongPresses && m_row.validOnState().contains(KeyRules::stateSeparator);
     if (isJoined) {
         add("joined-states", Level::Error,
-            QStringLiteral("\"%1\" is not a state: only long presses can join states").arg(m_row.validOnState()),
+            QStringLiteral("\"%1\" is not a state: only long presses can join states")
+                .arg(m_row.validOnState()),
             place);
         return;
     }
@@ -133,7 +144,7 @@ void RowWords::checkStates()
         if (!stateOf(state)) {
             add("unknown-state", Level::Error,
                 QStringLiteral("\"%1\" is not a state").arg(state) +
-                    Suggestion::question(state, ls::StateId::meta.keys()),
+                    Suggestion::question(state, RowNames::of(ls::StateId::meta)),
                 place);
         }
     }
@@ -150,15 +161,14 @@ void RowWords::checkReceiver()
                m_places.row(m_id).member(KeyListFields::receiverService)) {
         add("unknown-service", Level::Error,
             QStringLiteral("\"%1\" is not a service, and none reacts to the action").arg(receiver) +
-                Suggestion::question(receiver, ls::ServiceId::meta.keys()),
+                Suggestion::question(receiver, RowNames::of(ls::ServiceId::meta)),
             place);
     }
 }
 
 void RowWords::checkVisible(const QString& name, const QString& text)
 {
-    const bool isVisible = std::all_of(text.begin(), text.end(), [](QChar c) { return c.isPrint(); });
-    if (!isVisible) {
+    if (printable(text) != text) {
         add("invisible", Level::Warning, QStringLiteral("\"%1\" has invisible characters").arg(name),
             m_places.member(m_id, name));
     }

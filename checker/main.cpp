@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "checker/Commands.h"
-#include "checker/Printable.h"
 
 #include <QCoreApplication>
 #include <QMap>
 
 #include <csignal>
-#include <unistd.h>
 
 namespace {
 
@@ -16,9 +14,9 @@ const QMap<QString, Command>& commands()
 {
     using namespace checker;
     static const QMap<QString, Command> all{
-        {QStringLiteral("check"), Commands::check}, {QStringLiteral("explain"), Commands::explain},
-        {QStringLiteral("how"), Commands::how},     {QStringLiteral("what"), Commands::what},
-        {QStringLiteral("why"), Commands::why},     {QStringLiteral("diff"), Commands::diff},
+        {QStringLiteral("check"), Commands::check},  {QStringLiteral("explain"), Commands::explain},
+        {QStringLiteral("how"), Commands::how},      {QStringLiteral("what"), Commands::what},
+        {QStringLiteral("why"), Commands::why},      {QStringLiteral("diff"), Commands::diff},
         {QStringLiteral("schema"), Commands::schema}};
     return all;
 }
@@ -36,10 +34,11 @@ int main(int argc, char* argv[])
     const QStringList arguments = QCoreApplication::arguments().mid(1);
     const Command command = commands().value(arguments.value(0));
     if (!command) {
-        const QStringList names = commands().keys();
-        err << "Usage: keyboard-handler-keys COMMAND [ARGUMENT...]\nThe commands are: " << names.join(", ")
-            << ".\n";
-        return checker::Unusable;
+        const bool asksForHelp =
+            QStringList{QStringLiteral("--help"), QStringLiteral("-h")}.contains(arguments.value(0));
+        (asksForHelp ? out : err) << "Usage: keyboard-handler-keys COMMAND [ARGUMENT...]\nThe commands are: "
+                                  << commands().keys().join(QStringLiteral(", ")) << ".\n";
+        return asksForHelp ? checker::Clean : checker::Unusable;
     }
     const checker::Status status = command(arguments, out, err);
     out.flush();

@@ -6,6 +6,8 @@
 
 #include <QtTest>
 
+#include <algorithm>
+
 using namespace checker;
 using model::List;
 
@@ -23,8 +25,14 @@ private Q_SLOTS:
     void optionsOfAPerson_data();
     void optionsOfAPerson();
     void aCombinationCanBeTooSlow();
+    void manyRowsEnd_data();
     void manyRowsEnd();
+    void manyMembersEnd();
+    void aSearchThatEndsAtItsLimitProvesNothing();
+    void summaryOfWhatIsProved();
     void textOfAFinding();
+    void textOfAFindingInTwoFiles();
+    void textOfAFindingInALongLine();
     void namesAreNeverPrintedRaw();
 
 private:
@@ -37,7 +45,7 @@ QStringList CheckTest::found(const ListSources& sources, const CheckOptions& opt
     QStringList lines;
     const CheckResult result = check(sources, options);
     for (const Finding& finding : result.findings) {
-        const Position at = sources.file(finding.place.list).positionOf(finding.place.range.begin);
+        const Position at = sources.file(finding.place.list).position(finding.place.range.begin);
         lines += QStringLiteral("%1 %2 %3:%4 %5")
                      .arg(nameOf(finding.level), finding.id)
                      .arg(at.line)
@@ -83,8 +91,9 @@ void CheckTest::findings_data()
     longPress("a long press for Idle", held("2"), {});
     longPress("a long press for another state is silent in Idle", held("2", "Print"),
               {"warning silent 2:1 in Idle, holding Help causes neither speech nor an action"});
-    longPress("a time below half a second", held("0.4"),
-              {"error time 2:103 0.4 is read as 0 s: the action repeats 30 times a second while the key is held"});
+    longPress(
+        "a time below half a second", held("0.4"),
+        {"error time 2:103 0.4 is read as 0 s: the action repeats 30 times a second while the key is held"});
     longPress("a time of 0", held("0"),
               {"error time 2:103 a time of 0 s: the action repeats 30 times a second while the key is held"});
     longPress("a rounded time", held("1.5"), {"warning value 2:103 1.5 is read as 2 s"});
@@ -93,57 +102,78 @@ void CheckTest::findings_data()
     longPress("a whole time with a point", held("2.0"), {});
     longPress("half an hour", held("3000"), {"warning long-hold 2:103 the key must be held for 3000 s"});
     longPress("no time", row("\"Help\"", "A"),
-              {"error time 2:1 the row has no \"timeout\": the action repeats 30 times a second while the key is held"});
+              {"error time 2:1 the row has no \"timeout\": the action repeats 30 times a second while the "
+               "key is held"});
     longPress("a misspelt time", row("\"Help\"", "A", "Idle", ", \"timeOut\": 2"),
-              {"error time 2:1 the row has no \"timeout\": the action repeats 30 times a second while the key is held",
+              {"error time 2:1 the row has no \"timeout\": the action repeats 30 times a second while the "
+               "key is held",
                "error member 2:92 \"timeOut\" is ignored: did you mean \"timeout\"?"});
     longPress("two keys", row("\"Help\", \"Up\"", "A", "Idle", ", \"timeout\": 2"),
               {"warning value 2:20 a long press has one key: only \"Help\" counts"});
     longPress("two rows for a key", held("2") + "," + held("3"),
               {"error hidden 2:11 no keys announce \"A\""});
-    longPress("an unknown state", held("2", "Idle | Sleep"), {"error unknown-state 2:84 \"Sleep\" is not a state"});
-    longPress("a misspelt state", held("2", "Idel"), {"error unknown-state 2:84 \"Idel\" is not a state: did you mean \"Idle\"?"});
+    longPress("an unknown state", held("2", "Idle | Sleep"),
+              {"error unknown-state 2:84 \"Sleep\" is not a state"});
+    longPress("a misspelt state", held("2", "Idel"),
+              {"error unknown-state 2:84 \"Idel\" is not a state: did you mean \"Idle\"?"});
     longPress("a state twice", held("2", "Idle|Idle"),
-              {"warning duplicate 2:84 \"Idle|Idle\" names a state twice, and the action is announced twice there"});
+              {"warning duplicate 2:84 \"Idle|Idle\" names a state twice, and the action is announced twice "
+               "there"});
 
     combination("a pair", row("\"Help\", \"Feed\"", "A"), {});
     combination("a pair for another state", row("\"Help\", \"Feed\"", "A", "Print"),
-                {"error state-change 2:92 no keys announce \"A\" in Print unless the state changes between them"});
+                {"error state-change 2:92 no keys announce \"A\" in Print unless the state changes between "
+                 "them or the keyboard test runs"});
     combination("a pair behind a row of three keys",
                 row("\"Function\", \"Help\", \"One\"", "A") + "," + row("\"Help\", \"Feed\"", "B"),
                 {"error hidden 3:12 no keys announce \"B\""});
     combination("a pair twice", row("\"Help\", \"Feed\"", "A") + "," + row("\"Help\", \"Feed\"", "B"),
-                {"note also 2:1 Help, then Feed announces \"B\" as well",
+                {"note also 2:1 tapping Help, then Feed announces \"B\" as well",
                  "warning same-keys 3:12 row 1 has the same keys, and both actions are announced"});
-    combination("joined states", row("\"Help\", \"Feed\"", "A", "Idle|Print"),
-                {"error joined-states 2:92 \"Idle|Print\" is not a state: only long presses can join states"});
+    combination(
+        "joined states", row("\"Help\", \"Feed\"", "A", "Idle|Print"),
+        {"error joined-states 2:92 \"Idle|Print\" is not a state: only long presses can join states"});
     combination("a misspelt key", row("\"Hlep\", \"Feed\"", "A"),
                 {"error unknown-key 2:12 \"Hlep\" is not a key: did you mean \"Help\"?"});
     combination("no keys", row("", "A"), {"error no-keys 2:11 the row has no keys"});
-    combination("keys as a text",
-                R"({ "keys": "Help", "eAction": "A", "receiverService": "UserMenu", "validOnState": "Idle" })",
-                {"warning value 2:11 the keys are not a list of names: they are read as the list [\"Help\"]"});
+    combination(
+        "keys as a text",
+        R"({ "keys": "Help", "eAction": "A", "receiverService": "UserMenu", "validOnState": "Idle" })",
+        {"warning value 2:11 the keys are not a list of names: they are read as the list [\"Help\"]"});
     combination("a time", row("\"Help\", \"Feed\"", "A", "Idle", ", \"timeout\": 2"),
                 {"warning member 2:100 \"timeout\" is ignored: only long presses have a time"});
-    combination("an element that is not a row", "5", {"error element 2:1 the element is not a row, and the daemon skips it"});
+    combination("an element that is not a row", "5",
+                {"error element 2:1 the element is not a row, and the daemon skips it"});
 
     shortcut("a shortcut", row("\"Function\", \"Up\"", "A"), {});
-    shortcut("a shortcut for another state", row("\"Feed\", \"Ok\"", "A", "PrintOff"),
-             {"warning silent 2:1 in Idle, Feed and Ok together causes neither speech nor an action"});
+    shortcut(
+        "a shortcut for another state", row("\"Feed\", \"Ok\"", "A", "PrintOff"),
+        {"warning silent 2:1 in Idle, pressing Feed and Ok together causes neither speech nor an action"});
     shortcut("the same shortcut twice",
              row("\"Function\", \"Up\"", "A") + "," + row("\"Function\", \"Up\"", "B"),
              {"error hidden 3:12 no keys announce \"B\""});
     shortcut("three keys", row("\"Function\", \"Help\", \"Up\"", "A"),
              {"warning value 2:24 a shortcut has two keys: only \"Function\" and \"Up\" count"});
-    shortcut("a misspelt receiver",
-             R"({ "keys": ["Function", "Up"], "eAction": "A", "receiverService": "UserMenue", "validOnState": "Idle" })",
-             {"error unknown-service 2:66 \"UserMenue\" is not a service, and none reacts to the action: did you mean \"UserMenu\"?"});
-    shortcut("a misspelt member",
-             R"({ "keys": ["Function", "Up"], "eaction": "A", "receiverService": "UserMenu", "validOnState": "Idle" })",
-             {"error member 2:31 \"eaction\" is ignored: did you mean \"eAction\"?"});
-    shortcut("a receiver that drops the action",
-             R"({ "keys": ["Function", "Up"], "eAction": "A", "receiverService": "Undefined", "validOnState": "Idle" })",
-             {"warning undefined-receiver 2:66 the action is dropped, because its receiver is \"Undefined\""});
+    shortcut(
+        "a misspelt receiver",
+        R"({ "keys": ["Function", "Up"], "eAction": "A", "receiverService": "UserMenue", "validOnState": "Idle" })",
+        {"error unknown-service 2:66 \"UserMenue\" is not a service, and none reacts to the action: did you "
+         "mean \"UserMenu\"?"});
+    shortcut(
+        "a misspelt member",
+        R"({ "keys": ["Function", "Up"], "eaction": "A", "receiverService": "UserMenu", "validOnState": "Idle" })",
+        {"error member 2:31 \"eaction\" is ignored: did you mean \"eAction\"?"});
+    shortcut(
+        "a receiver that drops the action",
+        R"({ "keys": ["Function", "Up"], "eAction": "A", "receiverService": "Undefined", "validOnState": "Idle" })",
+        {"warning undefined-receiver 2:66 the action is dropped, because its receiver is \"Undefined\""});
+    shortcut("an unknown key that does not count", row("\"Function\", \"Hlep\", \"Up\"", "A"),
+             {"warning value 2:24 a shortcut has two keys: only \"Function\" and \"Up\" count"});
+    shortcut("visible characters of other planes", row("\"Function\", \"Up\"", "\xF0\x9F\x94\x91"), {});
+    shortcut("invisible characters", row("\"Function\", \"Up\"", "A\\u200b"),
+             {"warning invisible 2:42 \"eAction\" has invisible characters"});
+    shortcut("invisible characters of other planes", row("\"Function\", \"Up\"", "A\xF3\xA0\x80\x81"),
+             {"warning invisible 2:42 \"eAction\" has invisible characters"});
     shortcut("a member twice", row("\"Function\", \"Up\"", "A", "Idle", ", \"eAction\": \"B\""),
              {"warning duplicate 2:102 \"eAction\" is there twice, and the last one counts"});
 }
@@ -163,15 +193,25 @@ void CheckTest::faultsOfAFile_data()
     QTest::addColumn<QString>("expected");
 
     QTest::newRow("empty") << QByteArray(" \n") << "error syntax 1:1 the file is empty";
-    QTest::newRow("not JSON") << QByteArray("{\n  \"LongKeys\": [}\n") << "error syntax 2:17 the file is not JSON: object is missing after a comma";
-    QTest::newRow("not an object") << QByteArray("[]") << "error section 1:1 the file is not an object with the list \"LongKeys\"";
-    QTest::newRow("without the section") << QByteArray("{\"a\": 1}") << "error section 1:1 the file has no list \"LongKeys\", so it has no rows";
+    QTest::newRow("not JSON") << QByteArray("{\n  \"LongKeys\": [}\n")
+                              << "error syntax 2:17 the file is not JSON: object is missing after a comma";
+    QTest::newRow("not an object")
+        << QByteArray("[]") << "error section 1:1 the file is not an object with the list \"LongKeys\"";
+    QTest::newRow("without the section")
+        << QByteArray("{\"a\": 1}")
+        << "error section 1:1 the file has no list \"LongKeys\", so it has no rows";
     QTest::newRow("misspelt section")
         << QByteArray("{\"LongKey\": []}")
         << "error section 1:1 the file has no list \"LongKeys\", so it has no rows; is \"LongKey\" misspelt?";
-    QTest::newRow("the section is not a list") << QByteArray("{\"LongKeys\": 5}") << "error section 1:14 \"LongKeys\" is not a list, so it has no rows";
-    QTest::newRow("the section twice") << QByteArray("{\"LongKeys\": 5, \"LongKeys\": []}") << "warning duplicate 1:17 \"LongKeys\" is there twice, and the last one counts";
-    QTest::newRow("over the limit") << QByteArray(KeyListFile::maxSize + 1, ' ') << "error too-large 1:1 the file is over the limit of 1048576 bytes, and the daemon reads none of it";
+    QTest::newRow("the section is not a list")
+        << QByteArray("{\"LongKeys\": 5}")
+        << "error section 1:14 \"LongKeys\" is not a list, so it has no rows";
+    QTest::newRow("the section twice")
+        << QByteArray("{\"LongKeys\": 5, \"LongKeys\": []}")
+        << "warning duplicate 1:17 \"LongKeys\" is there twice, and the last one counts";
+    QTest::newRow("over the limit")
+        << QByteArray(KeyListFile::maxSize + 1, ' ')
+        << "error too-large 1:1 the file is over the limit of 1048576 bytes, and the daemon reads none of it";
 }
 
 void CheckTest::faultsOfAFile()
@@ -192,10 +232,12 @@ void CheckTest::installedListsHaveOnlySilentGestures()
         messages.append(finding.id + QLatin1Char(' ') + finding.message);
     }
     QVERIFY(result.isProved);
-    QCOMPARE(messages, QStringList({"silent in Idle, holding Back causes neither speech nor an action",
-                                    "silent in Idle, holding Ok causes neither speech nor an action",
-                                    "silent in Idle, Feed and Ok together causes neither speech nor an action",
-                                    "silent in Idle, Help and Back together causes neither speech nor an action"}));
+    QCOMPARE(
+        messages,
+        QStringList({"silent in Idle, holding Back causes neither speech nor an action",
+                     "silent in Idle, holding Ok causes neither speech nor an action",
+                     "silent in Idle, pressing Feed and Ok together causes neither speech nor an action",
+                     "silent in Idle, pressing Help and Back together causes neither speech nor an action"}));
 }
 
 void CheckTest::optionsOfAPerson_data()
@@ -204,7 +246,8 @@ void CheckTest::optionsOfAPerson_data()
     QTest::addColumn<int>("pace");
     QTest::addColumn<QStringList>("expected");
 
-    QTest::newRow("one finger") << 1 << 0 << QStringList("warning two-hands 2:11 \"A\" cannot be reached with one finger in Idle");
+    QTest::newRow("one finger")
+        << 1 << 0 << QStringList("warning two-hands 2:11 \"A\" cannot be reached with one finger in Idle");
     QTest::newRow("two fingers") << 2 << 0 << QStringList();
     QTest::newRow("a slow person") << 2 << 1000 << QStringList();
 }
@@ -229,15 +272,128 @@ void CheckTest::aCombinationCanBeTooSlow()
              QStringList("warning pace 2:11 \"A\" cannot be reached with 1750 ms between two movements"));
 }
 
+void CheckTest::manyRowsEnd_data()
+{
+    QTest::addColumn<int>("list");
+    QTest::addColumn<QByteArray>("keys");
+    QTest::addColumn<QByteArray>("firstRow");
+    QTest::addColumn<QString>("id");
+
+    const auto number = [](List list) { return static_cast<int>(list); };
+    QTest::newRow("long presses") << number(List::LongPresses) << QByteArray("\"Help\"") << QByteArray()
+                                  << "hidden";
+    QTest::newRow("pairs") << number(List::Combinations) << QByteArray("\"Help\", \"Feed\"") << QByteArray()
+                           << "same-keys";
+    QTest::newRow("hidden pairs") << number(List::Combinations) << QByteArray("\"Help\", \"Feed\"")
+                                  << row("\"Function\", \"Help\", \"One\"", "A") + ","
+                                  << "hidden";
+    QTest::newRow("sequences") << number(List::Combinations) << QByteArray("\"Help\", \"Feed\", \"Ok\"")
+                               << QByteArray() << "hidden";
+    QTest::newRow("shortcuts") << number(List::Shortcuts) << QByteArray("\"Help\", \"Feed\"") << QByteArray()
+                               << "hidden";
+}
+
+/// All rows have the same keys and are in one line.
 void CheckTest::manyRowsEnd()
 {
-    constexpr int rows = 8000;
-    QByteArray text;
-    for (int i = 0; i < rows; ++i) {
-        text += (i > 0 ? "," : "") + row("\"Help\", \"Feed\"", QByteArray::number(i), "Idle");
+    QFETCH(int, list);
+    QFETCH(QByteArray, keys);
+    QFETCH(QByteArray, firstRow);
+    QFETCH(QString, id);
+    constexpr int count = 8000;
+    const QByteArray more = list == static_cast<int>(List::LongPresses) ? ", \"timeout\": 2" : "";
+    std::array<QByteArray, 3> texts;
+    QByteArray& text = texts[static_cast<size_t>(list)];
+    text = firstRow;
+    for (int i = 0; i < count; ++i) {
+        text += (i > 0 ? "," : "") + row(keys, QByteArray::number(i), "Idle", more).trimmed();
     }
-    const CheckResult result = check(ListTexts::withRows({}, text, {}), {});
-    QVERIFY(result.findings.size() >= rows - 1); // each has the keys of the first
+    const ListSources sources = ListTexts::withRows(texts[0], texts[1], texts[2]);
+    const CheckResult result = check(sources, {});
+    const auto isMeant = [&](const Finding& finding) { return finding.id == id; };
+    QVERIFY(std::count_if(result.findings.begin(), result.findings.end(), isMeant) >= count - 1);
+    QString report;
+    for (const Finding& finding : result.findings) {
+        report += FindingText(sources, false).describe(finding);
+    }
+    QVERIFY(report.count('\n') > 4 * count);
+}
+
+/// A row of a mebibyte.
+void CheckTest::manyMembersEnd()
+{
+    constexpr int count = 100'000;
+    QByteArray members;
+    for (int i = 0; i < count; ++i) {
+        members += ",\"a\":1";
+    }
+    const ListSources sources = ListTexts::withRows({}, row("\"Help\", \"Feed\"", "A", "Idle", members), {});
+    const CheckResult result = check(sources, {});
+    QVERIFY(result.findings.size() >= count);
+}
+
+void CheckTest::aSearchThatEndsAtItsLimitProvesNothing()
+{
+    CheckOptions options;
+    options.limits = {10, 10};
+    const ListSources sources = ListTexts::withRows({}, row("\"Help\", \"Feed\"", "A"), {});
+    QCOMPARE(found(sources, options),
+             QStringList("warning not-proved 2:11 not proved: the search for \"A\" in Idle ended at its limit"));
+    const CheckResult result = check(sources, options);
+    QVERIFY(!result.isProved);
+    QVERIFY(FindingText(sources, false).summary(result).contains("Not all is proved"));
+}
+
+void CheckTest::summaryOfWhatIsProved()
+{
+    const auto summaryOf = [](const QByteArray& rows) {
+        const ListSources sources = ListTexts::withRows({}, rows, {});
+        return FindingText(sources, false)
+            .summary(check(sources, {}))
+            .remove(QRegularExpression("[\\d,]+ s"));
+    };
+    const QByteArray good = row("\"Help\", \"Feed\"", "A");
+    QCOMPARE(summaryOf(good),
+             QString("1 row: 0 errors, 0 warnings, 0 notes. Proved by a search of ituations in teps.\n"));
+    QCOMPARE(
+        summaryOf(good + "," + row("\"Help\", \"Fed\"", "B")),
+        QString(
+            "2 rows: 1 error, 0 warnings, 0 notes. Proved for 1 row by a search of ituations in teps.\n"));
+    QCOMPARE(summaryOf(good + "5"), QString("0 rows: 1 error, 0 warnings, 0 notes. Nothing was proved.\n"));
+}
+
+/// Each place is shown with its own file.
+void CheckTest::textOfAFindingInTwoFiles()
+{
+    const ListSources sources =
+        ListTexts::withRows({}, row("\"Ok\", \"Feed\"", "A"), row("\"Feed\", \"Ok\"", "B"));
+    const CheckResult result = check(sources, {});
+    QCOMPARE(result.findings.size(), 1);
+    QCOMPARE(result.findings.first().id, QString("also"));
+    const QStringList lines = FindingText(sources, false).describe(result.findings.first()).split('\n');
+    QCOMPARE(lines.value(1), QString("  --> shortcutKeyList.json:2:1"));
+    QVERIFY(lines.value(3).startsWith(" 2 | { \"keys\": [\"Feed\", \"Ok\"]"));
+    QCOMPARE(lines.value(5), QString("  ::: modifierKeyList.json:2:1"));
+    QVERIFY(lines.value(7).startsWith(" 2 | { \"keys\": [\"Ok\", \"Feed\"]"));
+    QVERIFY(lines.value(8).endsWith("-- the other action"));
+}
+
+/// Of a long line, the part around the place is shown.
+void CheckTest::textOfAFindingInALongLine()
+{
+    const QByteArray action(5000, 'x');
+    const QByteArray key = "\xF0\x9F\x94\x91";
+    const ListSources sources = ListTexts::withRows({},
+                                                    row("\"Help\", \"Feed\"", action).trimmed() + "," +
+                                                        row("\"Help\", \"" + key.repeated(200) + "\"", "B"),
+                                                    {});
+    const CheckResult result = check(sources, {});
+    QCOMPARE(result.findings.size(), 1);
+    const QStringList lines = FindingText(sources, false).describe(result.findings.first()).split('\n');
+    QCOMPARE(lines.value(3).toUcs4().size(), 5 + 100);
+    QVERIFY2(lines.value(3).startsWith(" 2 | ..."), qPrintable(lines.value(3)));
+    QVERIFY2(lines.value(3).endsWith(QString::fromUtf8(key) + "..."), qPrintable(lines.value(3)));
+    QCOMPARE(lines.value(4), "   | " + QString(43, ' ') + QString(57, '^'));
 }
 
 void CheckTest::textOfAFinding()
@@ -250,13 +406,15 @@ void CheckTest::textOfAFinding()
     QCOMPARE(lines.value(0), QStringLiteral("error[hidden]: no keys announce \"B\""));
     QCOMPARE(lines.value(1), QStringLiteral("  --> modifierKeyList.json:3:12"));
     QCOMPARE(lines.value(2), QStringLiteral("   |"));
-    QVERIFY(lines.value(3).startsWith(" 2 | { \"keys\": [\"Function\", \"Help\", \"One\"], \"eAction\": \"A\""));
+    QVERIFY(
+        lines.value(3).startsWith(" 2 | { \"keys\": [\"Function\", \"Help\", \"One\"], \"eAction\": \"A\""));
     QCOMPARE(lines.value(4), QStringLiteral("   |           --------------------------- row 1 hides row 2"));
     QVERIFY(lines.value(5).startsWith(" 3 | ,{ \"keys\": [\"Help\", \"Feed\"]"));
     QCOMPARE(lines.value(6), QStringLiteral("   |            ^^^^^^^^^^^^^^^^"));
-    QVERIFY(lines.value(7).startsWith("   = proved: any input, "));
-    QCOMPARE(lines.value(8), QStringLiteral("   = help: move row 1 to the end of the list: then row 2 works, and all "
-                                            "that work now still do"));
+    QVERIFY(lines.value(7).startsWith("   = proved: any input; "));
+    QCOMPARE(lines.value(8),
+             QStringLiteral("   = help: move row 1 to the end of the list: then row 2 works, and all "
+                            "that work now still do"));
 }
 
 /// What a file contains must not act on a terminal.

@@ -102,9 +102,9 @@ void WhatTest::unknownStatementsAreRefused_data()
     QTest::newRow("unknown state") << QStringList{"tap Up", "--state", "Dreaming"}
                                    << "Unknown state \"Dreaming\"";
     QTest::newRow("unknown model") << QStringList{"tap Up", "--model", "Other"} << "Unknown model \"Other\"";
-    QTest::newRow("unknown option") << QStringList{"tap Up", "--sate", "Idle"} << "sate";
+    QTest::newRow("unknown option") << QStringList{"tap Up", "--states", "Idle"} << "states";
     QTest::newRow("no statements") << QStringList{} << "STATEMENTS is missing";
-    QTest::newRow("no lists") << QStringList{"tap Up", "/dev"} << "/dev has none of the files";
+    QTest::newRow("no lists") << QStringList{"tap Up", "/dev"} << "/dev has no longKeyList.json";
 }
 
 void WhatTest::unknownStatementsAreRefused()

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include "tests/checker/CommandRun.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+CommandRun diff(const QStringList& arguments)
+{
+    return {checker::Commands::diff, QStringList{"diff"} + arguments};
+}
+
+/// Writes a list of combinations into a folder and returns its path.
+QString combinations(const QTemporaryDir& parent, const QString& name, const QByteArray& rows)
+{
+    const QDir folder(parent.filePath(name));
+    QFile file(folder.filePath("modifierKeyList.json"));
+    const QByteArray text = "{ \"ModifierKeys\": [" + rows + "] }";
+    const bool isWritten =
+        folder.mkpath(".") && file.open(QIODevice::WriteOnly) && file.write(text) == text.size();
+    return isWritten ? folder.path() : QString();
+}
+
+QByteArray row(const QByteArray& keys, const QByteArray& action)
+{
+    return "{ \"keys\": [" + keys + "], \"eAction\": \"" + action +
+           "\", \"receiverService\": \"UserMenu\", \"validOnState\": \"Idle\" }";
+}
+
+} // namespace
+
+/// `keyboard-handler-keys diff`.
+class DiffTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theSameListsDoNotDiffer();
+    void differencesAreMirrored();
+    void servicesDoNotHearSpeech();
+    void unusableArgumentsAreRefused();
+};
+
+void DiffTest::theSameListsDoNotDiffer()
+{
+    const CommandRun run = diff({KEY_LISTS, KEY_LISTS});
+    QCOMPARE(run.status, int(checker::Clean));
+    QVERIFY2(run.out.contains(QRegularExpression("^No difference: proved, a person with 2 fingers, on one "
+                                                 "device, only keys of the panel, the state "
+                                                 "stays as it is, no keyboard test; "
+                                                 "[\\d,]+ situations, [\\d,]+ steps\\.\n$")),
+             qPrintable(run.out));
+    QCOMPARE(run.err, QString());
+}
+
+void DiffTest::differencesAreMirrored()
+{
+    const QTemporaryDir parent;
+    const QString one = combinations(parent, "one", row("\"Help\", \"Feed\"", "A"));
+    const QString two = combinations(parent, "two", row("\"Help\", \"Feed\"", "B"));
+    const QString a = "speaks \"Feed\"; announces A to UserMenu, with Help and Feed";
+    const QString b = "speaks \"Feed\"; announces B to UserMenu, with Help and Feed";
+    const CommandRun run = diff({one, two});
+    QCOMPARE(run.status, int(checker::Found));
+    QVERIFY2(run.out.startsWith("Idle: "), qPrintable(run.out));
+    QCOMPARE(run.lines().mid(1, 2), QStringList({"    was " + a, "    now " + b}));
+    QCOMPARE(diff({two, one}).lines().mid(1, 2), QStringList({"    was " + b, "    now " + a}));
+    QVERIFY2(run.err.contains("note: " + two + ": longKeyList.json is missing"), qPrintable(run.err));
+}
+
+void DiffTest::servicesDoNotHearSpeech()
+{
+    const QTemporaryDir parent;
+    // The keys complete a row whose action is dropped: the closing key is spoken once more.
+    const QByteArray dropped = row("\"Help\", \"Feed\"", "A").replace("UserMenu", "Undefined");
+    const QStringList folders{combinations(parent, "one", {}), combinations(parent, "two", dropped)};
+    const CommandRun users = diff(folders);
+    QCOMPARE(users.status, int(checker::Found));
+    QVERIFY2(users.out.contains("speaks \"Feed\""), qPrintable(users.out));
+    const CommandRun services = diff(folders + QStringList{"--for", "services"});
+    QVERIFY2(services.status == int(checker::Clean), qPrintable(services.out));
+}
+
+void DiffTest::unusableArgumentsAreRefused()
+{
+    QCOMPARE(diff({}).status, int(checker::Unusable));
+    QCOMPARE(diff({KEY_LISTS}).status, int(checker::Unusable));
+    QCOMPARE(diff({KEY_LISTS, "/nowhere"}).status, int(checker::Unusable));
+    QCOMPARE(diff({KEY_LISTS, KEY_LISTS, "--for", "cats"}).status, int(checker::Unusable));
+    QCOMPARE(diff({KEY_LISTS, KEY_LISTS, "--model", "Other"}).status, int(checker::Unusable));
+    QCOMPARE(diff({"--help"}).status, int(checker::Clean));
+}
+
+QTEST_GUILESS_MAIN(DiffTest)
+#include "DiffTest.moc"
