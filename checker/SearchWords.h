@@ -7,7 +7,8 @@
 
 namespace checker {
 
-/// When a search gives up: after some seconds. Lists of 8,000 rows with up to three keys need a tenth of this.
+/// When a search gives up, so that it takes seconds. The installed lists need less than a hundredth of these
+/// steps.
 constexpr model::Limits searchLimits{300'000, 10'000'000};
 
 namespace SearchWords {
