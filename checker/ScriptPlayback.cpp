@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "checker/ScriptPlayback.h"
 
-#include "simulator/script/KeyValue.h"
-#include "simulator/script/ScriptWords.h"
-
-#include <ls/Identifiers.h>
-#include <ls/MessageKeys.h>
+#include "model/DaemonInputs.h"
 
 #include <algorithm>
 
@@ -15,15 +11,6 @@ using std::chrono::milliseconds;
 namespace checker {
 
 namespace {
-
-constexpr quint16 keyEventType = 1;
-
-/// All codes without an identifier are the same key.
-Key keyOfCode(quint16 code)
-{
-    const QString name = ls::KeyId::meta.key(code);
-    return name.isEmpty() ? Alphabet::keys().last() : *Alphabet::keyOf(name);
-}
 
 bool runsAtStart(const KeyScript& script)
 {
@@ -35,20 +22,6 @@ State startOf(const KeyScript& script)
 {
     const State named = Alphabet::stateOf(script.initialState).value_or(State::Undefined);
     return runsAtStart(script) ? named : State::Undefined;
-}
-
-std::optional<Input::Kind> kindOf(qint32 value)
-{
-    switch (value) {
-    case KeyValue::released:
-        return Input::Kind::Release;
-    case KeyValue::pressed:
-        return Input::Kind::Press;
-    case KeyValue::repeated:
-        return Input::Kind::Repeat;
-    default:
-        return std::nullopt;
-    }
 }
 
 bool isUnknown(const ScriptStep& step)
@@ -112,63 +85,28 @@ void ScriptPlayback::take(const ScriptStep& step)
     case ScriptStep::Kind::Release:
         return m_playback.release(*Alphabet::keyOf(step.text), step.keyboard);
     case ScriptStep::Kind::Record:
-        return take(step.record, step.keyboard);
+        return take(
+            DaemonInputs::ofRecord(step.record.type, step.record.code, step.record.value, step.keyboard));
     case ScriptStep::Kind::State:
-        return takeState(step.text);
+        // A state handler that fails announces nothing.
+        return take(m_hasStateHandler ? DaemonInputs::ofState(step.text) : QVector<Input>());
     case ScriptStep::Kind::Service:
         if (step.service.service == ServiceChange::stateHandler) {
             m_hasStateHandler = step.service.condition == ServiceChange::Condition::Running;
         }
         return;
     case ScriptStep::Kind::Command:
-        return take(step.command);
+        return take(DaemonInputs::ofCommand(step.command));
     case ScriptStep::Kind::Heading:
     case ScriptStep::Kind::Console:
         return;
     }
 }
 
-void ScriptPlayback::take(const RawRecord& record, int device)
+void ScriptPlayback::take(const QVector<Input>& inputs)
 {
-    const auto kind = kindOf(record.value);
-    if (record.type == keyEventType && kind) {
-        m_playback.take(Input::of(*kind, keyOfCode(record.code), device));
-    }
-}
-
-/// Only four commands affect keys. The daemon refuses unknown senders and keys.
-void ScriptPlayback::take(const QVariantMap& command)
-{
-    namespace Id = ls::KeyboardHandlerCmdId;
-    const QString name = command.value(ls::commandIdKey).toString();
-    if (!ls::ServiceId::meta.contains(command.value(ls::senderIdKey).toString())) {
-        return;
-    }
-    if (name == Id::StartTestMode) {
-        m_playback.take(Input::of(Input::Kind::StartTest));
-    } else if (name == Id::SimulateKey) {
-        const int code = ls::KeyId::meta.value(command.value(ls::keyKey).toString(), -1);
-        const int value = ls::KeyActionId::meta.value(command.value(ls::actionIdKey).toString(), -1);
-        take({code == -1 ? quint16(0) : keyEventType, static_cast<quint16>(code), value}, 0);
-    } else if (name == Id::SimulateModifier || name == Id::SimulateShortcut) {
-        const auto kind =
-            name == Id::SimulateModifier ? Input::Kind::SimulateCombination : Input::Kind::SimulateShortcut;
-        const QStringList keys = command.value(ls::keysListKey).toStringList();
-        if (!ScriptWords::checkKeys(keys).isEmpty()) {
-            return;
-        }
-        for (const QString& key : keys) {
-            m_playback.take(Input::of(kind, *Alphabet::keyOf(key)));
-        }
-    }
-}
-
-/// A state handler that fails announces nothing, and the daemon ignores unknown states.
-void ScriptPlayback::takeState(const QString& name)
-{
-    const auto state = Alphabet::stateOf(name);
-    if (state && m_hasStateHandler) {
-        m_playback.take(Input::state(*state));
+    for (const Input input : inputs) {
+        m_playback.take(input);
     }
 }
 

@@ -30,9 +30,7 @@ public:
 
 private:
     void take(const ScriptStep& step);
-    void take(const RawRecord& record, int device);
-    void take(const QVariantMap& command);
-    void takeState(const QString& name);
+    void take(const QVector<model::Input>& inputs);
     void noteOrigins(int scriptStep);
     std::optional<std::chrono::milliseconds> nextExpiry() const;
     bool hasRepeatedLongPress(int firstStep) const;

@@ -18,11 +18,8 @@ public:
     RefusalFinder(const model::KeyLists& lists, const QString& state);
     Q_DISABLE_COPY(RefusalFinder)
 
-    /// The following pass what the daemon receives at the time `at`, which must not decrease.
-    void noteRecord(milliseconds at, int keyboard, const RawRecord& record);
-    void noteState(milliseconds at, const QString& state);
-    void noteCommand(milliseconds at, const QVariantMap& command);
-    void noteConsoleLine(milliseconds at, const QString& line);
+    /// Passes what the daemon receives at the time `at`, which must not decrease.
+    void take(milliseconds at, const QVector<model::Input>& inputs);
 
     /// The refusal that a log line reports at `at`, if any. A long press logs a line for each of its states
     /// except the current one; if it was announced, these lines are not refusals.
@@ -33,13 +30,11 @@ private:
     struct Refused
     {
         model::RowId row;
-        QStringList states;
-        int lines = 0;
+        quint32 lines = 0;
         bool isAnnounced = false;
     };
 
-    void take(milliseconds at, const QVector<model::Input>& inputs);
-    void collect();
+    void note(const QVector<model::Effect>& effects);
     std::optional<Refused> next(const entry::Refusal& refusal);
 
     model::KeyModel m_model;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/session/SessionReporter.h"
 
+#include "model/DaemonInputs.h"
 #include "simulator/device/Sentences.h"
 #include "simulator/device/SimulatedDevice.h"
 #include "simulator/script/KeyValue.h"
@@ -70,18 +71,18 @@ void SessionReporter::noteStep(const ScriptStep& step)
         break;
     case ScriptStep::Kind::State:
         m_state = step.text;
-        m_refusals.noteState(now(), step.text);
+        m_refusals.take(now(), model::DaemonInputs::ofState(step.text));
         Q_EMIT happened(entry::State{step.text});
         break;
     case ScriptStep::Kind::Service:
         Q_EMIT happened(entry::Service{step.service});
         break;
     case ScriptStep::Kind::Command:
-        m_refusals.noteCommand(now(), step.command);
+        m_refusals.take(now(), model::DaemonInputs::ofCommand(step.command));
         Q_EMIT happened(entry::Command{step.command});
         break;
     case ScriptStep::Kind::Console:
-        m_refusals.noteConsoleLine(now(), step.text);
+        m_refusals.take(now(), model::DaemonInputs::ofConsoleLine(step.text));
         Q_EMIT happened(entry::ConsoleLine{step.text});
         break;
     case ScriptStep::Kind::Press:
@@ -96,7 +97,7 @@ void SessionReporter::onWritten(int keyboard, const RawRecord& record)
     if (record.type == EV_SYN && record.code == SYN_REPORT) {
         return;
     }
-    m_refusals.noteRecord(now(), keyboard, record);
+    m_refusals.take(now(), model::DaemonInputs::ofRecord(record.type, record.code, record.value, keyboard));
     const QString key = keyOf(record);
     if (key.isEmpty()) {
         Q_EMIT happened(entry::Record{keyboard, record});

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/session/RefusalFinder.h"
 
+#include "model/DaemonInputs.h"
 #include "simulator/script/KeyListJson.h"
-#include "simulator/script/KeyValue.h"
 
 #include <ls/MessageKeys.h>
 
@@ -12,6 +12,7 @@
 
 namespace {
 
+namespace DaemonInputs = model::DaemonInputs;
 using std::chrono::milliseconds;
 
 const QVector<KeyRow> rows{
@@ -50,7 +51,7 @@ public:
             if (!isNumber) {
                 const int value = QStringLiteral("-+*").indexOf(word.right(1));
                 const auto code = static_cast<quint16>(ls::KeyId::meta.value(word.chopped(1)));
-                finder.noteRecord(now, 0, {EV_KEY, code, value});
+                finder.take(now, DaemonInputs::ofRecord(EV_KEY, code, value, 0));
             }
         }
     }
@@ -83,6 +84,8 @@ private Q_SLOTS:
     void severalActionsAreIdentifiedInTheirOrder();
     void simulatedKeysAreConsidered_data();
     void simulatedKeysAreConsidered();
+    void keysTypedAtTheConsoleAreConsidered_data();
+    void keysTypedAtTheConsoleAreConsidered();
     void changesOfStateAreConsidered();
     void theStateOfTheLogIsRight();
     void aLongPressAnnouncedInAnotherStateIsNotRefused();
@@ -169,10 +172,12 @@ void RefusalFinderTest::simulatedKeysAreConsidered_data()
     QTest::addColumn<QString>("expected");
     QTest::addColumn<QString>("action");
     const auto list = [](const QString& id, const QStringList& keys) {
-        return QVector<QVariantMap>{{{ls::commandIdKey, id}, {ls::keysListKey, keys}}};
+        return QVector<QVariantMap>{
+            {{ls::commandIdKey, id}, {ls::senderIdKey, ls::ServiceId::ServiceTool}, {ls::keysListKey, keys}}};
     };
     const auto press = [](const QString& key) {
         return QVariantMap{{ls::commandIdKey, Id::SimulateKey},
+                           {ls::senderIdKey, ls::ServiceId::ServiceTool},
                            {ls::actionIdKey, ls::KeyActionId::Pressed},
                            {ls::keyKey, key}};
     };
@@ -184,6 +189,10 @@ void RefusalFinderTest::simulatedKeysAreConsidered_data()
                                          << "unknown";
     QTest::newRow("keys") << QVector<QVariantMap>{press("Function"), press("Up")} << "Print"
                           << "Volume";
+    QVariantMap strange = list(Id::SimulateShortcut, {"Function", "Up"}).first();
+    strange.insert(ls::senderIdKey, "Stranger");
+    QTest::newRow("from an unknown sender") << QVector<QVariantMap>{strange} << "Print"
+                                            << "unknown";
 }
 
 void RefusalFinderTest::simulatedKeysAreConsidered()
@@ -192,14 +201,36 @@ void RefusalFinderTest::simulatedKeysAreConsidered()
     QFETCH(QString, expected);
     Follower follower("Idle");
     for (const QVariantMap& command : commands) {
-        follower.finder.noteCommand(follower.now, command);
+        follower.finder.take(follower.now, DaemonInputs::ofCommand(command));
     }
     QTEST(follower.actionOf(lineFor(expected, "Idle")), "action");
+}
 
-    Follower atConsole("Idle");
-    atConsole.finder.noteConsoleLine(atConsole.now, "C 7 1 464");  // Function
-    atConsole.finder.noteConsoleLine(atConsole.now, "c  7 1 103"); // Up
-    QCOMPARE(atConsole.actionOf(lineFor("Print", "Idle")), QStringLiteral("Volume"));
+void RefusalFinderTest::keysTypedAtTheConsoleAreConsidered_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("action");
+    QTest::newRow("a key") << "C 7 1 103"
+                           << "Volume";
+    QTest::newRow("another word and blanks") << "cmd  7 1 103 "
+                                             << "Volume";
+    QTest::newRow("another command") << "C 4 1 103"
+                                     << "unknown";
+    QTest::newRow("a name") << "C 7 1 Up"
+                            << "unknown";
+    QTest::newRow("a blank before it") << " C 7 1 103"
+                                       << "unknown";
+    QTest::newRow("an unknown key") << "C 7 1 9"
+                                    << "unknown";
+}
+
+void RefusalFinderTest::keysTypedAtTheConsoleAreConsidered()
+{
+    QFETCH(QString, line);
+    Follower follower("Idle");
+    follower.move("Function+");
+    follower.finder.take(follower.now, DaemonInputs::ofConsoleLine(line));
+    QTEST(follower.actionOf(lineFor("Print", "Idle")), "action");
 }
 
 void RefusalFinderTest::changesOfStateAreConsidered()
@@ -207,7 +238,7 @@ void RefusalFinderTest::changesOfStateAreConsidered()
     Follower follower("Startup");
     follower.move("Feed+ Ok+ Ok- Feed-");
     QCOMPARE(follower.actionOf(lineFor("PrintOff", "Startup")), QStringLiteral("unknown"));
-    follower.finder.noteState(follower.now, "Idle");
+    follower.finder.take(follower.now, DaemonInputs::ofState("Idle"));
     follower.move("Feed+ Ok+");
     QCOMPARE(follower.actionOf(lineFor("PrintOff", "Idle")), QStringLiteral("Load"));
 }
@@ -227,7 +258,7 @@ void RefusalFinderTest::aLongPressAnnouncedInAnotherStateIsNotRefused()
     Follower follower("Idle");
     follower.move("Feed+ 250 Feed* 1000");
     QCOMPARE(follower.actionOf(lineFor("PrintOff", "Idle")), QStringLiteral("not refused"));
-    follower.finder.noteState(follower.now, "Update");
+    follower.finder.take(follower.now, DaemonInputs::ofState("Update"));
     follower.move("Feed- Feed+ 250 Feed* 1000");
     QCOMPARE(follower.actionOf(lineFor("PrintOff", "Update")), QStringLiteral("Eject"));
 }
