@@ -5,6 +5,13 @@
 
 namespace model {
 
+namespace {
+
+/// A step with so many effects counts twice towards the limits: thousands of rows may be alike.
+constexpr int effectsPerStep = 8;
+
+} // namespace
+
 Explorer::Explorer(const KeyModel& keyModel, const Environment& environment, const Limits& limits)
     : m_model(keyModel), m_limits(limits), m_environment(environment, keyModel.rows())
 {
@@ -28,6 +35,7 @@ Proof Explorer::explore(const Visitor& visit)
                        before.surroundings};
             m_environment.follow(after, input, effects);
             ++m_proof.steps;
+            m_extraSteps += static_cast<quint64>(effects.size() / effectsPerStep);
             const Next next = visit({m_proof.environment, from, before, input, after, effects});
             m_nodes.insert(after, from, input);
             if (next == Next::Stop || !isWithinLimits()) {
@@ -56,7 +64,7 @@ Run Explorer::pathThrough(const Transition& transition) const
 
 bool Explorer::isWithinLimits() const
 {
-    return m_nodes.size() < m_limits.situations && m_proof.steps < m_limits.steps;
+    return m_nodes.size() < m_limits.situations && m_proof.steps + m_extraSteps < m_limits.steps;
 }
 
 } // namespace model

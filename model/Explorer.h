@@ -9,7 +9,8 @@
 
 namespace model {
 
-/// When a search gives up. The default number of situations takes about 100 MiB.
+/// When a search gives up. The default number of situations takes about 100 MiB. A step with many effects
+/// counts as several.
 struct Limits
 {
     quint32 situations = 2'000'000;
@@ -71,6 +72,7 @@ private:
     EnvironmentStep m_environment;
     NodeStore<Node> m_nodes;
     Proof m_proof;
+    quint64 m_extraSteps = 0; // for steps with many effects
 };
 
 } // namespace model
