@@ -6,10 +6,7 @@
 #include "model/Witness.h"
 #include "workbench/card/CardSentences.h"
 
-#include <ls/Identifiers.h>
-
 #include <algorithm>
-#include <iterator>
 
 using namespace model;
 using std::chrono::milliseconds;
@@ -18,23 +15,16 @@ namespace {
 
 constexpr milliseconds tapTime{50};
 
-/// Calls `function` with each step and each of its effects.
-template <typename Function>
-void forEachEffect(const Playback& playback, Function function)
+bool has(const PlayedStep& step, Rule rule)
 {
-    for (const PlayedStep& step : playback.steps()) {
-        for (const Effect& effect : step.effects) {
-            function(step, effect);
-        }
-    }
+    return std::any_of(step.effects.begin(), step.effects.end(),
+                       [rule](const Effect& effect) { return effect.rule == rule; });
 }
 
 bool has(const Playback& playback, Rule rule)
 {
-    bool isFound = false;
-    forEachEffect(playback,
-                  [&](const PlayedStep&, const Effect& effect) { isFound = isFound || effect.rule == rule; });
-    return isFound;
+    return std::any_of(playback.steps().begin(), playback.steps().end(),
+                       [rule](const PlayedStep& step) { return has(step, rule); });
 }
 
 KeyCardConsequence consequenceOf(const Playback& tap, Key key)
@@ -52,42 +42,38 @@ KeyCardConsequence consequenceOf(const Playback& tap, Key key)
                                   : KeyCardConsequence::SpokenAsZeroAnnouncedAfterWait;
 }
 
-/// The single keys that a gesture announces, in one order of releases or the other.
-QVector<KeyCardConsequence> consequencesOf(List list, const QVector<Playback>& endings)
+/// What a gesture also announces, in one order of releases or the other.
+QVector<KeyCardConsequence> consequencesOf(KeyCardKind kind, const QVector<Playback>& endings)
 {
-    bool isEachSent = false;
-    bool isMenuSent = false;
-    bool isKeySentAfterMenu = false;
-    bool isLastSent = false;
-    for (const Playback& ending : endings) {
-        const bool hasMenu = has(ending, Rule::MenuSentAtOnce);
-        const bool hasLoneKey = has(ending, Rule::LoneKeySent);
-        isEachSent = isEachSent || has(ending, Rule::KeySentAtOnce);
-        isMenuSent = isMenuSent || hasMenu;
-        isKeySentAfterMenu = isKeySentAfterMenu || (hasMenu && hasLoneKey);
-        isLastSent = isLastSent || (!hasMenu && hasLoneKey);
-    }
+    const auto sends = [&endings](Rule rule) {
+        return std::any_of(endings.begin(), endings.end(),
+                           [rule](const Playback& ending) { return has(ending, rule); });
+    };
+    const auto sendsLastKey = [&endings](bool isAfterMenu) {
+        return std::any_of(endings.begin(), endings.end(), [isAfterMenu](const Playback& ending) {
+            return has(ending, Rule::LoneKeySent) && has(ending, Rule::MenuSentAtOnce) == isAfterMenu;
+        });
+    };
     QVector<KeyCardConsequence> consequences;
-    if (isEachSent) {
+    if (sends(Rule::KeySentAtOnce)) {
         consequences.append(KeyCardConsequence::EachRelease);
     }
-    if (isMenuSent && list == List::Combinations) {
-        consequences.append(KeyCardConsequence::Menu);
-    } else if (isMenuSent) {
-        consequences.append(isKeySentAfterMenu ? KeyCardConsequence::MenuUnlessAfterHelpAndNextKey
-                                               : KeyCardConsequence::MenuUnlessAfterHelp);
+    if (sends(Rule::MenuSentAtOnce)) {
+        consequences.append(kind == KeyCardKind::Combination ? KeyCardConsequence::Menu
+                            : sendsLastKey(true) ? KeyCardConsequence::MenuUnlessAfterHelpAndNextKey
+                                                 : KeyCardConsequence::MenuUnlessAfterHelp);
     }
-    if (isLastSent) {
+    if (sendsLastKey(false)) {
         consequences.append(KeyCardConsequence::LastKey);
     }
-    if (has(endings.first(), Rule::FactoryResetCompletes)) {
+    if (kind != KeyCardKind::Hold && sends(Rule::FactoryResetCompletes)) {
         consequences.append(KeyCardConsequence::FactoryReset);
     }
     return consequences;
 }
 
 /// The keys of a gesture: those of a combination are complete when they are released.
-QStringList keysOf(List list, const Run& run)
+QStringList keysIn(const Run& run, List list)
 {
     const auto kind = list == List::Combinations ? Input::Kind::Release : Input::Kind::Press;
     QStringList keys;
@@ -114,9 +100,9 @@ QVector<Input> keysDownAfter(const Run& run)
 }
 
 /// Releases the keys at once, because a long press without time repeats, and waits for all effects.
-Playback ended(Playback playback, const QVector<Input>& releases)
+Playback ended(Playback playback, const QVector<Input>& presses)
 {
-    for (const Input press : releases) {
+    for (const Input press : presses) {
         playback.release(press.key(), press.device);
         playback.wait(tapTime);
     }
@@ -124,48 +110,33 @@ Playback ended(Playback playback, const QVector<Input>& releases)
     return playback;
 }
 
+/// Ascending.
 QVector<RowId> announcedRows(const Playback& playback)
 {
     QVector<RowId> rows;
-    forEachEffect(playback, [&rows](const PlayedStep&, const Effect& effect) {
-        if (effect.rule == Rule::Announces) {
-            rows.append(effect.row);
+    for (const PlayedStep& step : playback.steps()) {
+        for (const Effect& effect : step.effects) {
+            if (effect.rule == Rule::Announces) {
+                rows.append(effect.row);
+            }
         }
-    });
+    }
     std::sort(rows.begin(), rows.end());
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     return rows;
 }
 
-QVector<RowId> common(const QVector<RowId>& a, const QVector<RowId>& b)
-{
-    QVector<RowId> rows;
-    std::set_intersection(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(rows));
-    return rows;
-}
-
-QVector<RowId> without(const QVector<RowId>& all, const QVector<RowId>& others)
-{
-    QVector<RowId> rows;
-    std::set_difference(all.begin(), all.end(), others.begin(), others.end(), std::back_inserter(rows));
-    return rows;
-}
-
-/// The entry that `playback` announces in the step with an effect of `rule`, or in any step without it.
-KeyCardEntry entryOf(KeyCardKind kind, Key key, const Playback& playback, std::optional<Rule> rule = {})
+/// What `playback` announces apart from rows.
+KeyCardEntry entryOf(KeyCardKind kind, Key key, const Playback& playback)
 {
     KeyCardEntry entry;
     entry.kind = kind;
     entry.keys = QStringList(Alphabet::nameOf(key));
     for (const PlayedStep& step : playback.steps()) {
-        const bool isMeant =
-            !rule || std::any_of(step.effects.begin(), step.effects.end(),
-                                 [rule](const Effect& effect) { return effect.rule == *rule; });
         for (const Output& output : step.outputs) {
-            if (isMeant && output.kind == Output::Kind::Announce) {
+            if (output.kind == Output::Kind::Announce && !has(step, Rule::Announces)) {
                 entry.action = output.text;
                 entry.receivers.append(output.receiver);
-                entry.holdMs = rule ? int(step.at.count()) : 0;
             }
         }
     }
@@ -175,29 +146,14 @@ KeyCardEntry entryOf(KeyCardKind kind, Key key, const Playback& playback, std::o
 /// How often Menu directly follows Help.
 int menusAfterHelp(const QStringList& keys)
 {
-    int count = 0;
-    for (int i = 1; i < keys.size(); ++i) {
-        count += keys.at(i) == ls::KeyId::Menu && keys.at(i - 1) == ls::KeyId::Help ? 1 : 0;
-    }
-    return count;
+    static const QString pair =
+        Alphabet::nameOf(KeyFacts::help) + QLatin1Char(' ') + Alphabet::nameOf(KeyFacts::menu);
+    return keys.join(QLatin1Char(' ')).count(pair);
 }
 
 } // namespace
 
-KeyCardKind CardGestures::kindOf(List list)
-{
-    switch (list) {
-    case List::LongPresses:
-        return KeyCardKind::Long;
-    case List::Combinations:
-        return KeyCardKind::Combination;
-    case List::Shortcuts:
-        break;
-    }
-    return KeyCardKind::Shortcut;
-}
-
-std::optional<KeyCardEntry> CardGestures::singleKey(Key key, State state) const
+KeyCardEntry CardGestures::singleKey(Key key, State state) const
 {
     Playback tap(m_model, state);
     tap.press(key);
@@ -206,41 +162,50 @@ std::optional<KeyCardEntry> CardGestures::singleKey(Key key, State state) const
     tap.wait(KeyRules::singleKeyInterval);
     KeyCardEntry entry = entryOf(KeyCardKind::Single, key, tap);
     entry.consequences = {consequenceOf(tap, key)};
-    return entry.receivers.isEmpty() ? std::nullopt : std::optional(entry);
+    return entry;
 }
 
-std::optional<KeyCardEntry> CardGestures::factoryReset(State state) const
+KeyCardEntry CardGestures::factoryReset(State state) const
 {
+    const Input press = Input::press(KeyFacts::factoryReset);
     Playback hold(m_model, state);
-    hold.press(KeyFacts::factoryReset);
+    hold.press(press.key());
     hold.wait(KeyRules::factoryResetHold);
-    KeyCardEntry entry =
-        entryOf(KeyCardKind::Hold, KeyFacts::factoryReset, hold, Rule::FactoryResetCompletes);
-    entry.consequences =
-        consequencesOf(List::LongPresses, {ended(hold, {Input::press(KeyFacts::factoryReset)})});
-    entry.consequences.removeOne(KeyCardConsequence::FactoryReset); // the entry's own action
-    return entry.receivers.isEmpty() ? std::nullopt : std::optional(entry);
+    KeyCardEntry entry = entryOf(KeyCardKind::Hold, press.key(), hold);
+    entry.holdMs = int(hold.now().count());
+    entry.consequences = consequencesOf(entry.kind, {ended(hold, {press})});
+    return entry;
 }
 
 KeyCardEntry CardGestures::gesture(RowId row, const RowVerdict& verdict)
 {
     const Played& played = play(row.list, verdict);
     const KeyEntry& own = m_model.lists().row(row);
-    KeyCardEntry entry;
-    entry.kind = kindOf(row.list);
-    entry.keys = played.keys;
-    entry.holdMs = row.list == List::LongPresses ? played.completedAt : 0;
+    KeyCardEntry entry = played.entry;
     entry.action = own.eAction();
     entry.receivers = QStringList(own.receiverService());
     entry.timesAnnounced = played.times.value(row, 1);
-    entry.consequences = played.consequences;
-    entry.rowNotes = played.notes;
-    const QStringList ownKeys = own.isSequence() ? own.keys() : QStringList{own.firstKey(), own.lastKey()};
-    if (menusAfterHelp(entry.keys) > menusAfterHelp(ownKeys)) {
+    if (menusAfterHelp(entry.keys) > menusAfterHelp(keysOf(own, row.list))) {
         entry.rowNotes.append(QStringLiteral("Without Help before it, Menu is announced at once."));
     }
     entry.rowNotes += othersOf(row, played);
     return entry;
+}
+
+KeyCardKind CardGestures::kindOf(List list)
+{
+    static constexpr KeyCardKind kinds[] = {KeyCardKind::Long, KeyCardKind::Combination,
+                                            KeyCardKind::Shortcut};
+    return kinds[int(list)];
+}
+
+QStringList CardGestures::keysOf(const KeyEntry& row, List list)
+{
+    if (!row.isValid() || (list == List::Combinations && row.isSequence())) {
+        return row.keys();
+    }
+    return list == List::LongPresses ? QStringList(row.firstKey())
+                                     : QStringList{row.firstKey(), row.lastKey()};
 }
 
 const CardGestures::Played& CardGestures::play(List list, const RowVerdict& verdict)
@@ -260,29 +225,33 @@ CardGestures::Played CardGestures::played(List list, const Environment& environm
     const Playback completed = Witness::play(m_model, environment, run);
     const milliseconds end = completed.steps().last().at;
     Played played;
-    played.keys = keysOf(list, run);
-    played.completedAt = int(end.count());
-    forEachEffect(completed, [&](const PlayedStep& step, const Effect& effect) {
-        if (step.at == end && effect.rule == Rule::Announces) {
-            played.times[effect.row] += int(effect.count);
-        } else if (step.at < end && effect.rule == Rule::CombinationCompletes && list == effect.row.list) {
-            played.notes.append(
-                QStringLiteral("Row %1 is complete with %2 and begins the sequence.")
-                    .arg(QString::number(effect.row.index + 1), Alphabet::nameOf(effect.key)));
+    KeyCardEntry& entry = played.entry;
+    entry.kind = kindOf(list);
+    entry.keys = keysIn(run, list);
+    entry.holdMs = list == List::LongPresses ? int(end.count()) : 0;
+    for (const PlayedStep& step : completed.steps()) {
+        for (const Effect& effect : step.effects) {
+            if (step.at == end && effect.rule == Rule::Announces) {
+                played.times[effect.row] += int(effect.count);
+            } else if (step.at < end && effect.rule == Rule::CombinationCompletes &&
+                       list == effect.row.list) {
+                entry.rowNotes.append(
+                    QStringLiteral("Row %1 is complete with %2 and begins the sequence.")
+                        .arg(QString::number(effect.row.index + 1), Alphabet::nameOf(effect.key)));
+            }
         }
-    });
+    }
     const QVector<Input> down = keysDownAfter(run);
-    const Playback lastFirst = ended(completed, QVector<Input>(down.crbegin(), down.crend()));
     const Playback firstFirst = ended(completed, down);
-    played.consequences = consequencesOf(list, {lastFirst, firstFirst});
-    played.rows = common(announcedRows(lastFirst), announcedRows(firstFirst));
-    if (down.size() > 1) {
-        const auto note = [&played](Input first, const Playback& ending) {
-            played.rowsAfter.insert(Alphabet::nameOf(first.key()),
-                                    without(announcedRows(ending), played.rows));
-        };
-        note(down.last(), lastFirst);
-        note(down.first(), firstFirst);
+    const Playback lastFirst = ended(completed, QVector<Input>(down.crbegin(), down.crend()));
+    entry.consequences = consequencesOf(entry.kind, {lastFirst, firstFirst});
+    const QVector<RowId> rows = announcedRows(lastFirst);
+    const QVector<RowId> otherRows = announcedRows(firstFirst);
+    if (rows == otherRows) {
+        played.rows.insert(QString(), rows);
+    } else {
+        played.rows.insert(Alphabet::nameOf(down.last().key()), rows);
+        played.rows.insert(Alphabet::nameOf(down.first().key()), otherRows);
     }
     return played;
 }
@@ -290,20 +259,16 @@ CardGestures::Played CardGestures::played(List list, const Environment& environm
 QStringList CardGestures::othersOf(RowId row, const Played& played) const
 {
     QStringList sentences;
-    const auto add = [&](QVector<RowId> rows, const QString& releasedFirst) {
-        rows.removeOne(row);
+    for (auto it = played.rows.begin(); it != played.rows.end(); ++it) {
+        QVector<RowId> others = it.value();
+        others.removeOne(row);
         QStringList actions;
-        for (const RowId other : rows.mid(0, CardSentences::maxActions)) {
+        for (const RowId other : others.mid(0, CardSentences::maxActions)) {
             actions.append(m_model.lists().row(other).eAction());
         }
         if (!actions.isEmpty()) {
-            sentences.append(
-                CardSentences::alsoAnnounced(actions, rows.size() - actions.size(), releasedFirst));
+            sentences.append(CardSentences::alsoAnnounced(actions, others.size() - actions.size(), it.key()));
         }
-    };
-    add(played.rows, {});
-    for (auto it = played.rowsAfter.begin(); it != played.rowsAfter.end(); ++it) {
-        add(it.value(), it.key());
     }
     return sentences;
 }

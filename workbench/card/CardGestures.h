@@ -6,8 +6,6 @@
 
 #include <QHash>
 
-#include <optional>
-
 /// Plays gestures on the model of the keys and describes what they announce.
 class CardGestures
 {
@@ -15,31 +13,28 @@ public:
     /// `keyModel` must outlive this object.
     explicit CardGestures(const model::KeyModel& keyModel) : m_model(keyModel) {}
 
-    /// A tap of `key` in `state`; nothing if it is not announced.
-    std::optional<KeyCardEntry> singleKey(model::Key key, model::State state) const;
-    /// The hold of FactoryReset in `state`; nothing if it is not announced.
-    std::optional<KeyCardEntry> factoryReset(model::State state) const;
+    /// A tap of `key` in `state`; without receivers if it is not announced.
+    KeyCardEntry singleKey(model::Key key, model::State state) const;
+    /// The hold of FactoryReset in `state`; without receivers if it is not announced.
+    KeyCardEntry factoryReset(model::State state) const;
     /// The gesture of `row`, which is announced by the witness of `verdict`.
     KeyCardEntry gesture(model::RowId row, const model::RowVerdict& verdict);
 
     static KeyCardKind kindOf(model::List list);
+    /// The keys that decide whether the row is complete.
+    static QStringList keysOf(const KeyEntry& row, model::List list);
 
 private:
     /// A gesture that is completed, with its keys still down, and then ended by releasing them.
     struct Played
     {
-        QStringList keys;
-        /// When the last key of the gesture was moved or its time expired.
-        int completedAt = 0;
-        QVector<KeyCardConsequence> consequences;
-        /// Sentences about the keys before the last one.
-        QStringList notes;
-        /// How often the rows are announced at that moment.
+        /// What the rows that it announces have in common.
+        KeyCardEntry entry;
+        /// How often the rows are announced at the moment of the completion.
         QMap<model::RowId, int> times;
-        /// All rows that are announced, in order, and those that only one order of releases announces, by
-        /// the key that is released first.
-        QVector<model::RowId> rows;
-        QMap<QString, QVector<model::RowId>> rowsAfter;
+        /// All rows that are announced, by the key that is released first; the key is empty if it does not
+        /// matter.
+        QMap<QString, QVector<model::RowId>> rows;
     };
 
     const Played& play(model::List list, const model::RowVerdict& verdict);

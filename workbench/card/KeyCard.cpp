@@ -3,7 +3,6 @@
 
 #include "model/RowProofs.h"
 #include "workbench/card/CardGestures.h"
-#include "workbench/card/CardSearch.h"
 #include "workbench/card/CardSentences.h"
 #include "workbench/card/NeverReasons.h"
 
@@ -13,45 +12,70 @@ using namespace model;
 
 namespace {
 
-/// Thousands of pairs may each need all keys of one long row.
+const QString orvane = QStringLiteral("Orvane");
+
+/// Enough for lists of a thousand usual rows. A search that reaches them has taken about half a second.
+constexpr Limits limits{200'000, 4'000'000};
+/// Also a limit of the search: thousands of pairs may each need all keys of one long row.
 constexpr int maxAddedKeys = 100;
+
+/// A person at the panel, while the state stays the same: with two fingers, because no row needs more.
+Environment assumptions()
+{
+    Environment environment;
+    environment.kind = Environment::Kind::Person;
+    environment.panelKeysOnly = true;
+    environment.stateChanges = false;
+    environment.keyboardTest = false;
+    return environment;
+}
 
 /// Makes the parts of a card for given lists.
 class CardMaker
 {
 public:
     explicit CardMaker(const KeyLists& lists)
-        : m_model(lists), m_proofs(lists, CardSearch::environment(), CardSearch::limits), m_gestures(m_model)
+        : m_model(lists), m_proofs(lists, assumptions(), limits), m_gestures(m_model)
     {}
 
-    KeyCardState stateCard(State state);
-    bool isAnnouncedIn(State state) const;
+    QVector<KeyCardState> states();
     QVector<KeyCardDeadRow> deadRows() const;
-    /// A sentence for each list with rows that are not proved, or whose keys are too many to list.
+    /// A sentence for each list with rows that are neither proved to work nor not to work.
     QStringList unproved() const;
 
 private:
     const KeyLists& lists() const { return m_model.lists(); }
-    bool isAnnounced(RowId row, State state) const
-    {
-        return m_proofs.of(row, state).kind == RowVerdict::Kind::Announced;
-    }
-    bool isListed(RowId row, State state) const;
+    KeyCardState stateCard(State state, const QVector<RowId>& rows);
+    bool isProved(RowId row, State state) const;
     bool isUnproved(RowId row) const;
     KeyCardEntry entryOf(RowId row, State state);
-    KeyCardDeadRow deadRow(RowId row, const QString& why) const;
+    KeyCardDeadRow deadRow(RowId row) const;
 
     KeyModel m_model;
     RowProofs m_proofs;
     CardGestures m_gestures;
 };
 
-KeyCardState CardMaker::stateCard(State state)
+QVector<KeyCardState> CardMaker::states()
+{
+    QVector<KeyCardState> cards;
+    for (const State state : Alphabet::states()) {
+        QVector<RowId> rows = lists().ids();
+        const auto isOther = [&](RowId row) { return !isProved(row, state); };
+        rows.erase(std::remove_if(rows.begin(), rows.end(), isOther), rows.end());
+        if (state != State::Undefined || !rows.isEmpty()) {
+            cards.append(stateCard(state, rows));
+        }
+    }
+    return cards;
+}
+
+KeyCardState CardMaker::stateCard(State state, const QVector<RowId>& rows)
 {
     KeyCardState card{Alphabet::nameOf(state), {}};
-    const auto add = [&card](const std::optional<KeyCardEntry>& entry) {
-        if (entry) {
-            card.entries.append(*entry);
+    const auto add = [&card](const KeyCardEntry& entry) {
+        if (!entry.receivers.isEmpty()) {
+            card.entries.append(entry);
         }
     };
     for (const Key key : Alphabet::keys()) {
@@ -59,10 +83,8 @@ KeyCardState CardMaker::stateCard(State state)
             add(m_gestures.singleKey(key, state));
         }
     }
-    for (const RowId row : lists().ids()) {
-        if (isListed(row, state)) {
-            card.entries.append(entryOf(row, state));
-        }
+    for (const RowId row : rows) {
+        add(entryOf(row, state));
     }
     add(m_gestures.factoryReset(state));
     return card;
@@ -71,44 +93,32 @@ KeyCardState CardMaker::stateCard(State state)
 KeyCardEntry CardMaker::entryOf(RowId row, State state)
 {
     KeyCardEntry entry = m_gestures.gesture(row, m_proofs.of(row, state));
-    QStringList reasons;
-    const QStringList states = lists().statesOf(row);
-    for (const QString& name : states) {
-        const auto named = Alphabet::stateOf(name);
-        if (!named || m_proofs.of(row, *named).kind == RowVerdict::Kind::Never) {
-            reasons.append(NeverReasons::whyNotIn(name, row.list));
-        }
-    }
-    reasons.removeDuplicates();
+    QStringList reasons = NeverReasons::byState(lists(), row);
+    reasons.removeAll(QString());
     entry.rowNotes = reasons + entry.rowNotes;
     return entry;
 }
 
-bool CardMaker::isListed(RowId row, State state) const
+/// Whether the row is proved to work in the state, with keys that can be listed.
+bool CardMaker::isProved(RowId row, State state) const
 {
+    const RowVerdict& verdict = m_proofs.of(row, state);
     const int maxInputs = 2 * (lists().row(row).keyCount() + maxAddedKeys); // a press and a release
-    return isAnnounced(row, state) && m_proofs.of(row, state).witness.inputs.size() <= maxInputs;
-}
-
-bool CardMaker::isAnnouncedIn(State state) const
-{
-    const auto ids = lists().ids();
-    return std::any_of(ids.begin(), ids.end(), [&](RowId row) { return isAnnounced(row, state); });
+    return verdict.kind == RowVerdict::Kind::Announced && verdict.witness.inputs.size() <= maxInputs;
 }
 
 QVector<KeyCardDeadRow> CardMaker::deadRows() const
 {
-    NeverReasons reasons(lists());
     QVector<KeyCardDeadRow> rows;
     for (const RowId row : lists().ids()) {
         if (m_proofs.isNever(row)) {
-            rows.append(deadRow(row, reasons.of(row)));
+            rows.append(deadRow(row));
         }
     }
     return rows;
 }
 
-KeyCardDeadRow CardMaker::deadRow(RowId row, const QString& why) const
+KeyCardDeadRow CardMaker::deadRow(RowId row) const
 {
     const KeyEntry& entry = lists().row(row);
     const Proof& proof = m_proofs.of(row, Alphabet::states().first()).proof;
@@ -118,24 +128,23 @@ KeyCardDeadRow CardMaker::deadRow(RowId row, const QString& why) const
             entry.eAction(),
             entry.receiverService(),
             entry.validOnState(),
-            why,
+            NeverReasons::of(m_model, row),
             proof.situations,
             proof.steps};
 }
 
+/// Whether it is open where the row works: in a state that it names, or at all.
 bool CardMaker::isUnproved(RowId row) const
 {
     const auto& named = m_model.rows().delivery(row).named;
-    bool isAnnouncedAnywhere = false;
-    for (const State state : Alphabet::states()) {
-        const bool isOpen =
-            named[size_t(state)] > 0 && m_proofs.of(row, state).kind == RowVerdict::Kind::NotProved;
-        if (isOpen || (isAnnounced(row, state) && !isListed(row, state))) {
-            return true;
-        }
-        isAnnouncedAnywhere = isAnnouncedAnywhere || isAnnounced(row, state);
-    }
-    return !isAnnouncedAnywhere && !m_proofs.isNever(row);
+    const auto& states = Alphabet::states();
+    const auto isOpen = [&](State state) {
+        return named[size_t(state)] > 0 && !isProved(row, state) &&
+               m_proofs.of(row, state).kind != RowVerdict::Kind::Never;
+    };
+    const auto works = [&](State state) { return isProved(row, state); };
+    return !m_proofs.isNever(row) && (std::any_of(states.begin(), states.end(), isOpen) ||
+                                      std::none_of(states.begin(), states.end(), works));
 }
 
 QStringList CardMaker::unproved() const
@@ -159,21 +168,17 @@ QStringList CardMaker::unproved() const
 
 KeyCard KeyCard::from(const QMap<QString, QByteArray>& keyLists, const QString& model)
 {
-    return of(KeyLists::read(keyLists, model == QLatin1String("Orvane")), model);
+    return of(KeyLists::read(keyLists, model == orvane));
 }
 
-KeyCard KeyCard::of(const KeyLists& lists, const QString& model)
+KeyCard KeyCard::of(const KeyLists& lists)
 {
     CardMaker maker(lists);
     KeyCard card;
-    card.model = model;
-    for (const State state : Alphabet::states()) {
-        if (state != State::Undefined || maker.isAnnouncedIn(state)) {
-            card.states.append(maker.stateCard(state));
-        }
-    }
+    card.model = lists.isOrvane ? orvane : QStringLiteral("Pellit");
+    card.states = maker.states();
     card.deadRows = maker.deadRows();
-    card.environment = CardSearch::environment().toText();
+    card.environment = assumptions().toText();
     for (const List list : lists.unreadable) {
         card.notes.append(
             QStringLiteral("%1 has no readable list, so none of its rows work.").arg(KeyLists::fileOf(list)));

@@ -27,5 +27,5 @@ struct KeyCard
     /// counts as Pellit. Not thread-safe, because it temporarily silences the log of the process.
     static KeyCard from(const QMap<QString, QByteArray>& keyLists, const QString& model);
     /// Thread-safe. Takes milliseconds for usual lists; the limits of the searches bound the time for others.
-    static KeyCard of(const model::KeyLists& lists, const QString& model);
+    static KeyCard of(const model::KeyLists& lists);
 };

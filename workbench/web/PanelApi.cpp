@@ -184,13 +184,11 @@ void PanelApi::makeCard(HttpAnswer (*answerOf)(const KeyCard& card), const Reply
 /// The first thread that needs the card makes it, and the others wait for it.
 std::shared_future<KeyCard> PanelApi::currentCard()
 {
-    const QMap<QString, QByteArray> files = m_session.keyLists();
-    const QString model = m_session.model();
-    if (!m_card.valid() || files != m_cardLists || model != m_cardModel) {
-        m_cardLists = files;
-        m_cardModel = model;
-        const auto lists = model::KeyLists::read(files, model == QLatin1String("Orvane"));
-        m_card = std::async(std::launch::deferred, [lists, model] { return KeyCard::of(lists, model); });
+    const auto lists = std::make_pair(m_session.keyLists(), m_session.model());
+    if (!m_card.valid() || lists != m_cardLists) {
+        m_cardLists = lists;
+        m_card = std::async(std::launch::deferred, &KeyCard::of,
+                            model::KeyLists::read(lists.first, lists.second == QLatin1String("Orvane")));
     }
     return m_card;
 }

@@ -42,7 +42,6 @@ private:
     EventStreams& m_streams;
     /// The last card, and the key lists and the model that it is for.
     std::shared_future<KeyCard> m_card;
-    QMap<QString, QByteArray> m_cardLists;
-    QString m_cardModel;
+    std::pair<QMap<QString, QByteArray>, QString> m_cardLists;
     BackgroundWork m_work;
 };
