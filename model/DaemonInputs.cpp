@@ -12,8 +12,6 @@ namespace model {
 
 namespace {
 
-constexpr quint16 keyEventType = 1; // EV_KEY
-
 /// Keys that a command passes directly to a recogniser: all of them, or none if one is unknown.
 QVector<Input> simulated(Input::Kind kind, const QStringList& keys)
 {
@@ -30,7 +28,8 @@ QVector<Input> simulated(Input::Kind kind, const QStringList& keys)
 QVector<Input> simulatedKey(const QString& key, const QString& action)
 {
     const bool isKnown = ls::KeyId::meta.contains(key) && ls::KeyActionId::meta.contains(action);
-    return isKnown ? DaemonInputs::ofRecord(keyEventType, static_cast<quint16>(ls::KeyId::meta.value(key)),
+    return isKnown ? DaemonInputs::ofRecord(DaemonInputs::keyEventType,
+                                            static_cast<quint16>(ls::KeyId::meta.value(key)),
                                             ls::KeyActionId::meta.value(action), 0)
                    : QVector<Input>();
 }

@@ -10,6 +10,9 @@
 
 namespace model::DaemonInputs {
 
+/// The type of the records of keys.
+constexpr quint16 keyEventType = 1; // EV_KEY
+
 /// A record of an input device.
 QVector<Input> ofRecord(quint16 type, quint16 code, qint32 value, int device);
 /// A state that the state handler announces.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "model/Witness.h"
 
+#include "model/DaemonInputs.h"
+
 #include <ls/Identifiers.h>
 
 #include <algorithm>
@@ -10,8 +12,6 @@ using std::chrono::milliseconds;
 namespace model {
 
 namespace {
-
-constexpr int keyEventType = 1;
 
 /// Writes the statements of a key script.
 class ScriptText
@@ -91,7 +91,7 @@ void ScriptText::writeKey(Input input, bool isFinger)
     } else {
         const int value = isPress ? 1 : input.kind == Input::Kind::Release ? 0 : 2;
         m_lines << QStringLiteral("record %1 %2 %3")
-                       .arg(keyEventType)
+                       .arg(DaemonInputs::keyEventType)
                        .arg(Alphabet::codeOf(input.key()))
                        .arg(value);
     }
