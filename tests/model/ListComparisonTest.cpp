@@ -22,6 +22,7 @@ constexpr int seedCount = 10;
 constexpr const char* seedsVariable = "MODEL_SEEDS";
 constexpr int scriptsOfPair = 20;
 constexpr int maxFingers = 2;
+constexpr auto maxScript = std::chrono::hours(24);
 
 Environment person()
 {
@@ -148,7 +149,9 @@ void checkSide(const KeyLists& lists, const QVector<PlayedStep>& steps, const QV
         }
     }
     QCOMPARE(last, textsOf(outputs));
-    QCOMPARE(ScriptOnDevice::difference(Witness::toScript(playback, lists), lists), QString());
+    if (end < maxScript) { // a script lasts no longer
+        QCOMPARE(ScriptOnDevice::difference(Witness::toScript(playback, lists), lists), QString());
+    }
 }
 
 /// What a person with two fingers does at one device, while the state stays as it is.
