@@ -174,9 +174,9 @@ QString EffectWords::phraseOfKey(const PlayedStep& step, const Effect& effect) c
     case Rule::NameOmitted:
         return QStringLiteral("is not spoken: the name of %1 never is on a Pellit").arg(key);
     case Rule::KeyWaits:
-        return effect.key == Key::None
-                   ? QStringLiteral("is never sent")
-                   : QStringLiteral("waits %1 for further keys").arg(Times::duration(KeyRules::singleKeyInterval));
+        return effect.key == Key::None ? QStringLiteral("is never sent")
+                                       : QStringLiteral("waits %1 for further keys")
+                                             .arg(Times::duration(KeyRules::singleKeyInterval));
     case Rule::LoneKeyDropped:
         return QStringLiteral("%1 is not sent: the state is no longer Idle").arg(key);
     case Rule::TestNameSpoken:

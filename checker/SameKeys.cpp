@@ -12,8 +12,8 @@ using model::RowId;
 
 namespace {
 
-/// What two rows with the same gesture in the same state have in common. A pair is recognised by its first and last
-/// key, a longer row by all keys.
+/// What two rows with the same gesture in the same state have in common. A pair is recognised by its first
+/// and last key, a longer row by all keys.
 QStringList gestureOf(const KeyEntry& row)
 {
     const QStringList keys = row.isSequence() ? row.keys() : QStringList{row.firstKey(), row.lastKey()};
@@ -35,7 +35,8 @@ QVector<Finding> SameKeys::of(const model::KeyLists& lists, const RowPlaces& pla
             finding.row = {List::Combinations, i};
             finding.place = places.member(finding.row, KeyListFields::keys);
             const RowId other{List::Combinations, first.value(gesture)};
-            finding.message = QStringLiteral("row %1 has the same keys, and both actions are announced").arg(other.index + 1);
+            finding.message = QStringLiteral("row %1 has the same keys, and both actions are announced")
+                                  .arg(other.index + 1);
             finding.related.append(places.member(other, KeyListFields::keys));
             finding.related.last().remark = QStringLiteral("row %1").arg(other.index + 1);
             findings.append(finding);

@@ -8,8 +8,8 @@ namespace checker {
 
 namespace SameKeys {
 
-/// Pairs of combinations with the same keys in the same state: one gesture announces both. In the other lists, one of
-/// two such rows hides the other.
+/// Pairs of combinations with the same keys in the same state: one gesture announces both. In the other
+/// lists, one of two such rows hides the other.
 QVector<Finding> of(const model::KeyLists& lists, const RowPlaces& places);
 
 } // namespace SameKeys

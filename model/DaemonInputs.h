@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-/// Which inputs of the model the daemon's inputs are. Those that do not affect keys, or that the daemon
-/// refuses, are none.
+/// Which inputs of the model the daemon's inputs are. Inputs that do not affect keys, or that the daemon
+/// refuses, have no counterpart.
 #pragma once
 
 #include "model/Input.h"

@@ -15,7 +15,7 @@ constexpr Parts bit(Part part)
 /// The descriptions of the rules. The namespace keeps its short names from other sources.
 namespace table {
 
-constexpr Parts none = 0;
+constexpr Parts noPart = 0;
 constexpr Parts state = bit(Part::State);
 constexpr Parts last = bit(Part::LastKey);
 constexpr Parts held = bit(Part::HeldKey);
@@ -37,44 +37,44 @@ struct Description
 
 // In the order of the rules.
 constexpr Description descriptions[] = {
-    {"StartupRefuses", state, none, true},
-    {"StartupIgnores", state, none, false},
+    {"StartupRefuses", state, noPart, true},
+    {"StartupIgnores", state, noPart, false},
     {"ShortcutOpens", held, held, false},
-    {"ShortcutCompletes", held, none, false},
+    {"ShortcutCompletes", held, noPart, false},
     {"ShortcutCloses", held, held, false},
     {"CombinationOpens", first, static_cast<Parts>(first | sequence), false},
     {"CombinationCompletes", static_cast<Parts>(first | sequence), sequence, true},
     {"SequenceHides", static_cast<Parts>(first | sequence), sequence, false},
     {"LongPressArms", armed, armed, false},
-    {"LongPressContinues", armed, none, false},
+    {"LongPressContinues", armed, noPart, false},
     {"LongPressStops", armed, armed, false},
     {"LongPressCompletes", armed, armed, false},
-    {"Announces", state, none, true},
-    {"RefusesState", state, none, false},
-    {"DropsReceiver", none, none, false},
-    {"MarksGesture", none, gesture, false},
-    {"WindowOpens", none, window, false},
+    {"Announces", state, noPart, true},
+    {"RefusesState", state, noPart, false},
+    {"DropsReceiver", noPart, noPart, false},
+    {"MarksGesture", noPart, gesture, false},
+    {"WindowOpens", noPart, window, false},
     {"KeyReplaced", last, last, false},
-    {"MenuSentAtOnce", static_cast<Parts>(state | last), none, true},
-    {"MenuWaits", static_cast<Parts>(state | last), none, false},
-    {"NameSpoken", static_cast<Parts>(state | gesture), none, true},
-    {"NameSilenced", static_cast<Parts>(state | gesture), none, false},
-    {"NameOmitted", state, none, false},
+    {"MenuSentAtOnce", static_cast<Parts>(state | last), noPart, true},
+    {"MenuWaits", static_cast<Parts>(state | last), noPart, false},
+    {"NameSpoken", static_cast<Parts>(state | gesture), noPart, true},
+    {"NameSilenced", static_cast<Parts>(state | gesture), noPart, false},
+    {"NameOmitted", state, noPart, false},
     {"KeyWaits", state, last, false},
-    {"LoneKeySent", static_cast<Parts>(state | last | gesture), none, true},
-    {"LoneKeyUsedUp", static_cast<Parts>(state | last | gesture), none, false},
-    {"LoneKeyDropped", static_cast<Parts>(state | last), none, false},
-    {"KeySentAtOnce", static_cast<Parts>(state | test), none, true},
-    {"TestNameSpoken", static_cast<Parts>(state | test), none, true},
+    {"LoneKeySent", static_cast<Parts>(state | last | gesture), noPart, true},
+    {"LoneKeyUsedUp", static_cast<Parts>(state | last | gesture), noPart, false},
+    {"LoneKeyDropped", static_cast<Parts>(state | last), noPart, false},
+    {"KeySentAtOnce", static_cast<Parts>(state | test), noPart, true},
+    {"TestNameSpoken", static_cast<Parts>(state | test), noPart, true},
     {"TestCounts", static_cast<Parts>(state | test), last, false},
     {"TestEnds", static_cast<Parts>(state | test), test, true},
-    {"TestBegins", none, test, false},
-    {"KeysForgotten", none, static_cast<Parts>(last | held | first | sequence | armed | gesture), false},
+    {"TestBegins", noPart, test, false},
+    {"KeysForgotten", noPart, static_cast<Parts>(last | held | first | sequence | armed | gesture), false},
     {"WindowCloses", window, window, false},
-    {"FactoryResetStarts", none, reset, false},
+    {"FactoryResetStarts", noPart, reset, false},
     {"FactoryResetStops", reset, reset, false},
     {"FactoryResetCompletes", reset, reset, true},
-    {"StateChanges", none, state, false},
+    {"StateChanges", noPart, state, false},
 };
 static_assert(std::size(descriptions) == ruleCount);
 

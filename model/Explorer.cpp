@@ -23,7 +23,7 @@ Proof Explorer::explore(const Visitor& visit)
     const QVector<Node> starts = m_environment.starts();
     for (Node node : starts) {
         node.situation = m_model.canonical(node.situation);
-        m_nodes.insert(node, NodeStore<Node>::none, {});
+        m_nodes.insert(node, NodeStore<Node>::noNode, {});
     }
     Inputs inputs;
     Effects effects;
@@ -54,7 +54,7 @@ Run Explorer::pathThrough(const Transition& transition) const
     Run run;
     run.inputs.append(transition.input);
     quint32 at = transition.from;
-    for (; m_nodes.parent(at) != NodeStore<Node>::none; at = m_nodes.parent(at)) {
+    for (; m_nodes.parent(at) != NodeStore<Node>::noNode; at = m_nodes.parent(at)) {
         run.inputs.append(m_nodes.input(at));
     }
     run.start = m_nodes.at(at).situation.state;

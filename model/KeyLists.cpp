@@ -65,7 +65,8 @@ KeyLists KeyLists::read(const QMap<QString, QByteArray>& files, bool isOrvane)
     KeyLists lists;
     lists.isOrvane = isOrvane;
     for (const List list : allLists) {
-        const auto file = KeyListFile::take(mapOf(files.value(fileOf(list))), rowKeyListOf(list), Q_FUNC_INFO);
+        const auto file =
+            KeyListFile::take(mapOf(files.value(fileOf(list))), rowKeyListOf(list), Q_FUNC_INFO);
         lists.*rowsOf(list) = file.rows;
         if (file.content.isEmpty()) {
             lists.unreadable.append(list);

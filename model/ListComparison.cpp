@@ -243,7 +243,7 @@ QVector<Difference> ListComparison::Search::find()
 {
     const QVector<Node> starts = m_environment.starts();
     for (const Node& node : starts) {
-        m_nodes.insert({node.situation, node.situation, node.surroundings}, NodeStore<Pair>::none, {});
+        m_nodes.insert({node.situation, node.situation, node.surroundings}, NodeStore<Pair>::noNode, {});
     }
     explore();
     m_proof.situations = m_nodes.size();
@@ -365,7 +365,7 @@ void ListComparison::Search::confirm(quint32 from, Input input, const QStringLis
         return;
     }
     QVector<Input> inputs{input};
-    for (; m_nodes.parent(from) != NodeStore<Pair>::none; from = m_nodes.parent(from)) {
+    for (; m_nodes.parent(from) != NodeStore<Pair>::noNode; from = m_nodes.parent(from)) {
         inputs.prepend(m_nodes.input(from));
     }
     PairPlayer player(m_comparison.m_old, m_comparison.m_new, m_nodes.at(from).oldSituation.state);

@@ -19,13 +19,13 @@ class NodeStore
     static_assert(std::has_unique_object_representations_v<Node> && sizeof(Node) % sizeof(quint64) == 0);
 
 public:
-    static constexpr quint32 none = ~quint32(0);
+    static constexpr quint32 noNode = ~quint32(0);
 
-    NodeStore() : m_table(minTableSize, none) {}
+    NodeStore() : m_table(minTableSize, noNode) {}
 
     quint32 size() const { return m_size; }
     const Node& at(quint32 index) const { return entry(index).node; }
-    /// The node from which `index` was found, and the input between them; `none` for an initial node.
+    /// The node from which `index` was found, and the input between them; `noNode` for an initial node.
     quint32 parent(quint32 index) const { return entry(index).parent; }
     Input input(quint32 index) const { return entry(index).input; }
 
@@ -65,7 +65,7 @@ template <typename Node>
 quint32 NodeStore<Node>::insert(const Node& node, quint32 parent, Input input)
 {
     quint32& found = m_table[slotOf(node)];
-    if (found != none) {
+    if (found != noNode) {
         return found;
     }
     const quint32 index = m_size;
@@ -97,7 +97,7 @@ size_t NodeStore<Node>::slotOf(const Node& node) const
 {
     const size_t mask = m_table.size() - 1;
     size_t slot = hash(node) & mask;
-    while (m_table[slot] != none && std::memcmp(&at(m_table[slot]), &node, sizeof node) != 0) {
+    while (m_table[slot] != noNode && std::memcmp(&at(m_table[slot]), &node, sizeof node) != 0) {
         slot = (slot + 1) & mask;
     }
     return slot;
@@ -116,7 +116,7 @@ void NodeStore<Node>::append(const Entry& entry)
 template <typename Node>
 void NodeStore<Node>::grow()
 {
-    std::vector<quint32>(m_table.size() * 2, none).swap(m_table);
+    std::vector<quint32>(m_table.size() * 2, noNode).swap(m_table);
     for (quint32 index = 0; index < m_size; ++index) {
         m_table[slotOf(at(index))] = index;
     }

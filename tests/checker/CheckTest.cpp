@@ -337,8 +337,9 @@ void CheckTest::aSearchThatEndsAtItsLimitProvesNothing()
     CheckOptions options;
     options.limits = {10, 10};
     const ListSources sources = ListTexts::withRows({}, row("\"Help\", \"Feed\"", "A"), {});
-    QCOMPARE(found(sources, options),
-             QStringList("warning not-proved 2:11 not proved: the search for \"A\" in Idle ended at its limit"));
+    QCOMPARE(
+        found(sources, options),
+        QStringList("warning not-proved 2:11 not proved: the search for \"A\" in Idle ended at its limit"));
     const CheckResult result = check(sources, options);
     QVERIFY(!result.isProved);
     QVERIFY(FindingText(sources, false).summary(result).contains("Not all is proved"));

@@ -62,7 +62,8 @@ void FindingJsonTest::aFindingWithoutExtras()
 void FindingJsonTest::aFindingWithAllParts()
 {
     const QJsonObject finding = sampleFinding(1);
-    QCOMPARE(finding.value("message").toString(), QString("no keys announce \"{0}\x1b") + QChar(0xD800) + "\"");
+    QCOMPARE(finding.value("message").toString(),
+             QString("no keys announce \"{0}\x1b") + QChar(0xD800) + "\"");
     QCOMPARE(finding.value("file").toString(), QString::fromUtf8("my lists/ü:100%.json"));
     // The key is one character, but two units of UTF-16 and four bytes.
     QCOMPARE(finding.value("line").toInt(), 2);

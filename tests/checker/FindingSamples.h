@@ -9,7 +9,8 @@ namespace FindingSamples {
 
 /// Two lists; the combinations have invalid text and characters outside of the first plane.
 checker::ListSources sources();
-/// A finding about the combinations with all parts, and one about the long presses with only the required ones.
+/// A finding about the combinations with all parts, and one about the long presses with only the required
+/// ones.
 checker::CheckResult result();
 
 } // namespace FindingSamples

@@ -39,7 +39,8 @@ QByteArray RandomText::blank()
 
 QByteArray RandomText::text()
 {
-    static const QByteArrayList parts{"a", "keys", "\\\"", "\\\\", "\\u0041", "\\ud83d\\ude00", "ä", "{", "]", ",", ":", "\\n", "\x7f", "\xff"};
+    static const QByteArrayList parts{"a", "keys", "\\\"", "\\\\", "\\u0041", "\\ud83d\\ude00", "ä",
+                                      "{", "]",    ",",    ":",    "\\n",     "\x7f",           "\xff"};
     QByteArray result;
     for (int count = roll(4); count > 0; --count) {
         result += parts.at(roll(parts.size()));
@@ -71,20 +72,24 @@ QByteArray RandomText::value(int depth)
 /// The value of a text that is a part of another.
 QJsonValue alone(const QByteArray& text, Range range)
 {
-    return QJsonDocument::fromJson('[' + text.mid(range.begin, range.end - range.begin) + ']').array().first();
+    return QJsonDocument::fromJson('[' + text.mid(range.begin, range.end - range.begin) + ']')
+        .array()
+        .first();
 }
 
 /// What is wrong with the place of a value, or of one in it.
 QString faultOf(const JsonNode& node, const QJsonValue& value, const QByteArray& text)
 {
     if (alone(text, node.range) != value) {
-        return QStringLiteral("the text from %1 to %2 is another value").arg(node.range.begin).arg(node.range.end);
+        return QStringLiteral("the text from %1 to %2 is another value")
+            .arg(node.range.begin)
+            .arg(node.range.end);
     }
     for (size_t i = 0; i < node.children.size(); ++i) {
         const JsonNode& child = node.children[i];
         const bool isKept = !value.isObject() || node.member(child.name) == &child;
-        const QJsonValue part = value.isObject() ? value.toObject().value(child.name)
-                                                 : value.toArray().at(static_cast<int>(i));
+        const QJsonValue part =
+            value.isObject() ? value.toObject().value(child.name) : value.toArray().at(static_cast<int>(i));
         const QString fault = isKept ? faultOf(child, part, text) : QString();
         if (!fault.isEmpty()) {
             return fault;
@@ -149,7 +154,8 @@ void JsonTextTest::eachPlaceHasTheValueThatQtReads()
             continue;
         }
         ++accepted;
-        const QJsonValue value = document.isObject() ? QJsonValue(document.object()) : QJsonValue(document.array());
+        const QJsonValue value =
+            document.isObject() ? QJsonValue(document.object()) : QJsonValue(document.array());
         const QString fault = faultOf(JsonText::scan(text), value, text);
         QVERIFY2(fault.isEmpty(), qPrintable(QStringLiteral("seed %1: %2\n").arg(seed).arg(fault) + text));
     }
@@ -160,7 +166,8 @@ void JsonTextTest::anyTextIsScannedWithinItsBounds()
 {
     for (unsigned seed = 1; seed <= seeds; ++seed) {
         const QByteArray whole = RandomText(seed).value(4);
-        const QByteArray text = whole.left(static_cast<int>(seed % 40)) + whole.mid(static_cast<int>(seed % 47));
+        const QByteArray text =
+            whole.left(static_cast<int>(seed % 40)) + whole.mid(static_cast<int>(seed % 47));
         const JsonNode root = JsonText::scan(text);
         QVERIFY(root.range.begin >= 0 && root.range.begin <= root.range.end && root.range.end <= text.size());
     }

@@ -14,7 +14,8 @@ inline checker::ListSources withRows(const QByteArray& longPresses, const QByteA
     const std::array<QByteArray, 3> rows{longPresses, combinations, shortcuts};
     for (const model::List list : model::allLists) {
         const auto index = static_cast<size_t>(list);
-        const QByteArray text = "{\"" + model::KeyLists::sectionOf(list).toUtf8() + "\": [\n" + rows[index] + "]}\n";
+        const QByteArray text =
+            "{\"" + model::KeyLists::sectionOf(list).toUtf8() + "\": [\n" + rows[index] + "]}\n";
         sources.files[index] = checker::SourceFile(model::KeyLists::fileOf(list), text);
         sources.found.append(list);
     }

@@ -44,7 +44,8 @@ KeyScript randomScript(quint64 seed)
 /// The causes of everything in `statements`, which begin in Idle.
 QVector<QVector<Edit>> causesIn(const QVector<KeyRow>& rows, const QString& statements)
 {
-    const CauseSearch search(ListMaps::ofRows(rows), checker::ScriptArgument::ofStatements(statements).script);
+    const CauseSearch search(ListMaps::ofRows(rows),
+                             checker::ScriptArgument::ofStatements(statements).script);
     QVector<QVector<Edit>> causes;
     for (const Swallowed& swallowed : search.swallowed()) {
         causes.append(search.causesOf(swallowed));

@@ -70,7 +70,7 @@ Announced byDaemon(const KeyLists& lists, const Environment& environment)
     DaemonStep daemon(lists);
     NodeStore<Node> nodes;
     for (const Node& start : around.starts()) {
-        nodes.insert(start, NodeStore<Node>::none, {});
+        nodes.insert(start, NodeStore<Node>::noNode, {});
     }
     Announced all;
     Inputs inputs;
