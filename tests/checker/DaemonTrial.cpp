@@ -120,6 +120,16 @@ QStringList DaemonTrial::before(milliseconds time) const
     return texts;
 }
 
+/// The index of the played step to which an event belongs, including long presses without delay; -1 if the
+/// event came between two steps.
+int DaemonTrial::stepOf(const PlayEvent& event) const
+{
+    const int index = event.place.steps - 1;
+    const bool isInStep =
+        index >= 0 && (event.place.isInStep() || event.at == m_play.script.steps.at(index).at);
+    return isInStep ? index : -1;
+}
+
 /// Sorted, because speech passes the event loop.
 QStringList DaemonTrial::observationsAt(const Occasion& occasion) const
 {
@@ -127,9 +137,9 @@ QStringList DaemonTrial::observationsAt(const Occasion& occasion) const
     const milliseconds time = timeOf(occasion);
     QStringList texts;
     for (const PlayEvent& event : m_play.events) {
-        const bool isInStep = event.place.isInStep() && event.place.steps == index + 1;
-        const bool isTimer = !event.place.isInStep() && event.at == time;
-        if (isAction(event.text) && (occasion.after ? isTimer : isInStep)) {
+        const int step = stepOf(event);
+        const bool isMeant = occasion.after ? step == -1 && event.at == time : step != -1 && step == index;
+        if (isMeant && isAction(event.text)) {
             texts.append(event.text);
         }
     }

@@ -26,6 +26,7 @@ public:
     QStringList before(std::chrono::milliseconds time) const;
 
 private:
+    int stepOf(const PlayEvent& event) const;
     QStringList observationsAt(const checker::Occasion& occasion) const;
 
     KeyScript m_script;

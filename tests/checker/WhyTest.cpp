@@ -78,6 +78,7 @@ private Q_SLOTS:
     void eachLaterKeyKeepsAKeyFromBeingSent();
     void changedStateDropsTheWaitingKey();
     void factoryResetSilencesItsOwnKey();
+    void longPressWithoutDelayIsPartOfItsStep();
     void causesHoldOnTheDaemon();
 
 private:
@@ -184,6 +185,16 @@ void WhyTest::factoryResetSilencesItsOwnKey()
     const auto causes = causesIn({}, "hold FactoryReset 6000");
     QCOMPARE(sizesOf(causes), (QVector<int>{1, 1}));
     QCOMPARE(causes.first().first().kind, Edit::Kind::ReleaseAtOnce);
+}
+
+void WhyTest::longPressWithoutDelayIsPartOfItsStep()
+{
+    const KeyRow row = longRow("Up", 0, "Print", "Now");
+    KeyScript script = checker::ScriptArgument::ofStatements("record 1 103 2").script;
+    script.rows.append(row);
+    const CauseSearch search(ListMaps::ofRows({row}), script);
+    QCOMPARE(search.swallowed().size(), 1);
+    compare(search, DaemonTrial(script), search.swallowed().first());
 }
 
 /// Plays random scripts with the causes taken away on the daemon's classes: the expected then happens, with
