@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "checker/Commands.h"
+#include "checker/DifferenceReport.h"
 #include "checker/ListSources.h"
-#include "checker/OutputWords.h"
 #include "checker/Printable.h"
-#include "checker/RunWords.h"
-#include "checker/SearchWords.h"
-#include "model/ListComparison.h"
 
 #include <QCommandLineParser>
 
@@ -23,11 +20,17 @@ struct DiffArguments
     QStringList paths;
     bool forServices = false;
     bool isOrvane = false;
+    QString format;
     QString help;
     QString fault;
 
     static DiffArguments parse(const QStringList& arguments);
 };
+
+QStringList formats()
+{
+    return {QStringLiteral("text"), QStringLiteral("json"), QStringLiteral("html")};
+}
 
 DiffArguments DiffArguments::parse(const QStringList& arguments)
 {
@@ -38,6 +41,9 @@ DiffArguments DiffArguments::parse(const QStringList& arguments)
     const QCommandLineOption embosser(QStringLiteral("model"),
                                       QStringLiteral("The embosser model: Pellit or Orvane."),
                                       QStringLiteral("model"), QStringLiteral("Pellit"));
+    const QCommandLineOption format(QStringLiteral("format"),
+                                    QStringLiteral("The output: text, json or html."),
+                                    QStringLiteral("format"), QStringLiteral("text"));
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
                                   QStringLiteral("Show this help."));
     QCommandLineParser parser;
@@ -46,12 +52,13 @@ DiffArguments DiffArguments::parse(const QStringList& arguments)
     parser.addPositionalArgument(QStringLiteral("old"),
                                  QStringLiteral("A folder with key lists, or a file."));
     parser.addPositionalArgument(QStringLiteral("new"), QStringLiteral("Another one."));
-    parser.addOptions({whom, embosser, help});
+    parser.addOptions({whom, embosser, format, help});
     DiffArguments result;
     const bool isParsed = parser.parse(arguments);
     result.paths = parser.positionalArguments();
     result.forServices = parser.value(whom) == QLatin1String("services");
     result.isOrvane = parser.value(embosser) == QLatin1String("Orvane");
+    result.format = parser.value(format);
     result.help = isParsed && parser.isSet(help) ? parser.helpText() : QString();
     if (!isParsed) {
         result.fault = parser.errorText();
@@ -62,6 +69,8 @@ DiffArguments DiffArguments::parse(const QStringList& arguments)
     } else if (!result.isOrvane && parser.value(embosser) != QLatin1String("Pellit")) {
         result.fault =
             QStringLiteral("The model must be Pellit or Orvane, not \"%1\".").arg(parser.value(embosser));
+    } else if (!formats().contains(result.format)) {
+        result.fault = QStringLiteral("--format must be text, json or html, not \"%1\".").arg(result.format);
     }
     return result;
 }
@@ -74,24 +83,6 @@ bool isForUsers(const Output& output)
 bool isForServices(const Output& output)
 {
     return output.kind == Output::Kind::Announce;
-}
-
-QString textOf(const QVector<Output>& outputs)
-{
-    QStringList texts;
-    for (const Output& output : outputs) {
-        texts.append(OutputWords::of(output));
-    }
-    return texts.isEmpty() ? QStringLiteral("nothing") : texts.join(QStringLiteral("; "));
-}
-
-void print(const Difference& difference, QTextStream& out)
-{
-    out << printable(QStringLiteral("%1: %2").arg(model::Alphabet::nameOf(difference.state),
-                                                  RunWords::of(difference.oldSteps, difference.end)))
-        << '\n'
-        << "    was " << printable(textOf(difference.oldOutputs)) << '\n'
-        << "    now " << printable(textOf(difference.newOutputs)) << '\n';
 }
 
 /// Says which lists count as empty.
@@ -140,17 +131,21 @@ Status Commands::diff(const QStringList& arguments, QTextStream& out, QTextStrea
     }
     printNotes(line.paths.first(), oldSources, err);
     printNotes(line.paths.last(), newSources, err);
-    model::ListComparison comparison(oldSources.lists(line.isOrvane), newSources.lists(line.isOrvane),
+    const ComparedLists compared{line.paths.first(),
+                                 line.paths.last(),
+                                 oldSources.lists(line.isOrvane),
+                                 newSources.lists(line.isOrvane),
+                                 PlacesOf::rowsIn(oldSources),
+                                 PlacesOf::rowsIn(newSources),
+                                 line.forServices};
+    model::ListComparison comparison(compared.oldLists, compared.newLists,
                                      line.forServices ? isForServices : isForUsers);
     const QVector<Difference> differences = comparison.find(personAtOneDevice(), pairLimits);
-    for (const Difference& difference : differences) {
-        print(difference, out);
-    }
     const model::Proof& proof = comparison.proof();
-    out << (!proof.isComplete       ? "Not proved: the search ended at its limit, "
-            : differences.isEmpty() ? "No difference: proved, "
-                                    : "Searched to the end, ")
-        << SearchWords::extentOf(proof) << ".\n";
+    const DifferenceReport report(compared, differences, proof);
+    out << (line.format == QLatin1String("json")   ? QString::fromUtf8(report.json())
+            : line.format == QLatin1String("html") ? report.html()
+                                                   : report.text());
     return !differences.isEmpty() ? Found : proof.isComplete ? Clean : NotProved;
 }
 

@@ -11,7 +11,10 @@ _keyboard_handler_keys()
         case $previous in
         --model) words="Pellit Orvane" ;;
         --hands) words="1 2 3 4" ;;
-        --format) words="text json sarif" ;;
+        --format)
+            words="text json sarif"
+            [ "$command" = diff ] && words="text json html"
+            ;;
         --deny) words=warning ;;
         --for) words="users services" ;;
         --state) words="Startup Idle Print PrintOff Update Error" ;;
@@ -24,7 +27,7 @@ _keyboard_handler_keys()
             case $command:$current in
             check:-*) words="--model --hands --pace --format --allow --deny --witness --help" ;;
             how:-* | what:-*) words="--state --model --help" ;;
-            diff:-*) words="--for --model --help" ;;
+            diff:-*) words="--for --model --format --help" ;;
             why:-*) words="--at --state --model --help" ;;
             explain:* | schema:*) return ;;
             *)

@@ -24,3 +24,4 @@ complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from check" -l witn
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from how what why" -l state -x -a 'Startup Idle Print PrintOff Update Error' -d 'Operating state'
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from diff" -l for -x -a 'users services' -d 'What to compare'
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from why" -l at -x -d 'Time in seconds'
+complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from diff" -l format -x -a 'text json html' -d 'Output'

@@ -2,6 +2,9 @@
 #include "tests/checker/CommandRun.h"
 
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -40,6 +43,10 @@ private Q_SLOTS:
     void theSameListsDoNotDiffer();
     void differencesAreMirrored();
     void servicesDoNotHearSpeech();
+    void eachDifferenceNamesTheRulesThatMakeIt();
+    void differencesAreGroupedByState();
+    void programsReadJson();
+    void peopleReadAPage();
     void unusableArgumentsAreRefused();
 };
 
@@ -83,12 +90,77 @@ void DiffTest::servicesDoNotHearSpeech()
     QVERIFY2(services.status == int(checker::Clean), qPrintable(services.out));
 }
 
+void DiffTest::eachDifferenceNamesTheRulesThatMakeIt()
+{
+    const QTemporaryDir parent;
+    const QString one = combinations(parent, "one", row("\"Help\", \"Feed\"", "A"));
+    const CommandRun run = diff({one, combinations(parent, "two", {})});
+    QCOMPARE(run.lines().mid(1, 4),
+             QStringList({"    was speaks \"Feed\"; announces A to UserMenu, with Help and Feed",
+                          "    now speaks \"Feed\"",
+                          "    because at Feed up the old list: completes A  [" + one +
+                              "/modifierKeyList.json:1]; A is announced to UserMenu",
+                          "      and the new list: nothing"}));
+}
+
+void DiffTest::differencesAreGroupedByState()
+{
+    const QTemporaryDir parent;
+    const QString one = combinations(parent, "one", {});
+    const QString two = combinations(parent, "two", row("\"Help\", \"Feed\"", "A"));
+    QFile longPresses(two + "/longKeyList.json");
+    QVERIFY(longPresses.open(QIODevice::WriteOnly));
+    longPresses.write(
+        "{ \"LongKeys\": [" +
+        row("\"Ok\"", "B").replace("\"Idle\"", "\"Print|Idle\"").replace(" }", ", \"timeout\": 1 }") + "] }");
+    longPresses.close();
+    const CommandRun run = diff({one, two, "--format", "json"});
+    QStringList states;
+    for (const QJsonValue& each :
+         QJsonDocument::fromJson(run.out.toUtf8()).object().value("differences").toArray()) {
+        const QString state = each.toObject().value("state").toString();
+        if (states.isEmpty() || states.last() != state) {
+            states.append(state);
+        }
+    }
+    QCOMPARE(states, QStringList({"Idle", "Print"}));
+}
+
+void DiffTest::programsReadJson()
+{
+    const QTemporaryDir parent;
+    const QString one = combinations(parent, "one", row("\"Help\", \"Feed\"", "A"));
+    const QString two = combinations(parent, "two", row("\"Help\", \"Feed\"", "\\u001b"));
+    const CommandRun run = diff({one, two, "--format", "json", "--for", "services"});
+    const QJsonObject report = QJsonDocument::fromJson(run.out.toUtf8()).object();
+    QCOMPARE(report.value("version").toInt(), 1);
+    QCOMPARE(report.value("old").toString(), one);
+    QCOMPARE(report.value("for").toString(), QString("services"));
+    QCOMPARE(report.value("complete").toBool(), true);
+    const QJsonObject first = report.value("differences").toArray().first().toObject();
+    QCOMPARE(first.value("state").toString(), QString("Idle"));
+    QCOMPARE(first.value("was").toArray(), QJsonArray{"announces A to UserMenu, with Help and Feed"});
+    QCOMPARE(first.value("now").toArray(), QJsonArray{"announces \x1b to UserMenu, with Help and Feed"});
+}
+
+void DiffTest::peopleReadAPage()
+{
+    const QTemporaryDir parent;
+    const QString one = combinations(parent, "one", row("\"Help\", \"Feed\"", "<b>"));
+    const CommandRun run = diff({one, combinations(parent, "two", {}), "--format", "html"});
+    QVERIFY2(run.out.startsWith("<!DOCTYPE html>\n<html lang=\"en\">"), qPrintable(run.out));
+    QVERIFY2(run.out.contains("<caption>Differences in the state Idle</caption>"), qPrintable(run.out));
+    QVERIFY2(run.out.contains("announces &lt;b&gt; to UserMenu"), qPrintable(run.out));
+    QVERIFY2(!run.out.contains("<b>"), qPrintable(run.out));
+}
+
 void DiffTest::unusableArgumentsAreRefused()
 {
     QCOMPARE(diff({}).status, int(checker::Unusable));
     QCOMPARE(diff({KEY_LISTS}).status, int(checker::Unusable));
     QCOMPARE(diff({KEY_LISTS, "/nowhere"}).status, int(checker::Unusable));
     QCOMPARE(diff({KEY_LISTS, KEY_LISTS, "--for", "cats"}).status, int(checker::Unusable));
+    QCOMPARE(diff({KEY_LISTS, KEY_LISTS, "--format", "sarif"}).status, int(checker::Unusable));
     QCOMPARE(diff({KEY_LISTS, KEY_LISTS, "--model", "Other"}).status, int(checker::Unusable));
     QCOMPARE(diff({"--help"}).status, int(checker::Clean));
 }

@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: MIT
+#include "checker/DifferenceReport.h"
+
+#include "checker/EffectWords.h"
+#include "checker/OutputWords.h"
+#include "checker/Printable.h"
+#include "checker/RunWords.h"
+#include "checker/SearchWords.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+
+using namespace model;
+
+namespace checker {
+
+namespace {
+
+QStringList textsOf(const QVector<Output>& outputs)
+{
+    QStringList texts;
+    for (const Output& output : outputs) {
+        texts.append(OutputWords::of(output));
+    }
+    return texts;
+}
+
+QString joined(const QStringList& texts)
+{
+    return texts.isEmpty() ? QStringLiteral("nothing") : texts.join(QStringLiteral("; "));
+}
+
+/// The index of the step that makes the difference in one list; -1 if that list does nothing then.
+int decisiveStep(const QVector<PlayedStep>& steps, std::chrono::milliseconds end)
+{
+    return !steps.isEmpty() && steps.last().at == end ? steps.size() - 1 : -1;
+}
+
+QString rowOf(const QStringList& cells)
+{
+    QString row = QStringLiteral("<tr><th scope=\"row\">") + cells.first();
+    for (const QString& cell : cells.mid(1)) {
+        row += QStringLiteral("<td>") + cell;
+    }
+    return row + QLatin1Char('\n');
+}
+
+QString escaped(const QString& text)
+{
+    return printable(text).toHtmlEscaped();
+}
+
+QString ruleCell(const DifferenceWords& words, const QStringList& rules)
+{
+    return words.event.isEmpty()
+               ? QString()
+               : QStringLiteral("<br>") + escaped(QStringLiteral("%1: %2").arg(words.event, joined(rules)));
+}
+
+} // namespace
+
+DifferenceReport::DifferenceReport(const ComparedLists& compared, const QVector<Difference>& differences,
+                                   const Proof& proof)
+    : m_compared(compared), m_proof(proof)
+{
+    QVector<Difference> sorted = differences;
+    std::stable_sort(sorted.begin(), sorted.end(), [](const Difference& a, const Difference& b) {
+        return a.state != b.state ? a.state < b.state : a.oldSteps.size() < b.oldSteps.size();
+    });
+    for (const Difference& difference : qAsConst(sorted)) {
+        m_words.append(wordsOf(difference));
+    }
+}
+
+DifferenceWords DifferenceReport::wordsOf(const Difference& difference) const
+{
+    DifferenceWords words;
+    words.state = Alphabet::nameOf(difference.state);
+    words.keys = RunWords::of(difference.oldSteps, difference.end);
+    words.was = textsOf(difference.oldOutputs);
+    words.now = textsOf(difference.newOutputs);
+    const int oldStep = decisiveStep(difference.oldSteps, difference.end);
+    const int newStep = decisiveStep(difference.newSteps, difference.end);
+    words.event = EffectWords::eventOf(oldStep >= 0 ? difference.oldSteps.at(oldStep)
+                                                    : difference.newSteps.at(newStep));
+    if (oldStep >= 0) {
+        const EffectWords effects(m_compared.oldLists, m_compared.oldPlaceOf);
+        words.oldRules = effects.phrasesOf(difference.oldSteps, oldStep);
+    }
+    if (newStep >= 0) {
+        const EffectWords effects(m_compared.newLists, m_compared.newPlaceOf);
+        words.newRules = effects.phrasesOf(difference.newSteps, newStep);
+    }
+    const QStringList oldRules = words.oldRules;
+    for (const QString& rule : oldRules) {
+        // Both lists do this.
+        if (words.newRules.removeAll(rule) > 0) {
+            words.oldRules.removeAll(rule);
+        }
+    }
+    return words;
+}
+
+QString DifferenceReport::conclusion() const
+{
+    const QString start = !m_proof.isComplete ? QStringLiteral("Not proved: the search ended at its limit, ")
+                          : m_words.isEmpty() ? QStringLiteral("No difference: proved, ")
+                                              : QStringLiteral("Searched to the end, ");
+    return start + SearchWords::extentOf(m_proof) + QLatin1Char('.');
+}
+
+QString DifferenceReport::text() const
+{
+    QStringList lines;
+    for (const DifferenceWords& words : m_words) {
+        lines.append(QStringLiteral("%1: %2").arg(words.state, words.keys));
+        lines.append(QStringLiteral("    was ") + joined(words.was));
+        lines.append(QStringLiteral("    now ") + joined(words.now));
+        lines.append(
+            QStringLiteral("    because at %1 the old list: %2").arg(words.event, joined(words.oldRules)));
+        lines.append(QStringLiteral("      and the new list: ") + joined(words.newRules));
+    }
+    lines.append(conclusion());
+    std::transform(lines.begin(), lines.end(), lines.begin(), printable);
+    return lines.join(QLatin1Char('\n')) + QLatin1Char('\n');
+}
+
+QByteArray DifferenceReport::json() const
+{
+    QJsonArray differences;
+    for (const DifferenceWords& words : m_words) {
+        differences.append(
+            QJsonObject{{QStringLiteral("state"), words.state},
+                        {QStringLiteral("keys"), words.keys},
+                        {QStringLiteral("was"), QJsonArray::fromStringList(words.was)},
+                        {QStringLiteral("now"), QJsonArray::fromStringList(words.now)},
+                        {QStringLiteral("event"), words.event},
+                        {QStringLiteral("oldRules"), QJsonArray::fromStringList(words.oldRules)},
+                        {QStringLiteral("newRules"), QJsonArray::fromStringList(words.newRules)}});
+    }
+    return QJsonDocument({{QStringLiteral("version"), version},
+                          {QStringLiteral("old"), m_compared.oldPath},
+                          {QStringLiteral("new"), m_compared.newPath},
+                          {QStringLiteral("for"),
+                           m_compared.forServices ? QStringLiteral("services") : QStringLiteral("users")},
+                          {QStringLiteral("model"), m_compared.newLists.isOrvane ? QStringLiteral("Orvane")
+                                                                                 : QStringLiteral("Pellit")},
+                          {QStringLiteral("differences"), differences},
+                          {QStringLiteral("environment"), m_proof.environment.toText()},
+                          {QStringLiteral("situations"), static_cast<qint64>(m_proof.situations)},
+                          {QStringLiteral("steps"), static_cast<qint64>(m_proof.steps)},
+                          {QStringLiteral("complete"), m_proof.isComplete}})
+        .toJson();
+}
+
+QString DifferenceReport::html() const
+{
+    const QString title =
+        QStringLiteral("Key lists: %1 and %2").arg(escaped(m_compared.oldPath), escaped(m_compared.newPath));
+    QString page = QStringLiteral("<!DOCTYPE html>\n<html lang=\"en\">\n<meta charset=\"utf-8\">\n"
+                                  "<meta name=\"viewport\" content=\"width=device-width\">\n"
+                                  "<title>%1</title>\n<style>\n"
+                                  ":root { color-scheme: light dark; font-family: sans-serif }\n"
+                                  "table { border-collapse: collapse }\n"
+                                  "th, td { border: 1px solid; padding: 0.3em; text-align: start; "
+                                  "vertical-align: top }\n</style>\n<h1>%1</h1>\n<p>%2</p>\n")
+                       .arg(title, escaped(conclusion()));
+    QString state;
+    for (const DifferenceWords& words : m_words) {
+        if (words.state != state) {
+            page += state.isEmpty() ? QString() : QStringLiteral("</table>\n");
+            state = words.state;
+            page += QStringLiteral("<h2>%1</h2>\n<table>\n<caption>Differences in the state %1</caption>\n"
+                                   "<tr><th scope=\"col\">Keys<th scope=\"col\">Old list"
+                                   "<th scope=\"col\">New list\n")
+                        .arg(escaped(state));
+        }
+        page += rowOf({escaped(words.keys), escaped(joined(words.was)) + ruleCell(words, words.oldRules),
+                       escaped(joined(words.now)) + ruleCell(words, words.newRules)});
+    }
+    return page + (state.isEmpty() ? QString() : QStringLiteral("</table>\n"));
+}
+
+} // namespace checker

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "checker/PlaceOf.h"
+#include "model/ListComparison.h"
+
+#include <QByteArray>
+
+namespace checker {
+
+/// A difference between two lists, in words. Names come from the key lists and may have control characters.
+struct DifferenceWords
+{
+    QString state;
+    /// What the person does.
+    QString keys;
+    /// What is noticed with the old and with the new list; empty if that is nothing.
+    QStringList was;
+    QStringList now;
+    /// The event that makes the difference, such as "Feed up", and what the rules do with it in each list.
+    QString event;
+    QStringList oldRules;
+    QStringList newRules;
+};
+
+/// Two lists with their names.
+struct ComparedLists
+{
+    QString oldPath;
+    QString newPath;
+    model::KeyLists oldLists;
+    model::KeyLists newLists;
+    PlaceOf oldPlaceOf;
+    PlaceOf newPlaceOf;
+    /// Whether only announcements are compared.
+    bool forServices = false;
+};
+
+/// The differences of two lists, by states and with the shortest keys first.
+class DifferenceReport
+{
+public:
+    /// Increases with each change that a program which reads the JSON must know. New members do not count.
+    static constexpr int version = 1;
+
+    /// `compared` must outlive this object.
+    DifferenceReport(const ComparedLists& compared, const QVector<model::Difference>& differences,
+                     const model::Proof& proof);
+
+    /// Lines without control characters other than line ends.
+    QString text() const;
+    /// A document in UTF-8.
+    QByteArray json() const;
+    /// A whole page with a table for each state.
+    QString html() const;
+
+private:
+    DifferenceWords wordsOf(const model::Difference& difference) const;
+    QString conclusion() const;
+
+    const ComparedLists& m_compared;
+    const model::Proof& m_proof;
+    QVector<DifferenceWords> m_words;
+};
+
+} // namespace checker
