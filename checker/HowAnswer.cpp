@@ -135,15 +135,13 @@ void HowWriter::writeOther(const ActionWay& way)
                 .arg(where, SearchWords::extentOf(way.verdict.proof)));
         return;
     }
+    const QStringList states = way.row.index < 0 ? QStringList() : m_model.lists().statesOf(way.row);
+    if (way.row.index >= 0 && !(way.state && states.contains(Alphabet::nameOf(*way.state)))) {
+        add(QStringLiteral("Never %1: the row is valid in %2.").arg(where, OutputWords::enumeration(states)));
+        return;
+    }
     add(QStringLiteral("Never %1: no keys announce it (proved: %2).")
             .arg(where, SearchWords::extentOf(way.verdict.proof)));
-    if (way.row.index >= 0) {
-        const QStringList states = m_model.lists().statesOf(way.row);
-        const bool isNamed = way.state && states.contains(Alphabet::nameOf(*way.state));
-        if (!isNamed) {
-            add(QStringLiteral("The row is valid in ") + OutputWords::enumeration(states) + QLatin1Char('.'));
-        }
-    }
     if (way.byServices) {
         Environment services;
         services.kind = Environment::Kind::Services;

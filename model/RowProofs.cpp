@@ -6,7 +6,6 @@
 #include <QtAlgorithms>
 
 #include <algorithm>
-#include <optional>
 
 namespace model {
 
@@ -23,8 +22,8 @@ constexpr quint8 bit(State state)
 
 } // namespace
 
-/// Searches for the rows of one list in several environments. A pair of a row and a state is open until it is
-/// found.
+/// Searches for the rows of one list in several environments. A pair of a row and a state that the row names
+/// is open until it is found.
 class RowProofs::Search
 {
 public:
@@ -64,11 +63,14 @@ RowProofs::Search::Search(const KeyModel& all, List list, const Limits& limits, 
     , m_limits(limits)
     , m_verdicts(verdicts)
 {
-    quint8 states = 0;
-    for (const State state : Alphabet::states()) {
-        states = static_cast<quint8>(states | bit(state));
+    QVector<quint8> named(verdicts.size(), 0);
+    for (int row = 0; row < named.size(); ++row) {
+        for (const State state : Alphabet::states()) {
+            const bool isNamed = m_model.rows().delivery({list, row}).named[static_cast<size_t>(state)] > 0;
+            named[row] = static_cast<quint8>(named.at(row) | (isNamed ? bit(state) : 0));
+        }
     }
-    open(QVector<quint8>(verdicts.size(), states));
+    open(named);
 }
 
 void RowProofs::Search::open(const QVector<quint8>& states)
@@ -103,7 +105,7 @@ void RowProofs::Search::find(const Explorer& explorer, const Explorer::Transitio
 {
     // Rows that one step announces share its run, which is played once: thousands of rows may be alike.
     Run run;
-    std::optional<Playback> playback;
+    QVector<RowId> announced;
     for (const Effect& effect : transition.effects) {
         const quint8 state = bit(transition.after.situation.state);
         const bool isNew = effect.rule == Rule::Announces && (m_open.at(effect.row.index) & state);
@@ -111,13 +113,13 @@ void RowProofs::Search::find(const Explorer& explorer, const Explorer::Transitio
             continue;
         }
         const int row = effect.row.index;
-        if (confirms && !playback) {
+        if (confirms && run.inputs.isEmpty()) {
             run = explorer.pathThrough(transition);
-            playback.emplace(Witness::play(m_all, m_environment, run));
+            announced = Witness::announcedAtEnd(Witness::play(m_all, m_environment, run));
         }
         m_open[row] = static_cast<quint8>(m_open.at(row) & ~state);
         --m_openCount;
-        if (playback && Witness::announces(*playback, effect.row)) {
+        if (std::binary_search(announced.begin(), announced.end(), effect.row)) {
             m_found[row] = static_cast<quint8>(m_found.at(row) | state);
             m_verdicts[row][static_cast<size_t>(transition.after.situation.state)] = {
                 RowVerdict::Kind::Announced, m_proof, run};
@@ -152,8 +154,10 @@ void RowProofs::Search::limitTo(const Limits& limits)
 RowProofs::RowProofs(const KeyLists& lists, const Environment& environment, const Limits& limits)
     : m_model(lists), m_environment(environment), m_limits(limits)
 {
-    for (const List list : {List::LongPresses, List::Combinations, List::Shortcuts}) {
-        m_verdicts[static_cast<size_t>(list)].resize(lists.rows(list).size());
+    ByState notNamed;
+    notNamed.fill({RowVerdict::Kind::Never, {anyInput(), 0, 0, true}, {}});
+    for (const List list : allLists) {
+        m_verdicts[static_cast<size_t>(list)].fill(notNamed, lists.rows(list).size());
         prove(list);
     }
 }
@@ -194,16 +198,16 @@ void RowProofs::prove(List list)
 
 void RowProofs::look(const Environment& environment, bool confirms, Search& search)
 {
-    search.look(environment, confirms);
-    m_searches.append(search.proof());
+    if (!search.isDone()) {
+        search.look(environment, confirms);
+        m_searches.append(search.proof());
+    }
 }
 
 void RowProofs::lookThrough(const Environment& environment, Search& search)
 {
     for (const Environment& part : environment.growth()) {
-        if (!search.isDone()) {
-            look(part, true, search);
-        }
+        look(part, true, search);
     }
 }
 

@@ -24,7 +24,8 @@ struct RowVerdict
 
     Kind kind = Kind::NotProved;
     /// The search that decided. For `Announced`, its environment may be a part of the requested one, for
-    /// `Never` it may include more than that.
+    /// `Never` it may include more than that. Empty for a state that the row does not name: there, no search
+    /// is needed.
     Proof proof;
     /// A shortest run in that environment.
     Run witness;

@@ -84,15 +84,19 @@ Playback Witness::play(const KeyModel& keyModel, const Environment& environment,
     return player.playback();
 }
 
-bool Witness::announces(const Playback& playback, RowId row)
+QVector<RowId> Witness::announcedAtEnd(const Playback& playback)
 {
-    const auto isMeant = [row](const Effect& effect) {
-        return effect.rule == Rule::Announces && effect.row == row;
-    };
+    QVector<RowId> rows;
     const auto& steps = playback.steps();
-    return std::any_of(steps.begin(), steps.end(), [&](const PlayedStep& step) {
-        return step.at == steps.last().at && std::any_of(step.effects.begin(), step.effects.end(), isMeant);
-    });
+    for (int i = steps.size() - 1; i >= 0 && steps.at(i).at == steps.last().at; --i) {
+        for (const Effect& effect : steps.at(i).effects) {
+            if (effect.rule == Rule::Announces) {
+                rows.append(effect.row);
+            }
+        }
+    }
+    std::sort(rows.begin(), rows.end());
+    return rows;
 }
 
 } // namespace model

@@ -19,8 +19,8 @@ constexpr std::chrono::milliseconds movementInterval{50};
 /// must check the result.
 Playback play(const KeyModel& keyModel, const Environment& environment, const Run& run);
 
-/// Whether the action of `row` is announced in the last moment of `playback`.
-bool announces(const Playback& playback, RowId row);
+/// The rows whose actions are announced in the last moment of `playback`, ascending.
+QVector<RowId> announcedAtEnd(const Playback& playback);
 
 /// The inputs and outputs as a key script, without rows.
 QString toScript(const Playback& playback, const KeyLists& lists);

@@ -147,6 +147,7 @@ private Q_SLOTS:
     void neverHoldsForTheDaemon();
     void oneRecogniserAtATimeIsExact();
     void everyInstalledRowIsAnnounced();
+    void searchEndsWithTheLastNamedState();
     void longerRowHidesTheRowsBehindIt();
     void shortcutTakesTwoFingers();
     void shortcutTakesOneFingerThroughStartup();
@@ -191,6 +192,20 @@ void RowProofsTest::everyInstalledRowIsAnnounced()
     QVERIFY(elsewhere.kind == RowVerdict::Kind::Never);
     QVERIFY(elsewhere.proof.isComplete);
     QVERIFY(elsewhere.proof.environment.kind == Environment::Kind::AnyInput);
+}
+
+void RowProofsTest::searchEndsWithTheLastNamedState()
+{
+    const QStringList keys{KeyId::Feed, KeyId::Ok};
+    KeyLists lists;
+    lists.shortcuts.append(KeyEntry(keys, QStringLiteral("A"), 0, ServiceId::UserMenu, StateId::Idle));
+    const RowProofs proofs(lists, Environment());
+    QCOMPARE(proofs.searches().size(), 1);
+    QVERIFY(!proofs.searches().first().isComplete);
+    lists.shortcuts = {KeyEntry(keys, QStringLiteral("B"), 0, ServiceId::UserMenu, QStringLiteral("None"))};
+    const RowProofs unneeded(lists, Environment());
+    QVERIFY(unneeded.searches().isEmpty());
+    QVERIFY(unneeded.isNever({List::Shortcuts, 0}));
 }
 
 void RowProofsTest::longerRowHidesTheRowsBehindIt()
@@ -262,7 +277,7 @@ void RowProofsTest::holdOfAnHourIsProvedOnClocks()
     QVERIFY(verdict.kind == RowVerdict::Kind::Announced);
     const KeyModel keyModel(lists);
     const Playback playback = Witness::play(keyModel, verdict.proof.environment, verdict.witness);
-    QVERIFY(Witness::announces(playback, {List::LongPresses, 0}));
+    QVERIFY(Witness::announcedAtEnd(playback).contains({List::LongPresses, 0}));
     QVERIFY(playback.now() >= 1h);
 }
 
@@ -282,8 +297,8 @@ void RowProofsTest::limitProvesNothing()
     const RowProofs proofs(lists, fingers(2), {situations, steps});
     bool isNotProved = false;
     for (const RowId row : lists.ids()) {
-        for (const State state : Alphabet::states()) {
-            const RowVerdict verdict = proofs.of(row, state);
+        for (const QString& state : lists.statesOf(row)) {
+            const RowVerdict verdict = proofs.of(row, *Alphabet::stateOf(state));
             QVERIFY(verdict.kind != RowVerdict::Kind::Never);
             isNotProved = isNotProved || verdict.kind == RowVerdict::Kind::NotProved;
             QVERIFY(verdict.proof.situations <= situations + 1);

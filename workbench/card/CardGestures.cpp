@@ -260,14 +260,17 @@ QStringList CardGestures::othersOf(RowId row, const Played& played) const
 {
     QStringList sentences;
     for (auto it = played.rows.begin(); it != played.rows.end(); ++it) {
-        QVector<RowId> others = it.value();
-        others.removeOne(row);
+        // Not a copy without the row: thousands of rows may be announced together.
+        const QVector<RowId>& all = it.value();
+        const int others = all.size() - (std::binary_search(all.begin(), all.end(), row) ? 1 : 0);
         QStringList actions;
-        for (const RowId other : others.mid(0, CardSentences::maxActions)) {
-            actions.append(m_model.lists().row(other).eAction());
+        for (int i = 0; actions.size() < qMin(others, CardSentences::maxActions); ++i) {
+            if (!(all.at(i) == row)) {
+                actions.append(m_model.lists().row(all.at(i)).eAction());
+            }
         }
-        if (!actions.isEmpty()) {
-            sentences.append(CardSentences::alsoAnnounced(actions, others.size() - actions.size(), it.key()));
+        if (others > 0) {
+            sentences.append(CardSentences::alsoAnnounced(actions, others - actions.size(), it.key()));
         }
     }
     return sentences;

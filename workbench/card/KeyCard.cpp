@@ -14,8 +14,9 @@ namespace {
 
 const QString orvane = QStringLiteral("Orvane");
 
-/// Enough for lists of a thousand usual rows. A search that reaches them has taken about half a second.
-constexpr Limits limits{200'000, 4'000'000};
+/// Lists of thousands of usual rows need a twentieth of them, because rows of two keys add no situations. A
+/// search that reaches them has taken a tenth of a second.
+constexpr Limits limits{50'000, 1'000'000};
 /// Also a limit of the search: thousands of pairs may each need all keys of one long row.
 constexpr int maxAddedKeys = 100;
 
@@ -121,7 +122,11 @@ QVector<KeyCardDeadRow> CardMaker::deadRows() const
 KeyCardDeadRow CardMaker::deadRow(RowId row) const
 {
     const KeyEntry& entry = lists().row(row);
-    const Proof& proof = m_proofs.of(row, Alphabet::states().first()).proof;
+    const auto& states = Alphabet::states();
+    const auto proofIn = [&](State state) -> const Proof& { return m_proofs.of(row, state).proof; };
+    const State largest = *std::max_element(
+        states.begin(), states.end(), [&](State a, State b) { return proofIn(a).steps < proofIn(b).steps; });
+    const Proof& proof = proofIn(largest);
     return {CardGestures::kindOf(row.list),
             row.index + 1,
             entry.keys(),

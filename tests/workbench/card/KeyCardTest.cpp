@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "model/Alphabet.h"
 #include "tests/workbench/card/CardKeyLists.h"
 #include "workbench/card/CardJson.h"
 
@@ -315,8 +316,10 @@ void KeyCardTest::deadRowsAreProved()
     QCOMPARE(card["environment"].toString(),
              "a person with 2 fingers, only keys of the panel, the state stays as it is, no keyboard test");
     for (const QJsonValue& row : card["never"].toArray()) {
-        QVERIFY(row["proof"]["situations"].toInt() > 0);
-        QVERIFY(row["proof"]["steps"].toInt() > row["proof"]["situations"].toInt());
+        const int situations = row["proof"]["situations"].toInt();
+        const bool namesState = model::Alphabet::stateOf(row["validOnState"].toString()).has_value();
+        QCOMPARE(situations > 0, namesState);
+        QCOMPARE(row["proof"]["steps"].toInt() > situations, namesState);
     }
 }
 
@@ -379,9 +382,7 @@ void KeyCardTest::hugeListsAreAccepted_data()
                "Whether 10000 rows of modifierKeyList.json work, such as row 2, is not proved, because "
                "the search reached its limit."};
     QTest::newRow("many pairs before a very long row")
-        << name << combinations("{}" + otherPair.repeated(10000) + ',' + longerOf(50000))
-        << QStringList{"Whether 2 rows of modifierKeyList.json work, such as row 1, is not proved, because "
-                       "the search reached its limit."};
+        << name << combinations("{}" + otherPair.repeated(10000) + ',' + longerOf(50000)) << QStringList{};
     QTest::newRow("many hidden pairs")
         << name << combinations(longerOf(3) + otherPair.repeated(10000)) << QStringList{};
     QTest::newRow("many states") << QByteArray("longKeyList.json")
