@@ -32,15 +32,15 @@ for shell in keyboard-handler-keys.bash _keyboard-handler-keys; do
     same "options of $shell" "$options" "$(grep -oE -- '--[a-z]+' "$completion/$shell" | sort -u)"
 done
 
-# complete WORD...: the completions of the last word in bash.
-complete() {
+# completions_of WORD...: the completions of the last word in bash.
+completions_of() {
     # shellcheck disable=SC2016
     bash -c '. "$1"; shift; COMP_WORDS=(keyboard-handler-keys "$@") COMP_CWORD=$#
         _keyboard_handler_keys
         printf "%s\n" "${COMPREPLY[@]}" | sort' - "$completion/keyboard-handler-keys.bash" "$@"
 }
-same "bash: commands" "$commands" "$(complete '')"
-same "bash: options" "--format" "$(complete check --f)"
-same "bash: values" "json" "$(complete check --format j)"
-same "bash: files" "$source/data/" "$(complete check "$source/dat")/"
+same "bash: commands" "$commands" "$(completions_of '')"
+same "bash: options" "--format" "$(completions_of check --f)"
+same "bash: values" "json" "$(completions_of check --format j)"
+same "bash: files" "$source/data/" "$(completions_of check "$source/dat")/"
 exit $faults
