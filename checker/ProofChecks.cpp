@@ -99,12 +99,12 @@ void judge(const Proofs& proofs, RowId id, State state, RowVerdicts& verdicts)
         verdicts.never.add(state, any);
     } else if (person.kind == Kind::NotProved) {
         verdicts.notProved.add(state, person);
-    } else if (skilled.kind == Kind::Announced) {
-        verdicts.notByPerson.add(state, person);
-    } else if (skilled.kind == Kind::NotProved || any.kind == Kind::NotProved) {
+    } else if (skilled.kind != Kind::Announced &&
+               (skilled.kind == Kind::NotProved || any.kind == Kind::NotProved)) {
         verdicts.notProved.add(state, skilled.kind == Kind::NotProved ? skilled : any);
-    } else if (skilled.proof.environment.kind == Environment::Kind::Person) {
-        verdicts.notByPerson.add(state, person); // other input in the same state announces the row
+    } else if (skilled.kind == Kind::Announced ||
+               skilled.proof.environment.kind == Environment::Kind::Person) {
+        verdicts.notByPerson.add(state, person); // more fingers or other input in the same state announce it
     } else {
         verdicts.changing.add(state, skilled);
     }

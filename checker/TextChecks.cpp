@@ -220,7 +220,7 @@ void RowText::checkTime()
             readingOf(time, seconds) +
                 QStringLiteral(": the action repeats 30 times a second while the key is held"),
             range);
-    } else if (time->written.toDouble() != seconds) {
+    } else if (time && time->written.toDouble() != seconds) {
         add("value", Level::Warning, readingOf(time, seconds), range);
     }
     if (seconds > longHold) {
