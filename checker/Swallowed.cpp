@@ -61,6 +61,11 @@ QVector<Swallowed> Collector::collect()
             look(step, effect);
         }
     }
+    // Another rule may do in the same moment what this one prevents.
+    m_found.erase(
+        std::remove_if(m_found.begin(), m_found.end(),
+                       [this](const Swallowed& swallowed) { return swallowed.isMended(m_trial, m_trial); }),
+        m_found.end());
     std::stable_sort(m_found.begin(), m_found.end(),
                      [](const Swallowed& a, const Swallowed& b) { return a.step < b.step; });
     return m_found;
@@ -75,8 +80,7 @@ void Collector::look(int step, const Effect& effect)
         lookAtWaitingKey(step, effect.key);
     } else if (effect.rule == Rule::StartupIgnores && played.input.kind == Input::Kind::Release) {
         add(Kind::Ignored, step, effect);
-    } else if (effect.rule == Rule::NameSilenced && !KeyFacts::isSilent(effect.key, isOrvane) &&
-               !isPerceived(m_trial.outputsAt(m_trial.occasionOf(step)))) {
+    } else if (effect.rule == Rule::NameSilenced && !KeyFacts::isSilent(effect.key, isOrvane)) {
         add(Kind::NotSpoken, step, effect);
     } else {
         lookAtRow(step, effect);
@@ -85,18 +89,13 @@ void Collector::look(int step, const Effect& effect)
 
 void Collector::lookAtRow(int step, const Effect& effect)
 {
-    const PlayedStep& played = m_trial.steps().at(step);
-    const auto isAnnounced = [&](const Effect& other) {
-        return other.rule == Rule::Announces && other.row == effect.row;
-    };
-    if (effect.rule == Rule::RefusesState &&
-        std::none_of(played.effects.begin(), played.effects.end(), isAnnounced)) {
+    if (effect.rule == Rule::RefusesState) {
         const bool namesState = !RowStates::of(m_trial.keyModel().lists(), effect.row).isEmpty();
         add(namesState ? Kind::Refused : Kind::RefusedAlways, step, effect);
     } else if (effect.rule == Rule::DropsReceiver) {
         add(Kind::Dropped, step, effect);
     } else if (effect.rule == Rule::SequenceHides &&
-               !HiddenPairs::of(m_trial.keyModel().lists(), played, effect).isEmpty()) {
+               !HiddenPairs::of(m_trial.keyModel().lists(), m_trial.steps().at(step), effect).isEmpty()) {
         add(Kind::Hidden, step, effect);
     }
 }

@@ -3,6 +3,8 @@
 
 #include "tests/whole/random/Player.h"
 
+#include <ls/MessageKeys.h>
+
 #include <algorithm>
 
 using namespace checker;
@@ -44,6 +46,14 @@ bool isAction(const QString& text)
            text.startsWith("log KeyboardManager::onEvent WARN:");
 }
 
+/// Answers that list the rows change with the rows at any time.
+bool listsRows(const QString& text)
+{
+    return text.startsWith("answer ") &&
+           (text.contains(ls::keyTimeouts) || text.contains(ls::modifierKeyListKey) ||
+            text.contains(ls::shortcutKeyListKey));
+}
+
 bool isPerceived(const QString& text)
 {
     return text.startsWith("announce ") || text.startsWith("speak ");
@@ -51,19 +61,40 @@ bool isPerceived(const QString& text)
 
 } // namespace
 
-DaemonTrial::DaemonTrial(const KeyScript& script, const QVector<Edit>& edits) : m_script(script)
+DaemonTrial::DaemonTrial(const KeyScript& script) : m_script(script)
 {
-    EditedScript edited = Edits::apply(script, edits);
-    edited.script.rows = rowsOf(script, edits);
-    m_ids = edited.ids;
-    m_play = Player::play(edited.script);
+    play(Edits::apply(script, {}));
+}
+
+DaemonTrial::DaemonTrial(const DaemonTrial& original, const QVector<Edit>& edits, const Occasion& last)
+    : m_script(original.m_script)
+{
+    EditedScript edited = Edits::apply(m_script, edits);
+    KeyScript& script = edited.script;
+    script.rows = rowsOf(m_script, edits);
+    script.end = timeIn(edited, last);
+    while (!script.steps.isEmpty() && script.steps.last().at > script.end) {
+        script.steps.removeLast();
+    }
+    play(edited);
+}
+
+milliseconds DaemonTrial::timeIn(const EditedScript& edited, const Occasion& occasion)
+{
+    const int index = edited.ids.indexOf(occasion.scriptStep);
+    const milliseconds begin = index == -1 ? milliseconds::zero() : edited.script.steps.at(index).at;
+    return begin + occasion.after.value_or(milliseconds::zero());
 }
 
 milliseconds DaemonTrial::timeOf(const Occasion& occasion) const
 {
-    const int index = m_ids.indexOf(occasion.scriptStep);
-    const milliseconds begin = index == -1 ? milliseconds::zero() : m_play.script.steps.at(index).at;
-    return begin + occasion.after.value_or(milliseconds::zero());
+    return timeIn({m_play.script, m_ids}, occasion);
+}
+
+void DaemonTrial::play(const EditedScript& edited)
+{
+    m_ids = edited.ids;
+    m_play = Player::play(edited.script);
 }
 
 bool DaemonTrial::isMended(const Swallowed& swallowed, const DaemonTrial& original,
@@ -113,7 +144,7 @@ QStringList DaemonTrial::before(milliseconds time) const
 {
     QStringList texts;
     for (const PlayEvent& event : m_play.events) {
-        if (event.at < time) {
+        if (event.at < time && !listsRows(event.text)) {
             texts.append(QString::number(event.at.count()) + ' ' + event.text);
         }
     }

@@ -15,7 +15,6 @@ using std::chrono::milliseconds;
 namespace {
 
 constexpr int minActions = 5;
-constexpr int maxActions = 60;
 constexpr int maxTap = 120;
 constexpr int codeWithoutKey = 30;
 
@@ -37,7 +36,7 @@ class Roller
 public:
     explicit Roller(quint64 seed) : m_dice(seed) {}
 
-    KeyScript roll()
+    KeyScript roll(int maxActions)
     {
         m_script.model = m_dice.pick({QStringLiteral("Pellit"), QStringLiteral("Orvane")});
         m_script.initialState = state();
@@ -152,7 +151,7 @@ private:
 
 } // namespace
 
-KeyScript RandomScript::roll(quint64 seed)
+KeyScript RandomScript::roll(quint64 seed, int maxActions)
 {
-    return Roller(seed).roll();
+    return Roller(seed).roll(maxActions);
 }

@@ -6,7 +6,8 @@
 /// Generates random key scripts.
 namespace RandomScript {
 
-/// The script of `seed`, independent of compiler and library.
-KeyScript roll(quint64 seed);
+/// The script of `seed`, with 5 to `maxActions` gestures, changes of state, commands and waits; independent
+/// of compiler and library.
+KeyScript roll(quint64 seed, int maxActions = 60);
 
 } // namespace RandomScript
