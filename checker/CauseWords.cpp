@@ -106,7 +106,9 @@ QString CauseWords::rowCause(const Swallowed& swallowed, RowId row) const
 QString CauseWords::stepCause(const Swallowed& swallowed, const Edit& cause) const
 {
     const Trial& trial = m_search.original();
-    for (int step = swallowed.step; step >= 0; --step) {
+    for (int i = 0; i < trial.steps().size(); ++i) {
+        // From the step that decided back to the first, then the later ones.
+        const int step = i <= swallowed.step ? swallowed.step - i : i;
         const PlayedStep& played = trial.steps().at(step);
         if (!cause.steps.contains(trial.idOf(step)) || played.origin == PlayedStep::Origin::Time) {
             continue;

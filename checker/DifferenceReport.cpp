@@ -33,10 +33,49 @@ QString joined(const QStringList& texts)
     return texts.isEmpty() ? QStringLiteral("nothing") : texts.join(QStringLiteral("; "));
 }
 
-/// The index of the step that makes the difference in one list; -1 if that list does nothing then.
-int decisiveStep(const QVector<PlayedStep>& steps, std::chrono::milliseconds end)
+/// What a list does with the keys, each phrase with its event.
+QStringList rulesOf(const QVector<PlayedStep>& steps, const EffectWords& effects)
 {
-    return !steps.isEmpty() && steps.last().at == end ? steps.size() - 1 : -1;
+    QStringList rules;
+    for (int i = 0; i < steps.size(); ++i) {
+        const QStringList phrases = effects.phrasesOf(steps, i);
+        for (const QString& phrase : phrases) {
+            rules.append(EffectWords::eventOf(steps.at(i)) + QLatin1Char(' ') + phrase);
+        }
+    }
+    return rules;
+}
+
+/// The rules of one list, and the same without the places of rows, which differ between two files.
+struct ListRules
+{
+    ListRules(const QVector<PlayedStep>& steps, const KeyLists& lists, const PlaceOf& placeOf)
+        : placed(rulesOf(steps, {lists, placeOf}))
+        , bare(rulesOf(steps, {lists, [](RowId) { return QString(); }}))
+    {}
+
+    QStringList without(const ListRules& other, QString& lastOfRow) const;
+
+    QStringList placed;
+    QStringList bare;
+};
+
+QStringList ListRules::without(const ListRules& other, QString& lastOfRow) const
+{
+    QStringList others = other.bare;
+    QStringList own;
+    for (int i = 0; i < bare.size(); ++i) {
+        if (!others.removeOne(bare.at(i))) {
+            own.append(placed.at(i));
+            lastOfRow = placed.at(i) == bare.at(i) ? lastOfRow : placed.at(i);
+        }
+    }
+    return own;
+}
+
+QString because(const QStringList& outputs, const QString& cause)
+{
+    return joined(outputs) + (cause.isEmpty() ? QString() : QStringLiteral(", because ") + cause);
 }
 
 QString rowOf(const QStringList& cells)
@@ -53,11 +92,14 @@ QString escaped(const QString& text)
     return printable(text).toHtmlEscaped();
 }
 
-QString ruleCell(const DifferenceWords& words, const QStringList& rules)
+QString cellOf(const QStringList& outputs, const QStringList& rules)
 {
-    return words.event.isEmpty()
-               ? QString()
-               : QStringLiteral("<br>") + escaped(QStringLiteral("%1: %2").arg(words.event, joined(rules)));
+    QStringList lines(joined(outputs));
+    for (const QString& rule : rules) {
+        lines.append(QStringLiteral("Only here: ") + rule);
+    }
+    std::transform(lines.begin(), lines.end(), lines.begin(), escaped);
+    return lines.join(QStringLiteral("<br>"));
 }
 
 } // namespace
@@ -82,33 +124,21 @@ DifferenceWords DifferenceReport::wordsOf(const Difference& difference) const
     words.keys = RunWords::of(difference.oldSteps, difference.end);
     words.was = textsOf(difference.oldOutputs);
     words.now = textsOf(difference.newOutputs);
-    const int oldStep = decisiveStep(difference.oldSteps, difference.end);
-    const int newStep = decisiveStep(difference.newSteps, difference.end);
-    words.event = EffectWords::eventOf(oldStep >= 0 ? difference.oldSteps.at(oldStep)
-                                                    : difference.newSteps.at(newStep));
-    if (oldStep >= 0) {
-        const EffectWords effects(m_compared.oldLists, m_compared.oldPlaceOf);
-        words.oldRules = effects.phrasesOf(difference.oldSteps, oldStep);
-    }
-    if (newStep >= 0) {
-        const EffectWords effects(m_compared.newLists, m_compared.newPlaceOf);
-        words.newRules = effects.phrasesOf(difference.newSteps, newStep);
-    }
-    const QStringList oldRules = words.oldRules;
-    for (const QString& rule : oldRules) {
-        // Both lists do this.
-        if (words.newRules.removeAll(rule) > 0) {
-            words.oldRules.removeAll(rule);
-        }
-    }
+    const ListRules oldRules(difference.oldSteps, m_compared.oldLists, m_compared.oldPlaceOf);
+    const ListRules newRules(difference.newSteps, m_compared.newLists, m_compared.newPlaceOf);
+    words.oldRules = oldRules.without(newRules, words.oldCause);
+    words.newRules = newRules.without(oldRules, words.newCause);
     return words;
 }
 
 QString DifferenceReport::conclusion() const
 {
-    const QString start = !m_proof.isComplete ? QStringLiteral("Not proved: the search ended at its limit, ")
-                          : m_words.isEmpty() ? QStringLiteral("No difference: proved, ")
-                                              : QStringLiteral("Searched to the end, ");
+    const QString start =
+        m_proof.isComplete ? m_words.isEmpty() ? QStringLiteral("No difference: proved, ")
+                                               : QStringLiteral("Searched to the end, ")
+        : m_words.isEmpty()
+            ? QStringLiteral("No difference was found, but it is not proved that there is none: ")
+            : QStringLiteral("It is not proved that these are all: ");
     return start + SearchWords::extentOf(m_proof) + QLatin1Char('.');
 }
 
@@ -117,11 +147,8 @@ QString DifferenceReport::text() const
     QStringList lines;
     for (const DifferenceWords& words : m_words) {
         lines.append(QStringLiteral("%1: %2").arg(words.state, words.keys));
-        lines.append(QStringLiteral("    was ") + joined(words.was));
-        lines.append(QStringLiteral("    now ") + joined(words.now));
-        lines.append(
-            QStringLiteral("    because at %1 the old list: %2").arg(words.event, joined(words.oldRules)));
-        lines.append(QStringLiteral("      and the new list: ") + joined(words.newRules));
+        lines.append(QStringLiteral("    was ") + because(words.was, words.oldCause));
+        lines.append(QStringLiteral("    now ") + because(words.now, words.newCause));
     }
     lines.append(conclusion());
     std::transform(lines.begin(), lines.end(), lines.begin(), printable);
@@ -137,7 +164,6 @@ QByteArray DifferenceReport::json() const
                         {QStringLiteral("keys"), words.keys},
                         {QStringLiteral("was"), QJsonArray::fromStringList(words.was)},
                         {QStringLiteral("now"), QJsonArray::fromStringList(words.now)},
-                        {QStringLiteral("event"), words.event},
                         {QStringLiteral("oldRules"), QJsonArray::fromStringList(words.oldRules)},
                         {QStringLiteral("newRules"), QJsonArray::fromStringList(words.newRules)}});
     }
@@ -178,8 +204,8 @@ QString DifferenceReport::html() const
                                    "<th scope=\"col\">New list\n")
                         .arg(escaped(state));
         }
-        page += rowOf({escaped(words.keys), escaped(joined(words.was)) + ruleCell(words, words.oldRules),
-                       escaped(joined(words.now)) + ruleCell(words, words.newRules)});
+        page += rowOf(
+            {escaped(words.keys), cellOf(words.was, words.oldRules), cellOf(words.now, words.newRules)});
     }
     return page + (state.isEmpty() ? QString() : QStringLiteral("</table>\n"));
 }

@@ -17,10 +17,13 @@ struct DifferenceWords
     /// What is noticed with the old and with the new list; empty if that is nothing.
     QStringList was;
     QStringList now;
-    /// The event that makes the difference, such as "Feed up", and what the rules do with it in each list.
-    QString event;
+    /// What only one of the lists does with the keys until the difference: "Chs up opens combinations with
+    /// Chs".
     QStringList oldRules;
     QStringList newRules;
+    /// The last of them that is about a row; empty if none is.
+    QString oldCause;
+    QString newCause;
 };
 
 /// Two lists with their names.

@@ -2,6 +2,7 @@
 #include "checker/EffectWords.h"
 
 #include "checker/HiddenPairs.h"
+#include "checker/MissedRows.h"
 #include "checker/OutputWords.h"
 #include "checker/Times.h"
 #include "keys/KeyRules.h"
@@ -83,7 +84,7 @@ QStringList EffectWords::phrasesOf(const QVector<PlayedStep>& steps, int step) c
     if (!closed.isEmpty()) {
         phrases.append(closed);
     }
-    return phrases;
+    return phrases + MissedRows(m_lists).phrasesOf(steps, step);
 }
 
 QString EffectWords::refusal(const PlayedStep& step, const Effect& effect) const
@@ -122,11 +123,31 @@ QString EffectWords::phraseOf(const QVector<PlayedStep>& steps, int step, int ef
                                                                 : QStringLiteral("%1 is not sent").arg(key);
         return what + QStringLiteral(": ") + phraseOfSilence(steps, step);
     }
-    const QString phrase = phraseOfRow(played, applied);
+    const QString phrase = phraseOfRow(steps, step, applied);
     return phrase.isEmpty() ? phraseOfKey(played, applied) : phrase;
 }
 
-QString EffectWords::phraseOfRow(const PlayedStep& step, const Effect& effect) const
+/// How much too early a key is released that has not completed its long press.
+QString EffectWords::earliness(const QVector<PlayedStep>& steps, int step, RowId row) const
+{
+    if (steps.at(step).input.kind != Input::Kind::Release) {
+        return {};
+    }
+    const auto has = [row](const PlayedStep& played, Rule rule) {
+        return std::any_of(played.effects.begin(), played.effects.end(),
+                           [&](const Effect& effect) { return effect.rule == rule && effect.row == row; });
+    };
+    int begin = step;
+    while (begin > 0 && !has(steps.at(begin), Rule::LongPressArms)) {
+        --begin;
+    }
+    const bool isRepeated = begin > 0 && has(steps.at(begin - 1), Rule::LongPressCompletes);
+    const auto missing =
+        std::chrono::milliseconds(m_lists.row(row).timeout()) - (steps.at(step).at - steps.at(begin).at);
+    return isRepeated ? QString() : QStringLiteral(", %1 too early").arg(Times::duration(missing));
+}
+
+QString EffectWords::phraseOfRow(const QVector<PlayedStep>& steps, int step, const Effect& effect) const
 {
     switch (effect.rule) {
     case Rule::ShortcutOpens:
@@ -140,20 +161,22 @@ QString EffectWords::phraseOfRow(const PlayedStep& step, const Effect& effect) c
     case Rule::LongPressCompletes:
         return placed(QStringLiteral("completes %1").arg(actionOf(effect.row)), effect.row);
     case Rule::SequenceHides:
-        return hiddenBy(step, effect);
+        return hiddenBy(steps.at(step), effect);
     case Rule::LongPressArms:
         return placed(QStringLiteral("begins the time of %1, %2")
                           .arg(actionOf(effect.row), Times::duration(std::chrono::milliseconds(
                                                          qMax(0, m_lists.row(effect.row).timeout())))),
                       effect.row);
     case Rule::LongPressStops:
-        return placed(QStringLiteral("stops the time of %1").arg(actionOf(effect.row)), effect.row);
+        return placed(QStringLiteral("stops the time of %1").arg(actionOf(effect.row)) +
+                          earliness(steps, step, effect.row),
+                      effect.row);
     case Rule::Announces:
         return QStringLiteral("%1 is announced to %2")
             .arg(actionOf(effect.row), OutputWords::enumeration({m_lists.row(effect.row).receiverService()}));
     case Rule::RefusesState:
     case Rule::DropsReceiver:
-        return refusal(step, effect);
+        return refusal(steps.at(step), effect);
     default:
         return {};
     }

@@ -28,7 +28,8 @@ public:
 
 private:
     QString phraseOf(const QVector<model::PlayedStep>& steps, int step, int effect) const;
-    QString phraseOfRow(const model::PlayedStep& step, const model::Effect& effect) const;
+    QString phraseOfRow(const QVector<model::PlayedStep>& steps, int step, const model::Effect& effect) const;
+    QString earliness(const QVector<model::PlayedStep>& steps, int step, model::RowId row) const;
     QString phraseOfKey(const model::PlayedStep& step, const model::Effect& effect) const;
     QString phraseOfSilence(const QVector<model::PlayedStep>& steps, int step) const;
     bool isGesture(const model::Effect& effect) const;

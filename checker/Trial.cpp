@@ -42,7 +42,8 @@ bool Trial::isIn(int step, const Occasion& occasion) const
     if (!occasion.after) {
         return idOf(step) == occasion.scriptStep;
     }
-    const int index = m_edited.ids.indexOf(occasion.scriptStep);
+    // An inserted step has the id -1, too.
+    const int index = occasion.scriptStep == -1 ? -1 : m_edited.ids.indexOf(occasion.scriptStep);
     const auto begin = index == -1 ? std::chrono::milliseconds::zero() : m_edited.script.steps.at(index).at;
     return m_playback.origins().at(step) == -1 && played.at == begin + *occasion.after;
 }

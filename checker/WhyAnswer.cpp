@@ -14,8 +14,8 @@ namespace checker {
 
 namespace {
 
+constexpr int timeWidth = 10;
 constexpr int eventWidth = 18;
-const QString indent = QString(10, QLatin1Char(' '));
 
 /// A part of a playback: its first step and the one after its last.
 struct Part
@@ -106,13 +106,13 @@ void WhyWriter::writeStep(int step)
     if (phrases.isEmpty() && isKey(played)) {
         phrases.append(QStringLiteral("does nothing"));
     }
-    QString start = Times::sinceStart(played.at) + QStringLiteral("  ") + EffectWords::eventOf(played);
+    // Each line makes sense alone.
+    const QString start = Times::sinceStart(played.at) + QStringLiteral("  ") + EffectWords::eventOf(played);
     if (phrases.isEmpty()) {
         m_lines.append(start);
     }
     for (const QString& phrase : qAsConst(phrases)) {
-        m_lines.append(start.leftJustified(indent.size() + eventWidth) + phrase);
-        start.clear();
+        m_lines.append(start.leftJustified(timeWidth + eventWidth) + phrase);
     }
 }
 
@@ -164,15 +164,18 @@ QStringList WhyAnswer::of(const KeyLists& lists, const KeyScript& script, const 
 {
     WhyWriter writer(lists, script, placeOf);
     const QVector<Part> parts = partsOf(writer.steps());
-    const auto begin = [&](const Part& part) { return writer.steps().at(part.begin).at; };
-    for (int i = 0; i < parts.size(); ++i) {
-        const bool isLast = i + 1 == parts.size();
-        // The time between two parts belongs to the first one.
-        const bool isMeant =
-            !at || ((i == 0 || begin(parts.at(i)) <= *at) && (isLast || *at < begin(parts.at(i + 1))));
-        if (isMeant) {
-            writer.write(parts.at(i));
-        }
+    const auto distance = [&](const Part& part) {
+        const milliseconds begin = writer.steps().at(part.begin).at;
+        const milliseconds end = writer.steps().at(part.end - 1).at;
+        return std::max({begin - *at, *at - end, milliseconds::zero()});
+    };
+    const auto nearest = [&](const Part& a, const Part& b) { return distance(a) < distance(b); };
+    if (at && !parts.isEmpty()) {
+        writer.write(*std::min_element(parts.begin(), parts.end(), nearest));
+        return writer.lines();
+    }
+    for (const Part& part : parts) {
+        writer.write(part);
     }
     return writer.lines();
 }

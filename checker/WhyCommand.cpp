@@ -63,7 +63,7 @@ Status Commands::why(const QStringList& arguments, QTextStream& out, QTextStream
                        "ends with .keys, or statements such as 'tap Help Feed'. Rows, state and "
                        "model in a file count, unless options name others."));
     line.addOption(
-        {atOption, QStringLiteral("Explain only the keys around this time."), QStringLiteral("seconds")});
+        {atOption, QStringLiteral("Explain only the keys nearest to this time."), QStringLiteral("seconds")});
     if (const auto status = line.read(arguments, out, err)) {
         return *status;
     }

@@ -94,6 +94,7 @@ class WhyTest : public DeviceTest
 
 private Q_SLOTS:
     void refusedShortcutIsExplained();
+    void refusedLongPressNamesTheStateInWhichItWorks();
     void announcedGestureIsExplained();
     void atSelectsTheKeysAroundATime();
     void scriptFilesHaveTheirOwnRows();
@@ -125,13 +126,13 @@ void WhyTest::refusedShortcutIsExplained()
     const QStringList expected{
         "   0.000  Feed down         opens shortcuts with Feed  [" + file + ":6]",
         "   0.100  Ok down           completes LoadPaper  [" + file + ":6]",
-        "                            LoadPaper is refused: it is valid in PrintOff and the state is Idle",
+        "   0.100  Ok down           LoadPaper is refused: it is valid in PrintOff and the state is Idle",
         "   0.150  Ok up             closes the shortcuts with Feed",
-        "                            is not spoken: LoadPaper was refused 0.05 s before",
-        "                            waits 1.5 s for further keys",
+        "   0.150  Ok up             is not spoken: LoadPaper was refused 0.05 s before",
+        "   0.150  Ok up             waits 1.5 s for further keys",
         "   0.200  Feed up           is not spoken: LoadPaper was refused 0.1 s before",
-        "                            Ok waits no longer and is not sent",
-        "                            waits 1.5 s for further keys",
+        "   0.200  Feed up           Ok waits no longer and is not sent",
+        "   0.200  Feed up           waits 1.5 s for further keys",
         "   1.700  1.5 s over        Feed is not sent: LoadPaper was refused 1.6 s before",
         "Nothing was spoken and nothing was announced.",
         "LoadPaper is refused (0.1 s):",
@@ -144,6 +145,15 @@ void WhyTest::refusedShortcutIsExplained()
         "Ok is not sent (0.2 s):",
         "  Feed was released at 0.2 s."};
     QCOMPARE(run.lines(), expected);
+}
+
+void WhyTest::refusedLongPressNamesTheStateInWhichItWorks()
+{
+    const CommandRun run = why({"hold Ok 1300"});
+    QVERIFY2(
+        run.out.contains("row 6 of longKeyList.json, AcknowledgeError is valid in Error, and the state was "
+                         "Idle. It would have worked in Error."),
+        qPrintable(run.out));
 }
 
 void WhyTest::announcedGestureIsExplained()
