@@ -40,6 +40,8 @@ struct Options
         option("deny", "Count warnings as errors: the only value is \"warning\".", "level");
     QCommandLineOption witness =
         option("witness", "Write a key script for each row and state that works into this folder.", "folder");
+    QCommandLineOption fix{QStringLiteral("fix"),
+                           QStringLiteral("Mend what has one safe mend, and print what is left.")};
     QCommandLineOption help{QStringList{QStringLiteral("h"), QStringLiteral("help")},
                             QStringLiteral("Show this help.")};
 };
@@ -119,6 +121,13 @@ QString readDeny(const QStringList& words, bool& deniesWarnings)
     return {};
 }
 
+QString checkMendable(const QStringList& paths)
+{
+    return paths.contains(QStringLiteral("-"))
+               ? QStringLiteral("Standard input cannot be mended: --fix needs files.")
+               : QString();
+}
+
 } // namespace
 
 CheckArguments CheckArguments::parse(const QStringList& arguments)
@@ -131,7 +140,7 @@ CheckArguments CheckArguments::parse(const QStringList& arguments)
         QStringLiteral("A folder with key lists, or single files; - is standard input."),
         QStringLiteral("[path...]"));
     parser.addOptions({options.model, options.hands, options.pace, options.format, options.allow,
-                       options.deny, options.witness, options.help});
+                       options.deny, options.witness, options.fix, options.help});
     CheckArguments result;
     if (!parser.parse(arguments)) {
         result.fault = parser.errorText();
@@ -141,12 +150,14 @@ CheckArguments CheckArguments::parse(const QStringList& arguments)
     result.paths = parser.positionalArguments();
     result.allowed = parser.values(options.allow);
     result.witnessFolder = parser.value(options.witness);
+    result.mends = parser.isSet(options.fix);
     const QStringList faults{readModel(parser.value(options.model), result.options),
                              readHands(parser.value(options.hands), result.options),
                              readPace(parser.value(options.pace), result.options),
                              readFormat(parser.value(options.format), result.format),
                              readDeny(parser.values(options.deny), result.deniesWarnings),
-                             checkAllowed(result.allowed)};
+                             checkAllowed(result.allowed),
+                             result.mends ? checkMendable(result.paths) : QString()};
     for (const QString& fault : faults) {
         result.fault = result.fault.isEmpty() ? fault : result.fault;
     }

@@ -22,6 +22,8 @@ struct CheckArguments
     bool deniesWarnings = false;
     /// The folder for the key scripts that announce each row; empty if they are not wanted.
     QString witnessFolder;
+    /// Whether to mend what has one safe mend.
+    bool mends = false;
     /// The text of `--help`; empty if it is not wanted.
     QString help;
     /// Why the arguments cannot be used; empty if they can.

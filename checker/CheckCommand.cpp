@@ -4,6 +4,8 @@
 #include "checker/FindingJson.h"
 #include "checker/FindingSarif.h"
 #include "checker/FindingText.h"
+#include "checker/MendedFiles.h"
+#include "checker/Mending.h"
 #include "checker/Printable.h"
 #include "checker/WitnessFiles.h"
 
@@ -55,6 +57,26 @@ void print(CheckArguments::Format format, const ListSources& sources, const Chec
     }
 }
 
+/// Why the files could not be written; empty if they were.
+QString replaceFiles(const Mending& mending)
+{
+    QVector<SourceFile> files;
+    const QVector<model::List> changed = mending.changed();
+    for (const model::List list : changed) {
+        files.append(mending.sources().file(list));
+    }
+    return MendedFiles::replace(files);
+}
+
+void print(const Mending& mending, QTextStream& out)
+{
+    const QStringList lines = mending.made() + mending.refused();
+    for (const QString& line : lines) {
+        out << printable(line) << '\n';
+    }
+    out << (lines.isEmpty() ? "" : "\n");
+}
+
 } // namespace
 
 Status Commands::check(const QStringList& arguments, QTextStream& out, QTextStream& err)
@@ -65,14 +87,31 @@ Status Commands::check(const QStringList& arguments, QTextStream& out, QTextStre
             << (line.fault.isEmpty() ? line.help : printable(line.fault) + QLatin1Char('\n'));
         return line.fault.isEmpty() ? Clean : Unusable;
     }
-    const ListSources sources = ListSources::read(line.paths);
+    ListSources sources = ListSources::read(line.paths);
     if (!sources.fault.isEmpty()) {
         err << printable(sources.fault) << '\n';
         return Unusable;
     }
-    CheckResult result = checker::check(sources, line.options);
-    leaveOut(result.findings, sources.lists(line.options.isOrvane.value_or(false)), line.allowed);
+    const auto findAll = [&line](const ListSources& lists) {
+        CheckResult result = checker::check(lists, line.options);
+        leaveOut(result.findings, lists.lists(line.options.isOrvane.value_or(false)), line.allowed);
+        return result;
+    };
     const bool isText = line.format == CheckArguments::Format::Text;
+    CheckResult result;
+    if (line.mends) {
+        const Mending mending(sources, findAll);
+        const QString fault = replaceFiles(mending);
+        if (!fault.isEmpty()) {
+            err << printable(fault) << '\n';
+            return Unusable;
+        }
+        print(mending, isText ? out : err);
+        sources = mending.sources();
+        result = mending.result();
+    } else {
+        result = findAll(sources);
+    }
     for (const QString& note : sources.notes) {
         (isText ? out : err) << "note: " << printable(note) << '\n';
     }

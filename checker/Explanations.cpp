@@ -172,7 +172,8 @@ QVector<Explanation> explanationsOfText()
          QStringLiteral(
              "A file is an object with one section, a list of rows: LongKeys in longKeyList.json, "
              "ModifierKeys in modifierKeyList.json, ShortcutKeys in shortcutKeyList.json. Upper and lower "
-             "case matter. Without this list, the file has no rows: %1.")
+             "case matter. Without this list, the file has no rows: %1.\n\n"
+             "--fix renames the only member of a file, if it resembles the section and is a list.")
              .arg(loss),
          combinations(R"({
     "modifierKeys": [
@@ -202,7 +203,8 @@ QVector<Explanation> explanationsOfText()
              "and a missing member counts as empty.\n\n"
              "The finding is an error if the row lacks a member, otherwise a warning: services that ask for "
              "the combinations or shortcuts receive additional members as well. A missing timeout is the "
-             "finding \"time\"."),
+             "finding \"time\".\n\n"
+             "--fix renames a member that resembles one missing name. The row then does what it says."),
          combinations(R"({
     "ModifierKeys": [
         { "keys": ["Help", "Feed"], "eAction": "PaperStatus", "recieverService": "PrintManager",
@@ -215,7 +217,8 @@ QVector<Explanation> explanationsOfText()
          QStringLiteral(
              "Of several members with the same name in one object, the daemon reads the last one and does "
              "not log the others. Delete those that do not apply.\n\n"
-             "Of a long press that names a state twice, the action is announced twice in that state."),
+             "Of a long press that names a state twice, the action is announced twice in that state.\n\n"
+             "--fix deletes a member that repeats the value of the one before. No row changes."),
          combinations(R"({
     "ModifierKeys": [
         { "keys": ["Help", "Feed"], "eAction": "PrintSelfTest", "eAction": "PaperStatus",
@@ -252,7 +255,10 @@ QVector<Explanation> explanationsOfValues()
              "counts "
              "as empty, and such a timeout as 0. Of the keys of a long press, only the first one counts; "
              "of those of a shortcut, the first and the last one.\n\n"
-             "Write what the daemon reads, so that the file shows what happens.")
+             "Write what the daemon reads, so that the file shows what happens. --fix does so where the "
+             "meaning "
+             "is clear: for rounded times and times in quotation marks, for a single key that is not in a "
+             "list, and for numbers where a text is expected. No row changes.")
              .arg(KeyListFile::maxSeconds),
          longPresses(R"({
     "LongKeys": [
@@ -295,7 +301,8 @@ QVector<Explanation> explanationsOfValues()
          QStringLiteral(
              "No key of the panel has this name, so it is never pressed. The daemon does not check names, "
              "and upper and lower case matter. The keys are: %1.\n\n"
-             "Of a long press only the first key counts, of a shortcut the first and the last one.")
+             "Of a long press only the first key counts, of a shortcut the first and the last one.\n\n"
+             "--fix writes the name of the only key that the word resembles.")
              .arg(listed(ls::KeyId::meta)),
          combinations(R"({
     "ModifierKeys": [
@@ -310,7 +317,8 @@ QVector<Explanation> explanationsOfValues()
              "The device never has this state, so the row announces nothing in it. The daemon does not "
              "check names, and upper and lower case matter. The states are: %1.\n\n"
              "Blanks around a name count, too: they are ignored only in long presses, and only where "
-             "several states are joined with a vertical bar.")
+             "several states are joined with a vertical bar.\n\n"
+             "--fix writes the name of the only state that the word resembles.")
              .arg(listed(ls::StateId::meta)),
          combinations(R"({
     "ModifierKeys": [
@@ -324,7 +332,8 @@ QVector<Explanation> explanationsOfValues()
          QStringLiteral(
              "The daemon announces the action to the receiver that the row names, whatever it is. No "
              "service has this name, so no service acts on it. Upper and lower case matter. The services "
-             "are: %1.")
+             "are: %1.\n\n"
+             "--fix writes the name of the only service that the word resembles.")
              .arg(listed(ls::ServiceId::meta)),
          combinations(R"({
     "ModifierKeys": [
@@ -459,7 +468,10 @@ QVector<Explanation> explanationsOfRows()
              "can match, and none does if a pair before it consists of its first key and another of its "
              "keys.\n\n"
              "Shortcuts: if several rows have the same first and last key, the first one counts, in every "
-             "state."),
+             "state.\n\n"
+             "--fix moves a row to the end of its list if it is proved that the hidden row then works and "
+             "that "
+             "all rows that work now still do."),
          combinations(R"({
     "ModifierKeys": [
         { "keys": ["Function", "Help", "One"], "eAction": "PrintSelfTest",

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "checker/Mend.h"
 #include "checker/SourceFile.h"
 #include "model/Explorer.h"
 #include "model/KeyLists.h"
@@ -49,6 +50,8 @@ struct Finding
     std::optional<ProofNote> proof;
     /// What the author can do; may be empty.
     QString help;
+    /// The change that `help` describes, if there is one that is safe.
+    std::optional<Mend> mend;
     /// A key script that shows the finding; may be empty.
     QString witness;
 };

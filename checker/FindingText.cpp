@@ -85,7 +85,9 @@ QString FindingText::describe(const Finding& finding) const
         text += QStringLiteral("%1= %2\n").arg(blanks(margin + 2), sentenceOn(*finding.proof));
     }
     if (!finding.help.isEmpty()) {
-        text += QStringLiteral("%1= help: %2\n").arg(blanks(margin + 2), printable(finding.help));
+        text += QStringLiteral("%1= help: %2%3\n")
+                    .arg(blanks(margin + 2), printable(finding.help),
+                         finding.mend ? QStringLiteral(" (--fix)") : QString());
     }
     return text + QLatin1Char('\n');
 }

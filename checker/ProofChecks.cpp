@@ -229,6 +229,10 @@ void RowCheck::addNever(RowId id, const ProvedStates& never)
                 "move row %1 to the end of the list: then row %2 works, and all that work now still do")
                 .arg(hiding->index + 1)
                 .arg(id.index + 1);
+        finding.mend = Mend{Mend::Promise::Move,
+                            {},
+                            *hiding,
+                            QStringLiteral("row %1 is now the last one").arg(hiding->index + 1)};
     }
 }
 

@@ -38,6 +38,7 @@ void RowPlaces::add(const SourceFile& file, model::List list)
         return;
     }
     for (const JsonNode& element : section->children) {
+        m_elements[static_cast<size_t>(list)].append(element.range);
         if (element.kind == JsonNode::Kind::Object) {
             m_rows[static_cast<size_t>(list)].push_back(element);
         } else {

@@ -23,6 +23,8 @@ public:
     Place member(model::RowId id, const QString& name) const;
     /// The whole row.
     Place whole(model::RowId id) const { return {id.list, row(id).range, {}}; }
+    /// All elements of a list, rows or not, in their order.
+    const QVector<Range>& elements(model::List list) const { return m_elements[static_cast<size_t>(list)]; }
     /// The elements of a list that the loader skips.
     const QVector<Range>& skipped(model::List list) const { return m_skipped[static_cast<size_t>(list)]; }
 
@@ -30,6 +32,7 @@ private:
     void add(const SourceFile& file, model::List list);
 
     std::array<std::vector<JsonNode>, 3> m_rows;
+    std::array<QVector<Range>, 3> m_elements;
     std::array<QVector<Range>, 3> m_skipped;
 };
 

@@ -48,6 +48,21 @@ QString Suggestion::of(const QString& word, const QStringList& names)
     return best;
 }
 
+QString Suggestion::clear(const QString& word, const QStringList& names)
+{
+    constexpr int lettersOfAMistake = 4; // a word of eight letters may have two mistakes
+    const int most = qMax(1, word.size() / lettersOfAMistake);
+    const QString best = of(word, names);
+    const auto changesTo = [&](const QString& name) {
+        return distance(word.left(maxLength).toLower(), name.toLower());
+    };
+    const int least = changesTo(best);
+    const auto isAsNear = [&](const QString& name) { return changesTo(name) <= least; };
+    const bool isClear =
+        !best.isEmpty() && least <= most && std::count_if(names.begin(), names.end(), isAsNear) == 1;
+    return isClear ? best : QString();
+}
+
 QString Suggestion::question(const QString& word, const QStringList& names)
 {
     const QString name = of(word, names);

@@ -4,6 +4,7 @@
 #include "checker/Suggestion.h"
 #include "keys/KeyListFile.h"
 
+#include <QHash>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -25,21 +26,43 @@ Finding atOffset(List list, const QString& id, const QString& message, Range ran
     return finding;
 }
 
+/// Offers to replace a part of the file.
+void offer(Finding& finding, Mend::Promise promise, const QString& help, const QVector<TextEdit>& edits,
+           const QString& done)
+{
+    finding.help = help;
+    finding.mend = Mend{promise, edits, {}, done};
+}
+
+/// Offers to delete `member`, with the comma before it, if it repeats the value of `first`.
+void offerToDelete(Finding& finding, const JsonNode& first, const JsonNode& before, const JsonNode& member)
+{
+    if (member.isWrittenLike(first)) {
+        offer(finding, Mend::Promise::SameRows,
+              QStringLiteral("delete it: both have the same value, so no row changes"),
+              {{{before.range.end, member.range.end}, {}}},
+              QStringLiteral("the second \"%1\" is deleted").arg(member.name));
+    }
+}
+
 QVector<Finding> duplicatesOf(List list, const JsonNode& object)
 {
     QVector<Finding> findings;
-    QMap<QString, Range> seen;
+    QMap<QString, const JsonNode*> seen;
+    const JsonNode* before = nullptr;
     for (const JsonNode& member : object.children) {
-        if (seen.contains(member.name)) {
+        if (const JsonNode* first = seen.value(member.name)) {
             Finding finding =
                 atOffset(list, QStringLiteral("duplicate"),
                          QStringLiteral("\"%1\" is there twice, and the last one counts").arg(member.name),
                          member.nameRange);
             finding.level = Level::Warning;
-            finding.related.append({list, seen.value(member.name), QStringLiteral("this one is ignored")});
+            finding.related.append({list, first->nameRange, QStringLiteral("this one is ignored")});
+            offerToDelete(finding, *first, *before, member);
             findings.append(finding);
         }
-        seen.insert(member.name, member.nameRange);
+        seen.insert(member.name, &member);
+        before = &member;
     }
     return findings;
 }
@@ -56,6 +79,20 @@ QString withoutSection(List list, const JsonNode& root)
            (similar.isEmpty() ? QString() : QStringLiteral("; is \"%1\" misspelt?").arg(similar));
 }
 
+/// Offers to rename the only member of a file that resembles the section and is a list.
+void offerToRename(Finding& finding, List list, const JsonNode& root)
+{
+    const QString section = KeyLists::sectionOf(list);
+    const bool isOnly = root.children.size() == 1;
+    const JsonNode* member = isOnly ? &root.children.front() : nullptr;
+    if (member && member->kind == JsonNode::Kind::Array &&
+        !Suggestion::clear(member->name, {section}).isEmpty()) {
+        offer(finding, Mend::Promise::WholeList, QStringLiteral("rename it to \"%1\"").arg(section),
+              {{member->nameRange, TextEdits::quoted(section)}},
+              QStringLiteral("\"%1\" is now \"%2\"").arg(member->name, section));
+    }
+}
+
 QVector<Finding> ofRoot(List list, const JsonNode& root)
 {
     QVector<Finding> findings = duplicatesOf(list, root);
@@ -63,6 +100,7 @@ QVector<Finding> ofRoot(List list, const JsonNode& root)
     if (!section) {
         findings.append(atOffset(list, QStringLiteral("section"), withoutSection(list, root),
                                  {root.range.begin, root.range.begin + 1}));
+        offerToRename(findings.last(), list, root);
     } else if (section->kind != JsonNode::Kind::Array) {
         findings.append(atOffset(list, QStringLiteral("section"),
                                  QStringLiteral("\"%1\" is not a list, so it has no rows").arg(section->name),
@@ -85,6 +123,25 @@ QString readingOf(const JsonNode* time, int seconds)
                : QStringLiteral("%1 is read as %2 s").arg(written, QString::number(seconds));
 }
 
+/// Whether the time is a number that is rounded to `seconds`, or has them in quotation marks.
+bool isNearTo(const JsonNode& time, int seconds)
+{
+    constexpr double rounding = 0.5;
+    const QByteArray number = QByteArray::number(seconds);
+    bool isNumber = false;
+    const double value = time.written.toDouble(&isNumber);
+    return time.written == '"' + number + '"' || (isNumber && qAbs(value - seconds) <= rounding);
+}
+
+/// Offers to write what the loader reads.
+void offerValue(Finding& finding, const JsonNode& value, const QByteArray& text)
+{
+    offer(finding, Mend::Promise::SameRows,
+          QStringLiteral("write %1, as the daemon reads it: no row changes").arg(QString::fromUtf8(text)),
+          {{value.range, text}},
+          QStringLiteral("%1 is now %2").arg(QString::fromUtf8(value.written), QString::fromUtf8(text)));
+}
+
 /// Checks the members of one row.
 class RowText
 {
@@ -99,6 +156,7 @@ private:
     void checkKeys();
     void checkText(const QString& name, const QString& value);
     void checkTime();
+    void offerName(Finding& finding, const JsonNode& member) const;
     Finding& add(const char* id, Level level, const QString& message, Range range);
     QStringList knownNames() const;
     bool isTimed() const { return m_id.list == List::LongPresses; }
@@ -106,8 +164,9 @@ private:
     RowId m_id;
     const KeyEntry& m_row;
     const JsonNode& m_object;
-    QStringList m_missing;  // known names that are not there
-    QStringList m_misspelt; // those of them for which a similar one is there
+    QStringList m_missing;        // known names that are not there
+    QStringList m_misspelt;       // those of them for which a similar one is there
+    QHash<QString, int> m_claims; // how many members resemble each of them
     QVector<Finding> m_findings;
 };
 
@@ -117,6 +176,9 @@ QVector<Finding> RowText::findings()
     m_missing = knownNames();
     for (const JsonNode& member : m_object.children) {
         m_missing.removeAll(member.name);
+    }
+    for (const JsonNode& member : m_object.children) {
+        ++m_claims[Suggestion::of(member.name, m_missing)];
     }
     for (const JsonNode& member : m_object.children) {
         checkName(member);
@@ -158,15 +220,27 @@ void RowText::checkName(const JsonNode& member)
     const QString similar = Suggestion::of(member.name, m_missing);
     if (!similar.isEmpty()) {
         m_misspelt.append(similar);
-        add("member", Level::Error,
-            QStringLiteral("\"%1\" is ignored: did you mean \"%2\"?").arg(member.name, similar),
-            member.nameRange);
+        offerName(add("member", Level::Error,
+                      QStringLiteral("\"%1\" is ignored: did you mean \"%2\"?").arg(member.name, similar),
+                      member.nameRange),
+                  member);
     } else if (member.name == KeyListFields::timeout) {
         add("member", Level::Warning,
             QStringLiteral("\"%1\" is ignored: only long presses have a time").arg(member.name),
             member.nameRange);
     } else {
         add("member", Level::Warning, QStringLiteral("\"%1\" is ignored").arg(member.name), member.nameRange);
+    }
+}
+
+void RowText::offerName(Finding& finding, const JsonNode& member) const
+{
+    const QString name = Suggestion::clear(member.name, m_missing);
+    if (!name.isEmpty() && m_claims.value(name) == 1) {
+        finding.row = m_id;
+        offer(finding, Mend::Promise::OneRow, QStringLiteral("rename it to \"%1\"").arg(name),
+              {{member.nameRange, TextEdits::quoted(name)}},
+              QStringLiteral("\"%1\" is now \"%2\"").arg(member.name, name));
     }
 }
 
@@ -194,8 +268,12 @@ void RowText::checkKeys()
             m_row.keys().isEmpty()
                 ? QStringLiteral("no keys")
                 : QStringLiteral("the list [\"%1\"]").arg(m_row.keys().join(QStringLiteral("\", \"")));
-        add("value", Level::Warning,
+        Finding& finding = add(
+            "value", Level::Warning,
             QStringLiteral("the keys are not a list of names: they are read as %1").arg(read), keys->range);
+        if (keys->kind == JsonNode::Kind::Text && m_row.keys().size() == 1) {
+            offerValue(finding, *keys, '[' + keys->written + ']');
+        }
     }
 }
 
@@ -203,8 +281,12 @@ void RowText::checkText(const QString& name, const QString& value)
 {
     const JsonNode* member = m_object.member(name);
     if (member && member->kind != JsonNode::Kind::Text) {
-        add("value", Level::Warning,
-            QStringLiteral("\"%1\" is not a text: it is read as \"%2\"").arg(name, value), member->range);
+        Finding& finding =
+            add("value", Level::Warning,
+                QStringLiteral("\"%1\" is not a text: it is read as \"%2\"").arg(name, value), member->range);
+        if (!value.isEmpty()) {
+            offerValue(finding, *member, TextEdits::quoted(value));
+        }
     }
 }
 
@@ -221,7 +303,10 @@ void RowText::checkTime()
                 QStringLiteral(": the action repeats 30 times a second while the key is held"),
             range);
     } else if (time && time->written.toDouble() != seconds) {
-        add("value", Level::Warning, readingOf(time, seconds), range);
+        Finding& finding = add("value", Level::Warning, readingOf(time, seconds), range);
+        if (isNearTo(*time, seconds)) {
+            offerValue(finding, *time, QByteArray::number(seconds));
+        }
     }
     if (seconds > longHold) {
         add("long-hold", Level::Warning, QStringLiteral("the key must be held for %1 s").arg(seconds), range);

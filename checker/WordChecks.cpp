@@ -38,7 +38,9 @@ private:
     void checkVisible(const QString& name, const QString& text);
     bool counts(int key) const;
     Place keyPlace(int index) const;
-    void add(const char* id, Level level, const QString& message, const Place& place);
+    Finding& add(const char* id, Level level, const QString& message, const Place& place);
+    static void offer(Finding& finding, const QString& word, const QStringList& names, Range range);
+    void offerState(Finding& finding, const QString& state, const QStringList& names) const;
 
     RowId m_id;
     const KeyEntry& m_row;
@@ -59,7 +61,7 @@ QVector<Finding> RowWords::findings()
     return m_findings;
 }
 
-void RowWords::add(const char* id, Level level, const QString& message, const Place& place)
+Finding& RowWords::add(const char* id, Level level, const QString& message, const Place& place)
 {
     Finding finding;
     finding.id = QString::fromLatin1(id);
@@ -68,6 +70,20 @@ void RowWords::add(const char* id, Level level, const QString& message, const Pl
     finding.row = m_id;
     finding.place = place;
     m_findings.append(finding);
+    return m_findings.last();
+}
+
+/// Offers to replace a word by the only name that it can mean.
+void RowWords::offer(Finding& finding, const QString& word, const QStringList& names, Range range)
+{
+    const QString name = Suggestion::clear(word, names);
+    if (!name.isEmpty()) {
+        finding.help = QStringLiteral("write \"%1\"").arg(name);
+        finding.mend = Mend{Mend::Promise::OneRow,
+                            {{range, TextEdits::quoted(name)}},
+                            {},
+                            QStringLiteral("\"%1\" is now \"%2\"").arg(word, name)};
+    }
 }
 
 Place RowWords::keyPlace(int index) const
@@ -87,10 +103,12 @@ void RowWords::checkKeys()
     for (int i = 0; i < m_row.keys().size(); ++i) {
         const QString& key = m_row.keys().at(i);
         if (counts(i) && !keyOf(key)) {
-            add("unknown-key", Level::Error,
-                QStringLiteral("\"%1\" is not a key").arg(key) +
-                    Suggestion::question(key, RowNames::of(ls::KeyId::meta)),
-                keyPlace(i));
+            const QStringList names = RowNames::of(ls::KeyId::meta);
+            const Place place = keyPlace(i);
+            offer(add("unknown-key", Level::Error,
+                      QStringLiteral("\"%1\" is not a key").arg(key) + Suggestion::question(key, names),
+                      place),
+                  key, names, place.range);
         }
     }
 }
@@ -142,11 +160,31 @@ void RowWords::checkStates()
     }
     for (const QString& state : qAsConst(states)) {
         if (!stateOf(state)) {
-            add("unknown-state", Level::Error,
-                QStringLiteral("\"%1\" is not a state").arg(state) +
-                    Suggestion::question(state, RowNames::of(ls::StateId::meta)),
-                place);
+            const QStringList names = RowNames::of(ls::StateId::meta);
+            offerState(
+                add("unknown-state", Level::Error,
+                    QStringLiteral("\"%1\" is not a state").arg(state) + Suggestion::question(state, names),
+                    place),
+                state, names);
         }
+    }
+}
+
+/// Offers to replace one of joined states where the file has it only once, as it is read.
+void RowWords::offerState(Finding& finding, const QString& state, const QStringList& names) const
+{
+    const JsonNode* member = m_places.row(m_id).member(KeyListFields::validOnState);
+    const QByteArray written = state.toUtf8();
+    const bool isAlone = member->written == '"' + written + '"';
+    const int at = member->written.indexOf(written);
+    const bool isOnce = !written.isEmpty() && at != -1 && member->written.indexOf(written, at + 1) == -1;
+    if (isAlone || (isOnce && !member->written.contains('\\'))) {
+        const int begin = member->range.begin + at;
+        offer(finding, state, names, {begin, begin + written.size()});
+    }
+    if (finding.mend) {
+        QByteArray& text = finding.mend->edits.first().text;
+        text = text.mid(1, text.size() - 2); // the quotation marks are around all states
     }
 }
 
@@ -159,10 +197,12 @@ void RowWords::checkReceiver()
             QStringLiteral("the action is dropped, because its receiver is \"%1\"").arg(receiver), place);
     } else if (!ls::ServiceId::meta.contains(receiver) &&
                m_places.row(m_id).member(KeyListFields::receiverService)) {
-        add("unknown-service", Level::Error,
-            QStringLiteral("\"%1\" is not a service, and none reacts to the action").arg(receiver) +
-                Suggestion::question(receiver, RowNames::of(ls::ServiceId::meta)),
-            place);
+        const QStringList names = RowNames::of(ls::ServiceId::meta);
+        offer(add("unknown-service", Level::Error,
+                  QStringLiteral("\"%1\" is not a service, and none reacts to the action").arg(receiver) +
+                      Suggestion::question(receiver, names),
+                  place),
+              receiver, names, place.range);
     }
 }
 

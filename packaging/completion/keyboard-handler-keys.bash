@@ -25,7 +25,7 @@ _keyboard_handler_keys()
         --pace | --allow | --at) return ;;
         *)
             case $command:$current in
-            check:-*) words="--model --hands --pace --format --allow --deny --witness --help" ;;
+            check:-*) words="--model --hands --pace --format --allow --deny --witness --fix --help" ;;
             how:-* | what:-*) words="--state --model --help" ;;
             diff:-*) words="--for --model --format --help" ;;
             why:-*) words="--at --state --model --help" ;;

@@ -21,6 +21,7 @@ complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from check" -l form
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from check" -l allow -x -d 'Leave out findings with this id, or ID:ACTION'
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from check" -l deny -x -a warning -d 'Count warnings as errors'
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from check" -l witness -x -a '(__fish_complete_directories)' -d 'Write key scripts of the rows that work'
+complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from check" -l fix -d 'Mend what has one safe mend'
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from how what why" -l state -x -a 'Startup Idle Print PrintOff Update Error' -d 'Operating state'
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from diff" -l for -x -a 'users services' -d 'What to compare'
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from why" -l at -x -d 'Time in seconds'

@@ -415,7 +415,7 @@ void CheckTest::textOfAFinding()
     QVERIFY(lines.value(7).startsWith("   = proved: any input; "));
     QCOMPARE(lines.value(8),
              QStringLiteral("   = help: move row 1 to the end of the list: then row 2 works, and all "
-                            "that work now still do"));
+                            "that work now still do (--fix)"));
 }
 
 /// What a file contains must not act on a terminal.

@@ -121,4 +121,26 @@ expect 2 "some.json/witnesses cannot be created" check --witness some.json/witne
 grep -q "cannot be written" errors || fault "no space for witnesses: $(cat errors)"
 [ -z "$(ls full)" ] || fault "incomplete witnesses: $(ls full)"
 
+# Mends.
+mkdir mended
+cp shortcutKeyList.json mended/
+printf '{ "ModifierKeys": [\n%s\n] }\n' '{ "keys": ["Hlep", "Feed"], "eAction": "\u001b[2J", "receiverService": "UserMenu", "validOnState": "Idle" }' >mended/modifierKeyList.json
+printf '{ "LongKeys": [\n%s\n] }\n' '{ "keys": ["\u001b[2J"], "eAction": "\u001b[2J", "receiverService": "UserMenue", "timeout": 1.5, "validOnState": "Idle" }' >mended/longKeyList.json
+cp -r mended before
+expect 2 "Standard input cannot be mended" check --fix -
+{
+    (
+        trap '' XFSZ
+        ulimit -f 0
+        exec "$program" check --fix mended 2>&3 >/dev/null
+    )
+    echo $? >status
+} 3>&1 | cat >errors
+[ "$(cat status)" -eq 2 ] || fault "no space for mended files: $(cat status)"
+grep -q "cannot be written" errors || fault "no space for mended files: $(cat errors)"
+diff -r before mended || fault "no space for mended files: they have changed"
+expect 1 'mended: mended/modifierKeyList.json:2:12: "Hlep" is now "Help"' check --fix mended
+expect 1 "error[unknown-key]" check --fix mended
+[ "$(find mended -type f | wc -l)" -eq 3 ] || fault "mended files: $(ls -A mended)"
+
 exit $faults

@@ -40,7 +40,7 @@ completions_of() {
         printf "%s\n" "${COMPREPLY[@]}" | sort' - "$completion/keyboard-handler-keys.bash" "$@"
 }
 same "bash: commands" "$commands" "$(completions_of '')"
-same "bash: options" "--format" "$(completions_of check --f)"
+same "bash: options" "--format" "$(completions_of check --fo)"
 same "bash: values" "json" "$(completions_of check --format j)"
 same "bash: files" "$source/data/" "$(completions_of check "$source/dat")/"
 exit $faults
