@@ -6,6 +6,7 @@
 #include <ls/Identifiers.h>
 
 #include <algorithm>
+#include <array>
 
 using std::chrono::milliseconds;
 
@@ -23,6 +24,7 @@ public:
 
 private:
     void writeHeader(State start, bool isOrvane);
+    bool canPress(Input input) const;
     void write(const PlayedStep& step);
     void writeKey(Input input, bool isFinger);
     void writeOther(Input input);
@@ -31,6 +33,8 @@ private:
     void expectOutput(milliseconds at, const Output& output);
 
     QStringList m_lines;
+    // The devices that have keys without an identifier.
+    std::array<bool, Environment::deviceCount> m_hasOtherKeys{};
     milliseconds m_now{0};
     int m_device = 0;
     bool m_hasStateHandler = true;
@@ -42,6 +46,11 @@ ScriptText::ScriptText(const Playback& playback, const KeyLists& lists)
 {
     const auto& steps = playback.steps();
     writeHeader(steps.isEmpty() ? playback.situation().state : steps.first().before.state, lists.isOrvane);
+    for (const PlayedStep& step : steps) {
+        const bool isOther =
+            step.origin == PlayedStep::Origin::Finger && !Alphabet::isIdentified(step.input.key());
+        m_hasOtherKeys.at(step.input.device) = m_hasOtherKeys.at(step.input.device) || isOther;
+    }
     for (const PlayedStep& step : steps) {
         write(step);
     }
@@ -58,12 +67,17 @@ void ScriptText::writeHeader(State start, bool isOrvane)
     m_hasStateHandler = start != State::Undefined;
 }
 
+/// Scripts can press only keys with an identifier. Other keys are written as records, repetitions too, and so
+/// are all keys of their device, because a record does not end the repetition of a pressed key.
+bool ScriptText::canPress(Input input) const
+{
+    return !m_hasOtherKeys.at(input.device);
+}
+
 void ScriptText::write(const PlayedStep& step)
 {
-    const bool isIdentified = Alphabet::isIdentified(step.input.key());
-    // Scripts can press only keys with an identifier; other keys are written as records, repetitions too.
-    const bool isWritten =
-        step.origin != PlayedStep::Origin::Time || (step.input.kind == Input::Kind::Repeat && !isIdentified);
+    const bool isWritten = step.origin != PlayedStep::Origin::Time ||
+                           (step.input.kind == Input::Kind::Repeat && !canPress(step.input));
     if (isWritten) {
         if (step.at > m_now) {
             m_lines << QStringLiteral("wait %1").arg((step.at - m_now).count());
@@ -72,7 +86,7 @@ void ScriptText::write(const PlayedStep& step)
         if (step.input.kind > Input::Kind::Repeat) {
             writeOther(step.input);
         } else {
-            writeKey(step.input, step.origin == PlayedStep::Origin::Finger && isIdentified);
+            writeKey(step.input, step.origin == PlayedStep::Origin::Finger && canPress(step.input));
         }
     }
     expect(step);

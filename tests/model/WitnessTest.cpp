@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "model/Witness.h"
+#include "model/KeyFacts.h"
 #include "model/RowProofs.h"
 #include "tests/model/ListMaps.h"
 #include "tests/model/ScriptOnDevice.h"
@@ -38,6 +39,7 @@ class WitnessTest : public QObject
 
 private Q_SLOTS:
     void init() { m_played = 0; }
+    void keyWithoutIdentifierEndsARepetition();
     void witnessGoesAsExpected_data();
     void witnessGoesAsExpected();
 
@@ -47,6 +49,23 @@ private:
     QVector<KeyLists> m_lists;
     int m_played = 0;
 };
+
+void WitnessTest::keyWithoutIdentifierEndsARepetition()
+{
+    const QString receiver = ServiceId::UserMenu;
+    const KeyLists lists = ListMaps::ofRows({{KeyRow::Kind::Long, "A", receiver, "Idle", 1, {"Help"}},
+                                             {KeyRow::Kind::Long, "B", receiver, "Idle", 0, {"Undefined"}}});
+    const KeyModel keyModel(lists);
+    Playback playback(keyModel, KeyFacts::idle);
+    playback.press(KeyFacts::help);
+    playback.wait(50ms);
+    playback.press(*Alphabet::keyOf("Undefined"));
+    playback.wait(300ms);
+    playback.release(KeyFacts::help);
+    const QString script = Witness::toScript(playback, lists);
+    QVERIFY2(script.contains(" announce B "), qPrintable(script));
+    QCOMPARE(ScriptOnDevice::difference(script, lists), QString());
+}
 
 void WitnessTest::witnessGoesAsExpected_data()
 {
