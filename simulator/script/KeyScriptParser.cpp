@@ -7,6 +7,8 @@
 #include "simulator/script/ScriptWords.h"
 #include "simulator/script/ServiceWords.h"
 
+#include <QRegularExpression>
+
 #include <limits>
 
 using namespace std::chrono_literals;
@@ -28,8 +30,11 @@ std::optional<milliseconds> timeOf(const QString& word)
 
 QString timeFault(const QString& word)
 {
-    return QStringLiteral("\"%1\" is not a time from 0 to %2 ms.")
-        .arg(word, QString::number(maxDuration.count()));
+    static const QRegularExpression seconds(QStringLiteral("^\\d+(\\.\\d+s?|s)$"));
+    const bool isInSeconds = seconds.match(word).hasMatch();
+    return QStringLiteral("\"%1\" is not a time from 0 to %2 ms%3.")
+        .arg(word, QString::number(maxDuration.count()),
+             isInSeconds ? QStringLiteral(": times are whole milliseconds, 2250 for 2.25 s") : QString());
 }
 
 } // namespace

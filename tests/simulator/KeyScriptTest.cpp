@@ -294,6 +294,12 @@ void KeyScriptTest::faultsAreExplained_data()
                                    << "1: \"-1\" is not a time from 0 to 86400000 ms.";
     QTest::newRow("time in words") << "wait long"
                                    << "1: \"long\" is not a time from 0 to 86400000 ms.";
+    QTest::newRow("time in seconds with decimals")
+        << "hold Feed 2.25"
+        << "1: \"2.25\" is not a time from 0 to 86400000 ms: times are whole milliseconds, 2250 for 2.25 s.";
+    QTest::newRow("time with a unit")
+        << "wait 2s"
+        << "1: \"2s\" is not a time from 0 to 86400000 ms: times are whole milliseconds, 2250 for 2.25 s.";
     QTest::newRow("time overflow") << "wait 99999999999999999999"
                                    << "1: \"99999999999999999999\" is not a time";
     QTest::newRow("time with a placeholder") << "wait %1"
