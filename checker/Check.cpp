@@ -9,6 +9,7 @@
 #include "checker/WordChecks.h"
 
 #include <QHash>
+#include <QMap>
 #include <QSet>
 
 #include <algorithm>
@@ -31,19 +32,49 @@ bool spoilsRow(const Finding& finding)
     return finding.row.index >= 0 && (ids.contains(finding.id) || lacksMember);
 }
 
-/// The rows without such a finding.
-QVector<RowId> soundRows(const KeyLists& lists, const QVector<Finding>& findings)
+/// Whether a row with this finding is not announced.
+bool isDead(const Finding& finding)
+{
+    static const QSet<QString> ids{QStringLiteral("never"), QStringLiteral("hidden"),
+                                   QStringLiteral("state-change")};
+    return spoilsRow(finding) ||
+           (finding.row.index >= 0 && finding.level == Level::Error && ids.contains(finding.id));
+}
+
+/// The rows without a finding of a kind.
+QVector<RowId> rowsWithout(bool (*isMeant)(const Finding&), QVector<RowId> ids,
+                           const QVector<Finding>& findings)
 {
     std::array<QSet<int>, 3> spoilt;
     for (const Finding& finding : findings) {
-        if (spoilsRow(finding)) {
+        if (isMeant(finding)) {
             spoilt[static_cast<size_t>(finding.row.list)].insert(finding.row.index);
         }
     }
-    QVector<RowId> ids = lists.ids();
     const auto isSpoilt = [&](RowId id) { return spoilt[static_cast<size_t>(id.list)].contains(id.index); };
     ids.erase(std::remove_if(ids.begin(), ids.end(), isSpoilt), ids.end());
     return ids;
+}
+
+bool isNotProved(const Finding& finding)
+{
+    return finding.row.index >= 0 && finding.id == QLatin1String("not-proved");
+}
+
+/// Each row with such a finding, with the first of its ids.
+QVector<QPair<RowId, QString>> unsearchedRows(const QVector<Finding>& findings)
+{
+    QMap<RowId, QString> ids;
+    for (const Finding& finding : findings) {
+        if (spoilsRow(finding) && !ids.contains(finding.row)) {
+            ids.insert(finding.row, finding.id);
+        }
+    }
+    QVector<QPair<RowId, QString>> rows;
+    for (auto it = ids.cbegin(); it != ids.cend(); ++it) {
+        rows.append({it.key(), it.value()});
+    }
+    return rows;
 }
 
 /// What a person perceives may depend on the embosser model; nothing else does.
@@ -77,6 +108,15 @@ QVector<Finding> gestureFindings(const ListSources& sources, const RowPlaces& pl
     return findings;
 }
 
+void leaveOut(QVector<Finding>& findings, const KeyLists& lists, const QStringList& allowed)
+{
+    const auto isAllowed = [&](const Finding& finding) {
+        const QString action = finding.row.index < 0 ? QString() : lists.row(finding.row).eAction();
+        return allowed.contains(finding.id) || allowed.contains(finding.id + QLatin1Char(':') + action);
+    };
+    findings.erase(std::remove_if(findings.begin(), findings.end(), isAllowed), findings.end());
+}
+
 void sort(QVector<Finding>& findings, const ListSources& sources)
 {
     const auto order = [&](const Finding& finding) {
@@ -100,12 +140,19 @@ CheckResult check(const ListSources& sources, const CheckOptions& options)
         }
         result.findings += TextChecks::ofRows(lists, places, list) + WordChecks::of(lists, places, list);
     }
-    result.findings += SameKeys::of(lists, places);
-    const QVector<RowId> sound = soundRows(lists, result.findings);
+    const QVector<RowId> sound = rowsWithout(spoilsRow, lists.ids(), result.findings);
     result.rows = lists.ids().size();
-    result.provedRows = sound.size();
+    result.unsearched = unsearchedRows(result.findings);
+    for (const model::List list : lists.unreadable) {
+        if (sources.found.contains(list)) {
+            result.unreadable.append(list);
+        }
+    }
     ProofChecks::run(lists, places, sound, options, result);
+    result.findings += SameKeys::of(lists, places, rowsWithout(isDead, lists.ids(), result.findings));
     result.findings += gestureFindings(sources, places, sound, options);
+    result.provedRows = rowsWithout(isNotProved, sound, result.findings).size();
+    leaveOut(result.findings, lists, options.allowed);
     sort(result.findings, sources);
     return result;
 }

@@ -5,6 +5,8 @@
 #include "checker/ListSources.h"
 #include "checker/SearchWords.h"
 
+#include <QPair>
+#include <QStringList>
 #include <QVector>
 
 #include <chrono>
@@ -20,6 +22,8 @@ struct CheckOptions
     int fingers = 2;
     /// The minimum time between two movements of a person's fingers; 0 is any time.
     std::chrono::milliseconds pace{0};
+    /// Findings with these ids are left out; "ID:ACTION" is only about rows with this action.
+    QStringList allowed;
     /// When a search gives up.
     model::Limits limits = searchLimits;
 };
@@ -29,9 +33,12 @@ struct CheckResult
     /// By file, line and column, then by id.
     QVector<Finding> findings;
     int rows = 0;
-    /// The rows that the searches were about: those without a finding about their words that leaves nothing
-    /// to prove.
+    /// The rows for which the searches came to their end.
     int provedRows = 0;
+    /// The rows that were not searched, with the id of the finding that leaves nothing to prove.
+    QVector<QPair<model::RowId, QString>> unsearched;
+    /// The files without a readable list.
+    QVector<model::List> unreadable;
     /// Whether each search came to its end.
     bool isProved = true;
     /// What the searches visited, for the summary.

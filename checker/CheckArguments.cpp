@@ -2,6 +2,7 @@
 #include "checker/CheckArguments.h"
 
 #include "checker/Explanations.h"
+#include "checker/HelpText.h"
 #include "checker/Suggestion.h"
 
 #include <QCommandLineParser>
@@ -27,11 +28,14 @@ struct Options
     QCommandLineOption model =
         option("model", "Check for one embosser model: Pellit or Orvane. Without it, for both.", "model");
     QCommandLineOption hands =
-        option("hands", "How many keys a person holds at once: 1 to 4.", "number", "2");
+        option("hands", "How many keys a person holds at once: 1 to 4. Without it, 2.", "number", "2");
     QCommandLineOption pace =
-        option("pace", "The shortest time between two movements of a person: a multiple of 250 ms.",
+        option("pace",
+               "The shortest time between two movements of a person: a multiple of 250 ms up to 60000. "
+               "Without it, 0.",
                "milliseconds", "0");
-    QCommandLineOption format = option("format", "The output: text, json or sarif.", "format", "text");
+    QCommandLineOption format =
+        option("format", "The output: text, lines, json or sarif. Without it, text.", "format", "text");
     QCommandLineOption allow = option("allow",
                                       "Leave out the findings with this id, or with ID:ACTION those about "
                                       "rows with this action; may be repeated.",
@@ -42,8 +46,7 @@ struct Options
         option("witness", "Write a key script for each row and state that works into this folder.", "folder");
     QCommandLineOption fix{QStringLiteral("fix"),
                            QStringLiteral("Mend what has one safe mend, and print what is left.")};
-    QCommandLineOption help{QStringList{QStringLiteral("h"), QStringLiteral("help")},
-                            QStringLiteral("Show this help.")};
+    QCommandLineOption help = HelpText::option();
 };
 
 QString readModel(const QString& word, CheckOptions& options)
@@ -85,26 +88,21 @@ QString readFormat(const QString& word, CheckArguments::Format& format)
 {
     static const QMap<QString, CheckArguments::Format> formats{
         {QStringLiteral("text"), CheckArguments::Format::Text},
+        {QStringLiteral("lines"), CheckArguments::Format::Lines},
         {QStringLiteral("json"), CheckArguments::Format::Json},
         {QStringLiteral("sarif"), CheckArguments::Format::Sarif}};
     format = formats.value(word);
     return formats.contains(word)
                ? QString()
-               : QStringLiteral("The format must be text, json or sarif, not \"%1\".").arg(word);
+               : QStringLiteral("The format must be text, lines, json or sarif, not \"%1\".").arg(word);
 }
 
 QString checkAllowed(const QStringList& words)
 {
-    QStringList ids;
-    for (const Explanation& explanation : Explanations::all()) {
-        ids.append(explanation.id);
-    }
     for (const QString& word : words) {
-        const QString id = word.section(QLatin1Char(':'), 0, 0);
-        if (!ids.contains(id)) {
-            return QStringLiteral("\"%1\" is not the id of a finding").arg(id) +
-                   Suggestion::question(id, ids) +
-                   QStringLiteral("; keyboard-handler-keys explain lists all.");
+        const QString fault = Explanations::checkId(word.section(QLatin1Char(':'), 0, 0));
+        if (!fault.isEmpty()) {
+            return fault;
         }
     }
     return {};
@@ -137,8 +135,9 @@ CheckArguments CheckArguments::parse(const QStringList& arguments)
     parser.setApplicationDescription(QStringLiteral("Checks key lists and proves which of their rows work."));
     parser.addPositionalArgument(
         QStringLiteral("path"),
-        QStringLiteral("A folder with key lists, or single files; - is standard input."),
-        QStringLiteral("[path...]"));
+        QStringLiteral(
+            "A folder with key lists, or single files; - is standard input. Without it, the current "
+            "folder."));
     parser.addOptions({options.model, options.hands, options.pace, options.format, options.allow,
                        options.deny, options.witness, options.fix, options.help});
     CheckArguments result;
@@ -146,9 +145,11 @@ CheckArguments CheckArguments::parse(const QStringList& arguments)
         result.fault = parser.errorText();
         return result;
     }
-    result.help = parser.isSet(options.help) ? parser.helpText() : QString();
+    result.help = parser.isSet(options.help)
+                      ? HelpText::of(parser, QStringLiteral("check [option...] [path...]"))
+                      : QString();
     result.paths = parser.positionalArguments();
-    result.allowed = parser.values(options.allow);
+    result.options.allowed = parser.values(options.allow);
     result.witnessFolder = parser.value(options.witness);
     result.mends = parser.isSet(options.fix);
     const QStringList faults{readModel(parser.value(options.model), result.options),
@@ -156,12 +157,30 @@ CheckArguments CheckArguments::parse(const QStringList& arguments)
                              readPace(parser.value(options.pace), result.options),
                              readFormat(parser.value(options.format), result.format),
                              readDeny(parser.values(options.deny), result.deniesWarnings),
-                             checkAllowed(result.allowed),
+                             checkAllowed(result.options.allowed),
                              result.mends ? checkMendable(result.paths) : QString()};
     for (const QString& fault : faults) {
         result.fault = result.fault.isEmpty() ? fault : result.fault;
     }
     return result;
+}
+
+QString CheckArguments::checkActions(const model::KeyLists& lists) const
+{
+    QStringList actions;
+    const QVector<model::RowId> ids = lists.ids();
+    for (const model::RowId id : ids) {
+        actions.append(lists.row(id).eAction());
+    }
+    for (const QString& word : options.allowed) {
+        const QString action = word.section(QLatin1Char(':'), 1);
+        if (word.contains(QLatin1Char(':')) && !actions.contains(action)) {
+            const QString question = Suggestion::question(action, actions);
+            return QStringLiteral("No row has the action \"%1\"").arg(action) +
+                   (question.isEmpty() ? QStringLiteral(".") : question);
+        }
+    }
+    return {};
 }
 
 } // namespace checker

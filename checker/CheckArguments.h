@@ -11,13 +11,11 @@ namespace checker {
 /// The arguments of the subcommand `check`.
 struct CheckArguments
 {
-    enum class Format { Text, Json, Sarif };
+    enum class Format { Text, Lines, Json, Sarif };
 
     QStringList paths;
     CheckOptions options;
     Format format = Format::Text;
-    /// Findings with these ids are left out; "ID:ACTION" is only about rows with this action.
-    QStringList allowed;
     /// Whether warnings count as errors.
     bool deniesWarnings = false;
     /// The folder for the key scripts that announce each row; empty if they are not wanted.
@@ -31,6 +29,9 @@ struct CheckArguments
 
     /// `arguments` begins with the name of the subcommand.
     static CheckArguments parse(const QStringList& arguments);
+
+    /// A sentence about the first action of `allowed` that no row has; empty if all are there.
+    QString checkActions(const model::KeyLists& lists) const;
 };
 
 } // namespace checker

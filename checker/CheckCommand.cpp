@@ -2,6 +2,7 @@
 #include "checker/CheckArguments.h"
 #include "checker/Commands.h"
 #include "checker/FindingJson.h"
+#include "checker/FindingLines.h"
 #include "checker/FindingSarif.h"
 #include "checker/FindingText.h"
 #include "checker/MendedFiles.h"
@@ -14,15 +15,6 @@
 namespace checker {
 
 namespace {
-
-void leaveOut(QVector<Finding>& findings, const model::KeyLists& lists, const QStringList& allowed)
-{
-    const auto isAllowed = [&](const Finding& finding) {
-        const QString action = finding.row.index < 0 ? QString() : lists.row(finding.row).eAction();
-        return allowed.contains(finding.id) || allowed.contains(finding.id + QLatin1Char(':') + action);
-    };
-    findings.erase(std::remove_if(findings.begin(), findings.end(), isAllowed), findings.end());
-}
 
 Status statusOf(const CheckResult& result, bool deniesWarnings)
 {
@@ -41,12 +33,23 @@ void printText(const ListSources& sources, const CheckResult& result, QTextStrea
     out << text.summary(result);
 }
 
+void printLines(const ListSources& sources, const CheckResult& result, QTextStream& out)
+{
+    for (const Finding& finding : result.findings) {
+        out << FindingLines::of(finding, sources);
+    }
+    out << FindingText(sources, false).summary(result);
+}
+
 void print(CheckArguments::Format format, const ListSources& sources, const CheckResult& result,
            QTextStream& out)
 {
     switch (format) {
     case CheckArguments::Format::Text:
         printText(sources, result, out);
+        break;
+    case CheckArguments::Format::Lines:
+        printLines(sources, result, out);
         break;
     case CheckArguments::Format::Json:
         out << printableJson(FindingJson::of(result, sources));
@@ -55,6 +58,15 @@ void print(CheckArguments::Format format, const ListSources& sources, const Chec
         out << printableJson(FindingSarif::of(result, sources));
         break;
     }
+}
+
+/// A complaint about an action of --allow that no row has. The row may be in a list that cannot be read.
+QString unknownActionIn(const CheckArguments& line, const ListSources& sources)
+{
+    const model::KeyLists lists = sources.lists(line.options.isOrvane.value_or(false));
+    const bool areReadable = std::none_of(sources.found.begin(), sources.found.end(),
+                                          [&](model::List list) { return lists.unreadable.contains(list); });
+    return areReadable ? line.checkActions(lists) : QString();
 }
 
 /// Why the files could not be written; empty if they were.
@@ -92,12 +104,14 @@ Status Commands::check(const QStringList& arguments, QTextStream& out, QTextStre
         err << printable(sources.fault) << '\n';
         return Unusable;
     }
-    const auto findAll = [&line](const ListSources& lists) {
-        CheckResult result = checker::check(lists, line.options);
-        leaveOut(result.findings, lists.lists(line.options.isOrvane.value_or(false)), line.allowed);
-        return result;
-    };
-    const bool isText = line.format == CheckArguments::Format::Text;
+    const QString unknownAction = unknownActionIn(line, sources);
+    if (!unknownAction.isEmpty()) {
+        err << printable(unknownAction) << '\n';
+        return Unusable;
+    }
+    const auto findAll = [&line](const ListSources& lists) { return checker::check(lists, line.options); };
+    const bool isText =
+        line.format == CheckArguments::Format::Text || line.format == CheckArguments::Format::Lines;
     CheckResult result;
     if (line.mends) {
         const Mending mending(sources, findAll);

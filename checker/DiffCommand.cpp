@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "checker/Commands.h"
 #include "checker/DifferenceReport.h"
+#include "checker/HelpText.h"
 #include "checker/ListSources.h"
 #include "checker/Printable.h"
 
@@ -34,18 +35,19 @@ QStringList formats()
 
 DiffArguments DiffArguments::parse(const QStringList& arguments)
 {
-    const QCommandLineOption whom(
-        QStringLiteral("for"),
-        QStringLiteral("Compare speech and actions (users) or actions only (services)."),
-        QStringLiteral("whom"), QStringLiteral("users"));
+    const QCommandLineOption whom(QStringLiteral("for"),
+                                  QStringLiteral("Compare speech and actions (users), or actions only "
+                                                 "(services). Without this option, users."),
+                                  QStringLiteral("whom"), QStringLiteral("users"));
     const QCommandLineOption embosser(QStringLiteral("model"),
-                                      QStringLiteral("The embosser model: Pellit or Orvane."),
+                                      QStringLiteral("The embosser model: Pellit or Orvane. Without this "
+                                                     "option, Pellit."),
                                       QStringLiteral("model"), QStringLiteral("Pellit"));
     const QCommandLineOption format(QStringLiteral("format"),
-                                    QStringLiteral("The output: text, json or html."),
+                                    QStringLiteral("The output: text, json or html. Without this option, "
+                                                   "text."),
                                     QStringLiteral("format"), QStringLiteral("text"));
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
-                                  QStringLiteral("Show this help."));
+    const QCommandLineOption help = HelpText::option();
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Shows what keys do with one folder of key lists and not with another."));
@@ -59,7 +61,9 @@ DiffArguments DiffArguments::parse(const QStringList& arguments)
     result.forServices = parser.value(whom) == QLatin1String("services");
     result.isOrvane = parser.value(embosser) == QLatin1String("Orvane");
     result.format = parser.value(format);
-    result.help = isParsed && parser.isSet(help) ? parser.helpText() : QString();
+    result.help = isParsed && parser.isSet(help)
+                      ? HelpText::of(parser, QStringLiteral("diff [option...] OLD NEW"))
+                      : QString();
     if (!isParsed) {
         result.fault = parser.errorText();
     } else if (result.paths.size() != 2) {

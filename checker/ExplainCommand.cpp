@@ -69,6 +69,10 @@ Status Commands::explain(const QStringList& arguments, QTextStream& out, QTextSt
         print(*explanation, out);
         return Clean;
     }
+    if (!asksForHelp && arguments.size() == 2) {
+        err << printable(Explanations::checkId(id)) << '\n';
+        return Unusable;
+    }
     QTextStream& stream = asksForHelp ? out : err;
     stream << "Usage: keyboard-handler-keys explain ID\nThe ids are:\n";
     for (const Explanation& each : Explanations::all()) {

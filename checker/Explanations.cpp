@@ -2,6 +2,7 @@
 #include "checker/Explanations.h"
 
 #include "checker/RowNames.h"
+#include "checker/Suggestion.h"
 #include "keys/KeyListFile.h"
 #include "keys/KeyRules.h"
 #include "model/Autorepeat.h"
@@ -71,6 +72,12 @@ Example atPace(Example example, std::chrono::milliseconds pace)
     return example;
 }
 
+Example allowing(Example example, const QString& allowed)
+{
+    example.options.allowed.append(allowed);
+    return example;
+}
+
 QVector<Explanation> explanationsOfText();
 QVector<Explanation> explanationsOfValues();
 QVector<Explanation> explanationsOfRows();
@@ -102,6 +109,9 @@ QStringList Example::arguments() const
     if (options.pace != defaults.pace) {
         arguments << QStringLiteral("--pace") << QString::number(options.pace.count());
     }
+    for (const QString& allowed : options.allowed) {
+        arguments << QStringLiteral("--allow") << allowed;
+    }
     return arguments;
 }
 
@@ -117,6 +127,21 @@ const Explanation* Explanations::find(const QString& id)
     const auto found = std::find_if(all().begin(), all().end(),
                                     [&id](const Explanation& explanation) { return explanation.id == id; });
     return found == all().end() ? nullptr : &*found;
+}
+
+QString Explanations::checkId(const QString& id)
+{
+    if (find(id)) {
+        return {};
+    }
+    QStringList ids;
+    for (const Explanation& explanation : all()) {
+        ids.append(explanation.id);
+    }
+    const QString question = Suggestion::question(id, ids);
+    return QStringLiteral(
+               "\"%1\" is not an id of a finding%2 keyboard-handler-keys explain --help lists all.")
+        .arg(id, question.isEmpty() ? QStringLiteral(";") : question);
 }
 
 namespace {
@@ -371,7 +396,14 @@ QVector<Explanation> explanationsOfValues()
              "Only long presses may join states with a vertical bar. In combinations and shortcuts, the "
              "whole text would have to be the name of the current state, so the row is never valid. Choose "
              "one state: for a combination Idle, because the other states announce each release at once, "
-             "so that no combination can begin there."),
+             "so that no combination can begin there.\n\n"
+             "Two rows with the same keys do not add a state. Of several shortcuts with the same first and "
+             "last "
+             "key, the first one counts in every state, and the others never. Of several combinations with "
+             "the "
+             "same keys, only those for Idle are announced. For a second state, write a row with other keys, "
+             "or "
+             "a long press, which can join states."),
          combinations(R"({
     "ModifierKeys": [
         { "keys": ["Help", "Feed"], "eAction": "PaperStatus", "receiverService": "PrintManager",
@@ -525,6 +557,13 @@ QVector<Explanation> explanationsOfGestures()
     ]
 }
 )");
+    const Example silent = shortcuts(R"({
+    "ShortcutKeys": [
+        { "keys": ["Feed", "Ok"], "eAction": "LoadPaper", "receiverService": "PrintManager",
+          "validOnState": "PrintOff" }
+    ]
+}
+)");
     const Example combination = combinations(R"({
     "ModifierKeys": [
         { "keys": ["Feed", "Ok"], "eAction": "LoadPaper", "receiverService": "PrintManager",
@@ -543,19 +582,19 @@ QVector<Explanation> explanationsOfGestures()
         {QStringLiteral("silent"), Level::Warning, QStringLiteral("a gesture has no effect in a state"),
          QStringLiteral(
              "In this state, the keys of the row cause neither speech nor an action, as if they were "
-             "broken. The daemon recognises the gesture, refuses its action because the row is not valid in "
-             "the state, and the refused gesture uses up the keys: they are neither spoken nor announced as "
-             "single keys.\n\n"
-             "Make the row valid in this state, or choose keys that are not expected to do anything else. "
-             "If the silence is intended, allow it: --allow silent."),
-         shortcuts(R"({
-    "ShortcutKeys": [
-        { "keys": ["Feed", "Ok"], "eAction": "LoadPaper", "receiverService": "PrintManager",
-          "validOnState": "PrintOff" }
-    ]
-}
-)"),
-         shortcut},
+             "broken. The daemon recognises the gesture and refuses its action, because the row is not valid "
+             "in "
+             "the state.\n\n"
+             "This is so in Idle only. There, keys are sent as single keys and spoken only if no gesture has "
+             "used them up, and a refused gesture uses them up as well. In Startup, each key is refused with "
+             "speech. In the other states, each released key is sent at once as a single key, whether a "
+             "gesture "
+             "was refused or not.\n\n"
+             "A row that is right for its states needs no change: accept the silence by name, with --allow "
+             "silent:ACTION. If the keys are expected to do something else in Idle, choose other keys for "
+             "the "
+             "row."),
+         silent, allowing(silent, QStringLiteral("silent:LoadPaper"))},
         {QStringLiteral("two-hands"), Level::Warning, QStringLiteral("the keys need more fingers"),
          QStringLiteral(
              "Each key that is held down takes one finger. --hands gives the number of keys that a person "

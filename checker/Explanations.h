@@ -52,6 +52,8 @@ namespace Explanations {
 const QVector<Explanation>& all();
 /// The explanation of an id; null if no finding has it.
 const Explanation* find(const QString& id);
+/// A sentence if no finding has the id, with an id that resembles it; otherwise empty.
+QString checkId(const QString& id);
 
 } // namespace Explanations
 

@@ -49,6 +49,28 @@ QJsonObject objectOf(const Finding& finding, const ListSources& sources)
     return object;
 }
 
+bool isAllProved(const CheckResult& result)
+{
+    return result.isProved && result.provedRows == result.rows && result.unreadable.isEmpty();
+}
+
+/// The rows that were not searched. Of a file without a readable list, none were.
+QJsonArray unsearchedIn(const CheckResult& result, const ListSources& sources)
+{
+    QJsonArray all;
+    for (const auto& [row, id] : result.unsearched) {
+        all.append(QJsonObject{{QStringLiteral("file"), sources.file(row.list).name()},
+                               {QStringLiteral("row"), row.index + 1},
+                               {QStringLiteral("id"), id}});
+    }
+    for (const model::List list : result.unreadable) {
+        all.append(QJsonObject{{QStringLiteral("file"), sources.file(list).name()},
+                               {QStringLiteral("row"), QJsonValue()},
+                               {QStringLiteral("id"), QString()}});
+    }
+    return all;
+}
+
 } // namespace
 
 QByteArray FindingJson::of(const CheckResult& result, const ListSources& sources)
@@ -62,7 +84,10 @@ QByteArray FindingJson::of(const CheckResult& result, const ListSources& sources
     const QJsonObject document{{QStringLiteral("version"), version},
                                {QStringLiteral("tool"), tool},
                                {QStringLiteral("findings"), findings},
-                               {QStringLiteral("proved"), result.isProved},
+                               {QStringLiteral("proved"), isAllProved(result)},
+                               {QStringLiteral("rows"), result.rows},
+                               {QStringLiteral("provedRows"), result.provedRows},
+                               {QStringLiteral("unsearched"), unsearchedIn(result, sources)},
                                {QStringLiteral("situations"), static_cast<qint64>(result.situations)},
                                {QStringLiteral("steps"), static_cast<qint64>(result.steps)}};
     return QJsonDocument(document).toJson();

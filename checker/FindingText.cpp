@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "checker/FindingText.h"
 
+#include "checker/OutputWords.h"
 #include "checker/Printable.h"
 #include "checker/SearchWords.h"
 
@@ -174,14 +175,37 @@ QString FindingText::summary(const CheckResult& result) const
     const QString rows = result.provedRows == result.rows
                              ? QString()
                              : QStringLiteral(" for ") + counted(result.provedRows, QStringLiteral("row"));
-    const QString proof = result.provedRows == 0 ? QStringLiteral("Nothing was proved")
-                          : result.isProved      ? QStringLiteral("Proved%1 by %2").arg(rows, extent)
-                                                 : QStringLiteral("Not all is proved by %1").arg(extent);
+    const QString proof = !result.isProved         ? QStringLiteral("Not all is proved by %1").arg(extent)
+                          : result.provedRows == 0 ? QStringLiteral("Nothing was proved")
+                                                   : QStringLiteral("Proved%1 by %2").arg(rows, extent);
     return QStringLiteral("%1: %2, %3, %4. %5.\n")
-        .arg(counted(result.rows, QStringLiteral("row")),
-             counted(countOf(Level::Error), QStringLiteral("error")),
-             counted(countOf(Level::Warning), QStringLiteral("warning")),
-             counted(countOf(Level::Note), QStringLiteral("note")), proof);
+               .arg(counted(result.rows, QStringLiteral("row")),
+                    counted(countOf(Level::Error), QStringLiteral("error")),
+                    counted(countOf(Level::Warning), QStringLiteral("warning")),
+                    counted(countOf(Level::Note), QStringLiteral("note")), proof) +
+           unsearchedIn(result);
+}
+
+/// A line for each file with rows that were not searched.
+QString FindingText::unsearchedIn(const CheckResult& result) const
+{
+    QString text;
+    for (const model::List list : model::allLists) {
+        QStringList rows;
+        for (const auto& [row, id] : result.unsearched) {
+            if (row.list == list) {
+                rows.append(QStringLiteral("row %1 (%2)").arg(row.index + 1).arg(id));
+            }
+        }
+        const QString file = printable(m_sources.file(list).name());
+        if (!rows.isEmpty()) {
+            text += QStringLiteral("Not searched in %1: %2.\n").arg(file, OutputWords::enumeration(rows));
+        }
+        if (result.unreadable.contains(list)) {
+            text += QStringLiteral("Not searched: %1, which has no readable list.\n").arg(file);
+        }
+    }
+    return text;
 }
 
 } // namespace checker

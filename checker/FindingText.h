@@ -15,13 +15,14 @@ public:
 
     /// One finding, with a blank line at its end.
     QString describe(const Finding& finding) const;
-    /// How many findings there are, and what was proved.
+    /// How many findings there are, what was proved, and which rows were not searched.
     QString summary(const CheckResult& result) const;
 
 private:
     QString heading(const Finding& finding) const;
     QString placesIn(model::List list, const Finding& finding, int margin) const;
     QString excerpt(const Place& place, QChar mark, int margin) const;
+    QString unsearchedIn(const CheckResult& result) const;
     int lineOf(const Place& place) const;
 
     const ListSources& m_sources;

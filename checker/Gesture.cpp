@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "checker/Gesture.h"
 
+#include "checker/Times.h"
 #include "keys/KeyRules.h"
 
 #include <algorithm>
@@ -20,6 +21,12 @@ namespace {
 constexpr milliseconds movement{100};
 /// A list may have a row of thousands of keys.
 constexpr int maxPlayedKeys = 50;
+
+/// How long the key of a long press is down when the action is announced.
+milliseconds holdTime(const KeyEntry& row)
+{
+    return Autorepeat::delay + milliseconds(qMax(0, row.timeout()));
+}
 
 /// The keys that the recogniser of the list looks at.
 QVector<Key> keysOf(const KeyEntry& row, List list)
@@ -71,7 +78,7 @@ model::Playback Gesture::play(const model::KeyModel& keyModel, RowId id, model::
     const QVector<Key> keys = keysOf(row, id.list);
     model::Playback playback(keyModel, state);
     if (id.list == List::LongPresses) {
-        hold(playback, keys.first(), Autorepeat::delay + milliseconds(qMax(0, row.timeout())) + movement);
+        hold(playback, keys.first(), holdTime(row) + movement);
     } else if (id.list == List::Shortcuts) {
         together(playback, keys.first(), keys.last());
     } else {
@@ -88,13 +95,13 @@ QString Gesture::toText(const model::KeyLists& lists, RowId id)
     const KeyEntry& row = lists.row(id);
     switch (id.list) {
     case List::LongPresses:
-        return QStringLiteral("holding %1").arg(row.firstKey());
+        return QStringLiteral("holding %1 for %2").arg(row.firstKey(), Times::duration(holdTime(row)));
     case List::Combinations:
         return QStringLiteral("tapping ") + row.keys().join(QStringLiteral(", then "));
     case List::Shortcuts:
         break;
     }
-    return QStringLiteral("pressing %1 and %2 together").arg(row.firstKey(), row.lastKey());
+    return QStringLiteral("holding %1 and pressing %2").arg(row.firstKey(), row.lastKey());
 }
 
 } // namespace checker

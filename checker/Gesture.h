@@ -17,7 +17,8 @@ namespace Gesture {
 bool isPossible(const KeyEntry& row);
 /// Plays the gesture in a state until all keys are forgotten. The row must be possible.
 model::Playback play(const model::KeyModel& keyModel, model::RowId id, model::State state);
-/// The gesture in words: "holding Back", "pressing Feed and Ok together", "tapping Help, then Feed".
+/// The gesture in words: "holding Back for 2.25 s", "holding Feed and pressing Ok", "tapping Help, then
+/// Feed".
 QString toText(const model::KeyLists& lists, model::RowId id);
 
 } // namespace Gesture

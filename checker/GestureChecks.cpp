@@ -44,6 +44,12 @@ private:
     QVector<Finding> m_findings;
 };
 
+/// The gesture of a row, and its action.
+QString gestureOf(const model::KeyLists& lists, RowId id)
+{
+    return QStringLiteral("%1 (%2)").arg(Gesture::toText(lists, id), lists.row(id).eAction());
+}
+
 bool hasPerceived(const PlayedStep& step)
 {
     return std::any_of(step.outputs.begin(), step.outputs.end(), OutputWords::isPerceived);
@@ -92,7 +98,7 @@ void GestureCheck::addSilent()
         Finding finding;
         finding.id = QStringLiteral("silent");
         finding.message = QStringLiteral("in %1, %2 causes neither speech nor an action")
-                              .arg(RowStates::toText(m_silentStates), Gesture::toText(m_model.lists(), m_id));
+                              .arg(RowStates::toText(m_silentStates), gestureOf(m_model.lists(), m_id));
         finding.row = m_id;
         finding.place = m_places.whole(m_id);
         m_findings.append(finding);
@@ -105,9 +111,8 @@ void GestureCheck::addOthers()
         Finding finding;
         finding.id = QStringLiteral("also");
         finding.level = Level::Note;
-        finding.message =
-            QStringLiteral("%1 announces \"%2\" as well")
-                .arg(Gesture::toText(m_model.lists(), m_id), m_model.lists().row(other).eAction());
+        finding.message = QStringLiteral("%1 announces \"%2\" as well")
+                              .arg(gestureOf(m_model.lists(), m_id), m_model.lists().row(other).eAction());
         finding.row = m_id;
         finding.place = m_places.whole(m_id);
         finding.related.append(m_places.whole(other));

@@ -189,6 +189,26 @@ void HowWriter::note(const RowVerdict& verdict)
     m_answer.isProved = m_answer.isProved && verdict.kind != RowVerdict::Kind::NotProved;
 }
 
+bool isAnnounced(const QVector<ActionWay>& ways)
+{
+    return std::any_of(ways.begin(), ways.end(),
+                       [](const ActionWay& way) { return way.verdict.kind == RowVerdict::Kind::Announced; });
+}
+
+/// The ways to each row; the rows that keys announce come first.
+std::vector<QVector<ActionWay>> waysOfRows(const QVector<ActionWay>& all)
+{
+    std::vector<QVector<ActionWay>> ofRows;
+    for (const ActionWay& way : all) {
+        if (ofRows.empty() || !(ofRows.back().first().row == way.row)) {
+            ofRows.emplace_back();
+        }
+        ofRows.back().append(way);
+    }
+    std::stable_partition(ofRows.begin(), ofRows.end(), isAnnounced);
+    return ofRows;
+}
+
 } // namespace
 
 HowAnswer HowAnswer::of(const QString& action, const KeyLists& lists, std::optional<State> state,
@@ -198,13 +218,9 @@ HowAnswer HowAnswer::of(const QString& action, const KeyLists& lists, std::optio
     answer.isKnown = actionsOf(lists).contains(action);
     HowWriter writer(lists, placeOf, rows, answer);
     ActionSearch search(lists, searchLimits);
-    const QVector<ActionWay> ways = search.waysTo(action, state);
-    for (int begin = 0; begin < ways.size();) {
-        const auto isOther = [&](const ActionWay& way) { return !(way.row == ways.at(begin).row); };
-        const auto end = std::find_if(ways.begin() + begin, ways.end(), isOther);
-        const int count = static_cast<int>(end - (ways.begin() + begin));
-        writer.write(ways.mid(begin, count));
-        begin += count;
+    const std::vector<QVector<ActionWay>> ofRows = waysOfRows(search.waysTo(action, state));
+    for (const QVector<ActionWay>& ways : ofRows) {
+        writer.write(ways);
     }
     if (BuiltInActions::all().contains(action)) {
         writer.writeBuiltIn(action, state ? QVector<State>{*state} : Alphabet::states());

@@ -9,6 +9,8 @@ namespace checker {
 
 namespace {
 
+const QString rowsOption = QStringLiteral("rows");
+
 void print(const HowAnswer& answer, QTextStream& out)
 {
     bool isFirst = true;
@@ -43,8 +45,8 @@ Status Commands::how(const QStringList& arguments, QTextStream& out, QTextStream
     KeyArguments line(
         QStringLiteral("how"), QStringLiteral("ACTION"),
         QStringLiteral("Says how keys announce an action: the shortest way for each row that has "
-                       "it, in words and as a key script. If a folder is named, the scripts "
-                       "contain its rows."));
+                       "it, in words and as a key script."));
+    line.addOption({rowsOption, QStringLiteral("Write the rows of the key lists into each script.")});
     if (const auto status = line.read(arguments, out, err)) {
         return *status;
     }
@@ -57,7 +59,7 @@ Status Commands::how(const QStringList& arguments, QTextStream& out, QTextStream
     for (const QString& note : remarks) {
         err << "note: " << printable(note) << '\n';
     }
-    const auto rows = line.paths().isEmpty() ? std::nullopt : std::optional(ScriptRows::of(sources));
+    const auto rows = line.isSet(rowsOption) ? std::optional(ScriptRows::of(sources)) : std::nullopt;
     const model::KeyLists lists = sources.lists(line.isOrvane());
     const QStringList known = HowAnswer::actionsOf(lists);
     if (!known.contains(line.subject())) {
@@ -67,6 +69,11 @@ Status Commands::how(const QStringList& arguments, QTextStream& out, QTextStream
     const HowAnswer answer =
         HowAnswer::of(line.subject(), lists, line.state(), PlacesOf::rowsIn(sources), rows);
     print(answer, out);
+    if (answer.isAnnounced && !rows && !line.paths().isEmpty()) {
+        out << "\n# The scripts need these key lists: keyboard-handler-simulator --data FOLDER; with --rows, "
+               "each "
+               "script contains the rows.\n";
+    }
     return statusOf(answer);
 }
 

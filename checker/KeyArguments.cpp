@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "checker/KeyArguments.h"
 
+#include "checker/HelpText.h"
 #include "checker/Printable.h"
 #include "simulator/script/ScriptWords.h"
 
@@ -15,26 +16,26 @@ const QString orvane = QStringLiteral("Orvane");
 } // namespace
 
 KeyArguments::KeyArguments(const QString& command, const QString& subject, const QString& description)
-    : m_subject(subject)
+    : m_usage(command + QStringLiteral(" [option...] ") + subject + QStringLiteral(" [path...]"))
+    , m_subject(subject)
 {
     m_parser.setApplicationDescription(description);
-    m_parser.addHelpOption();
+    m_parser.addOption(HelpText::option());
     m_parser.addOptions(
         {{stateOption, QStringLiteral("The operating state."), QStringLiteral("state")},
          {modelOption, QStringLiteral("The embosser's model: Pellit, if not given, or Orvane."),
           QStringLiteral("model")}});
-    m_parser.addPositionalArgument(subject, {}, command + QLatin1Char(' ') + subject);
+    m_parser.addPositionalArgument(subject, {});
     m_parser.addPositionalArgument(
         QStringLiteral("path"),
-        QStringLiteral("The folder of the key lists, or single files; the current folder, if not given."),
-        QStringLiteral("[path...]"));
+        QStringLiteral("The folder of the key lists, or single files; the current folder, if not given."));
 }
 
 std::optional<Status> KeyArguments::read(const QStringList& arguments, QTextStream& out, QTextStream& err)
 {
     const QString complaint = fault(arguments);
     if (m_parser.isSet(QStringLiteral("help"))) {
-        out << m_parser.helpText();
+        out << HelpText::of(m_parser, m_usage);
         return Clean;
     }
     if (!complaint.isEmpty()) {

@@ -30,11 +30,13 @@ public:
     std::optional<model::State> state() const;
     bool hasModel() const;
     bool isOrvane() const;
+    bool isSet(const QString& option) const { return m_parser.isSet(option); }
     QString value(const QString& option) const { return m_parser.value(option); }
 
 private:
     QString fault(const QStringList& arguments);
 
+    QString m_usage;
     QString m_subject;
     QCommandLineParser m_parser;
 };

@@ -129,11 +129,13 @@ ListSources ListSources::read(const QStringList& paths)
         sources.files[static_cast<size_t>(list)] = SourceFile(KeyLists::fileOf(list), {});
     }
     const QStringList all = paths.isEmpty() ? QStringList(QStringLiteral(".")) : paths;
+    bool hasFolder = false;
     for (const QString& path : all) {
         if (!sources.fault.isEmpty()) {
             return sources;
         }
         if (QFileInfo(path).isDir()) {
+            hasFolder = true;
             readFolder(sources, path);
         } else {
             readFile(sources, path);
@@ -141,8 +143,10 @@ ListSources ListSources::read(const QStringList& paths)
     }
     for (const List list : model::allLists) {
         if (!sources.found.contains(list)) {
-            sources.notes << QStringLiteral("%1 is missing: the list %2 counts as empty.")
-                                 .arg(KeyLists::fileOf(list), KeyLists::sectionOf(list));
+            sources.notes << QStringLiteral("%1 is %2: the list %3 counts as empty.")
+                                 .arg(KeyLists::fileOf(list),
+                                      hasFolder ? QStringLiteral("missing") : QStringLiteral("not given"),
+                                      KeyLists::sectionOf(list));
         }
     }
     return sources;

@@ -41,7 +41,6 @@ void replace(ListSources& sources, List list, const QByteArray& text)
 /// What the mended row does.
 QString effectOn(const KeyLists& lists, RowId id)
 {
-    constexpr int millisecondsPerSecond = 1000;
     const KeyEntry& row = lists.row(id);
     const QVector<model::State> states = MendProof::statesOf(lists, id);
     const QString name = QStringLiteral("row %1: ").arg(id.index + 1);
@@ -49,12 +48,9 @@ QString effectOn(const KeyLists& lists, RowId id)
     if (states.isEmpty()) {
         return name + QStringLiteral("no keys announce \"%1\" yet").arg(row.eAction()) + others;
     }
-    const QString time = id.list == List::LongPresses
-                             ? QStringLiteral(" for %1 s").arg(row.timeout() / millisecondsPerSecond)
-                             : QString();
     return name +
            QStringLiteral("%1 now announces \"%2\" to %3 in %4")
-               .arg(Gesture::toText(lists, id) + time, row.eAction(), row.receiverService(),
+               .arg(Gesture::toText(lists, id), row.eAction(), row.receiverService(),
                     RowStates::toText(states)) +
            others;
 }

@@ -7,6 +7,10 @@
 #include "model/KeyFacts.h"
 #include "model/RowProofs.h"
 
+#include <QHash>
+#include <QMap>
+
+#include <algorithm>
 #include <optional>
 
 namespace checker {
@@ -132,6 +136,58 @@ QString reasonFor(List list, State state)
     return {};
 }
 
+/// For each action, the states in which it is announced, with the first row that announces it there.
+QHash<QString, QMap<State, RowId>> announcingRows(const KeyLists& lists, const RowProofs& proofs)
+{
+    QHash<QString, QMap<State, RowId>> rows;
+    const QVector<RowId> ids = lists.ids();
+    for (const RowId id : ids) {
+        for (const State state : model::Alphabet::states()) {
+            if (proofs.of(id, state).kind == RowVerdict::Kind::Announced) {
+                QMap<State, RowId>& ofAction = rows[lists.row(id).eAction()];
+                ofAction.insert(state, ofAction.value(state, id));
+            }
+        }
+    }
+    return rows;
+}
+
+/// How both of two long presses with the same key can work.
+QString helpForLongPresses(const KeyLists& lists, RowId hiding, RowId id)
+{
+    const KeyEntry& counting = lists.row(hiding);
+    const KeyEntry& hidden = lists.row(id);
+    if (counting.eAction() != hidden.eAction() || counting.receiverService() != hidden.receiverService()) {
+        return QStringLiteral("of several long presses with a key, only the last one counts: choose another "
+                              "key for one of them");
+    }
+    const QVector<State> states = RowStates::of(lists, hiding);
+    const QVector<State> hiddenStates = RowStates::of(lists, id);
+    const bool isNeeded = std::any_of(hiddenStates.begin(), hiddenStates.end(),
+                                      [&](State state) { return !states.contains(state); });
+    return (isNeeded
+                ? QStringLiteral("join the states of both in row %1 with a vertical bar, and delete row %2")
+                : QStringLiteral("delete row %2: row %1 announces the same action"))
+        .arg(hiding.index + 1)
+        .arg(id.index + 1);
+}
+
+/// How both of two rows can work if their order does not matter.
+QString helpAgainst(const KeyLists& lists, RowId hiding, RowId id)
+{
+    switch (id.list) {
+    case List::LongPresses:
+        return helpForLongPresses(lists, hiding, id);
+    case List::Combinations:
+        break;
+    case List::Shortcuts:
+        return QStringLiteral(
+            "of several shortcuts with the same keys, only the first one counts, in its one "
+            "state: choose other keys for one of them");
+    }
+    return {};
+}
+
 /// Finds what is wrong with one row.
 class RowCheck
 {
@@ -144,6 +200,7 @@ public:
         , m_options(options)
         , m_result(result)
         , m_hidingRows(lists, proofs.skilled(), personOf(qMax(options.fingers, Proofs::maxNeeded)))
+        , m_announcing(announcingRows(lists, proofs.skilled()))
     {}
 
     void check(RowId id);
@@ -154,6 +211,8 @@ private:
     void addChanging(RowId id, const ProvedStates& changing, Level level);
     Finding& add(RowId id, const char* name, Level level, const QString& message, const model::Proof& proof);
     QString action(RowId id) const { return m_lists.row(id).eAction(); }
+    QString neverAnnounced(RowId id) const;
+    QString notAnnouncedIn(RowId id, const QVector<State>& states) const;
 
     const KeyLists& m_lists;
     const RowPlaces& m_places;
@@ -161,6 +220,7 @@ private:
     const CheckOptions& m_options;
     CheckResult& m_result;
     HidingRows m_hidingRows;
+    QHash<QString, QMap<State, RowId>> m_announcing;
 };
 
 void RowCheck::check(RowId id)
@@ -208,7 +268,7 @@ Finding& RowCheck::add(RowId id, const char* name, Level level, const QString& m
 
 void RowCheck::addNever(RowId id, const ProvedStates& never)
 {
-    const QString message = QStringLiteral("no keys announce \"%1\"").arg(action(id));
+    const QString message = neverAnnounced(id);
     const auto hiding = m_hidingRows.hiding(id);
     if (!hiding) {
         Finding& finding = add(id, "never", Level::Error, message, never.proof);
@@ -233,15 +293,40 @@ void RowCheck::addNever(RowId id, const ProvedStates& never)
                             {},
                             *hiding,
                             QStringLiteral("row %1 is now the last one").arg(hiding->index + 1)};
+    } else {
+        finding.help = helpAgainst(m_lists, *hiding, id);
     }
+}
+
+/// Another row may have the same action, for example for another state.
+QString RowCheck::neverAnnounced(RowId id) const
+{
+    const QMap<State, RowId> others = m_announcing.value(action(id));
+    if (others.isEmpty()) {
+        return QStringLiteral("no keys announce \"%1\"").arg(action(id));
+    }
+    const RowId other = others.first();
+    const QString file =
+        other.list == id.list ? QString() : QStringLiteral(" of ") + KeyLists::fileOf(other.list);
+    return QStringLiteral("row %1 never announces \"%2\"; row %3%4 does in %5")
+        .arg(QString::number(id.index + 1), action(id), QString::number(other.index + 1), file,
+             RowStates::toText(others.keys(other).toVector()));
+}
+
+QString RowCheck::notAnnouncedIn(RowId id, const QVector<State>& states) const
+{
+    const QMap<State, RowId> others = m_announcing.value(action(id));
+    const bool isElsewhere =
+        std::any_of(states.begin(), states.end(), [&](State state) { return others.contains(state); });
+    const QString subject = isElsewhere ? QStringLiteral("row %1 does not announce").arg(id.index + 1)
+                                        : QStringLiteral("no keys announce");
+    return QStringLiteral("%1 \"%2\" in %3").arg(subject, action(id), RowStates::toText(states));
 }
 
 void RowCheck::addInState(RowId id, const ProvedStates& never)
 {
     Finding& finding =
-        add(id, "never-in-state", Level::Warning,
-            QStringLiteral("no keys announce \"%1\" in %2").arg(action(id), RowStates::toText(never.states)),
-            never.proof);
+        add(id, "never-in-state", Level::Warning, notAnnouncedIn(id, never.states), never.proof);
     finding.place = m_places.member(id, KeyListFields::validOnState);
     finding.place.remark = reasonFor(id.list, never.states.first());
 }
@@ -251,9 +336,8 @@ void RowCheck::addChanging(RowId id, const ProvedStates& changing, Level level)
 {
     Finding& finding =
         add(id, "state-change", level,
-            QStringLiteral("no keys announce \"%1\" in %2 unless the state changes between them or "
-                           "the keyboard test runs")
-                .arg(action(id), RowStates::toText(changing.states)),
+            notAnnouncedIn(id, changing.states) +
+                QStringLiteral(" unless the state changes between the keys or the keyboard test runs"),
             changing.proof);
     finding.place = m_places.member(id, KeyListFields::validOnState);
     finding.place.remark = reasonFor(id.list, changing.states.first());

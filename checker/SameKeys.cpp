@@ -22,17 +22,20 @@ QStringList gestureOf(const KeyEntry& row)
 
 } // namespace
 
-QVector<Finding> SameKeys::of(const model::KeyLists& lists, const RowPlaces& places)
+QVector<Finding> SameKeys::of(const model::KeyLists& lists, const RowPlaces& places,
+                              const QVector<RowId>& rows)
 {
     QVector<Finding> findings;
     QHash<QStringList, int> first;
-    for (int i = 0; i < lists.combinations.size(); ++i) {
-        const KeyEntry& row = lists.combinations.at(i);
-        const QStringList gesture = gestureOf(row);
-        if (row.isValid() && first.contains(gesture)) {
+    for (const RowId id : rows) {
+        if (id.list != List::Combinations) {
+            continue;
+        }
+        const QStringList gesture = gestureOf(lists.row(id));
+        if (first.contains(gesture)) {
             Finding finding;
             finding.id = QStringLiteral("same-keys");
-            finding.row = {List::Combinations, i};
+            finding.row = id;
             finding.place = places.member(finding.row, KeyListFields::keys);
             const RowId other{List::Combinations, first.value(gesture)};
             finding.message = QStringLiteral("row %1 has the same keys, and both actions are announced")
@@ -41,7 +44,7 @@ QVector<Finding> SameKeys::of(const model::KeyLists& lists, const RowPlaces& pla
             finding.related.last().remark = QStringLiteral("row %1").arg(other.index + 1);
             findings.append(finding);
         } else {
-            first.insert(gesture, i);
+            first.insert(gesture, id.index);
         }
     }
     return findings;

@@ -2,6 +2,7 @@
 #include "checker/TextChecks.h"
 
 #include "checker/Suggestion.h"
+#include "checker/WordChecks.h"
 #include "keys/KeyListFile.h"
 
 #include <QHash>
@@ -244,7 +245,7 @@ void RowText::offerName(Finding& finding, const JsonNode& member) const
     }
 }
 
-/// A row without a time is reported with what follows from it.
+/// A row without a time is reported with what follows from it, a misspelt name with the name that is there.
 void RowText::checkMissing()
 {
     for (const QString& name : qAsConst(m_missing)) {
@@ -263,14 +264,8 @@ void RowText::checkKeys()
     }
     const bool isList =
         keys->kind == JsonNode::Kind::Array && m_row.keys().size() == static_cast<int>(keys->children.size());
-    if (!isList) {
-        const QString read =
-            m_row.keys().isEmpty()
-                ? QStringLiteral("no keys")
-                : QStringLiteral("the list [\"%1\"]").arg(m_row.keys().join(QStringLiteral("\", \"")));
-        Finding& finding = add(
-            "value", Level::Warning,
-            QStringLiteral("the keys are not a list of names: they are read as %1").arg(read), keys->range);
+    if (!isList && WordChecks::areKnownKeys(m_row)) {
+        Finding& finding = add("value", Level::Warning, WordChecks::readingOfKeys(m_row), keys->range);
         if (keys->kind == JsonNode::Kind::Text && m_row.keys().size() == 1) {
             offerValue(finding, *keys, '[' + keys->written + ']');
         }
@@ -297,6 +292,9 @@ void RowText::checkTime()
     const int seconds = m_row.timeout() / millisecondsPerSecond;
     const JsonNode* time = m_object.member(KeyListFields::timeout);
     const Range range = time ? time->range : m_object.range;
+    if (!time && m_misspelt.contains(KeyListFields::timeout)) {
+        return;
+    }
     if (seconds <= 0) {
         add("time", Level::Error,
             readingOf(time, seconds) +

@@ -11,6 +11,10 @@
 
 #include <ls/Identifiers.h>
 
+#include <QRegularExpression>
+
+#include <algorithm>
+
 namespace checker {
 
 using model::List;
@@ -19,6 +23,22 @@ using model::Alphabet::keyOf;
 using model::Alphabet::stateOf;
 
 namespace {
+
+QString quoted(const QStringList& names)
+{
+    return QStringLiteral("[\"%1\"]").arg(names.join(QStringLiteral("\", \"")));
+}
+
+/// A question for the author: the name that was meant, or the list if several names are in one text.
+QString suggestionFor(const QString& key)
+{
+    static const QRegularExpression separators(QStringLiteral("[^A-Za-z]+"));
+    const QStringList names = key.split(separators, Qt::SkipEmptyParts);
+    const bool areKeys =
+        std::all_of(names.begin(), names.end(), [](const QString& name) { return keyOf(name); });
+    return names.size() > 1 && areKeys ? QStringLiteral(": did you mean %1?").arg(quoted(names))
+                                       : Suggestion::question(key, RowNames::of(ls::KeyId::meta));
+}
 
 /// Checks the names of one row.
 class RowWords
@@ -96,8 +116,11 @@ Place RowWords::keyPlace(int index) const
 
 void RowWords::checkKeys()
 {
-    if (m_row.keys().isEmpty() && m_places.row(m_id).member(KeyListFields::keys)) {
-        add("no-keys", Level::Error, QStringLiteral("the row has no keys"),
+    const JsonNode* keys = m_places.row(m_id).member(KeyListFields::keys);
+    const bool isList = !keys || keys->kind == JsonNode::Kind::Array;
+    if (m_row.keys().isEmpty() && keys) {
+        add("no-keys", Level::Error,
+            isList ? QStringLiteral("the row has no keys") : WordChecks::readingOfKeys(m_row),
             m_places.member(m_id, KeyListFields::keys));
     }
     for (int i = 0; i < m_row.keys().size(); ++i) {
@@ -105,9 +128,10 @@ void RowWords::checkKeys()
         if (counts(i) && !keyOf(key)) {
             const QStringList names = RowNames::of(ls::KeyId::meta);
             const Place place = keyPlace(i);
+            const QString cause =
+                isList ? QString() : WordChecks::readingOfKeys(m_row) + QStringLiteral(", and ");
             offer(add("unknown-key", Level::Error,
-                      QStringLiteral("\"%1\" is not a key").arg(key) + Suggestion::question(key, names),
-                      place),
+                      cause + QStringLiteral("\"%1\" is not a key").arg(key) + suggestionFor(key), place),
                   key, names, place.range);
         }
     }
@@ -215,6 +239,20 @@ void RowWords::checkVisible(const QString& name, const QString& text)
 }
 
 } // namespace
+
+bool WordChecks::areKnownKeys(const KeyEntry& row)
+{
+    const QStringList& keys = row.keys();
+    return !keys.isEmpty() &&
+           std::all_of(keys.begin(), keys.end(), [](const QString& key) { return keyOf(key); });
+}
+
+QString WordChecks::readingOfKeys(const KeyEntry& row)
+{
+    const QString read =
+        row.keys().isEmpty() ? QStringLiteral("no keys") : QStringLiteral("the list ") + quoted(row.keys());
+    return QStringLiteral("the keys are not a list of names: they are read as ") + read;
+}
 
 QVector<Finding> WordChecks::of(const model::KeyLists& lists, const RowPlaces& places, List list)
 {

@@ -12,7 +12,7 @@ _keyboard_handler_keys()
         --model) words="Pellit Orvane" ;;
         --hands) words="1 2 3 4" ;;
         --format)
-            words="text json sarif"
+            words="text lines json sarif"
             [ "$command" = diff ] && words="text json html"
             ;;
         --deny) words=warning ;;
@@ -26,7 +26,8 @@ _keyboard_handler_keys()
         *)
             case $command:$current in
             check:-*) words="--model --hands --pace --format --allow --deny --witness --fix --help" ;;
-            how:-* | what:-*) words="--state --model --help" ;;
+            how:-*) words="--rows --state --model --help" ;;
+            what:-*) words="--state --model --help" ;;
             diff:-*) words="--for --model --format --help" ;;
             why:-*) words="--at --state --model --help" ;;
             explain:* | schema:*) return ;;

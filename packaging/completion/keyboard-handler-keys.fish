@@ -17,7 +17,7 @@ complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from check $plays" 
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from check $plays" -l help -d 'Show the options'
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from check" -l hands -x -a '1 2 3 4' -d 'Keys that a person holds at once'
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from check" -l pace -x -d 'Minimum time between two movements, in ms'
-complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from check" -l format -x -a 'text json sarif' -d 'Output'
+complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from check" -l format -x -a 'text lines json sarif' -d 'Output'
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from check" -l allow -x -d 'Leave out findings with this id, or ID:ACTION'
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from check" -l deny -x -a warning -d 'Count warnings as errors'
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from check" -l witness -x -a '(__fish_complete_directories)' -d 'Write key scripts of the rows that work'
@@ -26,3 +26,4 @@ complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from how what why" 
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from diff" -l for -x -a 'users services' -d 'What to compare'
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from why" -l at -x -d 'Time in seconds'
 complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from diff" -l format -x -a 'text json html' -d 'Output'
+complete -c keyboard-handler-keys -n "__fish_seen_subcommand_from how" -l rows -d 'Write the rows into each script'

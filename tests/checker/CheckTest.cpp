@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "checker/Check.h"
+#include "checker/FindingLines.h"
 #include "checker/FindingText.h"
 #include "keys/KeyListFile.h"
 #include "tests/checker/ListTexts.h"
@@ -30,8 +31,12 @@ private Q_SLOTS:
     void manyMembersEnd();
     void aSearchThatEndsAtItsLimitProvesNothing();
     void summaryOfWhatIsProved();
+    void rowsWithTheSameKeysHaveHelp_data();
+    void rowsWithTheSameKeysHaveHelp();
     void textOfAFinding();
     void textOfAFindingInTwoFiles();
+    void lineOfAFinding();
+    void lineOfAFindingWithARemark();
     void textOfAFindingInALongLine();
     void namesAreNeverPrintedRaw();
 
@@ -89,8 +94,9 @@ void CheckTest::findings_data()
     };
 
     longPress("a long press for Idle", held("2"), {});
-    longPress("a long press for another state is silent in Idle", held("2", "Print"),
-              {"warning silent 2:1 in Idle, holding Help causes neither speech nor an action"});
+    longPress(
+        "a long press for another state is silent in Idle", held("2", "Print"),
+        {"warning silent 2:1 in Idle, holding Help for 2.25 s (A) causes neither speech nor an action"});
     longPress(
         "a time below half a second", held("0.4"),
         {"error time 2:103 0.4 is read as 0 s: the action repeats 30 times a second while the key is held"});
@@ -105,12 +111,13 @@ void CheckTest::findings_data()
               {"error time 2:1 the row has no \"timeout\": the action repeats 30 times a second while the "
                "key is held"});
     longPress("a misspelt time", row("\"Help\"", "A", "Idle", ", \"timeOut\": 2"),
-              {"error time 2:1 the row has no \"timeout\": the action repeats 30 times a second while the "
-               "key is held",
-               "error member 2:92 \"timeOut\" is ignored: did you mean \"timeout\"?"});
+              {"error member 2:92 \"timeOut\" is ignored: did you mean \"timeout\"?"});
     longPress("two keys", row("\"Help\", \"Up\"", "A", "Idle", ", \"timeout\": 2"),
               {"warning value 2:20 a long press has one key: only \"Help\" counts"});
     longPress("two rows for a key", held("2") + "," + held("3"),
+              {"error hidden 2:11 row 1 never announces \"A\"; row 2 does in Idle"});
+    longPress("two rows for a key with two actions",
+              held("2") + "," + row("\"Help\"", "B", "Idle", ", \"timeout\": 2"),
               {"error hidden 2:11 no keys announce \"A\""});
     longPress("an unknown state", held("2", "Idle | Sleep"),
               {"error unknown-state 2:84 \"Sleep\" is not a state"});
@@ -123,13 +130,21 @@ void CheckTest::findings_data()
     combination("a pair", row("\"Help\", \"Feed\"", "A"), {});
     combination("a pair for another state", row("\"Help\", \"Feed\"", "A", "Print"),
                 {"error state-change 2:92 no keys announce \"A\" in Print unless the state changes between "
-                 "them or the keyboard test runs"});
+                 "the keys or the keyboard test runs"});
     combination("a pair behind a row of three keys",
                 row("\"Function\", \"Help\", \"One\"", "A") + "," + row("\"Help\", \"Feed\"", "B"),
                 {"error hidden 3:12 no keys announce \"B\""});
     combination("a pair twice", row("\"Help\", \"Feed\"", "A") + "," + row("\"Help\", \"Feed\"", "B"),
-                {"note also 2:1 tapping Help, then Feed announces \"B\" as well",
+                {"note also 2:1 tapping Help, then Feed (A) announces \"B\" as well",
                  "warning same-keys 3:12 row 1 has the same keys, and both actions are announced"});
+    combination("a hidden pair twice",
+                row("\"Function\", \"Help\", \"One\"", "A") + "," + row("\"Help\", \"Feed\"", "B") + "," +
+                    row("\"Help\", \"Feed\"", "C"),
+                {"error hidden 3:12 no keys announce \"B\"", "error hidden 4:12 no keys announce \"C\""});
+    combination("a misspelt pair twice",
+                row("\"Hlep\", \"Feed\"", "A") + "," + row("\"Hlep\", \"Feed\"", "B"),
+                {"error unknown-key 2:12 \"Hlep\" is not a key: did you mean \"Help\"?",
+                 "error unknown-key 3:13 \"Hlep\" is not a key: did you mean \"Help\"?"});
     combination(
         "joined states", row("\"Help\", \"Feed\"", "A", "Idle|Print"),
         {"error joined-states 2:92 \"Idle|Print\" is not a state: only long presses can join states"});
@@ -140,6 +155,17 @@ void CheckTest::findings_data()
         "keys as a text",
         R"({ "keys": "Help", "eAction": "A", "receiverService": "UserMenu", "validOnState": "Idle" })",
         {"warning value 2:11 the keys are not a list of names: they are read as the list [\"Help\"]"});
+    const QByteArray rest = R"(, "eAction": "A", "receiverService": "UserMenu", "validOnState": "Idle" })";
+    combination("two keys as a text", R"({ "keys": "Help, Feed")" + rest,
+                {"error unknown-key 2:11 the keys are not a list of names: they are read as the list "
+                 "[\"Help, Feed\"], "
+                 "and \"Help, Feed\" is not a key: did you mean [\"Help\", \"Feed\"]?"});
+    combination(
+        "a misspelt key as a text", R"({ "keys": "Hlep")" + rest,
+        {"error unknown-key 2:11 the keys are not a list of names: they are read as the list [\"Hlep\"], "
+         "and \"Hlep\" is not a key: did you mean \"Help\"?"});
+    combination("keys as an object", R"({ "keys": {})" + rest,
+                {"error no-keys 2:11 the keys are not a list of names: they are read as no keys"});
     combination("a time", row("\"Help\", \"Feed\"", "A", "Idle", ", \"timeout\": 2"),
                 {"warning member 2:100 \"timeout\" is ignored: only long presses have a time"});
     combination("an element that is not a row", "5",
@@ -148,10 +174,24 @@ void CheckTest::findings_data()
     shortcut("a shortcut", row("\"Function\", \"Up\"", "A"), {});
     shortcut(
         "a shortcut for another state", row("\"Feed\", \"Ok\"", "A", "PrintOff"),
-        {"warning silent 2:1 in Idle, pressing Feed and Ok together causes neither speech nor an action"});
+        {"warning silent 2:1 in Idle, holding Feed and pressing Ok (A) causes neither speech nor an action"});
     shortcut("the same shortcut twice",
              row("\"Function\", \"Up\"", "A") + "," + row("\"Function\", \"Up\"", "B"),
              {"error hidden 3:12 no keys announce \"B\""});
+    QTest::newRow("a shortcut in Startup for the action of a long press")
+        << held("2") << QByteArray() << row("\"Feed\", \"Ok\"", "A", "Startup")
+        << QStringList(
+               {"warning silent 2:1 in Idle, holding Feed and pressing Ok (A) causes neither speech nor an "
+                "action",
+                "error never 2:11 row 1 never announces \"A\"; row 1 of longKeyList.json does in Idle"});
+    QTest::newRow("a combination in Print for the action of a long press")
+        << held("2", "Idle|Print") << row("\"Feed\", \"Ok\"", "A", "Print") << QByteArray()
+        << QStringList(
+               "error state-change 2:90 row 1 does not announce \"A\" in Print unless the state changes "
+               "between the keys or the keyboard test runs");
+    shortcut("a shortcut for two states",
+             row("\"Function\", \"Up\"", "A") + "," + row("\"Function\", \"Up\"", "A", "Update"),
+             {"error hidden 3:12 row 2 never announces \"A\"; row 1 does in Idle"});
     shortcut("three keys", row("\"Function\", \"Help\", \"Up\"", "A"),
              {"warning value 2:24 a shortcut has two keys: only \"Function\" and \"Up\" count"});
     shortcut(
@@ -234,10 +274,12 @@ void CheckTest::installedListsHaveOnlySilentGestures()
     QVERIFY(result.isProved);
     QCOMPARE(
         messages,
-        QStringList({"silent in Idle, holding Back causes neither speech nor an action",
-                     "silent in Idle, holding Ok causes neither speech nor an action",
-                     "silent in Idle, pressing Feed and Ok together causes neither speech nor an action",
-                     "silent in Idle, pressing Help and Back together causes neither speech nor an action"}));
+        QStringList(
+            {"silent in Idle, holding Back for 2.25 s (CancelJob) causes neither speech nor an action",
+             "silent in Idle, holding Ok for 1.25 s (AcknowledgeError) causes neither speech nor an action",
+             "silent in Idle, holding Feed and pressing Ok (LoadPaper) causes neither speech nor an action",
+             "silent in Idle, holding Help and pressing Back (UpdateStatus) causes neither speech nor an "
+             "action"}));
 }
 
 void CheckTest::optionsOfAPerson_data()
@@ -358,9 +400,11 @@ void CheckTest::summaryOfWhatIsProved()
              QString("1 row: 0 errors, 0 warnings, 0 notes. Proved by a search of ituations in teps.\n"));
     QCOMPARE(
         summaryOf(good + "," + row("\"Help\", \"Fed\"", "B")),
-        QString(
-            "2 rows: 1 error, 0 warnings, 0 notes. Proved for 1 row by a search of ituations in teps.\n"));
-    QCOMPARE(summaryOf(good + "5"), QString("0 rows: 1 error, 0 warnings, 0 notes. Nothing was proved.\n"));
+        QString("2 rows: 1 error, 0 warnings, 0 notes. Proved for 1 row by a search of ituations in teps.\n"
+                "Not searched in modifierKeyList.json: row 2 (unknown-key).\n"));
+    QCOMPARE(summaryOf(good + "5"),
+             QString("0 rows: 1 error, 0 warnings, 0 notes. Nothing was proved.\n"
+                     "Not searched: modifierKeyList.json, which has no readable list.\n"));
 }
 
 /// Each place is shown with its own file.
@@ -379,6 +423,35 @@ void CheckTest::textOfAFindingInTwoFiles()
     QVERIFY(lines.value(8).endsWith("-- the other action"));
 }
 
+/// The form in which compilers report: a place, a level, a sentence and an id.
+void CheckTest::lineOfAFinding()
+{
+    const ListSources sources = ListTexts::withRows(
+        {}, row("\"Function\", \"Help\", \"One\"", "A") + "," + row("\"Help\", \"Feed\"", "B\\u001b"), {});
+    const CheckResult result = check(sources, {});
+    const auto isHidden = [](const Finding& finding) { return finding.id == "hidden"; };
+    const auto hidden = std::find_if(result.findings.begin(), result.findings.end(), isHidden);
+    QVERIFY(hidden != result.findings.end());
+    QCOMPARE(FindingLines::of(*hidden, sources).split('\n'),
+             QStringList({"modifierKeyList.json:3:12: error: no keys announce \"B\\u001b\" [hidden]",
+                          "modifierKeyList.json:2:11: note: row 1 hides row 2",
+                          "modifierKeyList.json:3:12: help: move row 1 to the end of the list: then row 2 "
+                          "works, and all that work now still do (--fix)",
+                          ""}));
+}
+
+void CheckTest::lineOfAFindingWithARemark()
+{
+    const ListSources sources = ListTexts::withRows({}, row("\"Ok\", \"Feed\"", "A", "Print"), {});
+    const CheckResult result = check(sources, {});
+    QCOMPARE(result.findings.size(), 1);
+    QCOMPARE(
+        FindingLines::of(result.findings.first(), sources),
+        QString("modifierKeyList.json:2:90: error: no keys announce \"A\" in Print unless the state changes "
+                "between the keys or the keyboard test runs: no combination can begin here: each key is "
+                "announced at once and forgotten [state-change]\n"));
+}
+
 /// Of a long line, the part around the place is shown.
 void CheckTest::textOfAFindingInALongLine()
 {
@@ -395,6 +468,36 @@ void CheckTest::textOfAFindingInALongLine()
     QVERIFY2(lines.value(3).startsWith(" 2 | ..."), qPrintable(lines.value(3)));
     QVERIFY2(lines.value(3).endsWith(QString::fromUtf8(key) + "..."), qPrintable(lines.value(3)));
     QCOMPARE(lines.value(4), "   | " + QString(43, ' ') + QString(57, '^'));
+}
+
+void CheckTest::rowsWithTheSameKeysHaveHelp_data()
+{
+    QTest::addColumn<QByteArray>("longPresses");
+    QTest::addColumn<QByteArray>("shortcuts");
+    QTest::addColumn<QString>("help");
+    QTest::newRow("long presses for two states")
+        << held("2") + "," + held("2", "Print") << QByteArray()
+        << "join the states of both in row 2 with a vertical bar, and delete row 1";
+    QTest::newRow("long presses with two actions")
+        << held("2") + "," + row("\"Help\"", "B", "Print", ", \"timeout\": 2") << QByteArray()
+        << "of several long presses with a key, only the last one counts: choose another key for one of them";
+    QTest::newRow("shortcuts for two states")
+        << QByteArray() << row("\"Function\", \"Up\"", "A") + "," + row("\"Function\", \"Up\"", "A", "Update")
+        << "of several shortcuts with the same keys, only the first one counts, in its one state: choose "
+           "other "
+           "keys for one of them";
+}
+
+void CheckTest::rowsWithTheSameKeysHaveHelp()
+{
+    QFETCH(QByteArray, longPresses);
+    QFETCH(QByteArray, shortcuts);
+    QFETCH(QString, help);
+    const CheckResult result = check(ListTexts::withRows(longPresses, {}, shortcuts), {});
+    const auto isHidden = [](const Finding& finding) { return finding.id == "hidden"; };
+    const auto hidden = std::find_if(result.findings.begin(), result.findings.end(), isHidden);
+    QVERIFY(hidden != result.findings.end());
+    QCOMPARE(hidden->help, help);
 }
 
 void CheckTest::textOfAFinding()

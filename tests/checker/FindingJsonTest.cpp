@@ -40,13 +40,15 @@ private Q_SLOTS:
     void aFindingWithoutExtras();
     void aFindingWithAllParts();
     void anIncompleteSearchIsNotProved();
+    void rowsThatWereNotSearched();
 };
 
 void FindingJsonTest::theDocumentNamesItsVersion()
 {
     const QJsonObject all = parsed(FindingJson::of({}, {}));
-    const QJsonObject expected = object(R"({ "version": 1, "findings": [], "proved": true, "situations": 0,
-        "steps": 0, "tool": { "name": "keyboard-handler-keys", "version": ")" PROJECT_VERSION R"(" } })");
+    const QJsonObject expected = object(R"({ "version": 1, "findings": [], "proved": true, "rows": 0,
+        "provedRows": 0, "unsearched": [], "situations": 0, "steps": 0, "tool": { "name": "keyboard-handler-keys", "version": ")" PROJECT_VERSION
+                                        R"(" } })");
     QVERIFY(!expected.isEmpty());
     QCOMPARE(all, expected);
 }
@@ -85,6 +87,31 @@ void FindingJsonTest::anIncompleteSearchIsNotProved()
     CheckResult result;
     result.isProved = false;
     QCOMPARE(parsed(FindingJson::of(result, {})).value("proved"), QJsonValue(false));
+}
+
+/// A row with a fault, and all rows of a file that has no list.
+void FindingJsonTest::rowsThatWereNotSearched()
+{
+    using model::List;
+    const ListSources sources = FindingSamples::sources();
+    CheckResult result;
+    result.rows = 3;
+    result.provedRows = 2;
+    result.unsearched = {{{List::Combinations, 1}, "unknown-key"}};
+    QJsonObject all = parsed(FindingJson::of(result, sources));
+    QCOMPARE(all.value("proved"), QJsonValue(false));
+    QCOMPARE(all.value("rows"), QJsonValue(3));
+    QCOMPARE(all.value("provedRows"), QJsonValue(2));
+    QCOMPARE(QJsonObject({{"a", all.value("unsearched")}}),
+             object(R"({ "a": [{ "file": "my lists/ü:100%.json", "row": 2, "id": "unknown-key" }] })"));
+    result.unsearched.clear();
+    result.provedRows = 3;
+    QCOMPARE(parsed(FindingJson::of(result, sources)).value("proved"), QJsonValue(true));
+    result.unreadable = {List::LongPresses};
+    all = parsed(FindingJson::of(result, sources));
+    QCOMPARE(all.value("proved"), QJsonValue(false));
+    QCOMPARE(QJsonObject({{"a", all.value("unsearched")}}),
+             object(R"({ "a": [{ "file": "/etc/long keys.json", "row": null, "id": "" }] })"));
 }
 
 QTEST_GUILESS_MAIN(FindingJsonTest)

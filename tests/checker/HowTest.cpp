@@ -31,7 +31,8 @@ private Q_SLOTS:
     void shortestWayIsInWords_data();
     void shortestWayIsInWords();
     void scriptsGoAsExpectedOnTheDaemon();
-    void rowsOfThePathsAreInTheScript();
+    void rowsAreInTheScriptOnRequest();
+    void workingRowsComeFirst();
     void neverIsProved();
     void statesThatTheRowDoesNotNameNeedNoProof();
     void servicesMayAnnounceWhatKeysCannot();
@@ -73,7 +74,7 @@ void HowTest::shortestWayIsInWords()
 void HowTest::scriptsGoAsExpectedOnTheDaemon()
 {
     for (const QString& action : checker::ActionSearch::actionsOf(ListMaps::installed())) {
-        const CommandRun run = how({action});
+        const CommandRun run = how({action, "--rows"});
         QCOMPARE(run.status, int(checker::Clean));
         for (const QString& script : run.out.split("\n\n")) {
             playScript(script);
@@ -104,11 +105,32 @@ void HowTest::playScript(const QString& text)
     QVERIFY2(difference.isEmpty(), qPrintable(difference.join('\n') + '\n' + text));
 }
 
-void HowTest::rowsOfThePathsAreInTheScript()
+void HowTest::rowsAreInTheScriptOnRequest()
 {
-    QCOMPARE(parseKeyScript(how({"VolumeUp"}).out).script.rows.size(), ListMaps::installed().ids().size());
+    const CommandRun full = how({"VolumeUp", "--rows"});
+    QCOMPARE(parseKeyScript(full.out).script.rows.size(), ListMaps::installed().ids().size());
+    const CommandRun brief = how({"VolumeUp"});
+    QVERIFY(parseKeyScript(brief.out).script.rows.isEmpty());
+    QVERIFY2(
+        brief.out.contains("# The scripts need these key lists: keyboard-handler-simulator --data FOLDER"),
+        qPrintable(brief.out));
     const CommandRun here(checker::Commands::how, {"how", "VolumeUp"});
     QCOMPARE(here.status, int(checker::Unusable)); // the current folder has no lists
+}
+
+void HowTest::workingRowsComeFirst()
+{
+    const QTemporaryDir folder;
+    QFile list(folder.filePath("shortcutKeyList.json"));
+    QVERIFY(list.open(QIODevice::WriteOnly));
+    list.write(R"({"ShortcutKeys": [
+        {"keys": ["Feed", "Ok"], "eAction": "Wake", "validOnState": "Startup"},
+        {"keys": ["Feed", "Up"], "eAction": "Wake", "validOnState": "Idle"}]})");
+    list.close();
+    const CommandRun run(checker::Commands::how, {"how", "Wake", folder.path()});
+    QCOMPARE(run.status, int(checker::Clean));
+    QCOMPARE(commentsOf(run).value(1), QString("# In Idle: hold Feed, then press Up"));
+    QVERIFY2(commentsOf(run).value(3).startsWith("# Never in Startup"), qPrintable(run.out));
 }
 
 void HowTest::neverIsProved()

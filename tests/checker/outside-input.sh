@@ -44,8 +44,14 @@ expect 2 "empty has no longKeyList.json" diff empty "$lists"
 
 # One file alone, by its sections or its name.
 echo "$list" >some.json
-expect 0 "longKeyList.json is missing: the list LongKeys counts as empty." check some.json
+expect 0 "longKeyList.json is not given: the list LongKeys counts as empty." check some.json
+mkdir single
+echo "$list" >single/modifierKeyList.json
+expect 0 "longKeyList.json is missing: the list LongKeys counts as empty." check single
 expect 0 "1 row: 0 errors, 0 warnings, 0 notes. Proved by" check some.json
+expect 1 "some.json:1:21: error: the element is not a row, and the daemon skips it [element]" \
+    check --format lines "$(printf '{ "ModifierKeys": [ 5 ] }' >some.json && echo some.json)"
+echo "$list" >some.json
 expect 2 "some.json and some.json are both lists of ModifierKeys." check some.json some.json
 : >shortcutKeyList.json
 expect 1 "error[syntax]: the file is empty" check shortcutKeyList.json
@@ -75,7 +81,7 @@ printf '{ "ModifierKeys": [\n"\377" ] }' >modifierKeyList.json
 expect 1 "error[syntax]: the file is not JSON: " check modifierKeyList.json
 expect 1 "modifierKeyList.json:2:" check modifierKeyList.json
 printf '{ "ModifierKeys": [\n{ "keys": ["\\u001b[2J\\u0007", "Feed"], "eAction": "\033[31m\\u202e", "\\u009b1m": "\\ud800" } ] }' >modifierKeyList.json
-for format in text json sarif; do
+for format in text lines json sarif; do
     expect 1 "unknown-key" check --format $format modifierKeyList.json
 done
 head -c 1048577 /dev/zero | tr '\0' ' ' >modifierKeyList.json
@@ -87,6 +93,15 @@ expect 2 "cannot be read" check "$(printf 'no\033[2J')"
 for command in how what why explain check diff; do
     expect 2 "" $command "$(printf -- '--\033[2J')"
 done
+
+# Ids and actions that do not exist.
+expect 2 '"foo" is not an id of a finding; keyboard-handler-keys explain --help lists all.' explain foo
+expect 2 '"Silent" is not an id of a finding: did you mean "silent"? keyboard-handler-keys explain --help lists all.' explain Silent
+[ "$(wc -l <output)" -eq 1 ] || fault "explain Silent: $(cat output)"
+expect 2 '"Silent" is not an id of a finding: did you mean "silent"?' check --allow Silent "$lists"
+expect 2 'No row has the action "LoadPapr": did you mean "LoadPaper"?' check --allow silent:LoadPapr "$lists"
+expect 1 "error[syntax]" check --allow silent:Any shortcutKeyList.json
+expect 2 "Unknown option 'help-all'." how --help-all
 
 # Outputs that end early.
 "$program" check "$lists" >/dev/full 2>errors

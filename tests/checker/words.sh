@@ -21,6 +21,14 @@ commands=$("$program" 2>&1 | sed -n 's/^The commands are: \(.*\)\.$/\1/p' | tr -
 options=$(for command in $commands; do "$program" "$command" --help || true; done | grep -oE -- '--[a-z]+' | sort -u)
 [ "$(echo "$options" | wc -l)" -gt 8 ] || { echo "no options were found" && exit 1; }
 
+for command in $commands; do
+    usage=$("$program" "$command" --help | head -n 1)
+    case $usage in
+    "Usage: keyboard-handler-keys $command"*) ;;
+    *) echo "the help of $command begins with: $usage" && faults=1 ;;
+    esac
+done
+
 same "commands of the manual page" "$commands" "$(sed -n 's/^\.It Cm \([a-z]*\).*/\1/p' "$page" | sort)"
 same "options of the manual page" "$options" "$(grep -oE 'Fl -[a-z]+' "$page" | sed 's/Fl /-/' | sort -u)"
 same "commands of zsh" "$commands" "$(sed -n "s/^    '\([a-z]*\):.*/\1/p" "$completion/_keyboard-handler-keys" | sort)"
