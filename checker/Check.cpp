@@ -120,8 +120,8 @@ void leaveOut(QVector<Finding>& findings, const KeyLists& lists, const QStringLi
 void sort(QVector<Finding>& findings, const ListSources& sources)
 {
     const auto order = [&](const Finding& finding) {
-        return std::make_tuple(sources.file(finding.place.list).name(), finding.place.range.begin, finding.id,
-                               finding.message);
+        return std::tie(sources.file(finding.place.list).name(), finding.place.range.begin, finding.id,
+                        finding.message);
     };
     std::stable_sort(findings.begin(), findings.end(),
                      [&](const Finding& a, const Finding& b) { return order(a) < order(b); });

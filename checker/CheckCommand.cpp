@@ -8,7 +8,10 @@
 #include "checker/MendedFiles.h"
 #include "checker/Mending.h"
 #include "checker/Printable.h"
+#include "checker/SearchWords.h"
 #include "checker/WitnessFiles.h"
+
+#include <QHash>
 
 #include <algorithm>
 
@@ -24,13 +27,17 @@ Status statusOf(const CheckResult& result, bool deniesWarnings)
     return isFound ? Found : result.isProved ? Clean : NotProved;
 }
 
-void printText(const ListSources& sources, const CheckResult& result, QTextStream& out)
+/// A file may have a million findings, which would take minutes to print.
+constexpr int maxAlike = 1000;
+
+/// The findings that are printed.
+CheckResult firstOfEachKind(CheckResult result)
 {
-    const FindingText text(sources, hasColours());
-    for (const Finding& finding : result.findings) {
-        out << text.describe(finding);
-    }
-    out << text.summary(result);
+    QHash<QString, int> counts; // by ids
+    const auto isOver = [&counts](const Finding& finding) { return ++counts[finding.id] > maxAlike; };
+    auto& findings = result.findings;
+    findings.erase(std::remove_if(findings.begin(), findings.end(), isOver), findings.end());
+    return result;
 }
 
 void printLines(const ListSources& sources, const CheckResult& result, QTextStream& out)
@@ -44,9 +51,12 @@ void printLines(const ListSources& sources, const CheckResult& result, QTextStre
 void print(CheckArguments::Format format, const ListSources& sources, const CheckResult& result,
            QTextStream& out)
 {
+    const FindingText text(sources, hasColours());
     switch (format) {
     case CheckArguments::Format::Text:
-        printText(sources, result, out);
+        for (const Finding& finding : result.findings) {
+            out << text.describe(finding);
+        }
         break;
     case CheckArguments::Format::Lines:
         printLines(sources, result, out);
@@ -129,7 +139,17 @@ Status Commands::check(const QStringList& arguments, QTextStream& out, QTextStre
     for (const QString& note : sources.notes) {
         (isText ? out : err) << "note: " << printable(note) << '\n';
     }
-    print(line.format, sources, result, out);
+    const CheckResult shown = firstOfEachKind(result);
+    print(line.format, sources, shown, out);
+    if (const int others = result.findings.size() - shown.findings.size()) {
+        (isText ? out : err) << QStringLiteral(
+                                    "note: of each kind, the first %1 findings are shown; left out: %2\n")
+                                    .arg(SearchWords::grouped(maxAlike),
+                                         SearchWords::grouped(quint64(others)));
+    }
+    if (isText) {
+        out << FindingText(sources, hasColours()).summary(result);
+    }
     if (!line.witnessFolder.isEmpty()) {
         const QString fault = WitnessFiles::write(sources, line.options, line.witnessFolder);
         if (!fault.isEmpty()) {

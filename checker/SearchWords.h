@@ -7,9 +7,9 @@
 
 namespace checker {
 
-/// When a search gives up, so that it takes seconds. The installed lists need less than a hundredth of these
-/// steps.
-constexpr model::Limits searchLimits{300'000, 10'000'000};
+/// When a search gives up, so that all of them together take seconds. Usual lists of any size need less than
+/// a hundredth of these steps, and a row of hundreds of keys less than all of them.
+constexpr model::Limits searchLimits{100'000, 3'000'000};
 
 namespace SearchWords {
 

@@ -182,14 +182,17 @@ void RowWords::checkStates()
                 .arg(m_row.validOnState()),
             place);
     }
+    const QStringList names = RowNames::of(ls::StateId::meta);
+    const bool isOffered = states.size() <= names.size(); // a mebibyte of states is not a slip
     for (const QString& state : qAsConst(states)) {
         if (!stateOf(state)) {
-            const QStringList names = RowNames::of(ls::StateId::meta);
-            offerState(
+            Finding& finding =
                 add("unknown-state", Level::Error,
                     QStringLiteral("\"%1\" is not a state").arg(state) + Suggestion::question(state, names),
-                    place),
-                state, names);
+                    place);
+            if (isOffered) {
+                offerState(finding, state, names);
+            }
         }
     }
 }

@@ -120,6 +120,28 @@ mkdir many
 # The shell adds 128 to the number of SIGPIPE.
 [ "$(cat status)" -eq 141 ] || fault "a closed output: $(cat status errors)"
 
+# Lists that are made to take long. What the program does not prove or print, it says.
+# repeat TEXT COUNT: the text so many times, with commas between.
+repeat() {
+    yes "$1" | head -n "$2" | paste -sd , -
+}
+rest='"eAction": "A", "timeout": 1, "receiverService": "UserMenu", "validOnState":'
+mkdir slow
+echo "{ \"ModifierKeys\": [ { \"keys\": [$(repeat '"Up"' 100001)], $rest \"Idle\" } ] }" >slow/modifierKeyList.json
+expect 3 "not proved: the search ended after" check slow/modifierKeyList.json
+echo "{ \"ShortcutKeys\": [ $(repeat "{ \"keys\": [\"Up\", \"Ok\"], $rest \"Idle\" }" 8000) ] }" >slow/shortcutKeyList.json
+expect 1 "of each kind, the first 1,000 findings are shown; left out: " check slow/shortcutKeyList.json
+echo "{ \"LongKeys\": [ { \"keys\": [\"Up\"], $rest \"$(seq 100000 | paste -sd '|' -)\" } ] }" >slow/longKeyList.json
+expect 1 "left out: 99,000" check slow/longKeyList.json
+echo "{ \"$(head -c 1000000 /dev/zero | tr '\0' N)\": [] }" >slow/longKeyList.json
+expect 1 "error[section]" check slow/longKeyList.json
+head -c 1000000 /dev/zero | tr '\0' '[' >slow/longKeyList.json
+expect 1 "error[syntax]" check slow/longKeyList.json
+printf '[' >slow/longKeyList.json
+expect 1 "error[syntax]" check slow/longKeyList.json
+head -c 20000000 /dev/zero | tr '\0' 9 >slow/longKeyList.json
+expect 1 "error[too-large]" check slow/longKeyList.json
+
 # Witnesses.
 "$program" check --allow silent --witness witnesses "$lists" >/dev/null || fault "witnesses: status $?"
 [ "$(find witnesses -name '*.keys' | wc -l)" -gt 17 ] || fault "witnesses: $(ls witnesses)"
