@@ -120,14 +120,31 @@ void readFile(ListSources& sources, const QString& path)
     }
 }
 
-} // namespace
-
-ListSources ListSources::read(const QStringList& paths)
+ListSources empty()
 {
     ListSources sources;
     for (const List list : model::allLists) {
         sources.files[static_cast<size_t>(list)] = SourceFile(KeyLists::fileOf(list), {});
     }
+    return sources;
+}
+
+/// `absence` says why a list is not there.
+void noteAbsent(ListSources& sources, const QString& absence)
+{
+    for (const List list : model::allLists) {
+        if (!sources.found.contains(list)) {
+            sources.notes << QStringLiteral("%1 is %2: the list %3 counts as empty.")
+                                 .arg(KeyLists::fileOf(list), absence, KeyLists::sectionOf(list));
+        }
+    }
+}
+
+} // namespace
+
+ListSources ListSources::read(const QStringList& paths)
+{
+    ListSources sources = empty();
     const QStringList all = paths.isEmpty() ? QStringList(QStringLiteral(".")) : paths;
     bool hasFolder = false;
     for (const QString& path : all) {
@@ -141,14 +158,19 @@ ListSources ListSources::read(const QStringList& paths)
             readFile(sources, path);
         }
     }
+    noteAbsent(sources, hasFolder ? QStringLiteral("missing") : QStringLiteral("not given"));
+    return sources;
+}
+
+ListSources ListSources::of(const QMap<QString, QByteArray>& contents)
+{
+    ListSources sources = empty();
     for (const List list : model::allLists) {
-        if (!sources.found.contains(list)) {
-            sources.notes << QStringLiteral("%1 is %2: the list %3 counts as empty.")
-                                 .arg(KeyLists::fileOf(list),
-                                      hasFolder ? QStringLiteral("missing") : QStringLiteral("not given"),
-                                      KeyLists::sectionOf(list));
+        if (contents.contains(KeyLists::fileOf(list))) {
+            add(sources, list, KeyLists::fileOf(list), contents.value(KeyLists::fileOf(list)));
         }
     }
+    noteAbsent(sources, QStringLiteral("missing"));
     return sources;
 }
 

@@ -4,6 +4,7 @@
 #include "checker/SourceFile.h"
 #include "model/KeyLists.h"
 
+#include <QMap>
 #include <QStringList>
 
 #include <array>
@@ -25,6 +26,9 @@ struct ListSources
     /// Reads the key lists in a folder, or single files, which are recognised by their sections; "-" is
     /// standard input. Without `paths`, reads the current folder.
     static ListSources read(const QStringList& paths);
+
+    /// Key lists that are in memory, by the names of their files.
+    static ListSources of(const QMap<QString, QByteArray>& contents);
 
     const SourceFile& file(model::List list) const { return files[static_cast<size_t>(list)]; }
     /// The notes, and which of the files have no readable list, for commands that do not check them.

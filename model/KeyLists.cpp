@@ -8,6 +8,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLoggingCategory>
+#include <QMutex>
+#include <QMutexLocker>
 
 namespace model {
 
@@ -45,16 +47,30 @@ QVariantMap mapOf(const QByteArray& content)
                                                  : QJsonDocument::fromJson(content).object().toVariantMap();
 }
 
-/// Suppresses the loader's messages, because the daemon logs the same ones.
+QMutex g_quietMutex;
+int g_quietReaders = 0;
+bool g_wasEnabled = true;
+
+/// Suppresses the loader's messages, because the daemon logs the same ones. Several threads may read lists.
 class QuietLog
 {
 public:
-    QuietLog() { QLoggingCategory::defaultCategory()->setEnabled(QtCriticalMsg, false); }
-    ~QuietLog() { QLoggingCategory::defaultCategory()->setEnabled(QtCriticalMsg, m_wasEnabled); }
+    QuietLog()
+    {
+        const QMutexLocker locker(&g_quietMutex);
+        if (++g_quietReaders == 1) {
+            g_wasEnabled = QLoggingCategory::defaultCategory()->isCriticalEnabled();
+            QLoggingCategory::defaultCategory()->setEnabled(QtCriticalMsg, false);
+        }
+    }
+    ~QuietLog()
+    {
+        const QMutexLocker locker(&g_quietMutex);
+        if (--g_quietReaders == 0) {
+            QLoggingCategory::defaultCategory()->setEnabled(QtCriticalMsg, g_wasEnabled);
+        }
+    }
     Q_DISABLE_COPY(QuietLog)
-
-private:
-    bool m_wasEnabled = QLoggingCategory::defaultCategory()->isCriticalEnabled();
 };
 
 } // namespace

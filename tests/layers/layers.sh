@@ -43,8 +43,10 @@ forbid "the simulator may include only the vocabulary, the key lists, the rules 
 forbid "the simulator must not include the checker, the workbench and the tests" "(checker|workbench|tests)/" simulator
 forbid "key scripts must not include the panel and the device" "simulator/(panel|device)/" simulator/script
 forbid "the panel may include only key scripts" "simulator/device/" simulator/panel
-forbid "the workbench may include only the vocabulary, the key lists, the rules of keys and the model" \
+forbid "the workbench may include only the vocabulary, the key lists, the rules of keys, the model and the checker" \
     "(app|service|input|device|console|tests)/|keys/(LongKey|ModifierKey|ShortcutKey)" workbench
+forbid "only the web server of the workbench may include the checker" "checker/" workbench/session workbench/card \
+    workbench/terminal
 forbid "a session may include only the simulator and the model" "workbench/(card|web|terminal)/" workbench/session
 forbid "the key card may include only the rules of keys and the model" "simulator/(script|device)/|workbench/(session|web|terminal)/" workbench/card
 forbid "the web server must not include the terminal" "workbench/terminal/" workbench/web

@@ -11,6 +11,7 @@ import { announce, ask, attempt, news, showStatus } from './messages.js';
 import { jsonFaultText } from './wording.js';
 
 const typingPause = 1000; // milliseconds
+const maxAnnounced = 3; // errors
 const listNames = { long: 'long presses', combination: 'combinations', shortcut: 'shortcuts' };
 const isAboutLists = text => /KeyList|ModifierKey::|ShortcutKey::|LongKey::|KeyEntry|JFile/.test(text);
 
@@ -18,6 +19,7 @@ const fields = all('[data-file]'); // text areas
 const loaded = new Map(); // field -> its content as the daemon has it
 const typingTimers = new Map(); // field -> its timer
 let daemonLists = {}; // file name -> its content, as the daemon has read it
+let mistakes = []; // what the checks find in them, but for files that the daemon cannot read
 
 const fileOf = field => field.dataset.file;
 const noteOf = field => byId(`${field.id}-note`);
@@ -101,6 +103,26 @@ export async function loadLists() {
         keepDraft(field);
     }
     showFormer();
+}
+
+const unreadable = ['syntax', 'section', 'too-large']; // the page has words of its own for these findings
+const mistakeText = ({ file, line: number, level, message }) =>
+    `${file}, line ${number}: ${level}: ${message}${message.endsWith('?') ? '' : '.'}`;
+
+/// Gets what the checks find in the lists that the daemon has.
+export async function loadMistakes() {
+    const { findings } = await getJson('/api/findings');
+    mistakes = findings.filter(({ id, level }) => level !== 'note' && !unreadable.includes(id));
+}
+
+/// Shows the mistakes in the lists that the daemon has, and returns sentences about the errors among them.
+export function showMistakes() {
+    const heading = element('h3', { textContent: 'Mistakes' });
+    const lines = mistakes.map(mistake => line(mistakeText(mistake), mistake.level === 'error' ? 'fault' : 'log'));
+    byId('mistakes').replaceChildren(...(lines.length > 0 ? [heading, ...lines] : []));
+    const errors = mistakes.filter(({ level }) => level === 'error').map(mistakeText);
+    const others = errors.length - maxAnnounced;
+    return others > 0 ? [...errors.slice(0, maxAnnounced), `${others} more errors are in the view Key lists.`] : errors;
 }
 
 async function loadFile(input) {

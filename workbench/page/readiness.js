@@ -2,7 +2,7 @@
 // Loads what a start of the device changes, and reports when the device is ready.
 import { card, loadCard } from './card.js';
 import { device } from './device.js';
-import { listLog, listsRead, loadLists, showListFaults, showNever } from './lists.js';
+import { listLog, listsRead, loadLists, loadMistakes, showListFaults, showMistakes, showNever } from './lists.js';
 import { attempt, end, kindOf, news, showFault, showStatus } from './messages.js';
 import { showPanel } from './panel.js';
 import { timeline } from './timelineView.js';
@@ -22,7 +22,7 @@ async function loadAndShowCard() {
 /// Loads the card and the key lists, and waits for `pause`. Returns false if the device has started again meanwhile.
 async function loadDeviceFiles(pause) {
     const start = starts;
-    await Promise.all([attempt(loadAndShowCard()), attempt(loadLists()), pause]);
+    await Promise.all([attempt(loadAndShowCard()), attempt(loadLists()), attempt(loadMistakes()), pause]);
     return start === starts;
 }
 
@@ -37,6 +37,7 @@ export async function loadAfterConnecting() {
     ++starts;
     if (await loadDeviceFiles()) {
         showListFaults();
+        showMistakes();
     }
 }
 
@@ -46,11 +47,14 @@ export async function reportReadiness() {
         return;
     }
     const faults = showListFaults();
+    const errors = showMistakes();
     const sentences = [...news];
     news.clear();
     if (faults.length > 0) {
         const effect = `The daemon runs without what it could not read, on model ${device.model}.`;
-        showFault([...faults, effect, ...sentences].join(' '));
+        showFault([...faults, effect, ...errors, ...sentences].join(' '));
+    } else if (errors.length > 0) {
+        showFault([...errors, `The daemon is ready, on model ${device.model}.`, ...sentences].join(' '));
     } else {
         const read = isView('lists') ? [listsRead] : [];
         const text = [...read, `The daemon is ready, on model ${device.model}.`, ...sentences].join(' ');

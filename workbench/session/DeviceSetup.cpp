@@ -16,6 +16,11 @@ KeyListJson::Files merged(KeyListJson::Files files, const KeyListJson::Files& ot
 
 } // namespace
 
+bool DeviceSetup::areInstalled(const QMap<QString, QByteArray>& keyLists)
+{
+    return KeyListJson::areEqual(keyLists, KeyListJson::read(QStringLiteral(KEYBOARD_HANDLER_DATA_FOLDER)));
+}
+
 DeviceSetup::DeviceSetup(const DeviceOptions& options) : m_options(options)
 {
     const QString& folder = options.keyListFolder;

@@ -21,6 +21,9 @@ public:
     };
 
     /// The key lists of `options` are the installed ones.
+    /// Whether these are the key lists that are installed with the daemon.
+    static bool areInstalled(const QMap<QString, QByteArray>& keyLists);
+
     explicit DeviceSetup(const DeviceOptions& options);
 
     /// A sentence if `changes` contains an unknown name; empty otherwise.

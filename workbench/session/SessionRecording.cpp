@@ -6,6 +6,7 @@
 #include "simulator/script/KeyListJson.h"
 #include "simulator/script/KeyScriptText.h"
 #include "simulator/script/ObservationText.h"
+#include "workbench/session/DeviceSetup.h"
 
 using std::chrono::milliseconds;
 
@@ -39,11 +40,6 @@ QStringList sentences(const QVector<ScriptFault>& faults)
     }
     texts.removeDuplicates();
     return texts;
-}
-
-bool isInstalled(const QMap<QString, QByteArray>& keyLists)
-{
-    return KeyListJson::areEqual(keyLists, KeyListJson::read(QStringLiteral(KEYBOARD_HANDLER_DATA_FOLDER)));
 }
 
 } // namespace
@@ -100,7 +96,7 @@ QString SessionRecording::toText(QStringList* faults) const
     if (isRunning()) {
         script.end = elapsed();
     }
-    if (!isInstalled(m_keyLists)) {
+    if (!DeviceSetup::areInstalled(m_keyLists)) {
         const KeyListJson::Parsed lists = KeyListJson::rowsOf(m_keyLists);
         script.rows = lists.rows;
         *faults = lists.faults.mid(0, maxFaults);

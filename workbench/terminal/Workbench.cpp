@@ -4,6 +4,7 @@
 #include "simulator/script/KeyScriptText.h"
 #include "simulator/script/StatementHelp.h"
 #include "workbench/terminal/StartHints.h"
+#include "workbench/web/ListFindings.h"
 
 #include <QTimer>
 
@@ -49,14 +50,37 @@ void Workbench::onAdded(const SessionEntry& entry)
 /// Called after each restart as well, because the key lists and the bus may have changed.
 void Workbench::printHints(entry::Device::Status status)
 {
-    QString text;
     if (status == entry::Device::Status::Starting) {
-        text = StartHints::deadRows(m_session.keyLists(), m_session.model());
+        checkLists();
     } else if (status == entry::Device::Status::Ready && m_line.serve) {
-        text = StartHints::bus(m_session.busAddress());
+        m_printer.printText(StartHints::bus(m_session.busAddress()));
     }
-    if (!text.isEmpty()) {
-        m_printer.printText(text);
+}
+
+/// Prints the findings as soon as they are known. The device does not wait for them.
+void Workbench::checkLists()
+{
+    ++m_checks;
+    m_work.start([this, lists = m_session.keyLists(), model = m_session.model()] {
+        return [this, text = ListFindings::of(lists, model).toText()] {
+            --m_checks;
+            if (!text.isEmpty()) {
+                m_printer.printText(text);
+            }
+            if (m_end && m_checks == 0) {
+                Q_EMIT finished(*m_end);
+            }
+        };
+    });
+}
+
+/// Ends when all findings are printed.
+void Workbench::finish(Status status)
+{
+    if (m_checks > 0) {
+        m_end = status;
+    } else {
+        Q_EMIT finished(status);
     }
 }
 
@@ -76,7 +100,7 @@ void Workbench::onDevice(entry::Device::Status status)
             // The user can inspect the events and restart the device.
             onPlayed(NotAsExpected);
         } else {
-            Q_EMIT finished(NotStarted);
+            finish(NotStarted);
         }
     }
 }
@@ -102,7 +126,7 @@ void Workbench::onPlayed(Status status)
     if (m_line.serve) {
         beginInteraction();
     } else {
-        Q_EMIT finished(status);
+        finish(status);
     }
 }
 
@@ -121,7 +145,7 @@ void Workbench::openPrompt()
                                        "\"device 1; tap Up\"; \"help\" lists them, \"quit\" ends."));
     m_prompt = std::make_unique<Prompt>();
     connect(m_prompt.get(), &Prompt::typed, this, &Workbench::onTyped);
-    connect(m_prompt.get(), &Prompt::ended, this, [this] { Q_EMIT finished(m_status); });
+    connect(m_prompt.get(), &Prompt::ended, this, [this] { finish(m_status); });
     m_prompt->show();
 }
 
@@ -130,7 +154,7 @@ void Workbench::onTyped(const QString& line)
     static const QStringList quitWords{QStringLiteral("quit"), QStringLiteral("exit")};
     static const QStringList helpWords{QStringLiteral("help"), QStringLiteral("?")};
     if (quitWords.contains(line.trimmed())) {
-        Q_EMIT finished(m_status);
+        finish(m_status);
         return;
     }
     if (helpWords.contains(line.trimmed())) {

@@ -5,6 +5,7 @@
 #include "workbench/terminal/CommandLine.h"
 #include "workbench/terminal/Prompt.h"
 #include "workbench/terminal/TranscriptPrinter.h"
+#include "workbench/web/BackgroundWork.h"
 #include "workbench/web/WebServer.h"
 
 #include <QObject>
@@ -34,6 +35,8 @@ private:
     void onAdded(const SessionEntry& entry);
     void onDevice(entry::Device::Status status);
     void printHints(entry::Device::Status status);
+    void checkLists();
+    void finish(Status status);
     void onReplay(const entry::Replay& replay);
     void onPlayed(Status status);
     void beginInteraction();
@@ -46,7 +49,10 @@ private:
     WebServer m_server;
     std::unique_ptr<Prompt> m_prompt;
     Status m_status = AsExpected;
+    int m_checks = 0;            // that run
+    std::optional<Status> m_end; // with which to finish after the checks
     bool m_isPlaying = false;
     bool m_wasReady = false;
     bool m_isInteractive = false;
+    BackgroundWork m_work;
 };

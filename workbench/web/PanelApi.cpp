@@ -7,6 +7,7 @@
 #include "workbench/card/CardJson.h"
 #include "workbench/session/Session.h"
 #include "workbench/web/EventStreams.h"
+#include "workbench/web/ListFindings.h"
 #include "workbench/web/RequestBody.h"
 #include "workbench/web/SessionJson.h"
 
@@ -101,6 +102,7 @@ const QMap<QByteArray, PanelApi::Route>& PanelApi::routes()
         {"/api/key-lists", {"GET", [](Api api, Request, To reply) { reply(api.keyLists()); }}},
         {"/api/card", {"GET", [](Api api, Request, To reply) { api.makeCard(cardAsJson, reply); }}},
         {"/api/card.brf", {"GET", [](Api api, Request, To reply) { api.makeCard(cardInBraille, reply); }}},
+        {"/api/findings", {"GET", [](Api api, Request, To reply) { api.findFaults(reply); }}},
         {"/api/recording.keys", {"GET", recording}},
         {"/api/former-recording.keys", {"GET", formerRecording}},
         {"/api/steps", {"POST", [](Api api, Request request, To reply) { reply(api.takeSteps(request)); }}},
@@ -178,6 +180,13 @@ void PanelApi::makeCard(HttpAnswer (*answerOf)(const KeyCard& card), const Reply
 {
     m_work.start([card = currentCard(), answerOf, reply] {
         return [answer = answerOf(card.get()), reply] { reply(answer); };
+    });
+}
+
+void PanelApi::findFaults(const Reply& reply)
+{
+    m_work.start([lists = m_session.keyLists(), model = m_session.model(), reply] {
+        return [answer = HttpAnswer::json(ListFindings::of(lists, model).toJson()), reply] { reply(answer); };
     });
 }
 

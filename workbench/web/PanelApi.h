@@ -36,6 +36,7 @@ private:
     HttpAnswer restart(const HttpRequest& request);
     void replay(const HttpRequest& request, const Reply& reply);
     void makeCard(HttpAnswer (*answerOf)(const KeyCard& card), const Reply& reply);
+    void findFaults(const Reply& reply);
     std::shared_future<KeyCard> currentCard();
 
     Session& m_session;

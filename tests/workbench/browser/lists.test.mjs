@@ -117,6 +117,22 @@ for (const [name, text, first] of [
     });
 }
 
+test('mistakes that the daemon does not log are reported and shown', async () => {
+    const panel = await openLists();
+    const misspelt = combination('Swap', 'Up', 'Down').replace('UserMenu', 'UserMenue');
+    const mistake = 'modifierKeyList.json, line 1: error: "UserMenue" is not a service, and none reacts to the action';
+    await combinations(panel).fill(misspelt);
+    await checkAndRestart(panel);
+    await panel.showsText('#alert', /: did you mean "UserMenu"\? The daemon is ready, on model Pellit\.$/);
+    assert.ok((await panel.page.locator('#alert').innerText()).trim().startsWith(mistake));
+    assert.ok((await panel.texts('#mistakes .fault'))[0].startsWith(mistake));
+    await combinations(panel).fill(combination('Swap', 'Up', 'Down'));
+    await checkAndRestart(panel);
+    await panel.showsText('#status', /^The daemon has read all three lists\./);
+    assert.equal(await panel.page.locator('#mistakes .fault').count(), 0);
+    await fixture.simulator.restart({ keyLists: null });
+});
+
 test('what is typed outlives a reload and another model, and is given up once it is in use', async () => {
     const panel = await openLists();
     const typed = combination('Draft', 'Up', 'Down');

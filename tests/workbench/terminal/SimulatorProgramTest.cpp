@@ -87,7 +87,7 @@ private Q_SLOTS:
     void theModelCanBeChosen();
     void theScriptsDeviceIsKept();
     void thePrintedBusCommandWorks();
-    void deadRowsAreReportedAtTheStart();
+    void mistakesInTheKeyListsAreReported();
     void servicesFailAndRecover();
     void theDaemonStartsWithoutItsServices_data();
     void theDaemonStartsWithoutItsServices();
@@ -592,21 +592,30 @@ void SimulatorProgramTest::thePrintedBusCommandWorks()
     QVERIFY(expectStatus(0));
 }
 
-void SimulatorProgramTest::deadRowsAreReportedAtTheStart()
+/// The daemon's log says nothing of them.
+void SimulatorProgramTest::mistakesInTheKeyListsAreReported()
 {
-    QCOMPARE(
-        run({write(
-            "row shortcut Ring UserMenu Idle Up Ok\nrow shortcut Sing UserMenu Startup Up Down\nwait 0\n")}),
-        0);
-    const QString lines = QStringLiteral(
-        "\nRows of the key lists that key presses alone never announce:\n"
-        "  Row 2 (shortcut, Up, Down), valid in Startup: Sing to UserMenu. "
-        "Keys are ignored in Startup, except for a long press that began before.\n"
-        "  Proved for a person with 2 fingers, only keys of the panel, the state stays as it is, "
-        "no keyboard test.\n");
-    QVERIFY2(m_output.contains(lines), qPrintable(m_output));
+    QFile file(m_folder->filePath(QStringLiteral("longKeyList.json")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(R"({ "LongKeys": [
+        { "keys": ["Off"], "eAction": "PowerOff", "receiverService": "UserMenue", "timeOut": 3, "validOnState": "Idle" },
+        { "keys": ["Up"], "eaction": "A", "recieverService": "UserMenu", "timeout": 3000, "validOnState": "Idle" } ] })");
+    file.close();
+    QCOMPARE(run({"--data", m_folder->path(), write("wait 0\n")}), 0);
+    for (const QString& mistake : {QStringLiteral("\nFindings of keyboard-handler-keys check:\n"),
+                                   QStringLiteral("error[unknown-service]: \"UserMenue\" is not a service"),
+                                   QStringLiteral("error[member]: \"timeOut\" is ignored"),
+                                   QStringLiteral("error[member]: \"eaction\" is ignored"),
+                                   QStringLiteral("error[member]: \"recieverService\" is ignored"),
+                                   QStringLiteral("warning[long-hold]: the key must be held for 3000 s"),
+                                   QStringLiteral("--> longKeyList.json:2:")}) {
+        QVERIFY2(m_output.contains(mistake), qPrintable(m_output));
+    }
+    QCOMPARE(run({write("row modifier A UserMenu Idle Up Ok\nrow modifier B UserMenu Idle Up Ok\nwait 0\n")}),
+             0);
+    QVERIFY2(m_output.contains("warning[same-keys]: row 1 has the same keys"), qPrintable(m_output));
     QCOMPARE(run({write("wait 0\n")}), 0);
-    QVERIFY2(!m_output.contains("never"), qPrintable(m_output));
+    QVERIFY2(!m_output.contains("Findings"), qPrintable(m_output));
 }
 
 void SimulatorProgramTest::servicesFailAndRecover()

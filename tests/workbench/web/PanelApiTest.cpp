@@ -145,6 +145,7 @@ private Q_SLOTS:
     void aReplayIsStopped();
     void theCardIsGiven();
     void theCardFollowsTheKeyLists();
+    void mistakesInTheKeyListsAreNamed();
     void theCardIsGivenInBraille();
     void theSessionGoesOnWhileACardIsMade();
     void restartsThatCannotBeAreExplained_data();
@@ -427,6 +428,26 @@ void PanelApiTest::theCardFollowsTheKeyLists()
     QCOMPARE(post("/api/restart", restartBody(QStringLiteral("shortcutKeyList.json"), rows, {})).status, 202);
     QVERIFY(cardHas("Ring"));
     QVERIFY(!cardHas("VolumeUp"));
+}
+
+/// The daemon's log says nothing of them.
+void PanelApiTest::mistakesInTheKeyListsAreNamed()
+{
+    const auto idsNow = [this] {
+        QStringList ids;
+        const QJsonArray findings = get("/api/findings").json().value(QStringLiteral("findings")).toArray();
+        for (const QJsonValue& finding : findings) {
+            ids.append(finding.toObject().value(QStringLiteral("id")).toString());
+        }
+        return ids;
+    };
+    QCOMPARE(idsNow(), QStringList());
+    const QByteArray rows =
+        R"({"LongKeys": [{"keys": ["Off"], "eAction": "PowerOff", "recieverService": "PrintManager",
+                          "timeout": 3000, "validOnState": "Idle"}]})";
+    QCOMPARE(post("/api/restart", restartBody(QStringLiteral("longKeyList.json"), rows, {})).status, 202);
+    const QStringList ids = idsNow();
+    QVERIFY2(ids.contains("member") && ids.contains("long-hold"), qPrintable(ids.join(' ')));
 }
 
 void PanelApiTest::theCardIsGivenInBraille()

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#include "workbench/web/ListFindings.h"
+
+#include "checker/FindingJson.h"
+#include "checker/FindingText.h"
+#include "workbench/session/DeviceSetup.h"
+
+#include <QJsonDocument>
+
+namespace {
+
+constexpr int maxShown = 20;
+
+} // namespace
+
+ListFindings ListFindings::of(const QMap<QString, QByteArray>& keyLists, const QString& model)
+{
+    ListFindings findings;
+    findings.m_sources = checker::ListSources::of(keyLists);
+    if (!DeviceSetup::areInstalled(keyLists)) {
+        checker::CheckOptions options;
+        options.isOrvane = model == QLatin1String("Orvane");
+        findings.m_result = checker::check(findings.m_sources, options);
+    }
+    return findings;
+}
+
+QString ListFindings::toText() const
+{
+    if (m_result.findings.isEmpty()) {
+        return {};
+    }
+    const checker::FindingText text(m_sources, false);
+    QString shown = QStringLiteral("Findings of keyboard-handler-keys check:\n\n");
+    for (const checker::Finding& finding : m_result.findings.mid(0, maxShown)) {
+        shown += text.describe(finding);
+    }
+    const int others = m_result.findings.size() - maxShown;
+    shown += others > 0 ? QStringLiteral("... and %1 more.\n").arg(others) : QString();
+    return shown + text.summary(m_result).trimmed();
+}
+
+QJsonObject ListFindings::toJson() const
+{
+    return QJsonDocument::fromJson(checker::FindingJson::of(m_result, m_sources)).object();
+}

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "checker/Check.h"
+
+#include <QJsonObject>
+
+/// What the checks of `keyboard-handler-keys` find in the key lists of a device. Takes up to seconds for
+/// lists of thousands of rows.
+class ListFindings
+{
+public:
+    /// Without findings for the installed lists, each of whose findings is intended.
+    static ListFindings of(const QMap<QString, QByteArray>& keyLists, const QString& model);
+
+    /// The findings for a terminal, at most 20; empty if there are none.
+    QString toText() const;
+    /// The document of `check --format json`.
+    QJsonObject toJson() const;
+
+private:
+    checker::ListSources m_sources;
+    checker::CheckResult m_result;
+};
