@@ -81,7 +81,8 @@ DaemonTrial::DaemonTrial(const DaemonTrial& original, const QVector<Edit>& edits
 
 milliseconds DaemonTrial::timeIn(const EditedScript& edited, const Occasion& occasion)
 {
-    const int index = edited.ids.indexOf(occasion.scriptStep);
+    // An inserted step has the id -1, too.
+    const int index = occasion.scriptStep == -1 ? -1 : edited.ids.indexOf(occasion.scriptStep);
     const milliseconds begin = index == -1 ? milliseconds::zero() : edited.script.steps.at(index).at;
     return begin + occasion.after.value_or(milliseconds::zero());
 }

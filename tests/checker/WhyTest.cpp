@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "checker/CauseSearch.h"
+#include "checker/RowStates.h"
 #include "checker/ScriptArgument.h"
 #include "model/KeyFacts.h"
 #include "simulator/script/KeyScriptText.h"
@@ -111,6 +112,7 @@ private Q_SLOTS:
 private:
     void compare(const CauseSearch& search, const DaemonTrial& daemon, const KeyScript& script);
     void compare(const CauseSearch& search, const DaemonTrial& daemon, const Swallowed& swallowed);
+    void noStateHelps(const CauseSearch& search, const DaemonTrial& daemon, Swallowed swallowed);
 
     QMap<Swallowed::Kind, int> m_counts;
     int m_sets = 0;
@@ -297,6 +299,9 @@ void WhyTest::compare(const CauseSearch& search, const DaemonTrial& daemon, cons
     QVERIFY2(!daemon.isMended(swallowed, daemon, search), "the daemon does it without edits");
     ++m_sets;
     ++m_counts[swallowed.kind];
+    if (swallowed.kind == Swallowed::Kind::RefusedAlways) {
+        noStateHelps(search, daemon, swallowed);
+    }
     const QVector<QVector<Edit>> sets = subsets(causes);
     for (const QVector<Edit>& some : sets) {
         const DaemonTrial edited(daemon, some, swallowed.occasion);
@@ -304,6 +309,25 @@ void WhyTest::compare(const CauseSearch& search, const DaemonTrial& daemon, cons
         QCOMPARE(edited.isMended(swallowed, daemon, search), some.size() == causes.size());
         const auto begin = std::min(daemon.earliest(some, search), edited.end());
         QCOMPARE(edited.before(begin), daemon.before(begin));
+    }
+}
+
+void WhyTest::noStateHelps(const CauseSearch& search, const DaemonTrial& daemon, Swallowed swallowed)
+{
+    swallowed.kind = Swallowed::Kind::Refused;
+    const QVector<model::State> states =
+        checker::RowStates::of(search.original().keyModel().lists(), swallowed.row);
+    for (const model::State state : states) {
+        Edit edit;
+        edit.kind = Edit::Kind::InsertState;
+        edit.state = state;
+        edit.at = daemon.timeOf(swallowed.occasion);
+        if (!swallowed.occasion.after) {
+            edit.steps = {swallowed.occasion.scriptStep};
+        }
+        const bool canBe = state != model::State::Undefined;
+        QVERIFY(!canBe ||
+                !DaemonTrial(daemon, {edit}, swallowed.occasion).isMended(swallowed, daemon, search));
     }
 }
 
