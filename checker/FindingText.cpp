@@ -50,7 +50,7 @@ QString counted(int count, const QString& noun)
 QString sentenceOn(const ProofNote& note)
 {
     const QString extent = SearchWords::extentOf(note.proof);
-    return note.proof.isComplete ? QStringLiteral("proved: %1; no keys announce it").arg(extent)
+    return note.proof.isComplete ? QStringLiteral("proved: %1; no keys announce this row").arg(extent)
                                  : QStringLiteral("not proved: the search ended after %1").arg(extent);
 }
 

@@ -101,6 +101,9 @@ void GestureCheck::addSilent()
                               .arg(RowStates::toText(m_silentStates), gestureOf(m_model.lists(), m_id));
         finding.row = m_id;
         finding.place = m_places.whole(m_id);
+        finding.help =
+            QStringLiteral("accept the silence with --allow silent:%1, or choose other keys for the row")
+                .arg(m_model.lists().row(m_id).eAction());
         m_findings.append(finding);
     }
 }

@@ -140,8 +140,9 @@ void HowWriter::writeOther(const ActionWay& way)
         add(QStringLiteral("Never %1: the row is valid in %2.").arg(where, OutputWords::enumeration(states)));
         return;
     }
-    add(QStringLiteral("Never %1: no keys announce it (proved: %2).")
-            .arg(where, SearchWords::extentOf(way.verdict.proof)));
+    const QString what = way.row.index < 0 ? QStringLiteral("it") : QStringLiteral("this row");
+    add(QStringLiteral("Never %1: no keys announce %2 (proved: %3).")
+            .arg(where, what, SearchWords::extentOf(way.verdict.proof)));
     if (way.byServices) {
         Environment services;
         services.kind = Environment::Kind::Services;

@@ -243,8 +243,8 @@ void RowCheck::check(RowId id)
     }
     if (!verdicts.notByPerson.isEmpty()) {
         add(id, "two-hands", Level::Warning,
-            QStringLiteral("\"%1\" cannot be reached with %2 in %3")
-                .arg(action(id),
+            QStringLiteral("\"%1\" of row %2 cannot be reached with %3 in %4")
+                .arg(action(id), QString::number(id.index + 1),
                      m_options.fingers == 1 ? QStringLiteral("one finger")
                                             : QStringLiteral("%1 fingers").arg(m_options.fingers),
                      RowStates::toText(verdicts.notByPerson.states)),
@@ -380,8 +380,10 @@ void checkPace(const KeyLists& lists, const RowPlaces& places, const QVector<Row
         }
         Finding finding;
         finding.id = QStringLiteral("pace");
-        finding.message = QStringLiteral("\"%1\" cannot be reached with %2 ms between two movements")
-                              .arg(lists.row(id).eAction(), QString::number(options.pace.count()));
+        finding.message =
+            QStringLiteral("\"%1\" of row %2 cannot be reached with %3 ms between two movements")
+                .arg(lists.row(id).eAction(), QString::number(id.index + 1),
+                     QString::number(options.pace.count()));
         finding.row = id;
         finding.place = places.member(id, KeyListFields::keys);
         finding.proof = ProofNote{{}, slowProofs.of(id, *worksIn).proof};

@@ -30,7 +30,8 @@ Status Commands::what(const QStringList& arguments, QTextStream& out, QTextStrea
 {
     KeyArguments line(QStringLiteral("what"), QStringLiteral("STATEMENTS"),
                       QStringLiteral("Says what keys do: all speech and all announcements, with their times. "
-                                     "The statements are those of key scripts, such as 'tap Help Feed'; the "
+                                     "The statements are those of key scripts, separated by semicolons, "
+                                     "with times in milliseconds, such as 'tap Help; hold Feed 1300'; the "
                                      "state is Idle, if not given."));
     if (const auto status = line.read(arguments, out, err)) {
         return *status;

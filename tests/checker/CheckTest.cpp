@@ -31,6 +31,7 @@ private Q_SLOTS:
     void manyMembersEnd();
     void aSearchThatEndsAtItsLimitProvesNothing();
     void summaryOfWhatIsProved();
+    void silentGesturesCanBeAllowed();
     void rowsWithTheSameKeysHaveHelp_data();
     void rowsWithTheSameKeysHaveHelp();
     void textOfAFinding();
@@ -289,7 +290,8 @@ void CheckTest::optionsOfAPerson_data()
     QTest::addColumn<QStringList>("expected");
 
     QTest::newRow("one finger")
-        << 1 << 0 << QStringList("warning two-hands 2:11 \"A\" cannot be reached with one finger in Idle");
+        << 1 << 0
+        << QStringList("warning two-hands 2:11 \"A\" of row 1 cannot be reached with one finger in Idle");
     QTest::newRow("two fingers") << 2 << 0 << QStringList();
     QTest::newRow("a slow person") << 2 << 1000 << QStringList();
 }
@@ -310,8 +312,9 @@ void CheckTest::aCombinationCanBeTooSlow()
 {
     CheckOptions options;
     options.pace = std::chrono::milliseconds(1750);
-    QCOMPARE(found(ListTexts::withRows({}, row("\"Help\", \"Feed\"", "A"), {}), options),
-             QStringList("warning pace 2:11 \"A\" cannot be reached with 1750 ms between two movements"));
+    QCOMPARE(
+        found(ListTexts::withRows({}, row("\"Help\", \"Feed\"", "A"), {}), options),
+        QStringList("warning pace 2:11 \"A\" of row 1 cannot be reached with 1750 ms between two movements"));
 }
 
 void CheckTest::manyRowsEnd_data()
@@ -384,6 +387,7 @@ void CheckTest::aSearchThatEndsAtItsLimitProvesNothing()
         QStringList("warning not-proved 2:11 not proved: the search for \"A\" in Idle ended at its limit"));
     const CheckResult result = check(sources, options);
     QVERIFY(!result.isProved);
+    QCOMPARE(result.provedRows, 0);
     QVERIFY(FindingText(sources, false).summary(result).contains("Not all is proved"));
 }
 
@@ -470,6 +474,18 @@ void CheckTest::textOfAFindingInALongLine()
     QCOMPARE(lines.value(4), "   | " + QString(43, ' ') + QString(57, '^'));
 }
 
+void CheckTest::silentGesturesCanBeAllowed()
+{
+    const ListSources sources = ListTexts::withRows({}, {}, row("\"Feed\", \"Ok\"", "A", "PrintOff"));
+    const CheckResult result = check(sources, {});
+    QCOMPARE(result.findings.size(), 1);
+    QCOMPARE(result.findings.first().help,
+             QString("accept the silence with --allow silent:A, or choose other keys for the row"));
+    CheckOptions options;
+    options.allowed = QStringList("silent:A");
+    QCOMPARE(found(sources, options), QStringList());
+}
+
 void CheckTest::rowsWithTheSameKeysHaveHelp_data()
 {
     QTest::addColumn<QByteArray>("longPresses");
@@ -516,6 +532,7 @@ void CheckTest::textOfAFinding()
     QVERIFY(lines.value(5).startsWith(" 3 | ,{ \"keys\": [\"Help\", \"Feed\"]"));
     QCOMPARE(lines.value(6), QStringLiteral("   |            ^^^^^^^^^^^^^^^^"));
     QVERIFY(lines.value(7).startsWith("   = proved: any input; "));
+    QVERIFY2(lines.value(7).endsWith("; no keys announce this row"), qPrintable(lines.value(7)));
     QCOMPARE(lines.value(8),
              QStringLiteral("   = help: move row 1 to the end of the list: then row 2 works, and all "
                             "that work now still do (--fix)"));

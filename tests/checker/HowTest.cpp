@@ -144,7 +144,7 @@ void HowTest::neverIsProved()
     const CommandRun run(checker::Commands::how, {"how", "Wake", folder.path()});
     QCOMPARE(run.status, int(checker::Found));
     const QRegularExpression never(
-        "^# Never in Startup: no keys announce it \\(proved: any input; [1-9][\\d,]+ "
+        "^# Never in Startup: no keys announce this row \\(proved: any input; [1-9][\\d,]+ "
         "situations, [1-9][\\d,]+ steps\\)\\.$");
     QVERIFY2(commentsOf(run).value(1).contains(never), qPrintable(run.out));
     QVERIFY(!run.out.contains("\nmodel "));
