@@ -40,14 +40,6 @@ CheckResult firstOfEachKind(CheckResult result)
     return result;
 }
 
-void printLines(const ListSources& sources, const CheckResult& result, QTextStream& out)
-{
-    for (const Finding& finding : result.findings) {
-        out << FindingLines::of(finding, sources);
-    }
-    out << FindingText(sources, false).summary(result);
-}
-
 void print(CheckArguments::Format format, const ListSources& sources, const CheckResult& result,
            QTextStream& out)
 {
@@ -59,7 +51,9 @@ void print(CheckArguments::Format format, const ListSources& sources, const Chec
         }
         break;
     case CheckArguments::Format::Lines:
-        printLines(sources, result, out);
+        for (const Finding& finding : result.findings) {
+            out << FindingLines::of(finding, sources);
+        }
         break;
     case CheckArguments::Format::Json:
         out << printableJson(FindingJson::of(result, sources));

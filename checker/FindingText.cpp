@@ -189,13 +189,20 @@ QString FindingText::summary(const CheckResult& result) const
 /// A line for each file with rows that were not searched.
 QString FindingText::unsearchedIn(const CheckResult& result) const
 {
+    constexpr int maxNamed = 10;
     QString text;
     for (const model::List list : model::allLists) {
         QStringList rows;
+        int others = 0;
         for (const auto& [row, id] : result.unsearched) {
-            if (row.list == list) {
+            if (row.list == list && rows.size() < maxNamed) {
                 rows.append(QStringLiteral("row %1 (%2)").arg(row.index + 1).arg(id));
+            } else if (row.list == list) {
+                ++others;
             }
+        }
+        if (others > 0) {
+            rows.append(counted(others, QStringLiteral("other")));
         }
         const QString file = printable(m_sources.file(list).name());
         if (!rows.isEmpty()) {

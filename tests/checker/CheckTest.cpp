@@ -31,6 +31,7 @@ private Q_SLOTS:
     void manyMembersEnd();
     void aSearchThatEndsAtItsLimitProvesNothing();
     void summaryOfWhatIsProved();
+    void summaryOfManyRows();
     void silentGesturesCanBeAllowed();
     void rowsWithTheSameKeysHaveHelp_data();
     void rowsWithTheSameKeysHaveHelp();
@@ -409,6 +410,19 @@ void CheckTest::summaryOfWhatIsProved()
     QCOMPARE(summaryOf(good + "5"),
              QString("0 rows: 1 error, 0 warnings, 0 notes. Nothing was proved.\n"
                      "Not searched: modifierKeyList.json, which has no readable list.\n"));
+}
+
+/// Of many rows that were not searched, the first ones are named.
+void CheckTest::summaryOfManyRows()
+{
+    QByteArray rows = row("\"Help\", \"Fed\"", "A");
+    for (int i = 1; i < 13; ++i) {
+        rows += "," + row("\"Help\", \"Fed\"", "A");
+    }
+    const ListSources sources = ListTexts::withRows({}, rows, {});
+    const QString summary = FindingText(sources, false).summary(check(sources, {}));
+    QVERIFY2(summary.endsWith(", row 9 (unknown-key), row 10 (unknown-key) and 3 others.\n"),
+             qPrintable(summary));
 }
 
 /// Each place is shown with its own file.

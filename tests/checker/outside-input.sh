@@ -51,6 +51,7 @@ expect 0 "longKeyList.json is missing: the list LongKeys counts as empty." check
 expect 0 "1 row: 0 errors, 0 warnings, 0 notes. Proved by" check some.json
 expect 1 "some.json:1:21: error: the element is not a row, and the daemon skips it [element]" \
     check --format lines "$(printf '{ "ModifierKeys": [ 5 ] }' >some.json && echo some.json)"
+[ "$(grep -c '^0 rows: 1 error' output)" -eq 1 ] || fault "check --format lines: $(cat output)"
 echo "$list" >some.json
 expect 2 "some.json and some.json are both lists of ModifierKeys." check some.json some.json
 : >shortcutKeyList.json
