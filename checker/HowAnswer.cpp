@@ -190,7 +190,7 @@ void HowWriter::note(const RowVerdict& verdict)
     m_answer.isProved = m_answer.isProved && verdict.kind != RowVerdict::Kind::NotProved;
 }
 
-bool isAnnounced(const QVector<ActionWay>& ways)
+bool leadsThere(const QVector<ActionWay>& ways)
 {
     return std::any_of(ways.begin(), ways.end(),
                        [](const ActionWay& way) { return way.verdict.kind == RowVerdict::Kind::Announced; });
@@ -206,7 +206,7 @@ std::vector<QVector<ActionWay>> waysOfRows(const QVector<ActionWay>& all)
         }
         ofRows.back().append(way);
     }
-    std::stable_partition(ofRows.begin(), ofRows.end(), isAnnounced);
+    std::stable_partition(ofRows.begin(), ofRows.end(), leadsThere);
     return ofRows;
 }
 
