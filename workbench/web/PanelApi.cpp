@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/web/PanelApi.h"
 
+#include "card/CardJson.h"
 #include "model/KeyLists.h"
 #include "simulator/script/ScriptWords.h"
-#include "workbench/card/BrailleCard.h"
-#include "workbench/card/CardJson.h"
+#include "workbench/braille/BrailleCard.h"
 #include "workbench/session/Session.h"
 #include "workbench/web/EventStreams.h"
 #include "workbench/web/ListFindings.h"

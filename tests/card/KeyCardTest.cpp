@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "card/CardJson.h"
 #include "model/Alphabet.h"
-#include "tests/workbench/card/CardKeyLists.h"
-#include "workbench/card/CardJson.h"
+#include "tests/card/CardKeyLists.h"
 
 #include <QJsonArray>
 #include <QtTest>

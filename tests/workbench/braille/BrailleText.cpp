@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/workbench/card/BrailleText.h"
+#include "tests/workbench/braille/BrailleText.h"
 
 #include <QHash>
 

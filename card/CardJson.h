@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "workbench/card/KeyCard.h"
+#include "card/KeyCard.h"
 
 #include <QJsonObject>
 

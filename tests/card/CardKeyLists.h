@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/workbench/card/CardDevice.h"
+#include "tests/card/CardDevice.h"
 
 /// Key lists for tests of the card.
 namespace CardKeyLists {

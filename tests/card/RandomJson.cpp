@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/workbench/card/RandomJson.h"
+#include "tests/card/RandomJson.h"
 
 #include "tests/whole/random/RandomRows.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "workbench/card/CardSentences.h"
+#include "card/CardSentences.h"
 
 #include "keys/KeyRules.h"
 #include "vocabulary/Vocabulary.h"

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "workbench/card/KeyCard.h"
+#include "card/KeyCard.h"
 
+#include "card/CardGestures.h"
+#include "card/CardSentences.h"
+#include "card/NeverReasons.h"
 #include "model/RowProofs.h"
-#include "workbench/card/CardGestures.h"
-#include "workbench/card/CardSentences.h"
-#include "workbench/card/NeverReasons.h"
 
 #include <algorithm>
 

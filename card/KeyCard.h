@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "workbench/card/CardTypes.h"
+#include "card/CardTypes.h"
 
 #include <QByteArray>
 #include <QMap>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/workbench/card/CardKeyLists.h"
+#include "tests/card/CardKeyLists.h"
 
 #include "simulator/script/KeyListJson.h"
 #include "simulator/script/KeyScript.h"

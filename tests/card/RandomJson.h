@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/card/CardDevice.h"
 #include "tests/whole/random/Dice.h"
-#include "tests/workbench/card/CardDevice.h"
 
 #include <QJsonValue>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "card/KeyCard.h"
 #include "tests/virtual/VirtualDevice.h"
-#include "workbench/card/KeyCard.h"
 
 #include <chrono>
 

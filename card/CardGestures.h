@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "card/CardTypes.h"
 #include "model/RowProofs.h"
-#include "workbench/card/CardTypes.h"
 
 #include <QHash>
 

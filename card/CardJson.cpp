@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "workbench/card/CardJson.h"
+#include "card/CardJson.h"
 
-#include "workbench/card/CardSentences.h"
+#include "card/CardSentences.h"
 
 #include <QJsonArray>
 

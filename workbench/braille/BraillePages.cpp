@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "workbench/card/BraillePages.h"
+#include "workbench/braille/BraillePages.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "workbench/card/BrailleCard.h"
+#include "workbench/braille/BrailleCard.h"
 
-#include "workbench/card/BraillePages.h"
-#include "workbench/card/BrailleWords.h"
-#include "workbench/card/CardSentences.h"
-#include "workbench/card/KeyCard.h"
+#include "card/CardSentences.h"
+#include "card/KeyCard.h"
+#include "workbench/braille/BraillePages.h"
+#include "workbench/braille/BrailleWords.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/workbench/card/CardDevice.h"
+#include "tests/card/CardDevice.h"
 
 #include "service/KeyboardHandler.h"
 #include "vocabulary/Vocabulary.h"

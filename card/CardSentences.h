@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "card/CardTypes.h"
 #include "model/KeyLists.h"
-#include "workbench/card/CardTypes.h"
 
 /// The sentences of key cards in all formats.
 namespace CardSentences {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "workbench/card/NeverReasons.h"
+#include "card/NeverReasons.h"
 
+#include "card/CardGestures.h"
 #include "keys/KeyRules.h"
 #include "model/KeyFacts.h"
 #include "model/Playback.h"
-#include "workbench/card/CardGestures.h"
 
 #include <ls/Identifiers.h>
 

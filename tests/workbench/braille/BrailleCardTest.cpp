@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "workbench/card/BrailleCard.h"
-#include "tests/workbench/card/BrailleText.h"
-#include "tests/workbench/card/CardKeyLists.h"
-#include "tests/workbench/card/RandomJson.h"
-#include "workbench/card/BraillePages.h"
-#include "workbench/card/BrailleWords.h"
-#include "workbench/card/CardJson.h"
-#include "workbench/card/CardSentences.h"
+#include "workbench/braille/BrailleCard.h"
+#include "card/CardJson.h"
+#include "card/CardSentences.h"
+#include "tests/card/CardKeyLists.h"
+#include "tests/card/RandomJson.h"
+#include "tests/workbench/braille/BrailleText.h"
+#include "workbench/braille/BraillePages.h"
+#include "workbench/braille/BrailleWords.h"
 
 #include <QtTest>
 

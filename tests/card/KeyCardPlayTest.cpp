@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "tests/card/CardKeyLists.h"
 #include "tests/virtual/DeviceTest.h"
-#include "tests/workbench/card/CardKeyLists.h"
 #include "vocabulary/Vocabulary.h"
 
 /// Compares the card with the daemon: all actions of the card are announced, and no others.

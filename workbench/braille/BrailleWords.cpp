@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "workbench/card/BrailleWords.h"
+#include "workbench/braille/BrailleWords.h"
 
 #include <QVector>
 

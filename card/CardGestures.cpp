@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "workbench/card/CardGestures.h"
+#include "card/CardGestures.h"
 
+#include "card/CardSentences.h"
 #include "keys/KeyRules.h"
 #include "model/KeyFacts.h"
 #include "model/Witness.h"
-#include "workbench/card/CardSentences.h"
 
 #include <algorithm>
 

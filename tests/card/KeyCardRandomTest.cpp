@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "card/CardSentences.h"
 #include "simulator/script/KeyListJson.h"
+#include "tests/card/CardDevice.h"
 #include "tests/virtual/DeviceTest.h"
 #include "tests/whole/random/RandomRows.h"
-#include "tests/workbench/card/CardDevice.h"
-#include "workbench/card/CardSentences.h"
 
 namespace {
 
