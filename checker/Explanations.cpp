@@ -393,7 +393,7 @@ QVector<Explanation> explanationsOfValues()
         {QStringLiteral("joined-states"), Level::Error,
          QStringLiteral("states are joined where they cannot be"),
          QStringLiteral(
-             "Only long presses may join states with a vertical bar. In combinations and shortcuts, the "
+             "Only long presses may join states, with a vertical bar. In combinations and shortcuts, the "
              "whole text would have to be the name of the current state, so the row is never valid. Choose "
              "one state: for a combination Idle, because the other states announce each release at once, "
              "so that no combination can begin there.\n\n"

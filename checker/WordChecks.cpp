@@ -29,15 +29,36 @@ QString quoted(const QStringList& names)
     return QStringLiteral("[\"%1\"]").arg(names.join(QStringLiteral("\", \"")));
 }
 
-/// A question for the author: the name that was meant, or the list if several names are in one text.
-QString suggestionFor(const QString& key)
+/// The names in a text if it consists of several, all of which exist; otherwise none.
+QStringList namesIn(const QString& text, const QMap<QString, int>& meta)
 {
+    constexpr int maxLength = 200; // a longer text is not a slip
     static const QRegularExpression separators(QStringLiteral("[^A-Za-z]+"));
-    const QStringList names = key.split(separators, Qt::SkipEmptyParts);
-    const bool areKeys =
-        std::all_of(names.begin(), names.end(), [](const QString& name) { return keyOf(name); });
-    return names.size() > 1 && areKeys ? QStringLiteral(": did you mean %1?").arg(quoted(names))
-                                       : Suggestion::question(key, RowNames::of(ls::KeyId::meta));
+    const QStringList names =
+        text.size() > maxLength ? QStringList() : text.split(separators, Qt::SkipEmptyParts);
+    const bool areKnown =
+        std::all_of(names.begin(), names.end(), [&meta](const QString& name) { return meta.contains(name); });
+    return names.size() > 1 && areKnown ? names : QStringList();
+}
+
+QStringList statesIn(const QString& text)
+{
+    return namesIn(text, ls::StateId::meta);
+}
+
+/// A question for the author: the name that was meant, or the list if several names are in one text.
+QString suggestionForKey(const QString& key)
+{
+    const QStringList names = namesIn(key, ls::KeyId::meta);
+    return names.isEmpty() ? Suggestion::question(key, RowNames::of(ls::KeyId::meta))
+                           : QStringLiteral(": did you mean %1?").arg(quoted(names));
+}
+
+QString suggestionForState(const QString& state)
+{
+    const QStringList names = statesIn(state);
+    return names.isEmpty() ? Suggestion::question(state, RowNames::of(ls::StateId::meta))
+                           : QStringLiteral(": did you mean \"%1\"?").arg(names.join(QStringLiteral(" | ")));
 }
 
 /// Checks the names of one row.
@@ -131,7 +152,7 @@ void RowWords::checkKeys()
             const QString cause =
                 isList ? QString() : WordChecks::readingOfKeys(m_row) + QStringLiteral(", and ");
             offer(add("unknown-key", Level::Error,
-                      cause + QStringLiteral("\"%1\" is not a key").arg(key) + suggestionFor(key), place),
+                      cause + QStringLiteral("\"%1\" is not a key").arg(key) + suggestionForKey(key), place),
                   key, names, place.range);
         }
     }
@@ -163,13 +184,16 @@ void RowWords::checkUnusedKeys()
 void RowWords::checkStates()
 {
     const Place place = m_places.member(m_id, KeyListFields::validOnState);
-    const bool isJoined =
-        m_id.list != List::LongPresses && m_row.validOnState().contains(KeyRules::stateSeparator);
-    if (isJoined) {
+    const QString& text = m_row.validOnState();
+    const bool isJoined = text.contains(KeyRules::stateSeparator) || !statesIn(text).isEmpty();
+    if (m_id.list != List::LongPresses && isJoined) {
         add("joined-states", Level::Error,
-            QStringLiteral("\"%1\" is not a state: only long presses can join states")
-                .arg(m_row.validOnState()),
-            place);
+            QStringLiteral("\"%1\" is not a state: a combination or shortcut has one state, and only long "
+                           "presses can join several")
+                .arg(text),
+            place)
+            .help =
+            QStringLiteral("name one state; for another state, write a row with other keys, or a long press");
         return;
     }
     if (!m_places.row(m_id).member(KeyListFields::validOnState)) {
@@ -188,8 +212,7 @@ void RowWords::checkStates()
         if (!stateOf(state)) {
             Finding& finding =
                 add("unknown-state", Level::Error,
-                    QStringLiteral("\"%1\" is not a state").arg(state) + Suggestion::question(state, names),
-                    place);
+                    QStringLiteral("\"%1\" is not a state").arg(state) + suggestionForState(state), place);
             if (isOffered) {
                 offerState(finding, state, names);
             }

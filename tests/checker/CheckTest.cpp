@@ -33,6 +33,7 @@ private Q_SLOTS:
     void summaryOfWhatIsProved();
     void summaryOfManyRows();
     void silentGesturesCanBeAllowed();
+    void joinedStatesHaveHelp();
     void rowsWithTheSameKeysHaveHelp_data();
     void rowsWithTheSameKeysHaveHelp();
     void textOfAFinding();
@@ -125,6 +126,8 @@ void CheckTest::findings_data()
               {"error unknown-state 2:84 \"Sleep\" is not a state"});
     longPress("a misspelt state", held("2", "Idel"),
               {"error unknown-state 2:84 \"Idel\" is not a state: did you mean \"Idle\"?"});
+    longPress("states without a vertical bar", held("2", "Idle Print"),
+              {"error unknown-state 2:84 \"Idle Print\" is not a state: did you mean \"Idle | Print\"?"});
     longPress("a state twice", held("2", "Idle|Idle"),
               {"warning duplicate 2:84 \"Idle|Idle\" names a state twice, and the action is announced twice "
                "there"});
@@ -147,9 +150,17 @@ void CheckTest::findings_data()
                 row("\"Hlep\", \"Feed\"", "A") + "," + row("\"Hlep\", \"Feed\"", "B"),
                 {"error unknown-key 2:12 \"Hlep\" is not a key: did you mean \"Help\"?",
                  "error unknown-key 3:13 \"Hlep\" is not a key: did you mean \"Help\"?"});
-    combination(
-        "joined states", row("\"Help\", \"Feed\"", "A", "Idle|Print"),
-        {"error joined-states 2:92 \"Idle|Print\" is not a state: only long presses can join states"});
+    combination("joined states", row("\"Help\", \"Feed\"", "A", "Idle|Print"),
+                {"error joined-states 2:92 \"Idle|Print\" is not a state: a combination or shortcut has one "
+                 "state, and only "
+                 "long presses can join several"});
+    const QString needsOne =
+        "is not a state: a combination or shortcut has one state, and only long presses can join "
+        "several";
+    combination("states without a vertical bar", row("\"Help\", \"Feed\"", "A", "Idle, Print"),
+                {"error joined-states 2:92 \"Idle, Print\" " + needsOne});
+    combination("a state and a half", row("\"Help\", \"Feed\"", "A", "Idle Prin"),
+                {"error unknown-state 2:92 \"Idle Prin\" is not a state"});
     combination("a misspelt key", row("\"Hlep\", \"Feed\"", "A"),
                 {"error unknown-key 2:12 \"Hlep\" is not a key: did you mean \"Help\"?"});
     combination("no keys", row("", "A"), {"error no-keys 2:11 the row has no keys"});
@@ -498,6 +509,15 @@ void CheckTest::silentGesturesCanBeAllowed()
     CheckOptions options;
     options.allowed = QStringList("silent:A");
     QCOMPARE(found(sources, options), QStringList());
+}
+
+void CheckTest::joinedStatesHaveHelp()
+{
+    const ListSources sources = ListTexts::withRows({}, {}, row("\"Feed\", \"Ok\"", "A", "Idle Print"));
+    const CheckResult result = check(sources, {});
+    QCOMPARE(result.findings.size(), 1);
+    QCOMPARE(result.findings.first().help,
+             QString("name one state; for another state, write a row with other keys, or a long press"));
 }
 
 void CheckTest::rowsWithTheSameKeysHaveHelp_data()
