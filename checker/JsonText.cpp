@@ -12,8 +12,7 @@ namespace {
 
 /// Qt's reader rejects deeper texts.
 constexpr int maxDepth = 1024;
-constexpr QChar byteOrderMark{0xFEFF};
-const QByteArray encodedMark = QByteArrayLiteral("\xEF\xBB\xBF");
+const QByteArray byteOrderMark = QByteArrayLiteral("\xEF\xBB\xBF");
 
 class Scanner
 {
@@ -43,7 +42,7 @@ QString decoded(const QByteArray& quoted)
 
 JsonNode Scanner::scanRoot()
 {
-    m_at = m_text.startsWith(encodedMark) ? encodedMark.size() : 0;
+    m_at = m_text.startsWith(byteOrderMark) ? byteOrderMark.size() : 0;
     return scanValue(0);
 }
 
@@ -102,11 +101,7 @@ JsonNode Scanner::scanMember(int depth)
     }
     JsonNode node = scanValue(depth);
     node.nameRange = name;
-    const QByteArray written = m_text.mid(name.begin, name.end - name.begin);
-    node.name = decoded(written);
-    // Qt keeps a name with escape sequences in another encoding, in which it does not remove a mark.
-    const bool losesMark = written.startsWith('"' + encodedMark) && !written.contains('\\');
-    node.key = losesMark ? byteOrderMark + node.name : node.name;
+    node.name = decoded(m_text.mid(name.begin, name.end - name.begin));
     return node;
 }
 
@@ -142,25 +137,9 @@ void Scanner::skipBlanks()
 
 const JsonNode* JsonNode::member(const QString& wanted) const
 {
-    if (kind != Kind::Object) {
-        return nullptr;
-    }
-    const JsonNode* found = nullptr;
-    for (auto child = children.rbegin(); child != children.rend(); ++child) {
-        const bool isPreferred = !found || child->key.size() > found->key.size();
-        if (child->name == wanted && isPreferred && !isReplaced(*child)) {
-            found = &*child;
-        }
-    }
-    return found;
-}
-
-/// Whether a later member has the same key but another name, which a mark and its escape sequence make.
-bool JsonNode::isReplaced(const JsonNode& child) const
-{
-    return child.key.startsWith(byteOrderMark) &&
-           std::any_of(&child + 1, &children.back() + 1,
-                       [&child](const JsonNode& later) { return later.key == child.key; });
+    const auto last = std::find_if(children.rbegin(), children.rend(),
+                                   [&](const JsonNode& child) { return child.name == wanted; });
+    return kind == Kind::Object && last != children.rend() ? &*last : nullptr;
 }
 
 bool JsonNode::isWrittenLike(const JsonNode& other) const

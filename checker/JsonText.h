@@ -21,22 +21,16 @@ struct JsonNode
     /// For a member of an object: its name, and the place of the name with its quotation marks.
     QString name;
     Range nameRange;
-    /// The name by which Qt's reader recognises equal members: with a byte order mark at its beginning, which
-    /// the reader removes from the name only later.
-    QString key;
     /// The value as the file has it; empty for objects and arrays.
     QByteArray written;
     /// The members of an object, or the elements of an array.
     std::vector<JsonNode> children;
 
-    /// The member whose value the loader gets from Qt's reader: the last one with this name. One whose name
-    /// begins with a byte order mark comes before all others. Null if there is none.
+    /// The member that Qt's reader keeps: the last one with this name. Null if there is none. Qt's reader may
+    /// keep another one if a name begins with a byte order mark, because it compares such names wrongly.
     const JsonNode* member(const QString& wanted) const;
     /// Whether the other value is written in the same way, apart from blanks.
     bool isWrittenLike(const JsonNode& other) const;
-
-private:
-    bool isReplaced(const JsonNode& child) const;
 };
 
 namespace JsonText {

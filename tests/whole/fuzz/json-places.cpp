@@ -15,11 +15,12 @@ public:
     void run(Bytes& bytes) override;
 };
 
-/// Qt's reader takes some different names for equal if they have the character U+0000.
+/// Qt's reader confuses names that have the character U+0000 or begin with a byte order mark: which of the
+/// members it keeps depends on the others.
 bool JsonPlacesTarget::accepts(Bytes bytes)
 {
     const QByteArray text = bytes.rest();
-    return !text.contains('\0') && !JsonLeaks::occurIn(text);
+    return !text.contains('\0') && !text.contains("\"\xEF\xBB\xBF") && !JsonLeaks::occurIn(text);
 }
 
 void JsonPlacesTarget::run(Bytes& bytes)
