@@ -32,10 +32,10 @@ QString quoted(const QStringList& names)
 /// The names in a text if it consists of several, all of which exist; otherwise none.
 QStringList namesIn(const QString& text, const QMap<QString, int>& meta)
 {
-    constexpr int maxLength = 200; // a longer text is not a slip
+    constexpr int maxSlip = 200;
     static const QRegularExpression separators(QStringLiteral("[^A-Za-z]+"));
     const QStringList names =
-        text.size() > maxLength ? QStringList() : text.split(separators, Qt::SkipEmptyParts);
+        text.size() > maxSlip ? QStringList() : text.split(separators, Qt::SkipEmptyParts);
     const bool areKnown =
         std::all_of(names.begin(), names.end(), [&meta](const QString& name) { return meta.contains(name); });
     return names.size() > 1 && areKnown ? names : QStringList();
