@@ -254,13 +254,14 @@ QString Mending::faultOf(const Unit& unit, const ListSources& mended, const KeyL
     return !fault.isEmpty() || isMended ? fault : QStringLiteral("it would still be wrong");
 }
 
-/// "modifierKeyList.json:4:12".
+/// "modifierKeyList.json:4:12": where the file changes first. A finding that offers a move shows the row to
+/// move as its related place.
 QString Mending::placeOf(const Finding& finding) const
 {
+    const bool isMove = finding.mend->promise == Promise::Move;
     const SourceFile& file = m_sources.file(finding.place.list);
-    const int at =
-        finding.mend->edits.isEmpty() ? finding.place.range.begin : finding.mend->edits.first().range.begin;
-    const Position position = file.position(at);
+    const Position position =
+        file.position(isMove ? finding.related.first().range.begin : finding.mend->edits.first().range.begin);
     return QStringLiteral("%1:%2:%3")
         .arg(file.name(), QString::number(position.line), QString::number(position.column));
 }

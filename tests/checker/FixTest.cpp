@@ -209,7 +209,7 @@ void FixTest::aRowGoesToTheEnd()
     QCOMPARE(textOf(mending, List::Combinations),
              "{\"ModifierKeys\": [\n  " + one + " ,\n\t" + two + ",\r\n\n" + sequence + " ]}\n");
     QCOMPARE(mending.made().value(0),
-             QString("mended: modifierKeyList.json:3:12: row 1 is now the last one"));
+             QString("mended: modifierKeyList.json:2:13: row 1 is now the last one"));
     QCOMPARE(mending.result().findings.size(), 0);
 }
 
