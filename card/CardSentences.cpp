@@ -100,7 +100,31 @@ QString sentenceOf(KeyCardConsequence consequence)
     return {};
 }
 
+bool haveSameOutcome(const KeyCardEntry& one, const KeyCardEntry& other)
+{
+    return one.kind == other.kind && one.receivers == other.receivers &&
+           one.consequences == other.consequences;
+}
+
 } // namespace
+
+QVector<KeyCardEntry> CardSentences::withSingleKeysJoined(const QVector<KeyCardEntry>& entries)
+{
+    QVector<KeyCardEntry> joined;
+    for (const KeyCardEntry& entry : entries) {
+        const auto same =
+            entry.kind == KeyCardKind::Single
+                ? std::find_if(joined.begin(), joined.end(),
+                               [&entry](const KeyCardEntry& other) { return haveSameOutcome(entry, other); })
+                : joined.end();
+        if (same == joined.end()) {
+            joined.append(entry);
+        } else {
+            same->keys += entry.keys;
+        }
+    }
+    return joined;
+}
 
 QString CardSentences::nameOf(KeyCardKind kind)
 {

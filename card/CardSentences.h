@@ -10,6 +10,9 @@ namespace CardSentences {
 /// "single", "long", "combination", "shortcut" or "hold".
 QString nameOf(KeyCardKind kind);
 
+/// The entries, in which single keys with the same outcome are one entry with several keys.
+QVector<KeyCardEntry> withSingleKeysJoined(const QVector<KeyCardEntry>& entries);
+
 /// What to do. An entry for single keys may have several keys to choose from.
 QString how(const KeyCardEntry& entry);
 /// "ACTION to RECEIVER and RECEIVER."

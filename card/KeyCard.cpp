@@ -188,6 +188,8 @@ KeyCard KeyCard::of(const KeyLists& lists)
         card.notes.append(
             QStringLiteral("%1 has no readable list, so none of its rows work.").arg(KeyLists::fileOf(list)));
     }
-    card.notes += maker.unproved();
+    const QStringList unproved = maker.unproved();
+    card.isProved = unproved.isEmpty();
+    card.notes += unproved;
     return card;
 }

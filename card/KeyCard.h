@@ -22,6 +22,8 @@ struct KeyCard
     QString environment;
     /// Sentences about unreadable files and about rows that are not proved to work or not.
     QStringList notes;
+    /// Whether each row is proved to work or not.
+    bool isProved = true;
 
     /// `keyLists` maps the names of the key-list files to their contents; any model other than "Orvane"
     /// counts as Pellit. Not thread-safe, because it temporarily silences the log of the process.

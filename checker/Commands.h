@@ -20,6 +20,7 @@ enum Status {
 /// arguments and files to `err`.
 namespace Commands {
 
+Status card(const QStringList& arguments, QTextStream& out, QTextStream& err);
 Status check(const QStringList& arguments, QTextStream& out, QTextStream& err);
 Status explain(const QStringList& arguments, QTextStream& out, QTextStream& err);
 Status how(const QStringList& arguments, QTextStream& out, QTextStream& err);

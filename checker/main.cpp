@@ -14,10 +14,10 @@ const QMap<QString, Command>& commands()
 {
     using namespace checker;
     static const QMap<QString, Command> all{
-        {QStringLiteral("check"), Commands::check},  {QStringLiteral("explain"), Commands::explain},
-        {QStringLiteral("how"), Commands::how},      {QStringLiteral("what"), Commands::what},
-        {QStringLiteral("why"), Commands::why},      {QStringLiteral("diff"), Commands::diff},
-        {QStringLiteral("schema"), Commands::schema}};
+        {QStringLiteral("card"), Commands::card},       {QStringLiteral("check"), Commands::check},
+        {QStringLiteral("explain"), Commands::explain}, {QStringLiteral("how"), Commands::how},
+        {QStringLiteral("what"), Commands::what},       {QStringLiteral("why"), Commands::why},
+        {QStringLiteral("diff"), Commands::diff},       {QStringLiteral("schema"), Commands::schema}};
     return all;
 }
 

@@ -6,14 +6,14 @@ _keyboard_handler_keys()
 {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command=${COMP_WORDS[1]} words=
     if [ "$COMP_CWORD" -eq 1 ]; then
-        words="check explain how what why diff schema"
+        words="check card explain how what why diff schema"
     else
         case $previous in
         --model) words="Pellit Orvane" ;;
         --hands) words="1 2 3 4" ;;
         --format)
             words="text lines json sarif"
-            [ "$command" = diff ] && words="text json html"
+            case $command in card | diff) words="text json html" ;; esac
             ;;
         --deny) words=warning ;;
         --for) words="users services" ;;
@@ -26,6 +26,7 @@ _keyboard_handler_keys()
         *)
             case $command:$current in
             check:-*) words="--model --hands --pace --format --allow --deny --witness --fix --help" ;;
+            card:-*) words="--format --state --model --help" ;;
             how:-*) words="--rows --state --model --help" ;;
             what:-*) words="--state --model --help" ;;
             diff:-*) words="--for --model --format --help" ;;

@@ -6,34 +6,7 @@
 #include "workbench/braille/BraillePages.h"
 #include "workbench/braille/BrailleWords.h"
 
-#include <algorithm>
-
 namespace {
-
-bool haveSameOutcome(const KeyCardEntry& one, const KeyCardEntry& other)
-{
-    return one.kind == other.kind && one.receivers == other.receivers &&
-           one.consequences == other.consequences;
-}
-
-/// Single keys with the same outcome become one entry with several keys.
-QVector<KeyCardEntry> withSingleKeysJoined(const QVector<KeyCardEntry>& entries)
-{
-    QVector<KeyCardEntry> joined;
-    for (const KeyCardEntry& entry : entries) {
-        const auto same =
-            entry.kind == KeyCardKind::Single
-                ? std::find_if(joined.begin(), joined.end(),
-                               [&entry](const KeyCardEntry& other) { return haveSameOutcome(entry, other); })
-                : joined.end();
-        if (same == joined.end()) {
-            joined.append(entry);
-        } else {
-            same->keys += entry.keys;
-        }
-    }
-    return joined;
-}
 
 QString textOf(const KeyCardEntry& entry)
 {
@@ -72,7 +45,7 @@ void write(const KeyCardState& state, CardWriter& writer)
 {
     writer.begin(state.state);
     writer.add(CardSentences::notesOf(state));
-    for (const KeyCardEntry& entry : withSingleKeysJoined(state.entries)) {
+    for (const KeyCardEntry& entry : CardSentences::withSingleKeysJoined(state.entries)) {
         writer.add(textOf(entry));
     }
 }
