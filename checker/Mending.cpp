@@ -23,7 +23,7 @@ namespace {
 /// Each pass mends what the one before has revealed: the state in a member that was misspelt, for example.
 constexpr int maxPasses = 20;
 /// Each takes up to seconds.
-constexpr int maxProofs = 200;
+constexpr int maxComparisons = 200;
 
 QVector<int> identity(int count)
 {
@@ -244,7 +244,7 @@ bool Mending::mend(Unit unit)
 QString Mending::faultOf(const Unit& unit, const ListSources& mended, const KeyLists& lists)
 {
     const Promise promise = unit.findings.first().mend->promise;
-    if (promise != Promise::SameRows && ++m_proofs > maxProofs) {
+    if (promise != Promise::SameRows && ++m_comparisons > maxComparisons) {
         return QStringLiteral("too many changes for one run; run the command again");
     }
     const QString fault = MendProof::faultOf(m_sources.lists(false), lists, unit.rows);

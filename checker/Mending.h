@@ -49,7 +49,7 @@ private:
     CheckResult m_result;
     QStringList m_made;
     QStringList m_refused;
-    int m_proofs = 0;
+    int m_comparisons = 0;
 };
 
 } // namespace checker
