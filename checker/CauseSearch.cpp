@@ -41,6 +41,17 @@ Edit withoutSteps(const QVector<int>& steps)
     return {Edit::Kind::RemoveSteps, {List::LongPresses, -1}, steps, State::Undefined, {}};
 }
 
+/// Another state at an occasion.
+Edit withState(const Occasion& occasion, State state)
+{
+    const QVector<int> steps = occasion.after ? QVector<int>() : QVector<int>{occasion.scriptStep};
+    return {Edit::Kind::InsertState,
+            {List::LongPresses, -1},
+            steps,
+            state,
+            occasion.after.value_or(std::chrono::milliseconds::zero())};
+}
+
 /// The step of the playback that is the release of a script's step; -1 if there is none.
 int releaseOf(const Trial& trial, int scriptStep)
 {
@@ -102,10 +113,15 @@ QVector<Swallowed> CauseSearch::swallowed() const
 
 QVector<Edit> CauseSearch::causesOf(const Swallowed& swallowed) const
 {
-    if (swallowed.kind == Swallowed::Kind::Ignored || swallowed.kind == Swallowed::Kind::Refused) {
-        return otherState(swallowed);
-    }
     QVector<Edit> edits;
+    if (swallowed.kind == Swallowed::Kind::Ignored || swallowed.kind == Swallowed::Kind::Refused) {
+        edits = otherState(swallowed);
+        if (!edits.isEmpty() || swallowed.kind == Swallowed::Kind::Refused) {
+            return edits;
+        }
+        // In Idle, a gesture may silence the key as well.
+        edits.append(withState(swallowed.occasion, KeyFacts::idle));
+    }
     for (int round = 0; round < maxRounds; ++round) {
         const Trial trial(m_lists, m_script, edits);
         if (swallowed.isMended(m_original, trial)) {
@@ -133,16 +149,8 @@ QVector<Edit> CauseSearch::otherState(const Swallowed& swallowed) const
     const bool isRefused = swallowed.kind == Swallowed::Kind::Refused;
     QVector<State> states{KeyFacts::idle};
     states = isRefused ? RowStates::of(m_lists, swallowed.row) : states + Alphabet::states();
-    const Occasion& occasion = swallowed.occasion;
-    Edit edit;
-    edit.kind = Edit::Kind::InsertState;
-    if (occasion.after) {
-        edit.at = *occasion.after;
-    } else {
-        edit.steps = {occasion.scriptStep};
-    }
     for (const State state : qAsConst(states)) {
-        edit.state = state;
+        const Edit edit = withState(swallowed.occasion, state);
         // No notification makes the state unknown.
         if (state != State::Undefined && isMendedBy(swallowed, {edit})) {
             return {edit};
@@ -155,7 +163,8 @@ QVector<Edit> CauseSearch::otherState(const Swallowed& swallowed) const
 QVector<Edit> CauseSearch::candidates(const Swallowed& swallowed, const Trial& trial) const
 {
     switch (swallowed.kind) {
-    case Swallowed::Kind::NotSpoken: {
+    case Swallowed::Kind::NotSpoken:
+    case Swallowed::Kind::Ignored: {
         const int release = releaseOf(trial, swallowed.occasion.scriptStep);
         return release == -1 ? QVector<Edit>() : gesturesBefore(swallowed, trial, release);
     }
@@ -168,7 +177,6 @@ QVector<Edit> CauseSearch::candidates(const Swallowed& swallowed, const Trial& t
     case Swallowed::Kind::Hidden:
         return rowsAt(trial, swallowed, Rule::SequenceHides);
     case Swallowed::Kind::Refused:
-    case Swallowed::Kind::Ignored:
         break;
     }
     return {};

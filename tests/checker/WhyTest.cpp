@@ -106,6 +106,7 @@ private Q_SLOTS:
     void factoryResetSilencesItsOwnKey();
     void longPressWithoutDelayIsPartOfItsStep();
     void keyReleasedTwiceAtOnceIsSent();
+    void stateAndGestureTogetherSilence();
     void answersThatListRowsMayChange();
     void causesHoldOnTheDaemon();
 
@@ -240,6 +241,19 @@ void WhyTest::keyReleasedTwiceAtOnceIsSent()
     const QString releases = QStringLiteral("press Feed; wait 50; release Feed; %1record 1 101 0");
     QCOMPARE(sizesOf(causesIn({}, releases.arg("wait 1; "))), QVector<int>{1});
     QCOMPARE(sizesOf(causesIn({}, releases.arg(""))), QVector<int>());
+}
+
+void WhyTest::stateAndGestureTogetherSilence()
+{
+    const QString gesture =
+        QStringLiteral("press Feed; wait 50; press Ok; wait 50; release Ok; release Feed");
+    const auto causes =
+        causesIn({shortcutRow({"Feed", "Ok"}, "Print", "One")}, gesture + "; state Startup; tap Unknown");
+    const auto areBoth = [](const QVector<Edit>& edits) {
+        return edits.size() == 2 && edits.first().kind == Edit::Kind::InsertState &&
+               edits.last().kind == Edit::Kind::RemoveRow;
+    };
+    QCOMPARE(std::count_if(causes.begin(), causes.end(), areBoth), 1);
 }
 
 void WhyTest::answersThatListRowsMayChange()
