@@ -50,7 +50,9 @@ DiffArguments DiffArguments::parse(const QStringList& arguments)
     const QCommandLineOption help = HelpText::option();
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        QStringLiteral("Shows what keys do with one folder of key lists and not with another."));
+        QStringLiteral("Shows what keys do with one folder of key lists and not with another. For both, a "
+                       "person presses keys of the panel with two fingers, and the state changes at most "
+                       "once."));
     parser.addPositionalArgument(QStringLiteral("old"),
                                  QStringLiteral("A folder with key lists, or a file."));
     parser.addPositionalArgument(QStringLiteral("new"), QStringLiteral("Another one."));
@@ -99,7 +101,7 @@ void printNotes(const QString& path, const ListSources& sources, QTextStream& er
 }
 
 /// Searching two lists at once takes longer than one.
-constexpr model::Limits pairLimits{300'000, 10'000'000};
+constexpr model::Limits pairLimits{2'000'000, 20'000'000};
 
 Environment personAtOneDevice()
 {
@@ -108,6 +110,7 @@ Environment personAtOneDevice()
     environment.devices = 1;
     environment.panelKeysOnly = true;
     environment.stateChanges = false;
+    environment.maxStateChanges = 1;
     environment.keyboardTest = false;
     return environment;
 }

@@ -28,6 +28,17 @@ QStringList textsOf(const QVector<Output>& outputs)
     return texts;
 }
 
+/// The keys, with the state in which they begin if it is not that of the difference.
+QString keysOf(const Difference& difference)
+{
+    const QString keys = RunWords::of(difference.oldSteps, difference.end);
+    const bool isSame =
+        difference.oldSteps.isEmpty() || difference.oldSteps.first().before.state == difference.state;
+    return isSame ? keys
+                  : QStringLiteral("in %1, %2")
+                        .arg(Alphabet::nameOf(difference.oldSteps.first().before.state), keys);
+}
+
 QString joined(const QStringList& texts)
 {
     return texts.isEmpty() ? QStringLiteral("nothing") : texts.join(QStringLiteral("; "));
@@ -121,7 +132,7 @@ DifferenceWords DifferenceReport::wordsOf(const Difference& difference) const
 {
     DifferenceWords words;
     words.state = Alphabet::nameOf(difference.state);
-    words.keys = RunWords::of(difference.oldSteps, difference.end);
+    words.keys = keysOf(difference);
     words.was = textsOf(difference.oldOutputs);
     words.now = textsOf(difference.newOutputs);
     const ListRules oldRules(difference.oldSteps, m_compared.oldLists, m_compared.oldPlaceOf);

@@ -21,6 +21,13 @@ QString subjectOf(const Environment& environment)
                                     : QStringLiteral("a person with %1 fingers").arg(environment.fingers);
 }
 
+QString changesToText(int max)
+{
+    return max == 0   ? QStringLiteral("the state stays as it is")
+           : max == 1 ? QStringLiteral("the state changes at most once")
+                      : QStringLiteral("the state changes at most %1 times").arg(max);
+}
+
 } // namespace
 
 QVector<Environment> Environment::growth() const
@@ -49,7 +56,7 @@ QString Environment::toText() const
         parts << QStringLiteral("at least %1 ms between two movements").arg(pace.count());
     }
     if (!stateChanges) {
-        parts << QStringLiteral("the state stays as it is");
+        parts << changesToText(maxStateChanges);
     }
     if (!keyboardTest) {
         parts << QStringLiteral("no keyboard test");

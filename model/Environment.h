@@ -46,9 +46,12 @@ struct Environment
     /// The minimum time between two movements of a person's fingers; a multiple of the tick, at most a
     /// minute, and 0 unless time is digital.
     std::chrono::milliseconds pace{0};
-    /// Whether the state may change, and whether the keyboard test may begin.
+    /// Whether the state may change at any time, and whether the keyboard test may begin.
     bool stateChanges = true;
     bool keyboardTest = true;
+    /// Without `stateChanges`: the most changes of state in a run. Only `ListComparison` counts them, for all
+    /// other searches it must be 0.
+    int maxStateChanges = 0;
     /// The initial states, with no key held or waiting.
     QVector<State> startStates = Alphabet::states();
 

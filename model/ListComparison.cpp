@@ -72,10 +72,28 @@ bool areAlikeWithoutRows(const Effects& a, const Effects& b)
     });
 }
 
-/// What makes two differences alike.
-QStringList kindOf(State state, const QStringList& oldTexts, const QStringList& newTexts)
+bool hasChanged(const QVector<PlayedStep>& steps)
 {
-    return QStringList(Alphabet::nameOf(state)) + oldTexts + QStringList(QString()) + newTexts;
+    return std::any_of(steps.begin(), steps.end(),
+                       [](const PlayedStep& step) { return step.input.kind == Input::Kind::ChangeState; });
+}
+
+QStringList textsWithoutKeys(const QVector<Output>& outputs)
+{
+    QStringList texts;
+    for (const Output& output : outputs) {
+        const bool isAnnounced = output.kind == Output::Kind::Announce;
+        texts.append(isAnnounced ? output.text + QLatin1Char(' ') + output.receiver
+                                 : QString::number(static_cast<int>(output.kind)));
+    }
+    return texts;
+}
+
+/// What makes two differences alike. After a change of state, each key could make one more.
+QStringList kindOf(State state, const QVector<Output>& was, const QVector<Output>& is, bool hasChanged)
+{
+    const auto texts = hasChanged ? textsWithoutKeys : textsOf;
+    return QStringList(Alphabet::nameOf(state)) + texts(was) + QStringList(QString()) + texts(is);
 }
 
 /// Gives two daemons the same keys at the same times.
@@ -208,13 +226,17 @@ public:
 
 private:
     void explore();
+    bool followKeys(quint32 begin);
+    void followStates(quint32 from);
+    void follow(quint32 from, Input input);
+    bool isAtLimit() const;
     void allow(const Pair& pair, Inputs& inputs) const;
     void allowLongPresses(const Pair& pair, Inputs& inputs) const;
     Pair step(const Pair& pair, Input input);
     QStringList differenceIn(State state) const;
     void confirm(quint32 from, Input input, const QStringList& kind);
     bool isConfirmed() const;
-    QStringList counted(const Effects& effects, const KeyModel& keyModel, State state) const;
+    QVector<Output> counted(const Effects& effects, const KeyModel& keyModel, State state) const;
 
     const ListComparison& m_comparison;
     Limits m_limits;
@@ -223,6 +245,7 @@ private:
     NodeStore<Pair> m_nodes;
     Effects m_oldEffects;
     Effects m_newEffects;
+    bool m_hasChanged = false;
     QVector<Difference> m_differences;
     QHash<QStringList, int> m_tries; // by kinds
     QSet<QStringList> m_found;       // the kinds of the differences
@@ -251,27 +274,61 @@ QVector<Difference> ListComparison::Search::find()
     return m_differences;
 }
 
+/// Each round visits the pairs after one more change of state, so that all runs with fewer changes come
+/// first.
 void ListComparison::Search::explore()
 {
-    Inputs inputs;
-    for (quint32 from = 0; from < m_nodes.size(); ++from) {
-        const Pair before = m_nodes.at(from);
-        allow(before, inputs);
-        for (const Input input : qAsConst(inputs)) {
-            const Pair after = step(before, input);
-            ++m_proof.steps;
-            const QStringList kind = differenceIn(after.oldSituation.state);
-            if (kind.isEmpty()) {
-                m_nodes.insert(after, from, input);
-            } else {
-                confirm(from, input, kind);
-            }
-        }
-        if (m_nodes.size() >= m_limits.situations || m_proof.steps >= m_limits.steps) {
+    quint32 begin = 0;
+    for (int changes = 0; followKeys(begin); ++changes) {
+        if (changes == m_proof.environment.maxStateChanges) {
+            m_proof.isComplete = true;
             return;
         }
+        m_hasChanged = true;
+        for (const quint32 end = m_nodes.size(); begin < end && !isAtLimit(); ++begin) {
+            followStates(begin);
+        }
     }
-    m_proof.isComplete = true;
+}
+
+/// Visits all pairs from `begin` on and those that keys lead to. Returns false at the limit.
+bool ListComparison::Search::followKeys(quint32 begin)
+{
+    Inputs inputs;
+    for (quint32 from = begin; from < m_nodes.size() && !isAtLimit(); ++from) {
+        allow(m_nodes.at(from), inputs);
+        for (const Input input : qAsConst(inputs)) {
+            follow(from, input);
+        }
+    }
+    return !isAtLimit();
+}
+
+void ListComparison::Search::followStates(quint32 from)
+{
+    for (const State state : Alphabet::states()) {
+        // A notification never makes the state unknown.
+        if (state != State::Undefined && state != m_nodes.at(from).oldSituation.state) {
+            follow(from, Input::state(state));
+        }
+    }
+}
+
+void ListComparison::Search::follow(quint32 from, Input input)
+{
+    const Pair after = step(m_nodes.at(from), input);
+    ++m_proof.steps;
+    const QStringList kind = differenceIn(after.oldSituation.state);
+    if (kind.isEmpty()) {
+        m_nodes.insert(after, from, input);
+    } else {
+        confirm(from, input, kind);
+    }
+}
+
+bool ListComparison::Search::isAtLimit() const
+{
+    return m_nodes.size() >= m_limits.situations || m_proof.steps >= m_limits.steps;
 }
 
 /// The state, the window and the hold of FactoryReset are equal on both sides.
@@ -342,20 +399,18 @@ QStringList ListComparison::Search::differenceIn(State state) const
         areAlikeWithoutRows(oldPerceived, newPerceived)) {
         return {};
     }
-    const QStringList oldTexts =
-        oldPerceived.isEmpty() ? QStringList() : counted(m_oldEffects, oldModel, state);
-    const QStringList newTexts =
-        newPerceived.isEmpty() ? QStringList() : counted(m_newEffects, newModel, state);
-    return oldTexts == newTexts ? QStringList() : kindOf(state, oldTexts, newTexts);
+    const auto was = oldPerceived.isEmpty() ? QVector<Output>() : counted(m_oldEffects, oldModel, state);
+    const auto is = newPerceived.isEmpty() ? QVector<Output>() : counted(m_newEffects, newModel, state);
+    return textsOf(was) == textsOf(is) ? QStringList() : kindOf(state, was, is, m_hasChanged);
 }
 
-QStringList ListComparison::Search::counted(const Effects& effects, const KeyModel& keyModel,
-                                            State state) const
+QVector<Output> ListComparison::Search::counted(const Effects& effects, const KeyModel& keyModel,
+                                                State state) const
 {
     QVector<Output> outputs = Outputs::of(effects, keyModel.lists(), state);
     const auto isLeftOut = [this](const Output& output) { return !m_comparison.m_filter(output); };
     outputs.erase(std::remove_if(outputs.begin(), outputs.end(), isLeftOut), outputs.end());
-    return textsOf(outputs);
+    return outputs;
 }
 
 /// Plays the run with real times, which may not fit it or may show another difference before.
@@ -376,8 +431,8 @@ void ListComparison::Search::confirm(quint32 from, Input input, const QStringLis
     if (!difference) {
         return;
     }
-    const QStringList played =
-        kindOf(difference->state, textsOf(difference->oldOutputs), textsOf(difference->newOutputs));
+    const QStringList played = kindOf(difference->state, difference->oldOutputs, difference->newOutputs,
+                                      hasChanged(difference->oldSteps));
     if (!m_found.contains(played)) {
         m_found.insert(played);
         m_differences.append(*difference);

@@ -38,8 +38,8 @@ public:
 
     ListComparison(const KeyLists& oldLists, const KeyLists& newLists, const Filter& filter);
 
-    /// A short run for each kind of difference, that is each pair of outputs in a state. `environment` must
-    /// be that of a person without clocks.
+    /// A short run for each kind of difference, that is each pair of outputs in a state; after a change of
+    /// state, without regard to keys and sentences. `environment` must be that of a person without clocks.
     QVector<Difference> find(const Environment& environment, const Limits& limits = {});
     /// The search. It is complete if all kinds of differences are found: none is left out because of a limit,
     /// or because no real times fit the runs that were tried.

@@ -43,6 +43,8 @@ private Q_SLOTS:
     void theSameListsDoNotDiffer();
     void differencesAreMirrored();
     void servicesDoNotHearSpeech();
+    void changedStatesAreCompared();
+    void helpNamesWhoIsAssumed();
     void eachDifferenceNamesTheRulesThatMakeIt();
     void differencesAreGroupedByState();
     void programsReadJson();
@@ -56,7 +58,7 @@ void DiffTest::theSameListsDoNotDiffer()
     QCOMPARE(run.status, int(checker::Clean));
     QVERIFY2(run.out.contains(QRegularExpression("^No difference: proved, a person with 2 fingers, on one "
                                                  "device, only keys of the panel, the state "
-                                                 "stays as it is, no keyboard test; "
+                                                 "changes at most once, no keyboard test; "
                                                  "[\\d,]+ situations, [\\d,]+ steps\\.\n$")),
              qPrintable(run.out));
     QCOMPARE(run.err, QString());
@@ -94,6 +96,37 @@ void DiffTest::servicesDoNotHearSpeech()
     QVERIFY2(users.out.contains("speaks \"Feed\""), qPrintable(users.out));
     const CommandRun services = diff(folders + QStringList{"--for", "services"});
     QVERIFY2(services.status == int(checker::Clean), qPrintable(services.out));
+    QVERIFY2(services.out.startsWith("No difference: proved, a person "), qPrintable(services.out));
+    const QStringList announced{combinations(parent, "three", {}),
+                                combinations(parent, "four", row("\"Help\", \"Feed\"", "A")), "--for",
+                                "services"};
+    QVERIFY2(diff(announced).out.contains("announces A to UserMenu"), qPrintable(diff(announced).out));
+}
+
+void DiffTest::changedStatesAreCompared()
+{
+    const QTemporaryDir parent;
+    const QDir folder(parent.filePath("two"));
+    QFile file(folder.filePath("longKeyList.json"));
+    QVERIFY(folder.mkpath(".") && file.open(QIODevice::WriteOnly));
+    // In Startup, no long press begins, but one that began before ends.
+    file.write("{ \"LongKeys\": [{ \"keys\": [\"Help\"], \"eAction\": \"A\", \"timeout\": 1, "
+               "\"receiverService\": \"UserMenu\", \"validOnState\": \"Startup\" }] }");
+    file.close();
+    const CommandRun run = diff({combinations(parent, "one", {}), folder.path(), "--for", "services"});
+    QVERIFY2(
+        run.out.contains(QRegularExpression("^Startup: in \\w+, hold Help, .*then the state becomes "
+                                            "Startup.*\n    was nothing\n    now announces A to UserMenu",
+                                            QRegularExpression::MultilineOption)),
+        qPrintable(run.out));
+}
+
+void DiffTest::helpNamesWhoIsAssumed()
+{
+    QVERIFY(diff({"--help"})
+                .out.simplified()
+                .contains("For both, a person presses keys of the panel with two fingers, and the state "
+                          "changes at most once."));
 }
 
 void DiffTest::eachDifferenceNamesTheRulesThatMakeIt()
@@ -129,7 +162,8 @@ void DiffTest::differencesAreGroupedByState()
             states.append(state);
         }
     }
-    QCOMPARE(states, QStringList({"Idle", "Print"}));
+    QVERIFY2(states.contains("Idle") && states.contains("Print"), qPrintable(states.join(' ')));
+    QCOMPARE(states.removeDuplicates(), 0);
 }
 
 void DiffTest::programsReadJson()

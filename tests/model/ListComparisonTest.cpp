@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "model/ListComparison.h"
+#include "model/KeyFacts.h"
 #include "model/Witness.h"
 #include "tests/model/ListMaps.h"
 #include "tests/model/ScriptOnDevice.h"
@@ -251,6 +252,8 @@ private Q_SLOTS:
     void randomListsDoNotDifferFromThemselves();
     void differences_data();
     void differences();
+    void longPressesOfOneRepetitionEndInTheirOrder();
+    void longPressThatEndsInAnotherStateIsFound();
     void differencesAreMirrored();
     void differencesHoldOnTheDaemon();
     void firstDifferenceOfAScriptIsFound();
@@ -312,6 +315,44 @@ void ListComparisonTest::differences()
                               textsOf(difference.newOutputs) == newOutputs);
     }
     QVERIFY(isFound);
+}
+
+void ListComparisonTest::longPressesOfOneRepetitionEndInTheirOrder()
+{
+    const auto listsOf = [](int seconds) {
+        return ListMaps::ofRows({row(KeyRow::Kind::Long, "A", {"Help"}, "Idle", seconds)});
+    };
+    ListComparison same(listsOf(1), listsOf(1), isNoticed);
+    QVERIFY(same.find(person()).isEmpty());
+    QVERIFY(same.proof().isComplete);
+
+    // The longer one never ends first. Such a run would fit no real times, and the search would be
+    // incomplete.
+    ListComparison longer(listsOf(1), listsOf(2), isNoticed);
+    const auto differences = longer.find(person());
+    QVERIFY(longer.proof().isComplete);
+    QVERIFY(std::all_of(differences.begin(), differences.end(), [](const Difference& difference) {
+        return textsOf(difference.newOutputs).filter("announce A ").isEmpty();
+    }));
+}
+
+void ListComparisonTest::longPressThatEndsInAnotherStateIsFound()
+{
+    const KeyLists none = ListMaps::ofRows({KeyRow{}});
+    const KeyLists lists = ListMaps::ofRows({row(KeyRow::Kind::Long, "A", {"Help"}, "Startup", 1)});
+    const auto isFound = [&](int changes) {
+        Environment environment = person();
+        environment.maxStateChanges = changes;
+        ListComparison comparison(none, lists, isNoticed);
+        const auto differences = comparison.find(environment);
+        return std::any_of(differences.begin(), differences.end(), [&](const Difference& difference) {
+            checkSide(lists, difference.newSteps, difference.newOutputs, difference.end);
+            return difference.state == KeyFacts::startup &&
+                   textsOf(difference.newOutputs) == QStringList("announce A UserMenu - Help");
+        });
+    };
+    QVERIFY(!isFound(0));
+    QVERIFY(isFound(1));
 }
 
 /// What one direction finds, the other finds as well.
