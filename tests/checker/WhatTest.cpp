@@ -138,7 +138,8 @@ void WhatTest::helpIsPrinted()
 {
     const CommandRun run(checker::Commands::what, {"what", "--help"});
     QCOMPARE(run.status, int(checker::Clean));
-    QVERIFY2(run.out.contains("Usage: keyboard-handler-keys what [option...] STATEMENTS [path...]"), qPrintable(run.out));
+    QVERIFY2(run.out.contains("Usage: keyboard-handler-keys what [option...] STATEMENTS [path...]"),
+             qPrintable(run.out));
 }
 
 QTEST_GUILESS_MAIN(WhatTest)
