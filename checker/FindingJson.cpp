@@ -54,7 +54,7 @@ bool isAllProved(const CheckResult& result)
     return result.isProved && result.provedRows == result.rows && result.unreadable.isEmpty();
 }
 
-/// The rows that were not searched. Of a file without a readable list, none were.
+/// The rows that were not searched; no rows are known of a file without a readable list.
 QJsonArray unsearchedIn(const CheckResult& result, const ListSources& sources)
 {
     QJsonArray all;

@@ -21,6 +21,9 @@ namespace {
 
 /// How many runs of a kind are played until one fits real times.
 constexpr int maxTries = 50;
+/// Between two movements of a run. A timer that ends too early with one pause may not with a longer one.
+constexpr milliseconds pauses[] = {Witness::movementInterval, milliseconds(200), milliseconds(500),
+                                   milliseconds(1000)};
 
 /// The rows of both lists, for the repetitions that matter to either.
 RowTables longPressesOfBoth(const KeyLists& a, const KeyLists& b)
@@ -100,8 +103,9 @@ QStringList kindOf(State state, const QVector<Output>& was, const QVector<Output
 class PairPlayer
 {
 public:
-    PairPlayer(const KeyModel& oldModel, const KeyModel& newModel, State start)
-        : m_old(oldModel, start), m_new(newModel, start)
+    /// `pause` is the time between two movements.
+    PairPlayer(const KeyModel& oldModel, const KeyModel& newModel, State start, milliseconds pause)
+        : m_old(oldModel, start), m_new(newModel, start), m_pause(pause)
     {}
 
     void play(Input input);
@@ -115,6 +119,7 @@ private:
 
     Playback m_old;
     Playback m_new;
+    milliseconds m_pause;
     bool m_hasMoved = false;
 };
 
@@ -125,7 +130,7 @@ void PairPlayer::play(Input input)
         return;
     }
     if (m_hasMoved) {
-        wait(Witness::movementInterval);
+        wait(m_pause);
     }
     m_hasMoved = true;
     move(m_old, input);
@@ -235,6 +240,7 @@ private:
     Pair step(const Pair& pair, Input input);
     QStringList differenceIn(State state) const;
     void confirm(quint32 from, Input input, const QStringList& kind);
+    void keep(const std::optional<Difference>& difference);
     bool isConfirmed() const;
     QVector<Output> counted(const Effects& effects, const KeyModel& keyModel, State state) const;
 
@@ -423,18 +429,28 @@ void ListComparison::Search::confirm(quint32 from, Input input, const QStringLis
     for (; m_nodes.parent(from) != NodeStore<Pair>::noNode; from = m_nodes.parent(from)) {
         inputs.prepend(m_nodes.input(from));
     }
-    PairPlayer player(m_comparison.m_old, m_comparison.m_new, m_nodes.at(from).oldSituation.state);
-    for (const Input each : qAsConst(inputs)) {
-        player.play(each);
+    const State start = m_nodes.at(from).oldSituation.state;
+    for (const milliseconds pause : pauses) {
+        PairPlayer player(m_comparison.m_old, m_comparison.m_new, start, pause);
+        for (const Input each : qAsConst(inputs)) {
+            player.play(each);
+        }
+        keep(player.difference(m_comparison.m_filter));
+        if (m_found.contains(kind)) {
+            return;
+        }
     }
-    const auto difference = player.difference(m_comparison.m_filter);
+}
+
+void ListComparison::Search::keep(const std::optional<Difference>& difference)
+{
     if (!difference) {
         return;
     }
-    const QStringList played = kindOf(difference->state, difference->oldOutputs, difference->newOutputs,
-                                      hasChanged(difference->oldSteps));
-    if (!m_found.contains(played)) {
-        m_found.insert(played);
+    const QStringList kind = kindOf(difference->state, difference->oldOutputs, difference->newOutputs,
+                                    hasChanged(difference->oldSteps));
+    if (!m_found.contains(kind)) {
+        m_found.insert(kind);
         m_differences.append(*difference);
     }
 }

@@ -339,8 +339,8 @@ void WhyTest::noStateHelps(const CauseSearch& search, const DaemonTrial& daemon,
         if (!swallowed.occasion.after) {
             edit.steps = {swallowed.occasion.scriptStep};
         }
-        const bool canBe = state != model::State::Undefined;
-        QVERIFY(!canBe ||
+        const bool isReachable = state != model::State::Undefined;
+        QVERIFY(!isReachable ||
                 !DaemonTrial(daemon, {edit}, swallowed.occasion).isMended(swallowed, daemon, search));
     }
 }

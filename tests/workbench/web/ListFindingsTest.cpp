@@ -82,8 +82,8 @@ void ListFindingsTest::aMistakeIsNamed_data()
     mistake("keys that are not a list", longPresses, "[\"Help\"]", "\"Help\"", "value",
             "the keys are not a list");
     mistake("no keys", combinations, "[\"Help\", \"Feed\"]", "[]", "no-keys", "has no keys");
-    mistake("a misspelt state", longPresses, "\"Idle | Error\"", "\"Idle | Eror\"", "unknown-state",
-            "\"Eror\" is not a state");
+    mistake("a misspelt state", longPresses, "\"Idle | Error\"", "\"Idel | Error\"", "unknown-state",
+            "\"Idel\" is not a state");
     mistake("joined states of a combination", combinations, "\"Idle\"", "\"Idle | Print\"", "joined-states",
             "only long presses");
     mistake("a combination for Print", combinations, "\"Idle\"", "\"Print\"", "state-change",
