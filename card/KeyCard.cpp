@@ -23,11 +23,8 @@ constexpr int maxAddedKeys = 100;
 /// A person at the panel, while the state stays the same: with two fingers, because no row needs more.
 Environment assumptions()
 {
-    Environment environment;
-    environment.kind = Environment::Kind::Person;
+    Environment environment = Environment::person();
     environment.panelKeysOnly = true;
-    environment.stateChanges = false;
-    environment.keyboardTest = false;
     return environment;
 }
 

@@ -105,13 +105,10 @@ constexpr model::Limits pairLimits{2'000'000, 20'000'000};
 
 Environment personAtOneDevice()
 {
-    Environment environment;
-    environment.kind = Environment::Kind::Person;
+    Environment environment = Environment::person();
     environment.devices = 1;
     environment.panelKeysOnly = true;
-    environment.stateChanges = false;
     environment.maxStateChanges = 1;
-    environment.keyboardTest = false;
     return environment;
 }
 

@@ -25,12 +25,9 @@ namespace {
 /// A person in front of one device, while the state stays as it is.
 Environment person()
 {
-    Environment environment;
-    environment.kind = Environment::Kind::Person;
+    Environment environment = Environment::person();
     environment.devices = 1;
     environment.panelKeysOnly = true;
-    environment.stateChanges = false;
-    environment.keyboardTest = false;
     return environment;
 }
 

@@ -25,14 +25,10 @@ using model::State;
 
 namespace {
 
-/// A person in front of the device, while the state stays as it is and the keyboard test does not run.
 Environment personOf(int fingers)
 {
-    Environment environment;
-    environment.kind = Environment::Kind::Person;
+    Environment environment = Environment::person();
     environment.fingers = fingers;
-    environment.stateChanges = false;
-    environment.keyboardTest = false;
     return environment;
 }
 

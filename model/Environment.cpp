@@ -30,6 +30,15 @@ QString changesToText(int max)
 
 } // namespace
 
+Environment Environment::person()
+{
+    Environment environment;
+    environment.kind = Kind::Person;
+    environment.stateChanges = false;
+    environment.keyboardTest = false;
+    return environment;
+}
+
 QVector<Environment> Environment::growth() const
 {
     QVector<Environment> parts;

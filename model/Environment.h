@@ -55,6 +55,10 @@ struct Environment
     /// The initial states, with no key held or waiting.
     QVector<State> startStates = Alphabet::states();
 
+    /// A person with two fingers in front of both devices, while the state stays as it is and the keyboard
+    /// test does not run.
+    static Environment person();
+
     /// For a person: the environments with one finger, two fingers and so on, each on one device, and
     /// finally with all devices. A search uses a larger one only for what it has not found in the smaller
     /// ones. For other kinds: this environment alone.

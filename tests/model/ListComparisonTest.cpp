@@ -27,11 +27,8 @@ constexpr auto maxScript = std::chrono::hours(24);
 
 Environment person()
 {
-    Environment environment;
-    environment.kind = Environment::Kind::Person;
+    Environment environment = Environment::person();
     environment.devices = 1;
-    environment.stateChanges = false;
-    environment.keyboardTest = false;
     return environment;
 }
 

@@ -11,10 +11,7 @@ namespace {
 
 Environment personWithTwoFingers(State state)
 {
-    Environment environment;
-    environment.kind = Environment::Kind::Person;
-    environment.stateChanges = false;
-    environment.keyboardTest = false;
+    Environment environment = Environment::person();
     environment.startStates = {state};
     return environment;
 }

@@ -105,7 +105,7 @@ export async function loadLists() {
     showFormer();
 }
 
-const unreadable = ['syntax', 'section', 'too-large']; // the page has words of its own for these findings
+const unreadable = ['syntax', 'section', 'too-large']; // the page itself describes these
 const mistakeText = ({ file, line: number, level, message }) =>
     `${file}, line ${number}: ${level}: ${message}${message.endsWith('?') ? '' : '.'}`;
 
