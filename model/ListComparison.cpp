@@ -21,6 +21,8 @@ namespace {
 
 /// How many runs of a kind are played until one fits real times.
 constexpr int maxTries = 50;
+/// Runs with longer waits are not played: a key without delay that is held for days acts millions of times.
+constexpr milliseconds maxWait = std::chrono::hours(1);
 /// Between two movements of a run. A timer that ends too early with one pause may not with a longer one.
 constexpr milliseconds pauses[] = {Witness::movementInterval, milliseconds(200), milliseconds(500),
                                    milliseconds(1000)};
@@ -121,10 +123,14 @@ private:
     Playback m_new;
     milliseconds m_pause;
     bool m_hasMoved = false;
+    bool m_isTooLong = false;
 };
 
 void PairPlayer::play(Input input)
 {
+    if (m_isTooLong) {
+        return;
+    }
     if (input.isExpiry() || input.kind == Input::Kind::Repeat) {
         waitFor(input);
         return;
@@ -143,9 +149,14 @@ void PairPlayer::waitFor(Input input)
     const auto oldDue = concerns(input, Side::Old) ? m_old.due(timer) : std::nullopt;
     const auto newDue = concerns(input, Side::New) ? m_new.due(timer) : std::nullopt;
     for (const auto& due : {oldDue, newDue}) {
-        if (due && *due > m_old.now()) {
-            wait(*due - m_old.now());
+        if (!due || *due <= m_old.now()) {
+            continue;
         }
+        if (*due - m_old.now() > maxWait) {
+            m_isTooLong = true;
+            return;
+        }
+        wait(*due - m_old.now());
     }
 }
 
@@ -191,6 +202,9 @@ QVector<PlayedStep> stepsUntil(const Playback& playback, milliseconds end)
 
 std::optional<Difference> PairPlayer::difference(const ListComparison::Filter& filter) const
 {
+    if (m_isTooLong) {
+        return {};
+    }
     const auto oldOutputs = outputsOf(m_old, filter);
     const auto newOutputs = outputsOf(m_new, filter);
     QVector<qint64> moments = oldOutputs.keys().toVector() + newOutputs.keys().toVector();

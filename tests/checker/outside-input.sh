@@ -181,4 +181,9 @@ expect 1 'mended: mended/modifierKeyList.json:2:12: "Hlep" is now "Help"' check 
 expect 1 "error[unknown-key]" check --fix mended
 [ "$(find mended -type f | wc -l)" -eq 3 ] || fault "mended files: $(ls -A mended)"
 
+# Held for days, a key without delay would act millions of times while the lists are compared.
+mkdir days
+echo '{"LongKeys": [{"keys": ["Up"], "timeouts": 1e300, "validOnState": "Idle"}, {"keys": ["Down"], "timeout": 0}]}' >days/longKeyList.json
+expect 1 "2 rows" check --fix days
+
 exit $faults
