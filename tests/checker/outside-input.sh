@@ -183,7 +183,9 @@ expect 1 "error[unknown-key]" check --fix mended
 
 # Held for days, a key without delay would act millions of times while the lists are compared.
 mkdir days
-echo '{"LongKeys": [{"keys": ["Up"], "timeouts": 1e300, "validOnState": "Idle"}, {"keys": ["Down"], "timeout": 0}]}' >days/longKeyList.json
+cat >days/longKeyList.json <<'EOF'
+{ "LongKeys": [{ "keys": ["Up"], "t]imeout": 1e300, "validOtState": "Idle" }, { "keys": ["Down"], "timeout": -0.33 }] }
+EOF
 expect 1 "2 rows" check --fix days
 
 exit $faults
