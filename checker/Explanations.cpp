@@ -241,7 +241,9 @@ QVector<Explanation> explanationsOfText()
         {QStringLiteral("duplicate"), Level::Warning, QStringLiteral("a member is there twice"),
          QStringLiteral(
              "Of several members with the same name in one object, the daemon reads the last one and does "
-             "not log the others. Delete those that do not apply.\n\n"
+             "not log the others. In an object of more than 16 members, it may read any of them. Delete "
+             "those "
+             "that do not apply.\n\n"
              "Of a long press that names a state twice, the action is announced twice in that state.\n\n"
              "--fix deletes a member that repeats the value of the one before. No row changes."),
          combinations(R"({

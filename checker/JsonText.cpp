@@ -142,6 +142,12 @@ const JsonNode* JsonNode::member(const QString& wanted) const
     return kind == Kind::Object && last != children.rend() ? &*last : nullptr;
 }
 
+bool JsonNode::keepsLast() const
+{
+    constexpr size_t maxMembers = 16;
+    return children.size() <= maxMembers;
+}
+
 bool JsonNode::isWrittenLike(const JsonNode& other) const
 {
     const auto areAlike = [](const JsonNode& a, const JsonNode& b) {

@@ -26,9 +26,13 @@ struct JsonNode
     /// The members of an object, or the elements of an array.
     std::vector<JsonNode> children;
 
-    /// The member that Qt's reader keeps: the last one with this name. Null if there is none. Qt's reader may
-    /// keep another one if a name begins with a byte order mark, because it compares such names wrongly.
+    /// The last member with this name, which is the one that Qt's reader keeps if `keepsLast()`. Null if
+    /// there is none. Qt's reader may keep another one if a name begins with a byte order mark, because it
+    /// compares such names wrongly.
     const JsonNode* member(const QString& wanted) const;
+    /// Whether Qt's reader keeps the last of an object's members with the same name. Of more than 16 members,
+    /// it may keep any of them, because it sorts so many without regard to their order.
+    bool keepsLast() const;
     /// Whether the other value is written in the same way, apart from blanks.
     bool isWrittenLike(const JsonNode& other) const;
 };

@@ -48,17 +48,21 @@ void offerToDelete(Finding& finding, const JsonNode& first, const JsonNode& befo
 
 QVector<Finding> duplicatesOf(List list, const JsonNode& object)
 {
+    const QString text =
+        object.keepsLast()
+            ? QStringLiteral("\"%1\" is there twice, and the last one counts")
+            : QStringLiteral("\"%1\" is there twice among so many members that either may count");
+    const QString related =
+        object.keepsLast() ? QStringLiteral("this one is ignored") : QStringLiteral("the other one");
     QVector<Finding> findings;
     QMap<QString, const JsonNode*> seen;
     const JsonNode* before = nullptr;
     for (const JsonNode& member : object.children) {
         if (const JsonNode* first = seen.value(member.name)) {
             Finding finding =
-                atOffset(list, QStringLiteral("duplicate"),
-                         QStringLiteral("\"%1\" is there twice, and the last one counts").arg(member.name),
-                         member.nameRange);
+                atOffset(list, QStringLiteral("duplicate"), text.arg(member.name), member.nameRange);
             finding.level = Level::Warning;
-            finding.related.append({list, first->nameRange, QStringLiteral("this one is ignored")});
+            finding.related.append({list, first->nameRange, related});
             offerToDelete(finding, *first, *before, member);
             findings.append(finding);
         }

@@ -262,6 +262,11 @@ void CheckTest::faultsOfAFile_data()
     QTest::newRow("the section twice")
         << QByteArray("{\"LongKeys\": 5, \"LongKeys\": []}")
         << "warning duplicate 1:17 \"LongKeys\" is there twice, and the last one counts";
+    QTest::newRow("a member twice among many")
+        << QByteArray(
+               "{\"LongKeys\": [],\"b\":1,\"c\":1,\"d\":1,\"e\":1,\"f\":1,\"g\":1,\"h\":1,\"i\":1,\"j\":1,"
+               "\"k\":1,\"l\":1,\"m\":1,\"n\":1,\"o\":1,\"p\":1,\"b\":2}")
+        << "warning duplicate 1:107 \"b\" is there twice among so many members that either may count";
     QTest::newRow("over the limit")
         << QByteArray(KeyListFile::maxSize + 1, ' ')
         << "error too-large 1:1 the file is over the limit of 1048576 bytes, and the daemon reads none of it";

@@ -21,6 +21,15 @@ inline QVariant alone(const QByteArray& text, Range range)
     return QJsonDocument::fromJson('[' + part + ']').toVariant().toList().value(0);
 }
 
+/// Whether Qt's reader certainly keeps this member of an object.
+inline bool isKnownToBeKept(const JsonNode& object, const JsonNode& member)
+{
+    const auto hasItsName = [&member](const JsonNode& other) { return other.name == member.name; };
+    return object.keepsLast()
+               ? object.member(member.name) == &member
+               : std::count_if(object.children.begin(), object.children.end(), hasItsName) == 1;
+}
+
 /// What is wrong with the place of a value, or of one in it; empty if nothing is.
 inline QString faultOf(const JsonNode& node, const QVariant& value, const QByteArray& text)
 {
@@ -37,7 +46,7 @@ inline QString faultOf(const JsonNode& node, const QVariant& value, const QByteA
         if (isObject && (!members.contains(child.name) && node.member(child.name))) {
             return QStringLiteral("the member at %1 has another name").arg(child.nameRange.begin);
         }
-        const bool isKept = !isObject || node.member(child.name) == &child;
+        const bool isKept = !isObject || isKnownToBeKept(node, child);
         const QVariant part = isObject ? members.value(child.name) : elements.value(static_cast<int>(i));
         const QString fault = isKept ? faultOf(child, part, text) : QString();
         if (!fault.isEmpty()) {

@@ -77,6 +77,23 @@ QByteArray RandomText::value(int depth)
 
 } // namespace
 
+/// An object of `count` members, each with its index as value, of which two have the name "twin".
+QByteArray membersWithTwin(int count, int first, int last)
+{
+    QByteArrayList members;
+    for (int i = 0; i < count; ++i) {
+        const QByteArray name = i == first || i == last ? "twin" : "m" + QByteArray::number(i * 7 % 10);
+        members.append('"' + name + (name == "twin" ? "" : QByteArray::number(i)) +
+                       "\": " + QByteArray::number(i));
+    }
+    return '{' + members.join(", ") + '}';
+}
+
+int keptTwin(const QByteArray& text)
+{
+    return QJsonDocument::fromJson(text).object().value("twin").toInt();
+}
+
 /// The places of the values of a JSON text.
 class JsonTextTest : public QObject
 {
@@ -85,6 +102,7 @@ class JsonTextTest : public QObject
 private Q_SLOTS:
     void placesOfMembers();
     void theLastMemberOfANameCounts();
+    void amongManyMembersEitherOfANameMayCount();
     void aByteOrderMarkIsNotAValue();
     void namesWithAByteOrderMark_data();
     void namesWithAByteOrderMark();
@@ -112,6 +130,24 @@ void JsonTextTest::theLastMemberOfANameCounts()
     const QByteArray text = R"({"a": 1, "\u0061": 2})";
     QCOMPARE(QJsonDocument::fromJson(text).object().value("a").toInt(), 2);
     QCOMPARE(JsonText::scan(text).member("a")->written, QByteArray("2"));
+}
+
+void JsonTextTest::amongManyMembersEitherOfANameMayCount()
+{
+    for (int first = 0; first < 16; ++first) {
+        for (int last = first + 1; last < 16; ++last) {
+            QVERIFY(JsonText::scan(membersWithTwin(16, first, last)).keepsLast());
+            QCOMPARE(keptTwin(membersWithTwin(16, first, last)), last);
+        }
+    }
+    QSet<bool> areLast;
+    for (int first = 0; first < 16; ++first) {
+        const QByteArray text = membersWithTwin(17, first, 16);
+        QVERIFY(!JsonText::scan(text).keepsLast());
+        QCOMPARE(JsonPlaces::faultIn(JsonText::scan(text), text), QString());
+        areLast.insert(keptTwin(text) == 16);
+    }
+    QCOMPARE(areLast.size(), 2);
 }
 
 void JsonTextTest::aByteOrderMarkIsNotAValue()
