@@ -131,7 +131,7 @@ QString CardReport::html(const KeyCard& card)
         QStringLiteral(
             "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\"/>\n"
             "<meta name=\"viewport\" content=\"width=device-width\"/>\n<title>%1</title>\n<style>\n"
-            ":root { color-scheme: light dark; font-family: sans-serif }\n"
+            ":root { color-scheme: light dark; font-family: sans-serif; overflow-wrap: anywhere }\n"
             "table { border-collapse: collapse }\n"
             "caption { text-align: start }\n"
             "th, td { border: 1px solid; padding: 0.3em; text-align: start; vertical-align: top }\n"

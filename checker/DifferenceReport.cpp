@@ -197,14 +197,18 @@ QString DifferenceReport::html() const
 {
     const QString title =
         QStringLiteral("Key lists: %1 and %2").arg(escaped(m_compared.oldPath), escaped(m_compared.newPath));
-    QString page = QStringLiteral("<!DOCTYPE html>\n<html lang=\"en\">\n<meta charset=\"utf-8\">\n"
-                                  "<meta name=\"viewport\" content=\"width=device-width\">\n"
-                                  "<title>%1</title>\n<style>\n"
-                                  ":root { color-scheme: light dark; font-family: sans-serif }\n"
-                                  "table { border-collapse: collapse }\n"
-                                  "th, td { border: 1px solid; padding: 0.3em; text-align: start; "
-                                  "vertical-align: top }\n</style>\n<h1>%1</h1>\n<p>%2</p>\n")
-                       .arg(title, escaped(conclusion()));
+    QString page =
+        QStringLiteral(
+            "<!DOCTYPE html>\n<html lang=\"en\">\n<meta charset=\"utf-8\">\n"
+            "<meta name=\"viewport\" content=\"width=device-width\">\n"
+            "<title>%1</title>\n<style>\n"
+            ":root { color-scheme: light dark; font-family: sans-serif; overflow-wrap: anywhere }\n"
+            "table { border-collapse: collapse }\n"
+            "caption { text-align: start }\n"
+            "th, td { border: 1px solid; padding: 0.3em; text-align: start; "
+            "vertical-align: top }\n"
+            "</style>\n<main>\n<h1>%1</h1>\n<p>%2</p>\n")
+            .arg(title, escaped(conclusion()));
     QString state;
     for (const DifferenceWords& words : m_words) {
         if (words.state != state) {
@@ -218,7 +222,7 @@ QString DifferenceReport::html() const
         page += rowOf(
             {escaped(words.keys), cellOf(words.was, words.oldRules), cellOf(words.now, words.newRules)});
     }
-    return page + (state.isEmpty() ? QString() : QStringLiteral("</table>\n"));
+    return page + (state.isEmpty() ? QString() : QStringLiteral("</table>\n")) + QStringLiteral("</main>\n");
 }
 
 } // namespace checker

@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: MIT
 // What the page is to those who do not see it, use the keyboard alone, or need it large or in other colours.
 import assert from 'node:assert/strict';
-import { readFile } from 'node:fs/promises';
 import { test } from 'node:test';
 
+import { violations } from './axe.mjs';
 import { eventually } from './eventually.mjs';
 import { panelFixture } from './panelFixture.mjs';
-import { installed } from './panelSession.mjs';
 
 const fixture = panelFixture();
 const views = ['Panel', 'Timeline', 'Key card', 'Key lists', 'Recording', 'Commands'];
-const axe = await readFile(installed.resolve('axe-core/axe.min.js'), 'utf8');
 
 /// A page with something to show in each of its views.
 async function openFull(options) {
@@ -38,26 +36,14 @@ async function goTo(panel, view) {
     }
 }
 
-/// What axe has against the page, by all its rules or only by some.
-async function violations(panel, ...rules) {
-    await panel.page.evaluate(axe);
-    const found = await panel.page.evaluate(
-        values => window.axe.run(values.length > 0 ? { runOnly: { type: 'rule', values } } : {}),
-        rules,
-    );
-    return found.violations.map(
-        ({ id, nodes }) => `${id}: ${nodes.map(node => `${node.target} (${node.failureSummary})`).join('; ')}`,
-    );
-}
-
 test('no view has a fault that axe knows, in any colours', async () => {
     const panel = await openFull({ reducedMotion: 'reduce' }); // colours change at once
     for (const view of views) {
         await goTo(panel, view);
-        assert.deepEqual(await violations(panel), [], view);
+        assert.deepEqual(await violations(panel.page), [], view);
         for (const colours of [{ colorScheme: 'dark' }, { forcedColors: 'active' }]) {
             await panel.page.emulateMedia(colours);
-            assert.deepEqual(await violations(panel, 'color-contrast'), [], `${view} ${JSON.stringify(colours)}`);
+            assert.deepEqual(await violations(panel.page, 'color-contrast'), [], `${view} ${JSON.stringify(colours)}`);
         }
         await panel.page.emulateMedia({ colorScheme: 'light', forcedColors: 'none' });
     }
@@ -67,7 +53,7 @@ test('no view has a fault that axe knows, on a narrow page', async () => {
     const panel = await openFull({ viewport: { width: 320, height: 640 } });
     for (const view of views) {
         await goTo(panel, view);
-        assert.deepEqual(await violations(panel), [], view);
+        assert.deepEqual(await violations(panel.page), [], view);
     }
 });
 
@@ -75,7 +61,7 @@ test('a page whose daemon has ended has no fault that axe knows', async () => {
     const panel = await fixture.open();
     await fixture.simulator.crashDaemon();
     await panel.showsText('#device-status', 'ended');
-    assert.deepEqual(await violations(panel), []);
+    assert.deepEqual(await violations(panel.page), []);
 });
 
 test('a page whose daemon hangs has no fault that axe knows', async () => {
@@ -85,7 +71,7 @@ test('a page whose daemon hangs has no fault that axe knows', async () => {
     await fixture.simulator.take('command GetLastKey');
     await panel.goTo('Commands');
     await panel.page.locator('#answers .fault').waitFor();
-    assert.deepEqual(await violations(panel), []);
+    assert.deepEqual(await violations(panel.page), []);
     await fixture.simulator.resumeDaemon();
 });
 
@@ -96,7 +82,7 @@ for (const view of ['Panel', 'Timeline']) {
         await panel.goTo(view);
         await relay.cut();
         await panel.showsText('#device-status', 'not connected');
-        assert.deepEqual(await violations(panel), []);
+        assert.deepEqual(await violations(panel.page), []);
     });
 }
 
@@ -107,15 +93,15 @@ for (const width of [1280, 320]) {
         await list.fill('{');
         await panel.button('Check and restart').click();
         await panel.page.locator('#list-log .fault').waitFor();
-        assert.deepEqual(await violations(panel), []);
+        assert.deepEqual(await violations(panel.page), []);
         await panel.page.emulateMedia({ colorScheme: 'dark' });
-        assert.deepEqual(await violations(panel, 'color-contrast'), []);
+        assert.deepEqual(await violations(panel.page, 'color-contrast'), []);
         await list.fill('[');
         await panel.button('Back to the installed lists').click();
         await panel.question.waitFor();
-        assert.deepEqual(await violations(panel, 'color-contrast'), []);
+        assert.deepEqual(await violations(panel.page, 'color-contrast'), []);
         await panel.page.emulateMedia({ colorScheme: 'light' });
-        assert.deepEqual(await violations(panel), []);
+        assert.deepEqual(await violations(panel.page), []);
         assert.deepEqual(await panel.page.evaluate(outOfSight), []);
         assert.match(await focused(panel), /^dialog "Take the installed lists\? What you have typed in .*"$/);
         await panel.reply('Take the installed lists');

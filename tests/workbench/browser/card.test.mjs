@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The view "Key card": on the screen, on paper and in braille.
+// The view "Key card": on the screen, on paper and in braille; and the documents that keyboard-handler-keys makes.
 import assert from 'node:assert/strict';
+import { spawnSync } from 'node:child_process';
 import { readFile } from 'node:fs/promises';
 import { test } from 'node:test';
+import { fileURLToPath } from 'node:url';
 
+import { violations } from './axe.mjs';
 import { panelFixture } from './panelFixture.mjs';
 
 const fixture = panelFixture();
@@ -76,3 +79,21 @@ test('the whole card is on paper, whatever view is shown', async () => {
     await panel.goTo('Panel');
     assert.equal(await pages(), card);
 });
+
+const lists = fileURLToPath(new URL('../../../data', import.meta.url));
+
+for (const [verb, ...paths] of [
+    ['card', lists],
+    ['diff', `${lists}/modifierKeyList.json`, `${lists}/shortcutKeyList.json`],
+]) {
+    test(`the document of ${verb} has no fault that axe knows, and fits a narrow page`, async () => {
+        const { stdout } = spawnSync(process.env.KEYBOARD_HANDLER_KEYS, [verb, '--format', 'html', ...paths]);
+        const context = await fixture.browser.newContext({ viewport: { width: 320, height: 640 } });
+        const page = await context.newPage();
+        await page.setContent(stdout.toString());
+        assert((await page.getByRole('row').count()) > 2);
+        assert.deepEqual(await violations(page), []);
+        assert.equal(await page.evaluate(() => document.documentElement.scrollWidth), 320);
+        await context.close();
+    });
+}
