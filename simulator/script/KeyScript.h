@@ -82,6 +82,8 @@ struct KeyScript
 {
     /// Whether the times come from a real clock and are therefore inexact.
     bool recorded = false;
+    /// Whether only announcements were recorded. Other observations are then not compared.
+    bool hasOnlyAnnouncements = false;
     QString model = QStringLiteral("Pellit");
     QString initialState = ls::StateId::Idle;
     /// The services that do not run when the daemon starts.

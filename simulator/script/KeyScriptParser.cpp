@@ -118,8 +118,12 @@ QString KeyScriptParser::readWords(const QString& keyword, const QStringList& wo
 
 QString KeyScriptParser::readRecorded(const QStringList& words)
 {
+    const bool hasOnlyAnnouncements = words == QStringList{QStringLiteral("announcements")};
     m_result.script.recorded = true;
-    return ScriptWords::checkCount(words, 0, 0, QStringLiteral("recorded"));
+    m_result.script.hasOnlyAnnouncements = hasOnlyAnnouncements;
+    return hasOnlyAnnouncements
+               ? QString()
+               : ScriptWords::checkCount(words, 0, 0, QStringLiteral("recorded [announcements]"));
 }
 
 QString KeyScriptParser::readModel(const QStringList& words)

@@ -11,5 +11,7 @@ ParsedScript parseKeyScriptSteps(const QString& text);
 ParsedScript parseScriptFile(const QByteArray& content);
 /// Reads and parses a script file.
 ParsedScript loadKeyScript(const QString& path);
+/// The line of a step, without its time and its keyboard.
+QString writeStep(const ScriptStep& step);
 /// `script` as text, which parses to an equal script.
 QString writeKeyScript(const KeyScript& script);

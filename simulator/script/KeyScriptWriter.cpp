@@ -7,6 +7,30 @@
 
 namespace {
 
+QStringList wordsOf(const ScriptStep& step)
+{
+    switch (step.kind) {
+    case ScriptStep::Kind::Heading:
+        return {QStringLiteral("##"), step.text};
+    case ScriptStep::Kind::Press:
+        return {QStringLiteral("press"), step.text};
+    case ScriptStep::Kind::Release:
+        return {QStringLiteral("release"), step.text};
+    case ScriptStep::Kind::Record:
+        return {QStringLiteral("record"), QString::number(step.record.type),
+                QString::number(step.record.code), QString::number(step.record.value)};
+    case ScriptStep::Kind::State:
+        return {QStringLiteral("state"), step.text};
+    case ScriptStep::Kind::Service:
+        return QStringList(QStringLiteral("service")) + ServiceWords::wordsOf(step.service);
+    case ScriptStep::Kind::Command:
+        return QStringList(QStringLiteral("command")) + CommandWords::wordsOf(step.command);
+    case ScriptStep::Kind::Console:
+        return {QStringLiteral("console"), step.text};
+    }
+    return {};
+}
+
 /// Writes a script line by line, with a `wait` where time passes.
 class Writer
 {
@@ -14,7 +38,9 @@ public:
     void writeHeader(const KeyScript& script)
     {
         if (script.recorded) {
-            line({QStringLiteral("recorded")});
+            line(script.hasOnlyAnnouncements
+                     ? QStringList{QStringLiteral("recorded"), QStringLiteral("announcements")}
+                     : QStringList{QStringLiteral("recorded")});
         }
         line({QStringLiteral("model"), script.model});
         line({QStringLiteral("state"), script.initialState});
@@ -57,30 +83,6 @@ public:
     QString text() const { return m_text; }
 
 private:
-    static QStringList wordsOf(const ScriptStep& step)
-    {
-        switch (step.kind) {
-        case ScriptStep::Kind::Heading:
-            return {QStringLiteral("##"), step.text};
-        case ScriptStep::Kind::Press:
-            return {QStringLiteral("press"), step.text};
-        case ScriptStep::Kind::Release:
-            return {QStringLiteral("release"), step.text};
-        case ScriptStep::Kind::Record:
-            return {QStringLiteral("record"), QString::number(step.record.type),
-                    QString::number(step.record.code), QString::number(step.record.value)};
-        case ScriptStep::Kind::State:
-            return {QStringLiteral("state"), step.text};
-        case ScriptStep::Kind::Service:
-            return QStringList(QStringLiteral("service")) + ServiceWords::wordsOf(step.service);
-        case ScriptStep::Kind::Command:
-            return QStringList(QStringLiteral("command")) + CommandWords::wordsOf(step.command);
-        case ScriptStep::Kind::Console:
-            return {QStringLiteral("console"), step.text};
-        }
-        return {};
-    }
-
     void line(const QStringList& words) { m_text += words.join(' ') + '\n'; }
 
     QString m_text;
@@ -89,6 +91,11 @@ private:
 };
 
 } // namespace
+
+QString writeStep(const ScriptStep& step)
+{
+    return wordsOf(step).join(' ');
+}
 
 QString writeKeyScript(const KeyScript& script)
 {

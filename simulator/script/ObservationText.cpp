@@ -109,6 +109,11 @@ QString answer(const QVariantMap& response)
     return words.join(' ');
 }
 
+bool isAnnouncement(const QString& text)
+{
+    return text.startsWith(QLatin1String("announce "));
+}
+
 bool isLogLine(const QString& text)
 {
     return text.startsWith(logWord);

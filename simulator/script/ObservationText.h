@@ -25,4 +25,7 @@ QString answer(const QVariantMap& response);
 /// relative to other observations is not fixed.
 bool isLogLine(const QString& text);
 
+/// Whether `text` is a notification of the keyboard service.
+bool isAnnouncement(const QString& text);
+
 } // namespace ObservationText

@@ -67,13 +67,18 @@ QString unexpected(const Observation& observation)
     return QStringLiteral("unexpected  ") + format(observation);
 }
 
-Observations filtered(const Observations& all, bool log)
+template <typename IsTaken>
+Observations filtered(const Observations& all, IsTaken isTaken)
 {
     Observations part;
-    std::copy_if(all.begin(), all.end(), std::back_inserter(part), [log](const Observation& observation) {
-        return ObservationText::isLogLine(observation.text) == log;
-    });
+    std::copy_if(all.begin(), all.end(), std::back_inserter(part),
+                 [&](const Observation& observation) { return isTaken(observation.text); });
     return part;
+}
+
+bool isNoLogLine(const QString& text)
+{
+    return !ObservationText::isLogLine(text);
 }
 
 /// Finds expected observations in a chronological list by binary search.
@@ -143,12 +148,19 @@ QStringList difference(const KeyScript& script, const Observations& observed, Cl
     const auto isCompared = [&](const Observation& observation) {
         return observation.at < rules.comparedUntil;
     };
+    if (script.hasOnlyAnnouncements) {
+        const auto& isTaken = ObservationText::isAnnouncement;
+        return compare(filtered(script.expectations, isTaken), filtered(observed, isTaken), rules,
+                       isCompared);
+    }
     if (!rules.isLogSeparate) {
         return compare(script.expectations, observed, rules, isCompared);
     }
     const auto never = [](const Observation&) { return false; };
-    return compare(filtered(script.expectations, false), filtered(observed, false), rules, isCompared) +
-           compare(filtered(script.expectations, true), filtered(observed, true), rules, never);
+    const auto& isLogLine = ObservationText::isLogLine;
+    return compare(filtered(script.expectations, isNoLogLine), filtered(observed, isNoLogLine), rules,
+                   isCompared) +
+           compare(filtered(script.expectations, isLogLine), filtered(observed, isLogLine), rules, never);
 }
 
 } // namespace Transcript

@@ -69,6 +69,7 @@ private Q_SLOTS:
     void everyFaultyLineIsReported();
     void typedLinesHaveNoHeader();
     void aWrittenScriptParsesToTheSame();
+    void aRecordingIsMarked_data();
     void aRecordingIsMarked();
     void anUnreadableFileIsRefused();
     void anOverlongFileIsRefused();
@@ -277,7 +278,7 @@ void KeyScriptTest::faultsAreExplained_data()
     QTest::newRow("late header") << "press Up\nmodel Orvane"
                                  << "2: \"model\" must come before the first step.";
     QTest::newRow("recorded with a word") << "recorded today"
-                                          << "1: Write it as: recorded";
+                                          << "1: Write it as: recorded [announcements]";
     QTest::newRow("late recorded") << "wait 0\nrecorded"
                                    << "2: \"recorded\" must come before the first step.";
     QTest::newRow("unknown model") << "model Moo"
@@ -412,12 +413,22 @@ void KeyScriptTest::aWrittenScriptParsesToTheSame()
     QCOMPARE(writeKeyScript(parsed.script), text);
 }
 
+void KeyScriptTest::aRecordingIsMarked_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<bool>("hasOnlyAnnouncements");
+    QTest::newRow("everything") << "recorded\n" << false;
+    QTest::newRow("announcements only") << "recorded announcements\n" << true;
+}
+
 void KeyScriptTest::aRecordingIsMarked()
 {
-    const QString text = QStringLiteral("recorded\nmodel Pellit\nstate Idle\ndevice 0\npress Up\n");
+    QFETCH(QString, line);
+    const QString text = line + QStringLiteral("model Pellit\nstate Idle\ndevice 0\npress Up\n");
     const ParsedScript parsed = parseKeyScript(text);
     QCOMPARE(firstFault(parsed), QString());
     QVERIFY(parsed.script.recorded);
+    QTEST(parsed.script.hasOnlyAnnouncements, "hasOnlyAnnouncements");
     QCOMPARE(writeKeyScript(parsed.script), text);
     QVERIFY(!parseKeyScript(QStringLiteral("press Up")).script.recorded);
 }

@@ -64,6 +64,7 @@ private Q_SLOTS:
     void observationsAfterTheEndOfARecordingAreIgnored();
     void theLogOfARecordingIsComparedSeparately_data() { equalObservationsHaveNoDifference_data(); }
     void theLogOfARecordingIsComparedSeparately();
+    void aRecordingOfAnnouncementsIsComparedWithoutSpeechAnswersAndLog();
 };
 
 void TranscriptTest::equalObservationsHaveNoDifference_data()
@@ -237,6 +238,25 @@ void TranscriptTest::theLogOfARecordingIsComparedSeparately()
     QCOMPARE(recordedDifference({{0ms, "log refused"}, {0ms, "cancel"}}, observed, clock), QStringList());
     QCOMPARE(recordedDifference({{0ms, "log absent"}, {0ms, "cancel"}}, observed, clock),
              QStringList("missing     0 ms: log absent"));
+}
+
+void TranscriptTest::aRecordingOfAnnouncementsIsComparedWithoutSpeechAnswersAndLog()
+{
+    KeyScript script;
+    script.recorded = true;
+    script.hasOnlyAnnouncements = true;
+    script.end = 10s;
+    script.expectations = {{100ms, "announce A B C"}};
+    const Observations other{
+        {90ms, "speak EmbosserCore 24"}, {95ms, "cancel"}, {96ms, "answer resultId=Success"}};
+    for (const Clock clock : {Clock::Virtual, Clock::Real}) {
+        QCOMPARE(Transcript::difference(script, other + script.expectations, clock), QStringList());
+        QCOMPARE(Transcript::difference(script, other, clock),
+                 QStringList("missing     100 ms: announce A B C"));
+        QCOMPARE(Transcript::difference(script, script.expectations + Observations{{200ms, "announce D E F"}},
+                                        clock),
+                 QStringList("unexpected  200 ms: announce D E F"));
+    }
 }
 
 QTEST_APPLESS_MAIN(TranscriptTest)
