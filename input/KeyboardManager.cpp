@@ -24,9 +24,6 @@ using libtranslation::Sid::EmbosserMenu;
 
 namespace {
 
-const QString firstDeviceNode = QStringLiteral("/dev/input/event0");
-const QString secondDeviceNode = QStringLiteral("/dev/input/event1");
-
 QVariantMap withInterval(QVariantMap list)
 {
     list.insert(ls::keyTimeouts, static_cast<int>(KeyRules::singleKeyInterval.count()));
@@ -159,8 +156,8 @@ void KeyboardManager::openDevices()
             LOG_WARNING() << "Device is already opened!";
         }
     }
-    m_firstDevice.setDevice(firstDeviceNode);
-    m_secondDevice.setDevice(secondDeviceNode);
+    m_firstDevice.setDevice(vocabulary::firstDeviceNode);
+    m_secondDevice.setDevice(vocabulary::secondDeviceNode);
     for (Keyboard* device : {&m_firstDevice, &m_secondDevice}) {
         if (device->open()) {
             connect(device, &Keyboard::event, this, &KeyboardManager::onKeyEvent);

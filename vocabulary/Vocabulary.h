@@ -15,6 +15,10 @@ namespace vocabulary {
 /// Marks a missing error, state or receiver, and a key without an identifier.
 inline const QString undefined = QStringLiteral("Undefined");
 
+/// The nodes of the front panel's two input devices.
+inline const QString firstDeviceNode = QStringLiteral("/dev/input/event0");
+inline const QString secondDeviceNode = QStringLiteral("/dev/input/event1");
+
 inline const QString dataDirectory = QStringLiteral("/var/lib/keyboard-handler");
 /// Belongs to the files of a device, but this daemon does not read it.
 inline const QString keyListFile = QStringLiteral("keyList.json");
