@@ -29,6 +29,23 @@ Measurements::Programs makePrograms()
     return programs;
 }
 
+/// The daemon alone, next to the recorder, and next to the recorder and the monitor, in turns.
+void measureWatched(const Measurements::Extent& extent, Measurements::Figures& figures)
+{
+    Measurements::Programs programs;
+    for (const char* name : {"daemonAlone", "daemonRecorded", "daemonWatched"}) {
+        programs.push_back(
+            std::make_unique<MeasuredProgram>(QLatin1String(name), QLatin1String(KEYBOARD_HANDLER_DAEMON)));
+        programs.back()->start();
+    }
+    // As its unit runs it: only when no other process wants to run.
+    const QStringList recorder{"chrt", "--idle", "0", KEYBOARD_HANDLERCTL, "record", "--serve"};
+    programs.at(1)->watch(recorder);
+    programs.at(2)->watch(recorder);
+    programs.at(2)->watch({KEYBOARD_HANDLERCTL, "monitor", "--why"});
+    Measurements::keys(programs, extent, figures);
+}
+
 QJsonObject measure(const Measurements::Extent& extent)
 {
     Measurements::Programs programs = makePrograms();
@@ -47,6 +64,7 @@ QJsonObject measure(const Measurements::Extent& extent)
     }
     Measurements::waiting(daemon, extent, figures);
     Measurements::instructions(programs, extent, figures);
+    measureWatched(extent, figures);
 
     QJsonObject result;
     for (auto program = figures.cbegin(); program != figures.cend(); ++program) {

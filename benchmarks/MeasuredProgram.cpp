@@ -78,6 +78,11 @@ DeviceOptions printingDevice()
     return options;
 }
 
+QByteArray bytesOf(const Report& report)
+{
+    return {reinterpret_cast<const char*>(&report), int(sizeof report)};
+}
+
 void write(int device, const Report& report)
 {
     require(::write(device, &report, sizeof report) == sizeof report,
@@ -108,6 +113,7 @@ MeasuredProgram::MeasuredProgram(const QString& name, const QString& executable)
 
 MeasuredProgram::~MeasuredProgram()
 {
+    m_watchers.clear();
     m_process.stop();
     ::close(m_input);
 }
@@ -158,14 +164,25 @@ qint64 MeasuredProgram::stopCounting()
     return m_instructions;
 }
 
+void MeasuredProgram::watch(const QStringList& command)
+{
+    m_watchers.push_back(std::make_unique<Watcher>(command, m_folder, m_bus.address()));
+}
+
 void MeasuredProgram::press()
 {
     write(m_input, pressed);
+    for (const auto& watcher : m_watchers) {
+        watcher->write(bytesOf(pressed));
+    }
 }
 
 void MeasuredProgram::release()
 {
     write(m_input, released);
+    for (const auto& watcher : m_watchers) {
+        watcher->write(bytesOf(released));
+    }
 }
 
 int MeasuredProgram::tap(int maxKeys)

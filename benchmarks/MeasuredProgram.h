@@ -3,6 +3,7 @@
 
 #include "benchmarks/OtherServices.h"
 #include "benchmarks/ReadinessSocket.h"
+#include "benchmarks/Watcher.h"
 #include "simulator/device/BusDaemon.h"
 #include "simulator/device/DaemonProcess.h"
 #include "simulator/device/DeviceFolder.h"
@@ -11,6 +12,7 @@
 
 #include <chrono>
 #include <memory>
+#include <vector>
 
 /// A program that announces keys, on a separate device in the state Print, where every release is announced
 /// at once and nothing is spoken. All functions throw if the program misbehaves.
@@ -41,6 +43,9 @@ public:
     /// Ends the program that was started under callgrind and returns its number of instructions.
     qint64 stopCounting();
 
+    /// Starts a command that reads the same keys next to the running program, until its destruction.
+    void watch(const QStringList& command);
+
     void press();
     void release();
     /// Presses and releases up to `maxKeys` keys, as far as the input device has room. Returns the number of
@@ -66,6 +71,7 @@ private:
     std::unique_ptr<ReadinessSocket> m_readiness;
     std::unique_ptr<OtherServices> m_services;
     DaemonProcess m_process;
+    std::vector<std::unique_ptr<Watcher>> m_watchers;
     int m_input = -1;
     qint64 m_instructions = -1;
 };

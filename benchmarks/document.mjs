@@ -4,9 +4,9 @@
 import { readFileSync, writeFileSync } from 'node:fs';
 
 const [documentPath, reportPath] = process.argv.slice(2);
-// The machine and the table of the device, then that of the router.
-const [machine, device, router] = readFileSync(reportPath, 'utf8').trim().split('\n\n');
-const figures = { device: `${machine}\n\n${device}`, router };
+// The machine and the table of the device, then those of the router, of the model and of the watched daemon.
+const [machine, device, router, searches, steps, watched] = readFileSync(reportPath, 'utf8').trim().split('\n\n');
+const figures = { device: `${machine}\n\n${device}`, router, model: `${searches}\n\n${steps}`, watched };
 
 let text = readFileSync(documentPath, 'utf8');
 for (const [name, table] of Object.entries(figures)) {

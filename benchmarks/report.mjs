@@ -1,13 +1,21 @@
 // SPDX-License-Identifier: MIT
-// report.mjs DEVICE ROUTER RESULT: prints the figures of device-benchmark and router-benchmark as tables, with the
-// daemon's goals relative to the references, and writes them to the file RESULT as JSON.
+// report.mjs DEVICE ROUTER MODEL RESULT: prints the figures of device-benchmark, router-benchmark and model-benchmark as
+// tables, with the daemon's goals relative to the references, and writes them to the file RESULT as JSON.
 import { readFileSync, writeFileSync } from 'node:fs';
 import os from 'node:os';
 
 const programs = ['daemon', 'relayingQt', 'minimalQt', 'minimalSdBus'];
 const events = ['press', 'release', 'repeat', 'shortcut'];
+// The searches of the model, and what they are called.
+const searches = {
+    oneRecogniserAtATime: 'one recogniser at a time',
+    allRecognisers: 'all recognisers at once',
+    verdicts: 'proof of each row',
+};
+const [modelStep, daemonStep] = ['stepOfTheModel', 'stepOfTheDaemon'];
 
 const count = value => Math.round(value).toLocaleString('en-US');
+const us3 = ns => `${(ns / 1000).toFixed(3)} µs`;
 const us = value => `${value.toFixed(0)} µs`;
 const ms = value => `${(value / 1000).toFixed(2)} ms`;
 const kib = value => `${value} KiB`;
@@ -66,9 +74,30 @@ function deviceTable(measured) {
     );
 }
 
-/// Nanoseconds of each event by the number of rows, the median of the repetitions.
-function routerCosts(benchmarks) {
-    const costs = Object.fromEntries(events.map(event => [event, {}]));
+/// The daemon with the tools of a technician running, against the daemon without them.
+function watchedRatios({ daemonAlone, ...others }) {
+    return Object.entries({ p50: 1.1, p99: 1.5 }).map(([quantile, limit]) => {
+        const alone = daemonAlone.keyUs[quantile];
+        const values = ['daemonRecorded', 'daemonWatched'].map(name => others[name].keyUs[quantile]);
+        const ratios = values.map(value => value / alone);
+        return { figure: `release to announcement, ${quantile}`, alone, values, limit, ratios };
+    });
+}
+
+function watchedTable(rows) {
+    return table(
+        ['', 'daemon alone', 'with recorder', 'with recorder and monitor', 'goal'],
+        rows.map(({ figure, alone, values, limit, ratios }) => [
+            figure,
+            ...[alone, ...values].map(us),
+            `${limit} × alone: ${ratios.map(ratio => `${ratio <= limit ? 'met' : 'not met'} (${ratio.toFixed(2)})`).join(', ')}`,
+        ]),
+    );
+}
+
+/// Nanoseconds of each benchmark by the number of rows, the median of the repetitions.
+function costsOf(benchmarks) {
+    const costs = {};
     for (const {
         run_type: type,
         aggregate_name: aggregate,
@@ -77,8 +106,9 @@ function routerCosts(benchmarks) {
         cpu_time: time,
     } of benchmarks) {
         if (aggregate === 'median' || (type === 'iteration' && repetitions === 1)) {
-            const [event, length] = name.split('/');
-            costs[event][length] = time;
+            const [benchmark, length] = name.split('/');
+            costs[benchmark] ??= {};
+            costs[benchmark][length] = time;
         }
     }
     return costs;
@@ -94,16 +124,51 @@ function routerTable(costs) {
     );
 }
 
+function modelTable(costs) {
+    return table(
+        ['rows', ...Object.values(searches)],
+        Object.keys(costs.verdicts).map(length => [
+            count(Number(length)),
+            ...Object.keys(searches).map(search =>
+                costs[search]?.[length] === undefined ? '' : `${(costs[search][length] / 1e6).toFixed(1)} ms`,
+            ),
+        ]),
+    );
+}
+
+function stepTable(costs) {
+    return table(
+        ['rows', 'step of the model', 'the same step of the daemon', 'ratio'],
+        Object.keys(costs[modelStep]).map(length => {
+            const [own, reference] = [costs[modelStep][length], costs[daemonStep][length]];
+            return [count(Number(length)), us3(own), us3(reference), (own / reference).toFixed(2)];
+        }),
+    );
+}
+
 function machine() {
     const system = /^PRETTY_NAME="(.*)"$/m.exec(readFileSync('/etc/os-release', 'utf8'))[1];
     return `${os.cpus().length} × ${os.cpus()[0].model}, ${system}, Linux ${os.release()}, load ${os.loadavg()[0].toFixed(1)}`;
 }
 
-const [devicePath, routerPath, resultPath] = process.argv.slice(2);
+const [devicePath, routerPath, modelPath, resultPath] = process.argv.slice(2);
 const figures = JSON.parse(readFileSync(devicePath));
 const measured = rows.map(row => measure(figures, row));
-const router = routerCosts(JSON.parse(readFileSync(routerPath)).benchmarks);
+const router = costsOf(JSON.parse(readFileSync(routerPath)).benchmarks);
+const costs = costsOf(JSON.parse(readFileSync(modelPath)).benchmarks);
+const model = Object.fromEntries(Object.entries(searches).map(([search, name]) => [name, costs[search] ?? {}]));
 const goals = measured.flatMap(({ name, goals }) => goals.map(goal => ({ figure: name, ...goal })));
 
-console.log(`${machine()}\n\n${deviceTable(measured)}\n\n${routerTable(router)}`);
-writeFileSync(resultPath, JSON.stringify({ machine: machine(), figures, goals, router }, null, 2));
+const watched = watchedRatios(figures);
+
+console.log(
+    [
+        machine(),
+        deviceTable(measured),
+        routerTable(router),
+        modelTable(costs),
+        stepTable(costs),
+        watchedTable(watched),
+    ].join('\n\n'),
+);
+writeFileSync(resultPath, JSON.stringify({ machine: machine(), figures, goals, router, model, watched }, null, 2));
