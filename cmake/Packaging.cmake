@@ -60,9 +60,12 @@ debian_package(development keyboard-handler-dev libdevel "client libraries of an
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "qtbase5-dev, libsystemd-dev")
 
 if(KEYBOARD_HANDLER_TOOLS)
-  debian_package(tools keyboard-handler-tools devel "checks of key lists for a braille embosser"
-    "Finds mistakes in key lists, proves which of their rows keys can announce, and\nexplains what keys do. Needs no device.")
+  debian_package(tools keyboard-handler-tools devel "tools for the front-panel keys of a braille embosser"
+    "keyboard-handler-keys finds mistakes in key lists, proves which of their rows\nkeys can announce, and explains what keys do. It needs no device.\nkeyboard-handlerctl looks at the keys of a running device and sends commands.")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${program_libraries}")
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_CONTROL_EXTRA
+      ${PROJECT_SOURCE_DIR}/packaging/debian/tools/postinst ${PROJECT_SOURCE_DIR}/packaging/debian/tools/prerm
+      ${PROJECT_SOURCE_DIR}/packaging/debian/tools/postrm)
 endif()
 
 if(KEYBOARD_HANDLER_SIMULATOR)

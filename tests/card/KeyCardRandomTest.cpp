@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int seeds = 400;
+constexpr int seeds = 200;
 constexpr int chains = 100;
 constexpr int inputs = 120;
 

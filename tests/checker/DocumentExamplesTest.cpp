@@ -112,8 +112,10 @@ class DocumentExamplesTest : public QObject
 private Q_SLOTS:
     void examplesOfTheGuide();
     void examplesOfTheManualPage();
+    void examplesOfTheDiagnosis();
 
 private:
+    static void copyInstalledLists(const QString& folder);
     static void play(const QVector<Example>& examples, const QString& folder);
 };
 
@@ -137,14 +139,30 @@ void DocumentExamplesTest::examplesOfTheGuide()
     play(examplesOfDocument(QStringLiteral("docs/first-key-list.md")), folder.path());
 }
 
+void DocumentExamplesTest::copyInstalledLists(const QString& folder)
+{
+    const QDir lists(QStringLiteral(PROJECT_FOLDER "/data"));
+    for (const QString& name : lists.entryList({QStringLiteral("*KeyList.json")})) {
+        QVERIFY(QFile::copy(lists.filePath(name), QDir(folder).filePath(name)));
+    }
+}
+
 void DocumentExamplesTest::examplesOfTheManualPage()
 {
     const QTemporaryDir folder;
-    const QDir lists(QStringLiteral(PROJECT_FOLDER "/data"));
-    for (const QString& name : lists.entryList({QStringLiteral("*KeyList.json")})) {
-        QVERIFY(QFile::copy(lists.filePath(name), folder.filePath(name)));
-    }
+    copyInstalledLists(folder.path());
     play(examplesOfPage(QStringLiteral("packaging/man/keyboard-handler-keys.1.in")), folder.path());
+}
+
+/// The other examples of that document need a device.
+void DocumentExamplesTest::examplesOfTheDiagnosis()
+{
+    const QTemporaryDir folder;
+    copyInstalledLists(folder.path());
+    QVector<Example> examples = examplesOfDocument(QStringLiteral("docs/key-does-nothing.md"));
+    const auto isOther = [](const Example& example) { return example.language != consoleLanguage; };
+    examples.erase(std::remove_if(examples.begin(), examples.end(), isOther), examples.end());
+    play(examples, folder.path());
 }
 
 QTEST_GUILESS_MAIN(DocumentExamplesTest)

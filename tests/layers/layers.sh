@@ -23,9 +23,9 @@ if ! grep -rqE '^ *# *include *[<"](QDBus)' --include='*.cpp' platform; then
 fi
 
 forbid "the platform must not include the daemon" \
-    "(app|service|input|keys|device|console|vocabulary|model|card|checker|simulator|workbench|tests)/" platform
-forbid "the daemon must not include the model, the key card, the checker, the simulator, the workbench and the tests" \
-    "(model|card|checker|simulator|workbench|tests)/" app service input keys device console vocabulary
+    "(app|service|input|keys|device|console|vocabulary|model|card|checker|control|simulator|workbench|tests)/" platform
+forbid "the daemon must not include the model, the key card, the checker, the control program, the simulator, the workbench and the tests" \
+    "(model|card|checker|control|simulator|workbench|tests)/" app service input keys device console vocabulary
 forbid "only service/ and platform/ use the bus" "QDBus|QtDBus" app input keys device console vocabulary
 forbid "only input/ and platform/ls/ use input records" "linux/input" app service keys device console vocabulary \
     platform/vantre platform/servicewatcher platform/speech platform/translation platform/configurationmanager
@@ -35,18 +35,20 @@ forbid "key rows and recognisers may include only the vocabulary and the speech"
 forbid "device/ may include only the vocabulary" "(app|service|input|keys|console)/" device
 forbid "an input device may include only the vocabulary" "(app|service|keys|device|console)/" input/Keyboard.h input/Keyboard.cpp
 forbid "the model may include only the vocabulary, the key lists, the rules of keys and Qt Core" \
-    "(app|service|input|device|console|card|checker|simulator|workbench|tests)/|keys/(LongKey|ModifierKey|ShortcutKey)|QDBus|Qt[A-Z][a-z]+/|(linux|sys)/|[a-z_]+\\.h>" model
+    "(app|service|input|device|console|card|checker|control|simulator|workbench|tests)/|keys/(LongKey|ModifierKey|ShortcutKey)|QDBus|Qt[A-Z][a-z]+/|(linux|sys)/|[a-z_]+\\.h>" model
 forbid "the key card may include only the vocabulary, the key lists, the rules of keys and the model" \
-    "(app|service|input|device|console|checker|simulator|workbench|tests)/|keys/(LongKey|ModifierKey|ShortcutKey)|QDBus|Qt[A-Z][a-z]+/|(linux|sys)/|[a-z_]+\\.h>" card
+    "(app|service|input|device|console|checker|control|simulator|workbench|tests)/|keys/(LongKey|ModifierKey|ShortcutKey)|QDBus|Qt[A-Z][a-z]+/|(linux|sys)/|[a-z_]+\\.h>" card
 forbid "the checker may include only the vocabulary, the key lists, the rules of keys, the model, the key card and key scripts" \
-    "(app|service|input|device|console|workbench|tests)/|simulator/(panel|device)/|keys/(LongKey|ModifierKey|ShortcutKey)|QDBus|linux/" checker
+    "(app|service|input|device|console|control|workbench|tests)/|simulator/(panel|device)/|keys/(LongKey|ModifierKey|ShortcutKey)|QDBus|linux/" checker
+forbid "the control program may include only the vocabulary, the key lists, the rules of keys, the model, the key card, the checker and key scripts" \
+    "(app|service|input|device|console|workbench|tests)/|simulator/(panel|device)/|keys/(LongKey|ModifierKey|ShortcutKey)" control
 forbid "the simulator may include only the vocabulary, the key lists, the rules of keys and the model" \
     "(app|service|input|device|console)/|keys/(LongKey|ModifierKey|ShortcutKey)" simulator
-forbid "the simulator must not include the key card, the checker, the workbench and the tests" "(card|checker|workbench|tests)/" simulator
+forbid "the simulator must not include the key card, the checker, the control program, the workbench and the tests" "(card|checker|control|workbench|tests)/" simulator
 forbid "key scripts must not include the panel and the device" "simulator/(panel|device)/" simulator/script
 forbid "the panel may include only key scripts" "simulator/device/" simulator/panel
 forbid "the workbench may include only the vocabulary, the key lists, the rules of keys, the model, the key card and the checker" \
-    "(app|service|input|device|console|tests)/|keys/(LongKey|ModifierKey|ShortcutKey)" workbench
+    "(app|service|input|device|console|control|tests)/|keys/(LongKey|ModifierKey|ShortcutKey)" workbench
 forbid "only the web server of the workbench may include the checker" "checker/" workbench/session workbench/braille \
     workbench/terminal
 forbid "a session may include only the simulator and the model" "card/|workbench/(braille|web|terminal)/" workbench/session

@@ -133,6 +133,8 @@ void DBusGuideTest::startExample(ChildProcess& process, const QString& command)
 {
     QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
     variables.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), device().bus().address());
+    variables.insert(QStringLiteral("PATH"),
+                     QStringLiteral(CONTROL_PROGRAM_FOLDER ":") + variables.value(QStringLiteral("PATH")));
     process.setProcessEnvironment(variables);
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), QStringLiteral("exec ") + command});

@@ -36,6 +36,7 @@ contains usr/share/dbus-1/system.d/org.example.KeyboardHandler.conf '<policy gro
 contains usr/lib/systemd/system/keyboard-handler.service 'User=panel-keys'
 contains usr/lib/systemd/system/keyboard-handler.service 'After=dbus.service states.service voice.service'
 contains usr/lib/sysusers.d/keyboard-handler.conf 'm panel-keys printer-services'
+contains usr/lib/sysusers.d/keyboard-handler.conf 'm panel-keys-recorder panel-keys'
 contains usr/lib/tmpfiles.d/keyboard-handler.conf 'root printer-services'
 contains usr/lib/udev/rules.d/71-keyboard-handler.rules 'ATTRS{name}=="right-panel"'
 contains usr/lib/udev/rules.d/71-keyboard-handler.rules 'GROUP="panel-keys"'

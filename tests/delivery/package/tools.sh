@@ -18,4 +18,15 @@ expect "check" in_root bash -c '. /usr/share/bash-completion/completions/keyboar
     COMP_WORDS=(keyboard-handler-keys ch) COMP_CWORD=1
     _keyboard_handler_keys
     echo "${COMPREPLY[@]}"'
+
+# The recorder is off and well confined, and can only read the panel.
+expect "disabled" in_root sh -c 'systemctl is-enabled keyboard-handler-recorder.service || true'
+in_root systemd-analyze security --offline=yes --threshold=10 keyboard-handler-recorder.service >"$folder/security" ||
+    fail "the recorder is not confined enough: $(tail -n 1 "$folder/security")"
+# shellcheck disable=SC2016,SC2046,SC2005
+expect "DeviceAllow=/dev/input/event0 r DeviceAllow=/dev/input/event1 r" in_root sh -c \
+    'echo $(grep ^DeviceAllow= /lib/systemd/system/keyboard-handler-recorder.service)'
+in_root systemctl enable keyboard-handler-recorder.service >/dev/null 2>&1
+
 in_root dpkg --purge keyboard-handler-tools >/dev/null
+expect "" in_root sh -c 'find /etc/systemd -name "keyboard-handler-recorder*"'

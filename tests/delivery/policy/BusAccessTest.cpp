@@ -124,13 +124,15 @@ QDBusMessage commandCall(const QString& name, QVariantMap parameters = {})
 } // namespace
 
 /// Checks each user's access to the daemon over the bus in each state. Runs as root with the users of
-/// bus-policy.sh; its arguments are the daemon's executable and those of QtTest.
+/// bus-policy.sh; its arguments are the daemon's executable, keyboard-handlerctl and those of QtTest.
 class BusAccessTest : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit BusAccessTest(const QString& daemon) : m_daemonPath(daemon) {}
+    BusAccessTest(const QString& daemon, const QString& control)
+        : m_daemonPath(daemon), m_controlPath(control)
+    {}
 
 private Q_SLOTS:
     void initTestCase();
@@ -140,6 +142,8 @@ private Q_SLOTS:
     void everythingElse();
     void theSignal_data();
     void theSignal();
+    void theControlProgram_data();
+    void theControlProgram();
     void cleanupTestCase();
 
 private:
@@ -152,6 +156,7 @@ private:
     void release(const QString& key);
 
     QString m_daemonPath;
+    QString m_controlPath;
     std::map<QString, std::unique_ptr<BusConnection>> m_connections;
     StateHandlerStandIn m_stateHandler;
     ChildProcess m_daemon;
@@ -305,6 +310,35 @@ void BusAccessTest::theSignal()
     }
 }
 
+void BusAccessTest::theControlProgram_data()
+{
+    QTest::addColumn<QString>("user");
+    for (const QString& user : users) {
+        QTest::newRow(qPrintable(user)) << user;
+    }
+}
+
+void BusAccessTest::theControlProgram()
+{
+    QFETCH(QString, user);
+    ChildProcess program;
+    program.start(QStringLiteral("setpriv"),
+                  {QStringLiteral("--reuid"), user, QStringLiteral("--init-groups"), m_controlPath,
+                   QStringLiteral("test"), QStringLiteral("result")});
+    WAIT_FOR_EQUAL(program.state(), QProcess::NotRunning);
+    const QString error = QString::fromUtf8(program.readAllStandardError());
+    if (callers.contains(user)) {
+        QCOMPARE(error, QString());
+        QCOMPARE(program.exitCode(), 0);
+    } else {
+        QCOMPARE(error,
+                 QStringLiteral("The bus does not let you send commands. Run this as root, or become a "
+                                "member of the group embosser-services (sudo adduser \"$USER\" "
+                                "embosser-services) and log in again.\n"));
+        QCOMPARE(program.exitCode(), 4);
+    }
+}
+
 void BusAccessTest::cleanupTestCase()
 {
     if (QTest::currentTestFailed()) {
@@ -353,7 +387,8 @@ void BusAccessTest::release(const QString& key)
 int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);
-    BusAccessTest test(QCoreApplication::arguments().value(1));
-    return QTest::qExec(&test, argc - 1, argv + 1);
+    const QStringList arguments = QCoreApplication::arguments();
+    BusAccessTest test(arguments.value(1), arguments.value(2));
+    return QTest::qExec(&test, argc - 2, argv + 2);
 }
 #include "BusAccessTest.moc"

@@ -2,9 +2,9 @@
 # SPDX-License-Identifier: MIT
 # Tests the installed bus policy on a real bus daemon. Creates private users, which requires root; for an ordinary user,
 # they are mapped from /etc/subuid.
-# Usage: bus-policy.sh DAEMON RULES TEST BUS_PREFIX; TEST is the program BusAccessTest
+# Usage: bus-policy.sh DAEMON RULES TEST BUS_PREFIX CONTROL; TEST is the program BusAccessTest, CONTROL keyboard-handlerctl
 set -eu
-daemon=$1 rules=$2 walker=$3 prefix=$4
+daemon=$1 rules=$2 walker=$3 prefix=$4 control=$5
 name=$prefix.KeyboardHandler other_name=$prefix.StateHandler
 
 if [ "$(id -u)" -ne 0 ]; then
@@ -50,7 +50,8 @@ END
         --tmpfs /usr/share/dbus-1/system.d --ro-bind "$rules" "/usr/share/dbus-1/system.d/$name.conf" \
         --ro-bind "$folder/other.conf" /usr/share/dbus-1/system.d/other.conf \
         --ro-bind "$0" /tmp/test --ro-bind "$daemon" /tmp/daemon --ro-bind "$walker" /tmp/walker \
-        -- /tmp/test /tmp/daemon - /tmp/walker "$prefix"
+        --ro-bind "$control" /tmp/keyboard-handlerctl \
+        -- /tmp/test /tmp/daemon - /tmp/walker "$prefix" /tmp/keyboard-handlerctl
     exit 0
 fi
 
@@ -65,4 +66,4 @@ until [ -S /run/dbus/system_bus_socket ]; do
     [ $tries -lt 100 ] || { cat /tmp/bus.log; exit 1; }
     sleep 0.1
 done
-/tmp/walker /tmp/daemon || { tail -n 8 /tmp/bus.log; exit 1; }
+/tmp/walker /tmp/daemon "$control" || { tail -n 8 /tmp/bus.log; exit 1; }
