@@ -3,6 +3,7 @@ import { AssertionError } from 'node:assert/strict';
 import { setTimeout as delay } from 'node:timers/promises';
 
 const reminderTime = 10000;
+const retryTime = 100; // shorter ones take much time of the processor
 
 /// Prints at intervals, until the returned function is called, what `missing` says is waited for.
 export function remind(missing) {
@@ -25,7 +26,7 @@ export async function eventually(check) {
                 }
                 last = fault.stack;
             }
-            await delay(20);
+            await delay(retryTime);
         }
     } finally {
         stop();
