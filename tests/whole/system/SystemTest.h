@@ -55,6 +55,8 @@ private Q_SLOTS:
     void cleanup();
 
 private:
+    /// The difference between the script and what was observed until now.
+    QStringList differenceTo(const KeyScript& script) const;
     int menuAnnouncements() const;
     QStringList sanitizerReports() const;
     void showEnd() const;
