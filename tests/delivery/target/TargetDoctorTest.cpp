@@ -10,7 +10,7 @@
 
 namespace {
 
-const QString doctorLine = QStringLiteral("/usr/lib/keyboard-handler-tests/keyboard-handlerctl doctor");
+const QString doctorLine = QStringLiteral("/usr/bin/keyboard-handlerctl doctor");
 
 /// What `doctor` prints to root.
 QString doctor()
