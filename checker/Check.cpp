@@ -157,4 +157,13 @@ CheckResult check(const ListSources& sources, const CheckOptions& options)
     return result;
 }
 
+CheckResult firstOfEachKind(CheckResult result, int maxAlike)
+{
+    QHash<QString, int> counts; // by ids
+    const auto isOver = [&](const Finding& finding) { return ++counts[finding.id] > maxAlike; };
+    auto& findings = result.findings;
+    findings.erase(std::remove_if(findings.begin(), findings.end(), isOver), findings.end());
+    return result;
+}
+
 } // namespace checker

@@ -48,4 +48,7 @@ struct CheckResult
 
 CheckResult check(const ListSources& sources, const CheckOptions& options);
 
+/// The same with at most `maxAlike` findings with each id. A file may have a million of them.
+CheckResult firstOfEachKind(CheckResult result, int maxAlike);
+
 } // namespace checker

@@ -11,8 +11,6 @@
 #include "checker/SearchWords.h"
 #include "checker/WitnessFiles.h"
 
-#include <QHash>
-
 #include <algorithm>
 
 namespace checker {
@@ -27,18 +25,8 @@ Status statusOf(const CheckResult& result, bool deniesWarnings)
     return isFound ? Found : result.isProved ? Clean : NotProved;
 }
 
-/// A file may have a million findings, which would take minutes to print.
+/// More would take minutes to print.
 constexpr int maxAlike = 1000;
-
-/// The findings that are printed.
-CheckResult firstOfEachKind(CheckResult result)
-{
-    QHash<QString, int> counts; // by ids
-    const auto isOver = [&counts](const Finding& finding) { return ++counts[finding.id] > maxAlike; };
-    auto& findings = result.findings;
-    findings.erase(std::remove_if(findings.begin(), findings.end(), isOver), findings.end());
-    return result;
-}
 
 void print(CheckArguments::Format format, const ListSources& sources, const CheckResult& result,
            QTextStream& out)
@@ -133,7 +121,7 @@ Status Commands::check(const QStringList& arguments, QTextStream& out, QTextStre
     for (const QString& note : sources.notes) {
         (isText ? out : err) << "note: " << printable(note) << '\n';
     }
-    const CheckResult shown = firstOfEachKind(result);
+    const CheckResult shown = firstOfEachKind(result, maxAlike);
     print(line.format, sources, shown, out);
     if (const int others = result.findings.size() - shown.findings.size()) {
         (isText ? out : err) << QStringLiteral(

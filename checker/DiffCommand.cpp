@@ -9,10 +9,6 @@
 
 namespace checker {
 
-using model::Difference;
-using model::Environment;
-using model::Output;
-
 namespace {
 
 /// The arguments of `diff`.
@@ -81,16 +77,6 @@ DiffArguments DiffArguments::parse(const QStringList& arguments)
     return result;
 }
 
-bool isForUsers(const Output& output)
-{
-    return output.kind == Output::Kind::Speak || output.kind == Output::Kind::Announce;
-}
-
-bool isForServices(const Output& output)
-{
-    return output.kind == Output::Kind::Announce;
-}
-
 /// Says which lists count as empty.
 void printNotes(const QString& path, const ListSources& sources, QTextStream& err)
 {
@@ -98,18 +84,6 @@ void printNotes(const QString& path, const ListSources& sources, QTextStream& er
     for (const QString& note : remarks) {
         err << "note: " << printable(path) << ": " << printable(note) << '\n';
     }
-}
-
-/// Searching two lists at once takes longer than one.
-constexpr model::Limits pairLimits{2'000'000, 20'000'000};
-
-Environment personAtOneDevice()
-{
-    Environment environment = Environment::person();
-    environment.devices = 1;
-    environment.panelKeysOnly = true;
-    environment.maxStateChanges = 1;
-    return environment;
 }
 
 } // namespace
@@ -142,15 +116,11 @@ Status Commands::diff(const QStringList& arguments, QTextStream& out, QTextStrea
                                  PlacesOf::rowsIn(oldSources),
                                  PlacesOf::rowsIn(newSources),
                                  line.forServices};
-    model::ListComparison comparison(compared.oldLists, compared.newLists,
-                                     line.forServices ? isForServices : isForUsers);
-    const QVector<Difference> differences = comparison.find(personAtOneDevice(), pairLimits);
-    const model::Proof& proof = comparison.proof();
-    const DifferenceReport report(compared, differences, proof);
+    const DifferenceReport report(compared);
     out << (line.format == QLatin1String("json")   ? QString::fromUtf8(report.json())
             : line.format == QLatin1String("html") ? report.html()
                                                    : report.text());
-    return !differences.isEmpty() ? Found : proof.isComplete ? Clean : NotProved;
+    return report.hasDifferences() ? Found : report.isProved() ? Clean : NotProved;
 }
 
 } // namespace checker

@@ -12,12 +12,32 @@
 #include <QJsonObject>
 
 #include <algorithm>
+#include <numeric>
 
 using namespace model;
 
 namespace checker {
 
 namespace {
+
+bool isForUsers(const Output& output)
+{
+    return output.kind == Output::Kind::Speak || output.kind == Output::Kind::Announce;
+}
+
+bool isForServices(const Output& output)
+{
+    return output.kind == Output::Kind::Announce;
+}
+
+Environment personAtOneDevice()
+{
+    Environment environment = Environment::person();
+    environment.devices = 1;
+    environment.panelKeysOnly = true;
+    environment.maxStateChanges = 1;
+    return environment;
+}
 
 QStringList textsOf(const QVector<Output>& outputs)
 {
@@ -55,6 +75,16 @@ QStringList rulesOf(const QVector<PlayedStep>& steps, const EffectWords& effects
         }
     }
     return rules;
+}
+
+int sizeOf(const DifferenceWords& words)
+{
+    int size = words.keys.size();
+    for (const QStringList& texts : {words.was, words.now, words.oldRules, words.newRules}) {
+        size = std::accumulate(texts.begin(), texts.end(), size,
+                               [](int sum, const QString& text) { return sum + text.size(); });
+    }
+    return size;
 }
 
 /// The rules of one list, and the same without the places of rows, which differ between two files.
@@ -115,17 +145,23 @@ QString cellOf(const QStringList& outputs, const QStringList& rules)
 
 } // namespace
 
-DifferenceReport::DifferenceReport(const ComparedLists& compared, const QVector<Difference>& differences,
-                                   const Proof& proof)
-    : m_compared(compared), m_proof(proof)
+DifferenceReport::DifferenceReport(const ComparedLists& compared, const Extent& extent) : m_compared(compared)
 {
-    QVector<Difference> sorted = differences;
-    std::stable_sort(sorted.begin(), sorted.end(), [](const Difference& a, const Difference& b) {
+    ListComparison comparison(compared.oldLists, compared.newLists,
+                              compared.forServices ? isForServices : isForUsers);
+    QVector<Difference> differences = comparison.find(personAtOneDevice(), extent.limits);
+    m_proof = comparison.proof();
+    std::stable_sort(differences.begin(), differences.end(), [](const Difference& a, const Difference& b) {
         return a.state != b.state ? a.state < b.state : a.oldSteps.size() < b.oldSteps.size();
     });
-    for (const Difference& difference : qAsConst(sorted)) {
-        m_words.append(wordsOf(difference));
+    int size = 0;
+    for (const Difference& difference : qAsConst(differences)) {
+        if (m_words.size() < extent.maxDifferences && size < extent.maxText) {
+            m_words.append(wordsOf(difference));
+            size += sizeOf(m_words.last());
+        }
     }
+    m_leftOut = differences.size() - m_words.size();
 }
 
 DifferenceWords DifferenceReport::wordsOf(const Difference& difference) const
@@ -153,13 +189,21 @@ QString DifferenceReport::conclusion() const
     return start + SearchWords::extentOf(m_proof) + QLatin1Char('.');
 }
 
+/// What the person does, what was noticed, and what is noticed now.
+QStringList DifferenceReport::linesOf(const DifferenceWords& words)
+{
+    return {QStringLiteral("%1: %2").arg(words.state, words.keys),
+            QStringLiteral("was ") + because(words.was, words.oldCause),
+            QStringLiteral("now ") + because(words.now, words.newCause)};
+}
+
 QString DifferenceReport::text() const
 {
+    const QString indent(4, QLatin1Char(' '));
     QStringList lines;
     for (const DifferenceWords& words : m_words) {
-        lines.append(QStringLiteral("%1: %2").arg(words.state, words.keys));
-        lines.append(QStringLiteral("    was ") + because(words.was, words.oldCause));
-        lines.append(QStringLiteral("    now ") + because(words.now, words.newCause));
+        const QStringList all = linesOf(words);
+        lines << all.at(0) << indent + all.at(1) << indent + all.at(2);
     }
     lines.append(conclusion());
     std::transform(lines.begin(), lines.end(), lines.begin(), printable);
@@ -176,7 +220,8 @@ QByteArray DifferenceReport::json() const
                         {QStringLiteral("was"), QJsonArray::fromStringList(words.was)},
                         {QStringLiteral("now"), QJsonArray::fromStringList(words.now)},
                         {QStringLiteral("oldRules"), QJsonArray::fromStringList(words.oldRules)},
-                        {QStringLiteral("newRules"), QJsonArray::fromStringList(words.newRules)}});
+                        {QStringLiteral("newRules"), QJsonArray::fromStringList(words.newRules)},
+                        {QStringLiteral("lines"), QJsonArray::fromStringList(linesOf(words))}});
     }
     return QJsonDocument({{QStringLiteral("version"), version},
                           {QStringLiteral("old"), m_compared.oldPath},
@@ -186,6 +231,8 @@ QByteArray DifferenceReport::json() const
                           {QStringLiteral("model"), m_compared.newLists.isOrvane ? QStringLiteral("Orvane")
                                                                                  : QStringLiteral("Pellit")},
                           {QStringLiteral("differences"), differences},
+                          {QStringLiteral("leftOut"), m_leftOut},
+                          {QStringLiteral("conclusion"), conclusion()},
                           {QStringLiteral("environment"), m_proof.environment.toText()},
                           {QStringLiteral("situations"), static_cast<qint64>(m_proof.situations)},
                           {QStringLiteral("steps"), static_cast<qint64>(m_proof.steps)},

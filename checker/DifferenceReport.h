@@ -6,6 +6,8 @@
 
 #include <QByteArray>
 
+#include <limits>
+
 namespace checker {
 
 /// A difference between two lists, in words. Names come from the key lists and may have control characters.
@@ -46,9 +48,24 @@ public:
     /// Increases with each change that a program which reads the JSON must know. New members do not count.
     static constexpr int version = 1;
 
-    /// `compared` must outlive this object.
-    DifferenceReport(const ComparedLists& compared, const QVector<model::Difference>& differences,
-                     const model::Proof& proof);
+    /// How much is searched and reported.
+    struct Extent
+    {
+        /// Searching two lists at once takes longer than one.
+        model::Limits limits{2'000'000, 100'000'000};
+        int maxDifferences = std::numeric_limits<int>::max();
+        /// The characters of all differences. The last one may exceed it.
+        int maxText = std::numeric_limits<int>::max();
+    };
+
+    /// Compares what one person with two fingers can do with the keys of the panel, while the state changes
+    /// at most once.
+    explicit DifferenceReport(const ComparedLists& compared) : DifferenceReport(compared, Extent()) {}
+    DifferenceReport(const ComparedLists& compared, const Extent& extent);
+
+    bool hasDifferences() const { return !m_words.isEmpty(); }
+    /// Whether there are no other differences.
+    bool isProved() const { return m_proof.isComplete; }
 
     /// Lines without control characters other than line ends.
     QString text() const;
@@ -59,11 +76,13 @@ public:
 
 private:
     DifferenceWords wordsOf(const model::Difference& difference) const;
+    static QStringList linesOf(const DifferenceWords& words);
     QString conclusion() const;
 
-    const ComparedLists& m_compared;
-    const model::Proof& m_proof;
+    ComparedLists m_compared;
+    model::Proof m_proof;
     QVector<DifferenceWords> m_words;
+    int m_leftOut = 0;
 };
 
 } // namespace checker

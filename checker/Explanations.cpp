@@ -179,7 +179,8 @@ QVector<Explanation> explanationsOfText()
         {QStringLiteral("syntax"), Level::Error, QStringLiteral("the file is not JSON"),
          QStringLiteral(
              "The daemon reads nothing of a file that is not JSON: %1.\n\n"
-             "The finding is where the reader gave up. The mistake is there or shortly before: a missing "
+             "The finding is where something else should be. The mistake is there or shortly before: a "
+             "missing "
              "comma between two rows, a comma after the last row, a missing quotation mark or bracket, or "
              "a comment, which JSON does not have. An empty file is not JSON either.")
              .arg(loss),

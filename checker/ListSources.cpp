@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "checker/ListSources.h"
 
+#include "checker/JsonFault.h"
 #include "keys/KeyListFile.h"
 
 #include <QDir>
@@ -97,9 +98,10 @@ QString faultOf(const QByteArray& text)
     QJsonParseError error{};
     QJsonDocument::fromJson(text, &error);
     if (error.error != QJsonParseError::NoError) {
-        const Position position = SourceFile({}, text).position(error.offset);
+        const JsonFault fault = JsonFault::of(text, error);
+        const Position position = SourceFile({}, text).position(fault.offset);
         return QStringLiteral("is not JSON (line %1, column %2: %3)")
-            .arg(QString::number(position.line), QString::number(position.column), error.errorString());
+            .arg(QString::number(position.line), QString::number(position.column), fault.text);
     }
     return QStringLiteral("has no list %1, %2 or %3")
         .arg(KeyLists::sectionOf(List::LongPresses), KeyLists::sectionOf(List::Combinations),

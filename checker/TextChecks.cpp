@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "checker/TextChecks.h"
 
+#include "checker/JsonFault.h"
 #include "checker/Suggestion.h"
 #include "checker/WordChecks.h"
 #include "keys/KeyListFile.h"
@@ -333,9 +334,10 @@ QVector<Finding> TextChecks::ofFile(const ListSources& sources, List list)
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(text, &error);
     if (error.error != QJsonParseError::NoError) {
+        const JsonFault fault = JsonFault::of(text, error);
         return {atOffset(list, QStringLiteral("syntax"),
-                         QStringLiteral("the file is not JSON: %1").arg(error.errorString()),
-                         {error.offset, error.offset})};
+                         QStringLiteral("the file is not JSON: ") + fault.text,
+                         {fault.offset, fault.offset})};
     }
     const JsonNode root = JsonText::scan(text);
     if (!document.isObject()) {

@@ -252,7 +252,7 @@ private:
     void allow(const Pair& pair, Inputs& inputs) const;
     void allowLongPresses(const Pair& pair, Inputs& inputs) const;
     Pair step(const Pair& pair, Input input);
-    QStringList differenceIn(State state) const;
+    QStringList differenceIn(State state);
     void confirm(quint32 from, Input input, const QStringList& kind);
     void keep(const std::optional<Difference>& difference);
     bool isConfirmed() const;
@@ -270,6 +270,7 @@ private:
     QHash<QStringList, int> m_tries; // by kinds
     QSet<QStringList> m_found;       // the kinds of the differences
     Proof m_proof;
+    quint64 m_extraSteps = 0; // for steps with many or different effects
 };
 
 ListComparison::Search::Search(const ListComparison& comparison, const Environment& environment,
@@ -348,7 +349,7 @@ void ListComparison::Search::follow(quint32 from, Input input)
 
 bool ListComparison::Search::isAtLimit() const
 {
-    return m_nodes.size() >= m_limits.situations || m_proof.steps >= m_limits.steps;
+    return m_nodes.size() >= m_limits.situations || m_proof.steps + m_extraSteps >= m_limits.steps;
 }
 
 /// The state, the window and the hold of FactoryReset are equal on both sides.
@@ -409,16 +410,22 @@ ListComparison::Pair ListComparison::Search::step(const Pair& pair, Input input)
 }
 
 /// The kind of the difference that the last step makes; nothing if the outputs are equal.
-QStringList ListComparison::Search::differenceIn(State state) const
+QStringList ListComparison::Search::differenceIn(State state)
 {
+    // Measured: writing the outputs of an effect takes as long as five steps, and comparing it less than one.
+    constexpr int writing = 5;
+    constexpr int comparing = 8;
+    const auto effects = static_cast<quint64>(m_oldEffects.size() + m_newEffects.size());
     const KeyModel& oldModel = m_comparison.m_old;
     const KeyModel& newModel = m_comparison.m_new;
     const Effects oldPerceived = perceivedOf(m_oldEffects);
     const Effects newPerceived = perceivedOf(m_newEffects);
     if (oldModel.lists().isOrvane == newModel.lists().isOrvane &&
         areAlikeWithoutRows(oldPerceived, newPerceived)) {
+        m_extraSteps += effects / comparing;
         return {};
     }
+    m_extraSteps += effects * writing;
     const auto was = oldPerceived.isEmpty() ? QVector<Output>() : counted(m_oldEffects, oldModel, state);
     const auto is = newPerceived.isEmpty() ? QVector<Output>() : counted(m_newEffects, newModel, state);
     return textsOf(was) == textsOf(is) ? QStringList() : kindOf(state, was, is, m_hasChanged);

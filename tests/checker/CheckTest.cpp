@@ -22,6 +22,8 @@ private Q_SLOTS:
     void findings();
     void faultsOfAFile_data();
     void faultsOfAFile();
+    void whatIsMissingInJsonIsNamed_data();
+    void whatIsMissingInJsonIsNamed();
     void installedListsHaveOnlySilentGestures();
     void optionsOfAPerson_data();
     void optionsOfAPerson();
@@ -247,7 +249,7 @@ void CheckTest::faultsOfAFile_data()
 
     QTest::newRow("empty") << QByteArray(" \n") << "error syntax 1:1 the file is empty";
     QTest::newRow("not JSON") << QByteArray("{\n  \"LongKeys\": [}\n")
-                              << "error syntax 2:17 the file is not JSON: object is missing after a comma";
+                              << "error syntax 2:16 the file is not JSON: a value is missing before \"}\"";
     QTest::newRow("not an object")
         << QByteArray("[]") << "error section 1:1 the file is not an object with the list \"LongKeys\"";
     QTest::newRow("without the section")
@@ -277,6 +279,48 @@ void CheckTest::faultsOfAFile()
     QFETCH(QByteArray, text);
     QFETCH(QString, expected);
     QCOMPARE(found(ListTexts::withText(List::LongPresses, text)), QStringList(expected));
+}
+
+void CheckTest::whatIsMissingInJsonIsNamed_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("expected");
+
+    const auto fault = [](const char* name, const QByteArray& text, const char* expected) {
+        QTest::newRow(name) << text << QString::fromUtf8(expected);
+    };
+    fault("a word", "half a sentence", "1:1 a value is missing before \"h\"");
+    fault("a list that does not end", "{ \"LongKeys\": [", "1:16 a value is missing at the end");
+    fault("an object that does not end", "{\"a\": 1\n", "2:1 a comma or } is missing at the end");
+    fault("a missing comma", "{\n  \"a\": 1\n  \"b\": 2\n}", "3:3 a comma or } is missing before a quote");
+    fault("a comma too many", "{\n  \"a\": [1, 2,]\n}", "2:14 a value is missing before \"]\"");
+    fault("a comma after the last member", "{\"a\": 1,}",
+          "1:9 a name in double quotes is missing before \"}\"");
+    fault("a missing colon", "{\"a\" 1}", "1:6 a colon is missing before \"1\"");
+    fault("a name without quotes", "{a: 1}", "1:2 a name in double quotes is missing before \"a\"");
+    fault("a quote that is not closed", "[\"Up, 1]\n",
+          "1:2 the quote that begins here is not closed in its line");
+    fault("a quote that ends in an escape", "[\"Up\\",
+          "1:2 the quote that begins here is not closed in its line");
+    fault("a number that is not one", "[01]", "1:2 a value is missing before \"0\"");
+    fault("a comment", "{} // \xC3\xA4", "1:4 the text should end before \"/\"");
+    fault("a character of several bytes", "[\xF0\x9F\x98\x80]",
+          "1:2 a value is missing before \"\xF0\x9F\x98\x80\"");
+    fault("more after the end", "\xEF\xBB\xBF{}\n}", "2:1 the text should end before \"}\"");
+    fault("a million lists", QByteArray(1'000'000, '['), "1:1000001 a value is missing at the end");
+    // Their grammar is right, and Qt's reader says why it rejects them.
+    fault("too many lists in one another", QByteArray(2000, '[') + QByteArray(2000, ']'),
+          "1:1026 too deeply nested document");
+}
+
+void CheckTest::whatIsMissingInJsonIsNamed()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, expected);
+    const int place = expected.indexOf(' ');
+    QCOMPARE(found(ListTexts::withText(List::LongPresses, text)),
+             QStringList("error syntax " + expected.left(place) +
+                         " the file is not JSON: " + expected.mid(place + 1)));
 }
 
 /// Holding Back and Ok, Feed with Ok and Help with Back do nothing in Idle.

@@ -181,6 +181,14 @@ void DiffTest::programsReadJson()
     QCOMPARE(first.value("state").toString(), QString("Idle"));
     QCOMPARE(first.value("was").toArray(), QJsonArray{"announces A to UserMenu, with Help and Feed"});
     QCOMPARE(first.value("now").toArray(), QJsonArray{"announces \x1b to UserMenu, with Help and Feed"});
+    const QString text = diff({one, two, "--for", "services"}).out;
+    QStringList lines;
+    for (const QString& line : text.trimmed().split('\n')) {
+        lines.append(line.trimmed());
+    }
+    QCOMPARE(first.value("lines").toArray().first().toString(), lines.first());
+    QCOMPARE(first.value("lines").toArray().at(1).toString(), lines.at(1));
+    QCOMPARE(report.value("conclusion").toString(), lines.last());
 }
 
 void DiffTest::peopleReadAPage()

@@ -4,6 +4,7 @@ import { byId, saveFile, setText } from './dom.js';
 import { attempt, begin } from './messages.js';
 
 const answerTimeout = 15000; // milliseconds
+const searchTimeout = 60000; // milliseconds; lists of thousands of rows are searched one after the other
 const retryDelay = 3000; // milliseconds
 const maxStreams = 5; // a browser has six connections to a server, for all its pages and requests
 
@@ -35,6 +36,13 @@ export const getJson = async path => (await request(path)).json();
 export const post = (path, body = '', headers = {}) => request(path, { method: 'POST', body, headers });
 export const postScript = (path, script, headers = {}) =>
     post(path, script, { 'Content-Type': 'text/plain', ...headers });
+
+/// Asks for what is found in key lists.
+export async function search(path, keyLists) {
+    const headers = { 'Content-Type': 'application/json' };
+    const signal = AbortSignal.timeout(searchTimeout);
+    return (await request(path, { method: 'POST', body: JSON.stringify({ keyLists }), headers, signal })).json();
+}
 
 /// Sends statements of a key script after all earlier ones: a release never overtakes its press.
 /// `isWanted` is called when it is their turn; they are dropped if it returns false.

@@ -1,60 +1,74 @@
 // SPDX-License-Identifier: MIT
 // The view Key lists: the files in use, what is typed in their place, and what the daemon says about them.
 import { card } from './card.js';
-import { getJson, restart } from './connection.js';
+import { showChanges } from './changes.js';
+import { getJson, isConnected, restart, search } from './connection.js';
 import { device } from './device.js';
-import { all, byId, element, keyCaps, line, list, on, saveFile, setText } from './dom.js';
+import { all, byId, element, keyCaps, line, list, on, saveFile } from './dom.js';
 import { getDraft, setDraft } from './drafts.js';
 import { EntryLog } from './entryLog.js';
-import { jsonFault } from './jsonFault.js';
+import {
+    errorTexts,
+    isUnreadable,
+    noteTextOf,
+    showFindings,
+    summaryText,
+    tieNote,
+    unreadableText,
+} from './findings.js';
+import { fields, fileOf, fieldOf, fillField } from './listFields.js';
 import { announce, ask, attempt, news, showStatus } from './messages.js';
-import { jsonFaultText } from './wording.js';
 
 const typingPause = 1000; // milliseconds
 const maxAnnounced = 3; // errors
 const listNames = { long: 'long presses', combination: 'combinations', shortcut: 'shortcuts' };
 const isAboutLists = text => /KeyList|ModifierKey::|ShortcutKey::|LongKey::|KeyEntry|JFile/.test(text);
 
-const fields = all('[data-file]'); // text areas
 const loaded = new Map(); // field -> its content as the daemon has it
 const typingTimers = new Map(); // field -> its timer
-let daemonLists = {}; // file name -> its content, as the daemon has read it
-let mistakes = []; // what the checks find in them, but for files that the daemon cannot read
+let daemonFindings = { findings: [], unsearched: [] }; // of the lists that the daemon has
+let checks = 0; // counts the checks of the fields
 
-const fileOf = field => field.dataset.file;
-const noteOf = field => byId(`${field.id}-note`);
 const isDraft = field => field.value !== loaded.get(field);
+const draft = () => Object.fromEntries(fields.map(field => [fileOf(field), field.value]));
 
 export const listsRead = 'The daemon has read all three lists.';
 export const listLog = new EntryLog('list-log', 50, {
     log: ({ text }) => (isAboutLists(text) ? line(text, 'log') : null),
 });
 
-/// Returns the fault that is shown, or an empty text.
-function checkField(field) {
-    const fault = jsonFault(field.value);
-    const text = fault ? jsonFaultText(fault) : '';
-    setText(noteOf(field), text);
-    field.setAttribute('aria-invalid', String(Boolean(fault)));
-    return text;
+/// Checks what is in the fields. Returns false if a later check has begun meanwhile.
+async function checkFields() {
+    const mine = ++checks;
+    const answer = await search('/api/findings', draft());
+    if (mine === checks) {
+        showFindings(answer);
+    }
+    return mine === checks;
+}
+
+async function reportTyped(field) {
+    const wasUnreadable = isUnreadable(field);
+    if ((await checkFields()) && (wasUnreadable || isUnreadable(field))) {
+        announce(isUnreadable(field) ? noteTextOf(field) : `${fileOf(field)} can be read now.`, 'reply');
+    }
 }
 
 // Waits for a pause: a half-typed word is not a fault.
 function checkAfterTyping(field) {
-    const check = () => {
-        const former = noteOf(field).textContent;
-        const text = checkField(field);
-        if (text || former) {
-            announce(text || `${fileOf(field)} is JSON now.`, 'reply');
-        }
-    };
     clearTimeout(typingTimers.get(field));
+    const check = () => isConnected() && attempt(reportTyped(field));
     typingTimers.set(field, setTimeout(check, typingPause));
 }
 
-function fillField(field, text) {
-    field.value = text;
-    checkField(field);
+async function reportCheck() {
+    if (await checkFields()) {
+        showStatus(summaryText());
+    }
+}
+
+async function reportChanges() {
+    showStatus(showChanges(await search('/api/diff', draft())));
 }
 
 /// Keeps what is typed, as long as the daemon does not have it.
@@ -85,14 +99,15 @@ function bringBackFormer() {
             keepDraft(field);
         }
     }
-    showStatus('The fields have the previous texts again. They take effect after "Check and restart".');
+    showStatus('The fields have the previous texts again. They take effect after "Try".');
+    attempt(checkFields());
 }
 
 /// Gets the lists that the daemon has. What is typed stays, also over a reload.
 export async function loadLists() {
-    daemonLists = await getJson('/api/key-lists');
+    const lists = await getJson('/api/key-lists');
     for (const field of fields) {
-        const text = (daemonLists[fileOf(field)] ?? '').replace(/\r\n?/g, '\n'); // as a text area has it
+        const text = (lists[fileOf(field)] ?? '').replace(/\r\n?/g, '\n'); // as a text area has it
         if (!loaded.has(field)) {
             loaded.set(field, text);
             fillField(field, getDraft('draft', fileOf(field)) ?? text);
@@ -105,22 +120,21 @@ export async function loadLists() {
     showFormer();
 }
 
-const unreadable = ['syntax', 'section', 'too-large']; // the page itself describes these
-const mistakeText = ({ file, line: number, level, message }) =>
-    `${file}, line ${number}: ${level}: ${message}${message.endsWith('?') ? '' : '.'}`;
-
 /// Gets what the checks find in the lists that the daemon has.
 export async function loadMistakes() {
-    const { findings } = await getJson('/api/findings');
-    mistakes = findings.filter(({ id, level }) => level !== 'note' && !unreadable.includes(id));
+    daemonFindings = await getJson('/api/findings');
 }
 
-/// Shows the mistakes in the lists that the daemon has, and returns sentences about the errors among them.
+/// Shows the mistakes in the fields. Returns sentences about the errors in the lists that the daemon has, but for files
+/// that it cannot read.
 export function showMistakes() {
-    const heading = element('h3', { textContent: 'Mistakes' });
-    const lines = mistakes.map(mistake => line(mistakeText(mistake), mistake.level === 'error' ? 'fault' : 'log'));
-    byId('mistakes').replaceChildren(...(lines.length > 0 ? [heading, ...lines] : []));
-    const errors = mistakes.filter(({ level }) => level === 'error').map(mistakeText);
+    if (fields.some(isDraft)) {
+        attempt(checkFields());
+    } else {
+        ++checks;
+        showFindings(daemonFindings);
+    }
+    const errors = errorTexts(daemonFindings);
     const others = errors.length - maxAnnounced;
     return others > 0 ? [...errors.slice(0, maxAnnounced), `${others} more errors are in the view Key lists.`] : errors;
 }
@@ -130,11 +144,12 @@ async function loadFile(input) {
     if (!file) {
         return;
     }
-    const field = fields.find(each => fileOf(each) === file.name) ?? byId(input.dataset.list);
+    const field = fieldOf(file.name) ?? byId(input.dataset.list);
     replaceText(field, await file.text());
     keepDraft(field);
     input.value = '';
-    showStatus(`${file.name} is in the field of ${fileOf(field)}. It takes effect after "Check and restart".`);
+    showStatus(`${file.name} is in the field of ${fileOf(field)}. It takes effect after "Try".`);
+    await checkFields();
 }
 
 async function restoreInstalled() {
@@ -157,11 +172,11 @@ async function restartWith(keyLists) {
     }
 }
 
-/// Sentences about the lists that the daemon could not read. Where the JSON is right, the card knows more.
+/// Sentences about the lists that the daemon could not read. Of a file that is missing, the card knows.
 function unreadLists() {
     const describe = file => {
-        const fault = file in daemonLists ? jsonFault(daemonLists[file]) : null;
-        return fault ? `${file}: ${jsonFaultText(fault)}` : card.notes.find(note => note.startsWith(`${file} `));
+        const text = unreadableText(daemonFindings, file);
+        return text ? `${file}: ${text}` : card.notes.find(note => note.startsWith(`${file} `));
     };
     return fields.map(fileOf).map(describe).filter(Boolean);
 }
@@ -193,8 +208,10 @@ export function showNever() {
 
 on('#lists-form', 'submit', event => {
     event.preventDefault();
-    restartWith(Object.fromEntries(fields.map(field => [fileOf(field), field.value])));
+    restartWith(draft());
 });
+on('#check-lists', 'click', () => attempt(reportCheck()));
+on('#compare-lists', 'click', () => attempt(reportChanges()));
 on('#default-lists', 'click', restoreInstalled);
 on('#former-lists', 'click', bringBackFormer);
 on('[data-save]', 'click', ({ currentTarget }) => {
@@ -205,9 +222,6 @@ on('[data-list]', 'change', ({ currentTarget }) => attempt(loadFile(currentTarge
 on('[data-file]', 'input', ({ currentTarget }) => {
     keepDraft(currentTarget);
     checkAfterTyping(currentTarget);
-    // A description that changes under the focus would be read as well as the announcement.
-    currentTarget.removeAttribute('aria-describedby');
+    tieNote(currentTarget, false);
 });
-on('[data-file]', 'blur', ({ currentTarget }) => {
-    currentTarget.setAttribute('aria-describedby', `${currentTarget.id}-note`);
-});
+on('[data-file]', 'blur', ({ currentTarget }) => tieNote(currentTarget, true));

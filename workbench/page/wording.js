@@ -46,4 +46,15 @@ export function replayText({ status, differences = [], expectations }) {
     return replayTexts[status] ?? (differences.length > 0 ? different : `Everything came as written: ${all}.`);
 }
 
-export const jsonFaultText = ({ line, column, text }) => `Not JSON: line ${line}, column ${column}: ${text}.`;
+const sentence = text => (/[.!?]$/.test(text) ? text : `${text}.`);
+
+/// "a, b and c"
+export const joinWords = words => [words.slice(0, -1).join(', '), ...words.slice(-1)].filter(Boolean).join(' and ');
+
+/// What a check finds, with its place in its file.
+export const findingText = ({ line, column, level, message, remark }) =>
+    `Line ${line}, column ${column}: ${level}: ${sentence([message, remark].filter(Boolean).join(': '))}`;
+
+/// A place that explains a finding in `file`.
+export const placeText = ({ file: other, line, column, remark }, file) =>
+    [other === file ? '' : other, `Line ${line}, column ${column}`, sentence(remark)].filter(Boolean).join(': ');

@@ -55,6 +55,13 @@ QString Session::restart(const Changes& changes)
     return sentence;
 }
 
+DeviceOptions Session::optionsAfter(const Changes& changes) const
+{
+    DeviceSetup setup = m_setup;
+    setup.apply(changes);
+    return setup.options();
+}
+
 qint64 Session::daemonProcess() const
 {
     return m_device && m_device->isRunning() ? m_device->daemon().processId() : 0;

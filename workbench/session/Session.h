@@ -88,6 +88,9 @@ public:
     std::chrono::milliseconds now() const;
     /// File name to content of the existing key lists, as the daemon read them at its start.
     QMap<QString, QByteArray> keyLists() const { return m_setup.options().keyLists; }
+    const DeviceOptions& options() const { return m_setup.options(); }
+    /// The options after a restart with `changes`, which must have passed `DeviceSetup::check`.
+    DeviceOptions optionsAfter(const Changes& changes) const;
 
 Q_SIGNALS:
     void added(const SessionEntry& entry);

@@ -157,7 +157,7 @@ void HttpConnection::work()
     if (const auto file = pageFiles().find(m_request.path); file != pageFiles().end()) {
         reply(*file);
     } else {
-        PanelApi::routes().value(m_request.path).answer(m_api, m_request, reply);
+        PanelApi::routes().value(m_request.path).handlerOf(m_request.method)(m_api, m_request, reply);
     }
 }
 

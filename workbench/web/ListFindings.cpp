@@ -42,5 +42,9 @@ QString ListFindings::toText() const
 
 QJsonObject ListFindings::toJson() const
 {
-    return QJsonDocument::fromJson(checker::FindingJson::of(m_result, m_sources)).object();
+    checker::CheckResult shown = checker::firstOfEachKind(m_result, maxAlike);
+    shown.unsearched = shown.unsearched.mid(0, maxAlike);
+    QJsonObject json = QJsonDocument::fromJson(checker::FindingJson::of(shown, m_sources)).object();
+    json.insert(QStringLiteral("leftOut"), m_result.findings.size() - shown.findings.size());
+    return json;
 }

@@ -10,12 +10,15 @@
 class ListFindings
 {
 public:
+    static constexpr int maxAlike = 100;
+
     /// Without findings for the installed lists, each of whose findings is intended.
     static ListFindings of(const QMap<QString, QByteArray>& keyLists, const QString& model);
 
     /// The findings for a terminal, at most 20; empty if there are none.
     QString toText() const;
-    /// The document of `check --format json`.
+    /// The document of `check --format json`, with at most `maxAlike` findings with each id and as many rows
+    /// that were not searched; `leftOut` counts the other findings.
     QJsonObject toJson() const;
 
 private:

@@ -7,6 +7,7 @@
 #include "workbench/braille/BrailleCard.h"
 #include "workbench/session/Session.h"
 #include "workbench/web/EventStreams.h"
+#include "workbench/web/ListChanges.h"
 #include "workbench/web/ListFindings.h"
 #include "workbench/web/RequestBody.h"
 #include "workbench/web/SessionJson.h"
@@ -48,6 +49,16 @@ HttpAnswer cardInBraille(const KeyCard& card)
     const QByteArray pages = brailleCard(card, &error);
     return error.isEmpty() ? HttpAnswer::file("key-card.brf", "text/plain; charset=us-ascii", pages)
                            : HttpAnswer::error(HttpStatus::internalError, error);
+}
+
+QJsonObject findingsOf(const QMap<QString, QByteArray>& lists, const QString& model)
+{
+    return ListFindings::of(lists, model).toJson();
+}
+
+QJsonObject findingsOfDraft(const DeviceOptions& /*current*/, const DeviceOptions& draft)
+{
+    return findingsOf(draft.keyLists, draft.model);
 }
 
 HttpAnswer refuse(const QVector<ScriptFault>& faults)
@@ -96,13 +107,20 @@ const QMap<QByteArray, PanelApi::Route>& PanelApi::routes()
     const auto device = [](Api api, Request, To reply) {
         reply(HttpAnswer::json(SessionJson::description(api.m_session)));
     };
+    const auto draftFindings = [](Api api, Request request, To reply) {
+        api.searchDraft(request, findingsOfDraft, reply);
+    };
+    const auto draftChanges = [](Api api, Request request, To reply) {
+        api.searchDraft(request, ListChanges::between, reply);
+    };
     static const QMap<QByteArray, Route> table{
         {"/api/events", {"GET", [](Api api, Request, To reply) { reply(api.events()); }}},
         {"/api/device", {"GET", device}},
         {"/api/key-lists", {"GET", [](Api api, Request, To reply) { reply(api.keyLists()); }}},
         {"/api/card", {"GET", [](Api api, Request, To reply) { api.makeCard(cardAsJson, reply); }}},
         {"/api/card.brf", {"GET", [](Api api, Request, To reply) { api.makeCard(cardInBraille, reply); }}},
-        {"/api/findings", {"GET", [](Api api, Request, To reply) { api.findFaults(reply); }}},
+        {"/api/findings", {"GET", [](Api api, Request, To reply) { api.findFaults(reply); }, draftFindings}},
+        {"/api/diff", {"POST", draftChanges}},
         {"/api/recording.keys", {"GET", recording}},
         {"/api/former-recording.keys", {"GET", formerRecording}},
         {"/api/steps", {"POST", [](Api api, Request request, To reply) { reply(api.takeSteps(request)); }}},
@@ -185,9 +203,29 @@ void PanelApi::makeCard(HttpAnswer (*answerOf)(const KeyCard& card), const Reply
 
 void PanelApi::findFaults(const Reply& reply)
 {
-    m_work.start([lists = m_session.keyLists(), model = m_session.model(), reply] {
-        return [answer = HttpAnswer::json(ListFindings::of(lists, model).toJson()), reply] { reply(answer); };
-    });
+    const auto lists = std::make_pair(m_session.keyLists(), m_session.model());
+    if (!m_findings.valid() || lists != m_findingsLists) {
+        m_findingsLists = lists;
+        m_findings = std::async(std::launch::deferred, findingsOf, lists.first, lists.second);
+    }
+    m_searches.start([findings = m_findings] { return findings.get(); }, reply);
+}
+
+/// Searches in the lists that a device would have if it were restarted with the body of the request.
+void PanelApi::searchDraft(const HttpRequest& request, ListSearch search, const Reply& reply)
+{
+    QString fault;
+    const std::optional<Session::Changes> changes = changesOf(request.body, &fault);
+    if (changes) {
+        fault = DeviceSetup::check(*changes);
+    }
+    if (!fault.isEmpty()) {
+        reply(HttpAnswer::error(HttpStatus::badRequest, ScriptWords::shortened(fault)));
+        return;
+    }
+    m_searches.start([search, current = m_session.options(),
+                      draft = m_session.optionsAfter(*changes)] { return search(current, draft); },
+                     reply);
 }
 
 /// The first thread that needs the card makes it, and the others wait for it.

@@ -5,22 +5,32 @@
 #include "workbench/web/BackgroundWork.h"
 #include "workbench/web/HttpAnswer.h"
 #include "workbench/web/HttpRequest.h"
+#include "workbench/web/ListSearches.h"
 
 #include <future>
 
 class Session;
 class EventStreams;
+struct DeviceOptions;
 
 /// The routes below /api, which work on the session; docs/panel-page.md describes them.
 class PanelApi
 {
 public:
     using Reply = std::function<void(const HttpAnswer& answer)>;
+    /// Calls `reply` with the answer, at once or later; never after the end of `api`.
+    using Handler = void (*)(PanelApi& api, const HttpRequest& request, const Reply& reply);
     struct Route
     {
         QByteArray method;
-        /// Calls `reply` with the answer, at once or later; never after the end of `api`.
-        void (*answer)(PanelApi& api, const HttpRequest& request, const Reply& reply);
+        Handler answer;
+        /// For POST, where `method` is another one.
+        Handler answerToPost = nullptr;
+
+        Handler handlerOf(const QByteArray& requestMethod) const
+        {
+            return requestMethod == "POST" && answerToPost ? answerToPost : answer;
+        }
     };
 
     /// Both must live as long as this object.
@@ -37,6 +47,8 @@ private:
     void replay(const HttpRequest& request, const Reply& reply);
     void makeCard(HttpAnswer (*answerOf)(const KeyCard& card), const Reply& reply);
     void findFaults(const Reply& reply);
+    using ListSearch = QJsonObject (*)(const DeviceOptions& current, const DeviceOptions& draft);
+    void searchDraft(const HttpRequest& request, ListSearch search, const Reply& reply);
     std::shared_future<KeyCard> currentCard();
 
     Session& m_session;
@@ -44,5 +56,9 @@ private:
     /// The last card, and the key lists and the model that it is for.
     std::shared_future<KeyCard> m_card;
     std::pair<QMap<QString, QByteArray>, QString> m_cardLists;
+    /// The last findings, and the key lists and the model that they are for.
+    std::shared_future<QJsonObject> m_findings;
+    std::pair<QMap<QString, QByteArray>, QString> m_findingsLists;
+    ListSearches m_searches;
     BackgroundWork m_work;
 };

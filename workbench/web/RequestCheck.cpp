@@ -43,17 +43,31 @@ bool isFromElsewhere(const HttpRequest& request, const QByteArray& host)
     return request.path.startsWith("/api/") && site != "same-origin" && site != "none";
 }
 
-bool isDoneBy(const QByteArray& method, const HttpRequest& request)
+/// The methods of a path; none if there is nothing.
+QByteArrayList methodsOf(const QByteArray& path)
 {
-    const bool isHead = request.method == "HEAD" && request.path != "/api/events";
-    return request.method == method || (isHead && method == "GET");
+    if (pageFiles().contains(path)) {
+        return {"GET"};
+    }
+    const auto route = PanelApi::routes().find(path);
+    if (route == PanelApi::routes().end()) {
+        return {};
+    }
+    return route->answerToPost ? QByteArrayList{route->method, "POST"} : QByteArrayList{route->method};
 }
 
-HttpAnswer otherMethod(const QByteArray& method)
+bool areFor(const QByteArrayList& allowed, const HttpRequest& request)
 {
-    HttpAnswer refusal = HttpAnswer::error(HttpStatus::methodNotAllowed,
-                                           QStringLiteral("The method here is %1.").arg(method.constData()));
-    refusal.headers.insert("Allow", method);
+    const bool isHead = request.method == "HEAD" && request.path != "/api/events";
+    return allowed.contains(request.method) || (isHead && allowed.contains("GET"));
+}
+
+HttpAnswer otherMethod(const QByteArrayList& allowed)
+{
+    HttpAnswer refusal = HttpAnswer::error(
+        HttpStatus::methodNotAllowed,
+        QStringLiteral("The method here is %1.").arg(QString::fromLatin1(allowed.join(" or "))));
+    refusal.headers.insert("Allow", allowed.join(", "));
     return refusal;
 }
 
@@ -83,13 +97,12 @@ std::optional<HttpAnswer> checkRequest(const HttpRequest& request, quint16 port)
         return HttpAnswer::error(HttpStatus::forbidden,
                                  QStringLiteral("The request comes from a page of another site."));
     }
-    const QByteArray method =
-        pageFiles().contains(request.path) ? "GET" : PanelApi::routes().value(request.path).method;
-    if (method.isEmpty()) {
+    const QByteArrayList allowed = methodsOf(request.path);
+    if (allowed.isEmpty()) {
         return HttpAnswer::error(HttpStatus::notFound, QStringLiteral("There is nothing at this address."));
     }
-    if (!isDoneBy(method, request)) {
-        return otherMethod(method);
+    if (!areFor(allowed, request)) {
+        return otherMethod(allowed);
     }
     if (request.headers.contains("content-encoding")) {
         return HttpAnswer::error(HttpStatus::unsupportedMediaType,

@@ -90,8 +90,21 @@ for (const width of [1280, 320]) {
     test(`faults of lists, and a question, have no fault that axe knows, at ${width} pixels`, async () => {
         const panel = await fixture.open({ view: '#lists', viewport: { width, height: 900 }, reducedMotion: 'reduce' });
         const list = panel.page.getByLabel('Combinations: modifierKeyList.json');
+        const rows = ['Up', 'Up', 'Upp'].map(key => `{ "keys": ["Ok", "${key}"], "validOnState": "Idle" }`);
+        await list.fill(`{ "ModifierKeys": [${rows}] }`);
+        await panel.button('Check').click();
+        await panel.page.locator('#list-modifier-findings .fault').first().waitFor();
+        await panel.button('What changes').click();
+        await panel.page.locator('#changes li').first().waitFor();
+        for (const colours of [{ colorScheme: 'dark' }, { forcedColors: 'active' }]) {
+            await panel.page.emulateMedia(colours);
+            assert.deepEqual(await violations(panel.page, 'color-contrast'), []);
+        }
+        await panel.page.emulateMedia({ colorScheme: 'light', forcedColors: 'none' });
+        assert.deepEqual(await violations(panel.page), []);
+        assert.deepEqual(await panel.page.evaluate(outOfSight), []);
         await list.fill('{');
-        await panel.button('Check and restart').click();
+        await panel.button('Try').click();
         await panel.page.locator('#list-log .fault').waitFor();
         assert.deepEqual(await violations(panel.page), []);
         await panel.page.emulateMedia({ colorScheme: 'dark' });
@@ -193,7 +206,7 @@ for (const [view, hash, stops] of [
             'textbox "Shortcuts: shortcutKeyList.json"',
             'button "Load shortcutKeyList.json from a file"',
             ...buttons('Save shortcutKeyList.json'),
-            ...buttons('Check and restart', 'Back to the installed lists'),
+            ...buttons('Check', 'What changes', 'Try', 'Back to the installed lists'),
         ],
     ],
     [

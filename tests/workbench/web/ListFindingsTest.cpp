@@ -40,6 +40,7 @@ private Q_SLOTS:
     void aMistakeIsNamed();
     void theInstalledListsHaveNoFindings();
     void ofManyFindingsSomeAreShown();
+    void aMebibyteOfEmptyRowsHasAShortAnswer();
 };
 
 void ListFindingsTest::aMistakeIsNamed_data()
@@ -140,6 +141,21 @@ void ListFindingsTest::ofManyFindingsSomeAreShown()
     QCOMPARE(text.count("error[element]"), 20);
     QVERIFY(text.contains("\n... and "));
     QVERIFY(findings.toJson().value("findings").toArray().size() > 30);
+}
+
+void ListFindingsTest::aMebibyteOfEmptyRowsHasAShortAnswer()
+{
+    const QByteArray many = "{ \"LongKeys\": [" + QByteArray("{},").repeated(340'000) + "{} ] }";
+    const QJsonObject json =
+        ListFindings::of(with(longPresses, installed().value(longPresses), many), "Pellit").toJson();
+    QHash<QString, int> counts; // by ids
+    for (const QJsonValue& finding : json.value("findings").toArray()) {
+        ++counts[finding.toObject().value("id").toString()];
+    }
+    QCOMPARE(counts.value("member"), ListFindings::maxAlike);
+    QVERIFY(json.value("leftOut").toInt() > 340'000);
+    QCOMPARE(json.value("rows").toInt(), 340'001 + 8);
+    QCOMPARE(json.value("unsearched").toArray().size(), ListFindings::maxAlike);
 }
 
 QTEST_GUILESS_MAIN(ListFindingsTest)

@@ -236,6 +236,7 @@ void RequestTest::theOtherMethodIsNamed_data()
                                "OPTIONS /api/steps"}) {
         QTest::newRow(target) << QByteArray(target) << QByteArray("POST");
     }
+    QTest::newRow("PUT /api/findings") << QByteArray("PUT /api/findings") << QByteArray("GET, POST");
 }
 
 void RequestTest::theOtherMethodIsNamed()
@@ -246,7 +247,7 @@ void RequestTest::theOtherMethodIsNamed()
     QCOMPARE(reply.status, 405);
     QCOMPARE(reply.headers.value("allow"), method);
     if (!target.startsWith("HEAD")) {
-        QCOMPARE(reply.error(), QStringLiteral("The method here is %1.").arg(method.constData()));
+        QCOMPARE(reply.error(), "The method here is " + method.replace(", ", " or ") + '.');
     }
 }
 
@@ -445,9 +446,11 @@ void RequestTest::faultyRestartsAreExplained()
 {
     QFETCH(QByteArray, body);
     QFETCH(QString, sentence);
-    const HttpReply reply = post("/api/restart", body);
-    QCOMPARE(reply.status, 400);
-    QCOMPARE(reply.error(), sentence);
+    for (const char* path : {"/api/restart", "/api/findings", "/api/diff"}) {
+        const HttpReply reply = post(path, body);
+        QCOMPARE(reply.status, 400);
+        QCOMPARE(reply.error(), sentence);
+    }
 }
 
 void RequestTest::textThatIsNoTextIsRefused_data()
