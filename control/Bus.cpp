@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "control/Bus.h"
 
+#include "control/Notifications.h"
 #include "control/RunningDaemon.h"
+#include "control/doctor/BusSocket.h"
 
 #include <ls/BusNames.h>
 #include <ls/Identifiers.h>
@@ -29,6 +31,13 @@ BusFault noRights()
 
 } // namespace
 
+Bus::Bus(const QString& prefix, std::chrono::milliseconds timeout)
+    : m_fault(BusSocket::fault())
+    , m_bus(m_fault.isEmpty() ? QDBusConnection::systemBus() : QDBusConnection(QString()))
+    , m_prefix(prefix)
+    , m_timeout(timeout)
+{}
+
 QVariantMap Bus::send(const QVariantMap& command, BusFault& fault)
 {
     fault = connectionFault();
@@ -39,7 +48,7 @@ QVariantMap Bus::send(const QVariantMap& command, BusFault& fault)
     QDBusMessage message = QDBusMessage::createMethodCall(name, ls::busPath, name, QStringLiteral("process"));
     message.setAutoStartService(false);
     message << command;
-    const QDBusMessage reply = ask(message);
+    const QDBusMessage reply = ask(message, m_timeout);
     if (reply.type() != QDBusMessage::ReplyMessage) {
         fault = faultOf(QDBusError(reply));
         return {};
@@ -47,7 +56,8 @@ QVariantMap Bus::send(const QVariantMap& command, BusFault& fault)
     return libvantre::dbusArgumentUnpack(reply.arguments().value(0)).toMap();
 }
 
-void Bus::askForState(QObject* context, const std::function<void(const QVariantMap& response)>& take)
+void Bus::askForState(QObject* context,
+                      const std::function<void(const QString& state, const QString& fault)>& take)
 {
     const QString name = nameOf(ls::ServiceId::StateHandler);
     QDBusMessage question =
@@ -58,20 +68,28 @@ void Bus::askForState(QObject* context, const std::function<void(const QVariantM
     auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(question), context);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context, [watcher, take] {
         watcher->deleteLater();
-        const QVariantMap response =
-            libvantre::dbusArgumentUnpack(watcher->reply().arguments().value(0)).toMap();
-        take(watcher->isError() ? QVariantMap() : response);
+        if (watcher->isError()) {
+            const bool isRefused = watcher->error().type() == QDBusError::AccessDenied;
+            take({}, isRefused ? QStringLiteral("the bus does not let you ask the state handler; root may")
+                               : QStringLiteral("the state handler gives no answer"));
+            return;
+        }
+        const QVariantMap response = Notifications::mapOf(watcher->reply());
+        const QString state = response.value(ls::stateIdKey).toString();
+        take(state,
+             state.isEmpty() ? QStringLiteral("the state handler answers without a state") : QString());
     });
 }
 
 BusFault Bus::connectionFault() const
 {
     if (m_bus.isConnected()) {
-        return {};
+        const QDBusMessage reply = askBus(QStringLiteral("GetId"), {});
+        return reply.type() == QDBusMessage::ReplyMessage ? BusFault() : lostBus();
     }
     return {NoBus, QStringLiteral("There is no connection to the system bus (%1). See systemctl status dbus, "
                                   "and DBUS_SYSTEM_BUS_ADDRESS if it is set.")
-                       .arg(m_bus.lastError().message())};
+                       .arg(m_fault.isEmpty() ? m_bus.lastError().message() : m_fault)};
 }
 
 BusFault Bus::absence() const
@@ -126,7 +144,7 @@ BusFault Bus::silence() const
     const QString name = nameOf(ls::ServiceId::KeyboardHandler);
     const std::optional<bool> hasOwner = isOwned(name);
     if (!hasOwner) {
-        return {NoBus, QStringLiteral("The system bus ended before the daemon answered.")};
+        return lostBus();
     }
     if (!*hasOwner) {
         return {NoDaemon, QStringLiteral("The daemon ended before it answered; see %1.").arg(statusCommand)};
@@ -136,6 +154,14 @@ BusFault Bus::silence() const
                           .arg(name)
                           .arg(std::chrono::duration_cast<std::chrono::seconds>(m_timeout).count())
                           .arg(statusCommand)};
+}
+
+BusFault Bus::lostBus() const
+{
+    return {NoBus,
+            m_bus.isConnected()
+                ? QStringLiteral("The system bus does not answer: it hangs. See systemctl status dbus.")
+                : QStringLiteral("The system bus ended before the daemon answered.")};
 }
 
 std::optional<bool> Bus::isOwned(const QString& name) const
@@ -153,17 +179,17 @@ QDBusMessage Bus::askBus(const QString& method, const QVariantList& arguments) c
     QDBusMessage message =
         QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus, method);
     message.setArguments(arguments);
-    return ask(message);
+    return ask(message, BusSocket::timeout);
 }
 
 /// A call that blocks would never return if the bus ended meanwhile.
-QDBusMessage Bus::ask(const QDBusMessage& message) const
+QDBusMessage Bus::ask(const QDBusMessage& message, std::chrono::milliseconds timeout) const
 {
     QEventLoop loop;
     QDBusConnection bus = m_bus;
     bus.connect(QString(), QString(), QStringLiteral("org.freedesktop.DBus.Local"),
                 QStringLiteral("Disconnected"), &loop, SLOT(quit()));
-    const QDBusPendingCallWatcher watcher(bus.asyncCall(message, static_cast<int>(m_timeout.count())));
+    const QDBusPendingCallWatcher watcher(bus.asyncCall(message, static_cast<int>(timeout.count())));
     QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
     if (bus.isConnected() && !watcher.isFinished()) {
         loop.exec();

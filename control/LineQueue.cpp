@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <utility>
 
+#include <poll.h>
 #include <unistd.h>
 
 namespace control {
@@ -21,7 +22,11 @@ bool writeAll(int descriptor, const QByteArray& bytes)
     while (done < bytes.size()) {
         const ssize_t count =
             ::write(descriptor, bytes.constData() + done, static_cast<size_t>(bytes.size() - done));
-        if (count < 0 && errno != EINTR) {
+        if (count < 0 && errno == EAGAIN) {
+            // Another process that shares the output has made it non-blocking.
+            pollfd room{descriptor, POLLOUT, 0};
+            ::poll(&room, 1, -1);
+        } else if (count < 0 && errno != EINTR) {
             return false;
         }
         done += count > 0 ? static_cast<int>(count) : 0;

@@ -27,6 +27,8 @@ constexpr std::chrono::microseconds quietTime = 1600ms;
 /// How late a record may be read, and an announcement may come, compared with the other.
 constexpr std::chrono::microseconds recordDelay = 50ms;
 constexpr std::chrono::microseconds announcementDelay = 3000ms;
+/// Far more than keys cause in that time.
+constexpr size_t maxUnexplained = 256;
 
 QString eventOf(const model::PlayedStep& step)
 {
@@ -249,7 +251,8 @@ void LiveKeys::compare(microseconds now)
         m_expected.erase(found);
         each = m_announced.erase(each);
     }
-    if (!m_announced.empty() && now - m_announced.front().at > announcementDelay) {
+    if (!m_announced.empty() &&
+        (now - m_announced.front().at > announcementDelay || m_announced.size() > maxUnexplained)) {
         loseTrack(QStringLiteral("\"%1\" is not explained by the keys; a command may have come")
                       .arg(m_announced.front().text.trimmed()));
     } else if (!m_expected.empty() && now - m_expected.front().at > announcementDelay) {

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "control/Monitor.h"
 
+#include "control/Notifications.h"
 #include "control/Output.h"
 
 #include <ls/BusNames.h>
 #include <ls/Identifiers.h>
 #include <ls/MessageKeys.h>
-#include <vantre/DBusArgumentUnpack.h>
 
 namespace control {
 
@@ -15,11 +15,6 @@ namespace {
 const QString announcement = QStringLiteral("announcement");
 const QString state = QStringLiteral("state");
 const QString service = QStringLiteral("service");
-
-QVariantMap mapOf(const QDBusMessage& message)
-{
-    return libvantre::dbusArgumentUnpack(message.arguments().value(0)).toMap();
-}
 
 /// A text that is missing or of another type is shown, too.
 QString textOf(const QVariantMap& map, const QString& key)
@@ -65,7 +60,7 @@ QByteArray MonitorLines::loss(int count) const
 {
     return of({QDateTime::currentDateTime(),
                QStringLiteral("loss"),
-               QStringLiteral("%1 lines are missing: they were not read in time").arg(count),
+               QStringLiteral("%1 lines are missing: they were not read in time, or too long").arg(count),
                {{QStringLiteral("count"), count}}});
 }
 
@@ -111,7 +106,7 @@ BusFault Monitor::begin()
 
 void Monitor::onAnnouncement(const QDBusMessage& message)
 {
-    const QVariantMap notification = mapOf(message);
+    const QVariantMap notification = Notifications::mapOf(message);
     if (m_receivers.isEmpty() || m_receivers.contains(notification.value(ls::receiverIdKey).toString())) {
         m_report({QDateTime::currentDateTime(),
                   announcement,
@@ -123,10 +118,19 @@ void Monitor::onAnnouncement(const QDBusMessage& message)
 
 void Monitor::onStateMessage(const QDBusMessage& message)
 {
-    const QVariantMap notification = mapOf(message);
-    if (notification.value(ls::notificationIdKey) == ls::StateHandlerNotifId::StateChange) {
+    const QVariantMap notification = Notifications::mapOf(message);
+    const auto current = Notifications::stateOf(notification);
+    if (current) {
         ++m_stateChanges;
-        reportState(notification.value(ls::stateIdKey).toString());
+        reportState(*current, {});
+    } else if (Notifications::isStateChange(notification)) {
+        m_report(
+            {QDateTime::currentDateTime(),
+             state,
+             QStringLiteral("the state handler announces the state %1, which the daemon ignores, because "
+                            "the state is unknown or the message not complete")
+                 .arg(textOf(notification, ls::stateIdKey)),
+             {{QStringLiteral("ignored"), QJsonObject::fromVariantMap(notification)}}});
     }
 }
 
@@ -156,18 +160,18 @@ void Monitor::onOwnerChanged(const QString& name, const QString& owner)
 void Monitor::askForState()
 {
     const int changes = m_stateChanges;
-    m_bus.askForState(this, [this, changes](const QVariantMap& response) {
+    m_bus.askForState(this, [this, changes](const QString& current, const QString& fault) {
         if (changes == m_stateChanges) { // a change that came meanwhile is newer than the answer
-            reportState(response.value(ls::stateIdKey).toString());
+            reportState(current, fault);
         }
     });
 }
 
-void Monitor::reportState(const QString& current)
+void Monitor::reportState(const QString& current, const QString& fault)
 {
     m_report({QDateTime::currentDateTime(),
               state,
-              current.isEmpty() ? QStringLiteral("the state is not known: the state handler gives no answer")
+              current.isEmpty() ? QStringLiteral("the state is not known: ") + fault
                                 : QStringLiteral("the state is ") + current,
               {{ls::stateIdKey, current.isEmpty() ? QJsonValue() : QJsonValue(current)}}});
     Q_EMIT stateSeen(current);

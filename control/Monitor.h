@@ -73,7 +73,7 @@ private Q_SLOTS:
 private:
     void onOwnerChanged(const QString& name, const QString& owner);
     void askForState();
-    void reportState(const QString& current);
+    void reportState(const QString& current, const QString& fault);
 
     Bus m_bus;
     QString m_stateHandler;

@@ -5,9 +5,11 @@
 #include "control/LiveKeys.h"
 #include "control/Monitor.h"
 #include "control/Options.h"
+#include "control/SpeechRequests.h"
 #include "simulator/script/ScriptWords.h"
 
 #include <QCoreApplication>
+#include <QDir>
 
 #include <sched.h>
 #include <unistd.h>
@@ -34,39 +36,79 @@ QString faultOf(const Call& call)
     return {};
 }
 
-/// The daemon comes first: on a busy processor, the monitor reads the keys later, not the daemon.
-void yieldToTheDaemon()
+/// The threads that this process has now.
+QStringList threads()
 {
-    const sched_param noPriority{};
-    ::sched_setscheduler(0, SCHED_IDLE, &noPriority); // refused where it is not allowed
+    return QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
 }
 
-Status monitor(const Call& call, const QString& prefix, const MonitorLines& lines)
+/// The daemon comes first: on a busy processor, the monitor reads keys and messages later, not the daemon.
+void yieldToTheDaemon(const QStringList& threads)
 {
-    LineQueue queue(STDOUT_FILENO, [&lines](int count) { return lines.loss(count); });
-    QObject::connect(&queue, &LineQueue::broken, qApp, [] { QCoreApplication::exit(Unusable); });
-    Monitor monitor(Bus(prefix, std::chrono::seconds(1)), call.options.values(receiver),
-                    [&](const MonitorEvent& event) { queue.add(lines.of(event)); });
-    QObject::connect(&monitor, &Monitor::busLost, qApp, [] { QCoreApplication::exit(NoBus); });
-    LiveKeys keys([&](const QString& words, const QJsonObject& members) {
-        queue.add(lines.of({QDateTime::currentDateTime(), QStringLiteral("key"), words,
+    const sched_param noPriority{};
+    for (const QString& thread : threads) {
+        ::sched_setscheduler(thread.toInt(), SCHED_IDLE, &noPriority); // refused where it is not allowed
+    }
+}
+
+/// Events that are words, or words and what they say for programs.
+auto reportOf(LineQueue& queue, const MonitorLines& lines, const QString& kind)
+{
+    return [&queue, &lines, kind](const QString& words, const QJsonObject& members) {
+        queue.add(lines.of({QDateTime::currentDateTime(), kind, words,
                             members.isEmpty() ? QJsonObject{{QStringLiteral("remark"), words}} : members}));
-    });
-    if (call.options.isSet(why)) {
-        yieldToTheDaemon();
-        const QString keysFault = keys.open();
-        if (!keysFault.isEmpty()) {
-            call.err.line(keysFault);
-            return keys.isForbidden() ? NoRights : Unusable;
-        }
+    };
+}
+
+/// Returns an empty string, or what is wrong with the input devices.
+QString follow(LiveKeys& keys, const Monitor& monitor)
+{
+    QString fault = keys.open();
+    if (fault.isEmpty()) {
         QObject::connect(&monitor, &Monitor::announced, &keys, &LiveKeys::takeAnnouncement);
         QObject::connect(&monitor, &Monitor::stateSeen, &keys, &LiveKeys::setState);
         QObject::connect(&monitor, &Monitor::daemonCame, &keys, &LiveKeys::restart);
     }
+    return fault;
+}
+
+Status complain(const Call& call, Status status, const QString& text)
+{
+    call.err.line(text);
+    return status;
+}
+
+Status monitor(const Call& call, const QString& prefix, const MonitorLines& lines)
+{
+    const Bus bus(prefix, BusSocket::timeout);
+    const QStringList readers = threads();
+    LineQueue queue(STDOUT_FILENO, [&lines](int count) { return lines.loss(count); });
+    QObject::connect(&queue, &LineQueue::broken, qApp, [&call] {
+        QCoreApplication::exit(complain(call, Unusable, QStringLiteral("The output could not be written.")));
+    });
+    Monitor monitor(bus, call.options.values(receiver),
+                    [&](const MonitorEvent& event) { queue.add(lines.of(event)); });
+    QObject::connect(&monitor, &Monitor::busLost, qApp, [] { QCoreApplication::exit(NoBus); });
+    LiveKeys keys(reportOf(queue, lines, QStringLiteral("key")));
+    if (call.options.isSet(why)) {
+        const QString keysFault = follow(keys, monitor);
+        if (!keysFault.isEmpty()) {
+            return complain(call, keys.isForbidden() ? NoRights : Unusable, keysFault);
+        }
+    }
     const BusFault fault = monitor.begin();
     if (fault.isFault()) {
-        call.err.line(fault.text);
-        return fault.status;
+        return complain(call, fault.status, fault.text);
+    }
+    const auto reportSpeech = reportOf(queue, lines, QStringLiteral("speech"));
+    SpeechRequests speech(reportSpeech);
+    QObject::connect(&monitor, &Monitor::busLost, &speech, &SpeechRequests::close);
+    const QString noSpeech = speech.open(prefix);
+    if (!noSpeech.isEmpty()) {
+        reportSpeech(noSpeech, {});
+    }
+    if (call.options.isSet(why)) {
+        yieldToTheDaemon(readers);
     }
     return static_cast<Status>(QCoreApplication::exec());
 }
@@ -79,8 +121,7 @@ Status run(const Call& call)
     }
     const QString fault = faultOf(call);
     if (!fault.isEmpty()) {
-        call.err.line(fault);
-        return Unusable;
+        return complain(call, Unusable, fault);
     }
     return monitor(call, *prefix, MonitorLines(Options::hasJson(call), call.out.charset()));
 }
@@ -92,10 +133,11 @@ Verb monitorVerb()
     return {
         QStringLiteral("monitor"),
         {},
-        QStringLiteral("Show each announcement and change of the operating state."),
+        QStringLiteral("Show each announcement, speech request and change of the operating state."),
         QStringLiteral("It sends the daemon nothing, so the next announcement names the same sender as "
-                       "without it; it asks the state handler for the state. Speech is not shown. It "
-                       "runs until Ctrl-C, or until the bus ends (status 3). If its lines are read too "
+                       "without it; it asks the state handler for the state. Speech requests take the right "
+                       "to monitor the bus, usually root's; without it, a line says so. It runs until "
+                       "Ctrl-C, or until the bus ends (status 3). If its lines are read too "
                        "slowly, some are dropped, and a line says how many."),
         {QStringLiteral("monitor"), QStringLiteral("monitor --receiver UserMenu --json"),
          QStringLiteral("monitor --why")},

@@ -1,24 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "control/record/DaemonSignals.h"
 
+#include "control/Notifications.h"
+
 #include <ls/BusNames.h>
 #include <ls/Identifiers.h>
 #include <ls/MessageKeys.h>
-#include <vantre/DBusArgumentUnpack.h>
 
 #include <QDBusConnectionInterface>
 #include <QDBusServiceWatcher>
 
 namespace control {
-
-namespace {
-
-QVariantMap bodyOf(const QDBusMessage& message)
-{
-    return libvantre::dbusArgumentUnpack(message.arguments().value(0)).toMap();
-}
-
-} // namespace
 
 DaemonSignals::DaemonSignals(const Bus& bus, QObject* parent) : QObject(parent), m_bus(bus) {}
 
@@ -54,35 +46,31 @@ BusFault DaemonSignals::begin()
 
 void DaemonSignals::askForState()
 {
-    m_bus.askForState(this, [this](const QVariantMap& response) {
+    m_bus.askForState(this, [this](const QString& state, const QString& /*fault*/) {
         // A change that was announced meanwhile is newer than the answer.
-        if (!response.isEmpty() && !m_isStateKnown) {
-            report(response.value(ls::stateIdKey));
+        if (ls::StateId::meta.contains(state) && !m_isStateKnown) {
+            report(state);
         }
     });
 }
 
 void DaemonSignals::onAnnouncement(const QDBusMessage& message)
 {
-    Q_EMIT announced(bodyOf(message));
+    Q_EMIT announced(Notifications::mapOf(message));
 }
 
-/// The daemon ignores messages that lack one of the members.
 void DaemonSignals::onStateMessage(const QDBusMessage& message)
 {
-    const QVariantMap notification = bodyOf(message);
-    if (notification.value(ls::notificationIdKey) == ls::StateHandlerNotifId::StateChange &&
-        notification.contains(ls::actionIdKey) && notification.contains(ls::senderIdKey)) {
-        report(notification.value(ls::stateIdKey));
+    const auto state = Notifications::stateOf(Notifications::mapOf(message));
+    if (state) {
+        report(*state);
     }
 }
 
-void DaemonSignals::report(const QVariant& state)
+void DaemonSignals::report(const QString& state)
 {
-    if (ls::StateId::meta.contains(state.toString())) {
-        m_isStateKnown = true;
-        Q_EMIT stateSeen(state.toString());
-    }
+    m_isStateKnown = true;
+    Q_EMIT stateSeen(state);
 }
 
 } // namespace control

@@ -36,7 +36,7 @@ private Q_SLOTS:
 
 private:
     void askForState();
-    void report(const QVariant& state);
+    void report(const QString& state);
 
     Bus m_bus;
     bool m_isStateKnown = false;

@@ -8,6 +8,7 @@
 #include "simulator/script/ScriptWords.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <QTimer>
 
@@ -58,6 +59,13 @@ bool writeFile(const QString& path, const QByteArray& content, QString& fault)
 /// Complains before the recording, not after it.
 QString outputFault(const QString& path)
 {
+    const QFileInfo existing(path);
+    if (existing.exists() && !existing.isFile()) {
+        return QStringLiteral(
+                   "%1 is not a regular file, and a recording replaces its file as a whole. Without "
+                   "--output, it goes to the standard output.")
+            .arg(path);
+    }
     QSaveFile file(path);
     if (path.isEmpty() || file.open(QIODevice::WriteOnly)) {
         file.cancelWriting();
@@ -66,28 +74,42 @@ QString outputFault(const QString& path)
     return QStringLiteral("%1 cannot be written: %2.").arg(path, file.errorString());
 }
 
-Status write(const Call& call, const QByteArray& script)
+/// A reader of the standard output that hangs must not keep Ctrl-C from ending the program.
+void print(const Call& call, const QByteArray& script, StopSignals* stop)
+{
+    if (stop != nullptr) {
+        stop->release();
+    }
+    call.out.lines(QString::fromUtf8(script));
+}
+
+Status write(const Call& call, const QByteArray& script, StopSignals* stop)
 {
     const QString path = call.options.value(outputOption);
     QString fault;
     if (path.isEmpty()) {
-        call.out.lines(QString::fromUtf8(script));
+        print(call, script, stop);
         return Done;
     }
     if (writeFile(path, script, fault)) {
         return Done;
     }
     // What was recorded cannot be repeated.
-    call.out.lines(QString::fromUtf8(script));
+    print(call, script, stop);
     return complain(call, Unusable, fault + QStringLiteral(" It is on the standard output instead."));
 }
 
 Status save(const Call& call)
 {
+    const auto timeout = Options::timeoutOf(call);
+    if (!timeout) {
+        return Unusable;
+    }
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(*timeout);
     int error = 0;
-    const QByteArray script = RecorderSocket::fetch(socketPath(), error);
+    const QByteArray script = RecorderSocket::fetch(socketPath(), seconds, error);
     if (error == 0) {
-        return write(call, script);
+        return write(call, script, nullptr);
     }
     const QString text = QString::fromLocal8Bit(std::strerror(error));
     if (error == EACCES) {
@@ -96,6 +118,14 @@ Status save(const Call& call)
             QStringLiteral("%1: %2. Run this as root, or become a member of the group %3 (sudo adduser "
                            "\"$USER\" %3) and log in again.")
                 .arg(socketPath(), text, QStringLiteral(KEYBOARD_HANDLER_SERVICE_GROUP)));
+    }
+    if (error == ETIMEDOUT) {
+        return complain(call, NoAnswer,
+                        QStringLiteral("%1: the recorder does not answer in %2 s: it hangs. See systemctl "
+                                       "status %3.")
+                            .arg(socketPath())
+                            .arg(seconds.count())
+                            .arg(recorderUnit));
     }
     return complain(
         call, Unusable,
@@ -131,11 +161,6 @@ Status serve(const Call& call)
 Status record(const Call& call, std::optional<seconds> time)
 {
     StopSignals stop;
-    const QString path = call.options.value(outputOption);
-    const QString unwritable = outputFault(path);
-    if (!unwritable.isEmpty()) {
-        return complain(call, Unusable, unwritable);
-    }
     const auto prefix = Options::prefixOf(call);
     if (!prefix) {
         return Unusable;
@@ -160,7 +185,7 @@ Status record(const Call& call, std::optional<seconds> time)
         QTimer::singleShot(*time, QCoreApplication::instance(), [] { QCoreApplication::exit(Done); });
     }
     const auto end = static_cast<Status>(QCoreApplication::exec());
-    const Status written = write(call, recorder.script());
+    const Status written = write(call, recorder.script(), &stop);
     return written == Done ? end : written;
 }
 
@@ -184,6 +209,10 @@ Status runRecord(const Call& call)
         return complain(call, Unusable,
                         QStringLiteral("The time is a whole number of seconds, from 1 to 86400."));
     }
+    const QString unwritable = outputFault(call.options.value(outputOption));
+    if (!unwritable.isEmpty()) {
+        return complain(call, Unusable, unwritable);
+    }
     if (isSave) {
         return save(call);
     }
@@ -205,6 +234,7 @@ Verb recordVerb()
         {QStringLiteral("record --for 30 --output feed.keys"),
          QStringLiteral("record --save --output last.keys")},
         {Options::prefix(),
+         Options::timeout(),
          {forOption, QStringLiteral("End after this time (default: Ctrl-C)."), QStringLiteral("seconds")},
          {outputOption, QStringLiteral("Write the script to this file, not to the standard output."),
           QStringLiteral("file")},

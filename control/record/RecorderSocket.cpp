@@ -18,6 +18,7 @@ namespace control {
 namespace {
 
 constexpr mode_t socketMode = 0660;
+constexpr std::chrono::seconds checkTimeout{5};
 constexpr size_t readSize = 65'536;
 
 /// Ends the content, so that a client notices if a part is missing. No key script contains it.
@@ -34,14 +35,24 @@ bool fill(sockaddr_un& address, const QString& path)
     return true;
 }
 
+/// Limits the time that each call waits.
+void setTimeout(int fd, std::chrono::seconds timeout)
+{
+    timeval time{};
+    time.tv_sec = timeout.count();
+    ::setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);
+    ::setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time);
+}
+
 /// A connected socket, or -1 with `errno`.
-int connectTo(const QString& path)
+int connectTo(const QString& path, std::chrono::seconds timeout)
 {
     sockaddr_un address{};
     const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (fd == -1 || !fill(address, path)) {
         return fd;
     }
+    setTimeout(fd, timeout);
     if (::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == -1) {
         const int error = errno;
         ::close(fd);
@@ -70,7 +81,7 @@ RecorderSocket::~RecorderSocket()
 
 QString RecorderSocket::listen(const QString& path)
 {
-    const int other = connectTo(path);
+    const int other = connectTo(path, checkTimeout);
     if (other != -1) {
         ::close(other);
         return QStringLiteral("A recorder runs already, at %1.").arg(path);
@@ -130,9 +141,9 @@ void RecorderSocket::drop(int fd)
     m_clients.erase(client);
 }
 
-QByteArray RecorderSocket::fetch(const QString& path, int& error)
+QByteArray RecorderSocket::fetch(const QString& path, std::chrono::seconds timeout, int& error)
 {
-    const int fd = connectTo(path);
+    const int fd = connectTo(path, timeout);
     error = fd == -1 ? errno : 0;
     QByteArray content;
     std::array<char, readSize> bytes;
@@ -149,6 +160,9 @@ QByteArray RecorderSocket::fetch(const QString& path, int& error)
     }
     if (fd != -1) {
         ::close(fd);
+    }
+    if (error == EAGAIN) {
+        error = ETIMEDOUT;
     }
     if (error == 0 && !content.endsWith(endMark)) {
         error = EPROTO;

@@ -6,6 +6,7 @@
 #include <QSocketNotifier>
 #include <QString>
 
+#include <chrono>
 #include <functional>
 #include <list>
 #include <memory>
@@ -30,8 +31,8 @@ public:
     QString listen(const QString& path);
 
     /// Connects to the socket at `path` and reads everything. Sets `error` to 0 or the number of the system's
-    /// error; EPROTO if the recorder ended meanwhile.
-    static QByteArray fetch(const QString& path, int& error);
+    /// error; EPROTO if the recorder ended meanwhile, ETIMEDOUT if it sent nothing for `timeout`.
+    static QByteArray fetch(const QString& path, std::chrono::seconds timeout, int& error);
 
 private:
     struct Client

@@ -19,10 +19,15 @@ public:
     explicit StopSignals(QObject* parent = nullptr);
     ~StopSignals() override;
 
+    /// From now on, the signals end the process. Forgets those that came before.
+    void release();
+
 Q_SIGNALS:
     void received();
 
 private:
+    bool take();
+
     int m_fd = -1;
     std::unique_ptr<QSocketNotifier> m_notifier;
 };

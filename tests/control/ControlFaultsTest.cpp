@@ -8,7 +8,16 @@
 
 #include <ls/BusNames.h>
 
+#include <QDBusConnectionInterface>
+#include <QDBusReply>
+#include <QTemporaryDir>
+
+#include <list>
+
 #include <signal.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace {
 
@@ -20,6 +29,18 @@ void succeed(const BusPeer& self, const QDBusMessage& call)
     self.reply(call, {QVariantMap{{"errorId", "Undefined"}, {"resultId", "Success"}, {"key", 139}}});
 }
 
+/// The kernel alone accepts clients.
+int listenAt(const QString& path)
+{
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    qstrncpy(address.sun_path, qPrintable(path), sizeof address.sun_path);
+    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const bool listens =
+        ::bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 && ::listen(fd, 10) == 0;
+    return listens ? fd : -1;
+}
+
 } // namespace
 
 /// What keyboard-handlerctl says when a command cannot be sent or is not answered.
@@ -29,6 +50,8 @@ class ControlFaultsTest : public SystemTest
 
 private Q_SLOTS:
     void noBus();
+    void busThatAcceptsAndHangs();
+    void busThatHangsBeforeTheDaemonAnswers();
     void noDaemon();
     void daemonThatWaitsForServices();
     void daemonsOfOtherPrefixes();
@@ -47,9 +70,46 @@ void ControlFaultsTest::noBus()
     ControlProgram run("unix:path=/tmp/no-such-bus", {lastKey});
     QCOMPARE(run.status(), int(control::NoBus));
     QCOMPARE(QString::fromUtf8(run.err()),
-             QStringLiteral("There is no connection to the system bus (Failed to connect to socket "
-                            "/tmp/no-such-bus: No such file or directory). See systemctl status dbus, and "
+             QStringLiteral("There is no connection to the system bus (/tmp/no-such-bus: No such "
+                            "file or directory). See systemctl status dbus, and "
                             "DBUS_SYSTEM_BUS_ADDRESS if it is set.\n"));
+}
+
+void ControlFaultsTest::busThatAcceptsAndHangs()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("bus");
+    const int bus = listenAt(path);
+    const QString address = "unix:path=" + path;
+    std::list<ControlProgram> runs;
+    for (const QStringList& verb : {QStringList{lastKey}, QStringList{"monitor"}, QStringList{"record"},
+                                    QStringList{"record", "--serve"}}) {
+        runs.emplace_back(address, verb);
+        runs.back().start();
+    }
+    for (ControlProgram& run : runs) {
+        QCOMPARE(run.status(), int(control::NoBus));
+        QCOMPARE(QString::fromUtf8(run.err()),
+                 QStringLiteral("There is no connection to the system bus (%1 accepts clients, but does not "
+                                "respond: the bus hangs). See systemctl status dbus, and "
+                                "DBUS_SYSTEM_BUS_ADDRESS if it is set.\n")
+                     .arg(path));
+    }
+    ::close(bus);
+}
+
+void ControlFaultsTest::busThatHangsBeforeTheDaemonAnswers()
+{
+    PrivateBus bus;
+    const auto process =
+        pid_t(QDBusConnection::systemBus().interface()->servicePid("org.freedesktop.DBus").value());
+    const BusPeer daemon(bus, name,
+                         [process](const BusPeer&, const QDBusMessage&) { ::kill(process, SIGSTOP); });
+    ControlProgram run(bus.address(), {lastKey, "--timeout", "1"});
+    const int status = run.status();
+    QCOMPARE(::kill(process, SIGCONT), 0);
+    QCOMPARE(status, int(control::NoBus));
+    QCOMPARE(run.err(), QByteArray("The system bus does not answer: it hangs. See systemctl status dbus.\n"));
 }
 
 void ControlFaultsTest::noDaemon()

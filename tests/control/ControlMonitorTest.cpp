@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "control/Status.h"
-#include "simulator/panel/ByteSink.h"
 #include "tests/control/ControlProgram.h"
+#include "tests/control/PanelNodes.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/Waiting.h"
@@ -9,18 +9,17 @@
 
 #include <ls/BusNames.h>
 
+#include <QDBusMessage>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTemporaryDir>
 
-#include <linux/input.h>
 #include <signal.h>
-#include <sys/stat.h>
 
 namespace {
 
 const QString daemonName = ls::busName(ls::ServiceId::KeyboardHandler);
 const QString stateHandlerName = ls::busName(ls::ServiceId::StateHandler);
+const QString speechName = ls::busName("SpeechDaemon");
 
 const QString followed = QStringLiteral("from here on, the rules of each key are named");
 
@@ -31,6 +30,26 @@ QVariantMap notification(const QString& action, const QString& receiver = ls::Se
             {"receiverId", receiver},
             {"senderId", "KeyboardHandler"},
             {"firstKey", "Help"}};
+}
+
+QVariantMap stateChange(const QString& state)
+{
+    return {{"notificationId", "StateChange"},
+            {"actionId", "Undefined"},
+            {"senderId", "StateHandler"},
+            {"stateId", state}};
+}
+
+void denyMonitoring(const PrivateBus& bus)
+{
+    QFile file(QFileInfo(bus.socketPath()).path() + "/bus.conf");
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    const QByteArray policy = file.readAll().replace(
+        "<allow own", "<deny send_interface=\"org.freedesktop.DBus.Monitoring\"/><allow own");
+    QVERIFY(file.seek(0) && file.write(policy) == policy.size() && file.flush());
+    const QDBusMessage reload = QDBusMessage::createMethodCall(
+        "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ReloadConfig");
+    QCOMPARE(QDBusConnection::systemBus().call(reload).type(), QDBusMessage::ReplyMessage);
 }
 
 } // namespace
@@ -49,14 +68,23 @@ private Q_SLOTS:
     void onlyAnnouncementsToTheReceiverAreShown();
     void hostileTextsAreHarmless();
     void stateHandlerWithoutAnswerDoesNotHoldUpAnnouncements();
+    void refusedQuestionsNameTheRight();
     void changeOfTheStateIsNewerThanTheAnswer();
+    void changesThatTheDaemonIgnoresAreMarked();
+    void speechRequestsAreShown();
+    void speechOfAnotherShapeIsHarmless();
+    void speechTakesTheRightToMonitorTheBus();
     void slowReaderLosesLinesAndLearnsHowMany();
+    void linesThatAreTooLongAreCounted();
     void brokenPipeEndsTheMonitor();
+    void outputsThatCannotBeWrittenAreReported_data();
+    void outputsThatCannotBeWrittenAreReported();
     void interruptEndsTheMonitor();
     void absentBusIsReported();
     void unknownReceiverIsRefused();
     void rulesOfKeysAreNamed();
     void announcementsThatKeysDoNotExplainAreMarked();
+    void floodsOfAnnouncementsAreNotKept();
     void listsThatAreNewerThanTheDaemonAreNamed();
     void inputDevicesThatAreMissingAreReported();
 
@@ -66,9 +94,7 @@ private:
     static void awaitLine(ControlProgram& monitor, const QString& end);
     static void startListening(ControlProgram& monitor, const QString& state);
 
-    // A FIFO has one reader, so the monitor has its own pair, with the same records.
-    std::unique_ptr<QTemporaryDir> m_nodes;
-    std::array<std::unique_ptr<ByteSink>, 2> m_sinks;
+    std::unique_ptr<PanelNodes> m_nodes;
 };
 
 void ControlMonitorTest::awaitLine(ControlProgram& monitor, const QString& end)
@@ -225,6 +251,17 @@ void ControlMonitorTest::stateHandlerWithoutAnswerDoesNotHoldUpAnnouncements()
     QCOMPARE(daemon.calls().size(), 0);
 }
 
+void ControlMonitorTest::refusedQuestionsNameTheRight()
+{
+    PrivateBus bus({}, PrivateBus::Process::Unconnected);
+    const BusPeer stateHandler(bus, stateHandlerName, [](const BusPeer& self, const QDBusMessage& call) {
+        self.refuse(call, "org.freedesktop.DBus.Error.AccessDenied", "no");
+    });
+    ControlProgram monitor(bus.address(), {"monitor"});
+    monitor.start();
+    awaitLine(monitor, "the state is not known: the bus does not let you ask the state handler; root may");
+}
+
 void ControlMonitorTest::changeOfTheStateIsNewerThanTheAnswer()
 {
     PrivateBus bus({}, PrivateBus::Process::Unconnected);
@@ -233,14 +270,91 @@ void ControlMonitorTest::changeOfTheStateIsNewerThanTheAnswer()
     ControlProgram monitor(bus.address(), {"monitor"});
     monitor.start();
     WAIT_FOR_EQUAL(stateHandler.calls().size(), 1);
-    stateHandler.announce({QVariantMap{{ls::notificationIdKey, ls::StateHandlerNotifId::StateChange},
-                                       {ls::stateIdKey, ls::StateId::Print}}});
+    stateHandler.announce({stateChange(ls::StateId::Print)});
     awaitLine(monitor, "the state is Print");
     stateHandler.vanish(); // the bus answers in its place
     awaitLine(monitor, stateHandlerName + " leaves the bus");
     daemon.announce({notification("One")});
     awaitLine(monitor, "announces One to UserMenu, with Help; sender KeyboardHandler");
     QVERIFY(!monitor.out().contains("not known"));
+}
+
+/// The monitor must not follow a state that the daemon does not have.
+void ControlMonitorTest::changesThatTheDaemonIgnoresAreMarked()
+{
+    PrivateBus bus({}, PrivateBus::Process::Unconnected);
+    const BusPeer stateHandler(bus, stateHandlerName);
+    ControlProgram monitor(bus.address(), {"monitor", "--json"});
+    monitor.start();
+    WAIT_FOR_EQUAL(stateHandler.calls().size(), 1);
+    QVariantMap incomplete = stateChange(ls::StateId::Print);
+    incomplete.remove("senderId");
+    stateHandler.announce({incomplete});
+    stateHandler.announce({stateChange("Paused")});
+    stateHandler.announce({stateChange(ls::StateId::Error)});
+    WAIT_FOR_EQUAL(monitor.lines().size(), 4);
+    const auto line = [&](int index) {
+        return QJsonDocument::fromJson(monitor.lines().at(index).toUtf8()).object();
+    };
+    QCOMPARE(line(1)["ignored"].toObject(), QJsonObject::fromVariantMap(incomplete));
+    QCOMPARE(line(2)["ignored"].toObject()["stateId"].toString(), QStringLiteral("Paused"));
+    QVERIFY(!line(2).contains("stateId"));
+    QCOMPARE(line(3)["stateId"].toString(), ls::StateId::Error);
+}
+
+void ControlMonitorTest::speechRequestsAreShown()
+{
+    QVERIFY(launch());
+    ControlProgram people(device().bus().address(), {"monitor"});
+    ControlProgram json(device().bus().address(), {"monitor", "--json"});
+    startListening(people, "Idle");
+    json.start();
+    WAIT_FOR_EQUAL(json.lines().size(), 2);
+    tap(ls::KeyId::Help);
+    awaitLine(people, "announces SingleKey to UserMenu, with Help; sender \"\"");
+    awaitLine(people, "  speaks \"Help\"");
+    WAIT_FOR(!json.lines().filter("\"kind\":\"speech\"").filter("\"speakFromId\"").isEmpty());
+    const QStringList lines = json.lines().filter("\"speakFromId\"");
+    const QJsonObject line = QJsonDocument::fromJson(lines.first().toUtf8()).object();
+    QCOMPARE(line["request"].toObject().keys(), (QStringList{"sentenceId", "serviceId"}));
+    QVERIFY(line.contains("time"));
+}
+
+void ControlMonitorTest::speechOfAnotherShapeIsHarmless()
+{
+    PrivateBus bus({}, PrivateBus::Process::Unconnected);
+    const BusPeer speech(bus, speechName);
+    const BusPeer daemon(bus, daemonName);
+    ControlProgram monitor(bus.address(), {"monitor"});
+    monitor.start();
+    WAIT_FOR_EQUAL(monitor.lines().size(), 2);
+    daemon.call(speechName, "speakFromId", {});
+    daemon.call(speechName, "speakFromId", {QStringLiteral("\x1b[2J")});
+    daemon.call(speechName, "speakFromId", {QVariantMap{{"a\x1b[2J", QVariantMap()}, {"serviceId", 0.5}}});
+    daemon.call(speechName, "speakFromId",
+                {QVariantMap{{"serviceId", 0}, {"sentenceId", 24}, {"arguments", QStringList{"\x1b[2J"}}}});
+    daemon.call(speechName, "cancelAll", {});
+    awaitLine(monitor, "  cancels earlier speech");
+    QCOMPARE(monitor.lines().size(), 7);
+    QVERIFY(!monitor.out().contains('\x1b'));
+    QVERIFY(monitor.lines().at(4).contains("\\u001b[2J"));
+    QVERIFY(monitor.lines().at(5).endsWith("speaks \"Up\", with \\u001b[2J"));
+}
+
+void ControlMonitorTest::speechTakesTheRightToMonitorTheBus()
+{
+    PrivateBus bus;
+    denyMonitoring(bus);
+    const BusPeer daemon(bus, daemonName);
+    ControlProgram monitor(bus.address(), {"monitor"});
+    monitor.start();
+    WAIT_FOR_EQUAL(monitor.lines().size(), 3);
+    const QRegularExpression form(
+        "  Speech is not shown, because the bus does not let you monitor it \\(.+\\); "
+        "root may\\.$");
+    QCOMPARE(monitor.lines().filter(form).size(), 1);
+    daemon.announce({notification("One")});
+    awaitLine(monitor, "announces One to UserMenu, with Help; sender KeyboardHandler");
 }
 
 void ControlMonitorTest::slowReaderLosesLinesAndLearnsHowMany()
@@ -280,6 +394,19 @@ void ControlMonitorTest::slowReaderLosesLinesAndLearnsHowMany()
     QVERIFY(lost > 0);
 }
 
+void ControlMonitorTest::linesThatAreTooLongAreCounted()
+{
+    PrivateBus bus({}, PrivateBus::Process::Unconnected);
+    const BusPeer daemon(bus, daemonName);
+    ControlProgram monitor(bus.address(), {"monitor"});
+    monitor.start();
+    WAIT_FOR_EQUAL(monitor.lines().size(), 2);
+    daemon.announce({notification(QString(1'000'000, 'x'))});
+    daemon.announce({notification("Last")});
+    awaitLine(monitor, "announces Last to UserMenu, with Help; sender KeyboardHandler");
+    QVERIFY(monitor.lines().at(2).endsWith("  1 lines are missing: they were not read in time, or too long"));
+}
+
 void ControlMonitorTest::brokenPipeEndsTheMonitor()
 {
     PrivateBus bus({}, PrivateBus::Process::Unconnected);
@@ -295,6 +422,25 @@ void ControlMonitorTest::brokenPipeEndsTheMonitor()
         return !monitor.isRunning();
     }()));
     QCOMPARE(monitor.err(), QByteArray("141\n"));
+}
+
+void ControlMonitorTest::outputsThatCannotBeWrittenAreReported_data()
+{
+    QTest::addColumn<QString>("shell");
+    QTest::newRow("full disk") << "exec \"$0\" \"$@\" >/dev/full";
+    QTest::newRow("closed") << "exec \"$0\" \"$@\" >&-";
+    QTest::newRow("all closed but that of errors") << "exec \"$0\" \"$@\" <&- >&-";
+}
+
+/// A socket that gets the number of a closed output would get the lines.
+void ControlMonitorTest::outputsThatCannotBeWrittenAreReported()
+{
+    QFETCH(QString, shell);
+    const PrivateBus bus({}, PrivateBus::Process::Unconnected);
+    ControlProgram monitor(bus.address(), {"monitor"});
+    monitor.setShell(shell);
+    QCOMPARE(monitor.status(), int(control::Unusable));
+    QCOMPARE(monitor.err(), QByteArray("The output could not be written.\n"));
 }
 
 void ControlMonitorTest::interruptEndsTheMonitor()
@@ -334,34 +480,17 @@ bool ControlMonitorTest::launchWithNodes()
     options.keyLists = {{"modifierKeyList.json",
                          R"({"ModifierKeys": [{"keys": ["Help", "Ok"], "eAction": "Both",)"
                          R"( "receiverService": "UserMenu", "validOnState": "Idle"}]})"}};
-    m_nodes = std::make_unique<QTemporaryDir>();
-    for (size_t keyboard = 0; keyboard < m_sinks.size(); ++keyboard) {
-        const QString path = m_nodes->filePath(QStringLiteral("event%1").arg(keyboard));
-        m_sinks.at(keyboard) = std::make_unique<ByteSink>();
-        if (::mkfifo(qPrintable(path), 0600) != 0 || !m_sinks.at(keyboard)->open(path)) {
-            return false;
-        }
-    }
+    m_nodes = std::make_unique<PanelNodes>();
     if (!launch()) {
         return false;
     }
-    connect(&device().panel(), &Panel::written, this, [this](int keyboard, const RawRecord& record) {
-        input_event event{};
-        event.type = record.type;
-        event.code = record.code;
-        event.value = record.value;
-        m_sinks.at(size_t(keyboard))->write({reinterpret_cast<const char*>(&event), int(sizeof event)});
-    });
+    m_nodes->follow(device().panel());
     return true;
 }
 
 ControlProgram ControlMonitorTest::monitorOfKeys()
 {
-    const DeviceFolder& folder = device().folder();
-    return {device().bus().address(),
-            {"monitor", "--why"},
-            {"--dev", "/dev", "--bind", m_nodes->path(), "/dev/input", "--bind", folder.libraryFolder(),
-             "/var/lib", "--bind", folder.runFolder(), "/run"}};
+    return {device().bus().address(), {"monitor", "--why"}, m_nodes->viewOf(device().folder())};
 }
 
 void ControlMonitorTest::rulesOfKeysAreNamed()
@@ -412,6 +541,23 @@ void ControlMonitorTest::announcementsThatKeysDoNotExplainAreMarked()
     QVERIFY(monitor.isRunning());
 }
 
+/// Without a limit, the monitor would say so 3 s after the first, when all of them have come.
+void ControlMonitorTest::floodsOfAnnouncementsAreNotKept()
+{
+    QVERIFY(launchWithNodes());
+    ControlProgram monitor = monitorOfKeys();
+    monitor.start();
+    awaitLine(monitor, followed);
+    device().press(0, ls::KeyId::Menu); // so that the monitor does not begin again
+    WAIT_FOR(monitor.out().contains("  Menu down "));
+    constexpr int count = 300;
+    for (int i = 0; i < count; ++i) {
+        command(ls::KeyboardHandlerCmdId::SimulateModifier, {{"keysList", QStringList{"Help", "Ok"}}});
+    }
+    WAIT_FOR_EQUAL(monitor.lines().filter("announces Both to UserMenu").size(), count);
+    QCOMPARE(monitor.lines().filter("is not explained by the keys").size(), 1);
+}
+
 void ControlMonitorTest::listsThatAreNewerThanTheDaemonAreNamed()
 {
     QVERIFY(launchWithNodes());
@@ -433,7 +579,7 @@ void ControlMonitorTest::listsThatAreNewerThanTheDaemonAreNamed()
 void ControlMonitorTest::inputDevicesThatAreMissingAreReported()
 {
     QVERIFY(launchWithNodes());
-    QVERIFY(QFile::remove(m_nodes->filePath("event1")));
+    QVERIFY(QFile::remove(m_nodes->node(1)));
     ControlProgram monitor = monitorOfKeys();
     QCOMPARE(monitor.status(), int(control::Unusable));
     QVERIFY(monitor.err().startsWith("/dev/input/event1"));

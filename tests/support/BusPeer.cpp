@@ -103,6 +103,13 @@ void BusPeer::announce(const QVariantList& arguments) const
     QDBusConnection(m_connection).send(signal);
 }
 
+void BusPeer::call(const QString& service, const QString& method, const QVariantList& arguments) const
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(service, QStringLiteral("/"), service, method);
+    message.setArguments(arguments);
+    QDBusConnection(m_connection).send(message);
+}
+
 void BusPeer::synchronise() const
 {
     QDBusConnection(m_connection).interface()->isServiceRegistered(m_name);

@@ -32,6 +32,8 @@ public:
     void refuse(const QDBusMessage& call, const QString& errorName, const QString& errorText) const;
     /// Emits the signal "notification" of the service's interface.
     void announce(const QVariantList& arguments) const;
+    /// Calls a method of the object "/" of another service, in the interface of its name, without waiting.
+    void call(const QString& service, const QString& method, const QVariantList& arguments) const;
     /// Returns when the bus has processed all previous messages of this peer.
     void synchronise() const;
     /// Leaves the bus.

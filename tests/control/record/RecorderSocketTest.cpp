@@ -16,6 +16,9 @@ using namespace control;
 
 namespace {
 
+// Longer than any test.
+constexpr std::chrono::hours timeout{4};
+
 struct Fetched
 {
     QByteArray content;
@@ -46,6 +49,7 @@ private Q_SLOTS:
     void clientsThatDoNotReadHoldUpNoOther();
     void aClientNoticesThatARecorderEnded();
     void aClientNoticesThatNoRecorderRuns();
+    void aClientNoticesThatARecorderHangs();
     void aSecondRecorderIsRefused();
     void theSocketOfAKilledRecorderIsReplaced();
 
@@ -71,7 +75,7 @@ Fetched RecorderSocketTest::fetch()
 {
     auto result = std::async(std::launch::async, [socket = path()] {
         Fetched fetched;
-        fetched.content = RecorderSocket::fetch(socket, fetched.error);
+        fetched.content = RecorderSocket::fetch(socket, timeout, fetched.error);
         return fetched;
     });
     WAIT_FOR(result.wait_for(std::chrono::seconds(0)) == std::future_status::ready);
@@ -111,7 +115,7 @@ void RecorderSocketTest::aClientNoticesThatARecorderEnded()
 {
     auto result = std::async(std::launch::async, [socket = path()] {
         Fetched fetched;
-        fetched.content = RecorderSocket::fetch(socket, fetched.error);
+        fetched.content = RecorderSocket::fetch(socket, timeout, fetched.error);
         return fetched;
     });
     // The client is connected, and a part of what does not fit into the socket is sent.
@@ -131,6 +135,25 @@ void RecorderSocketTest::aClientNoticesThatNoRecorderRuns()
     QCOMPARE(fetch().error, ECONNREFUSED);
     QVERIFY(QFile::remove(path()));
     QCOMPARE(fetch().error, ENOENT);
+}
+
+/// The recorder has no event loop here, so the kernel alone accepts the clients, as many as its queue holds:
+/// the first and these.
+void RecorderSocketTest::aClientNoticesThatARecorderHangs()
+{
+    Fetched fetched;
+    fetched.content = RecorderSocket::fetch(path(), std::chrono::seconds(1), fetched.error);
+    QCOMPARE(fetched.error, ETIMEDOUT);
+    QCOMPARE(fetched.content, QByteArray());
+    QVector<int> clients;
+    for (int i = 0; i < RecorderSocket::maxClients; ++i) {
+        clients.append(hangingClient(path()));
+    }
+    fetched.content = RecorderSocket::fetch(path(), std::chrono::seconds(1), fetched.error);
+    QCOMPARE(fetched.error, ETIMEDOUT);
+    for (const int client : qAsConst(clients)) {
+        ::close(client);
+    }
 }
 
 void RecorderSocketTest::aSecondRecorderIsRefused()

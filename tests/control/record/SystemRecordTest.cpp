@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/device/ChildProcess.h"
 #include "simulator/script/KeyScriptText.h"
+#include "tests/control/PanelNodes.h"
 #include "tests/support/Attempts.h"
 #include "tests/support/Waiting.h"
 #include "tests/whole/system/SystemTest.h"
@@ -9,30 +10,21 @@
 
 #include <csignal>
 
-#include <sys/stat.h>
-
 namespace {
 
 const QString socketName = QStringLiteral("/keyboard-handler-recorder/socket");
 
-bool makeFifo(const QString& path)
-{
-    return ::mkfifo(qPrintable(path), 0600) == 0;
-}
-
 } // namespace
 
-/// `keyboard-handlerctl record` next to the real daemon. A FIFO has one reader, so the recorder has its own
-/// pair, with the same records.
+/// `keyboard-handlerctl record` next to the real daemon.
 class SystemRecordTest : public SystemTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-
     void aRecordedSessionPlaysAgain();
     void ctrlCWritesTheWholeRecording();
+    void aReaderThatHangsDoesNotHoldUpCtrlC();
     void aFullDiskLeavesNoFileAndLosesNothing();
     void withoutADaemonNothingIsKnown();
     void whatCannotBeDoneIsSaid_data();
@@ -48,48 +40,27 @@ private:
     /// What differs if the daemon's classes play the script on a virtual clock.
     QString replay(const QByteArray& script);
 
-    std::unique_ptr<QTemporaryDir> m_nodes;
-    std::array<std::unique_ptr<ByteSink>, 2> m_sinks;
+    std::unique_ptr<PanelNodes> m_nodes;
 };
-
-void SystemRecordTest::init()
-{
-    m_nodes = std::make_unique<QTemporaryDir>();
-    for (size_t keyboard = 0; keyboard < m_sinks.size(); ++keyboard) {
-        const QString path = m_nodes->filePath(QStringLiteral("event%1").arg(keyboard));
-        QVERIFY(makeFifo(path));
-        m_sinks.at(keyboard) = std::make_unique<ByteSink>();
-        QVERIFY(m_sinks.at(keyboard)->open(path));
-    }
-}
 
 bool SystemRecordTest::launchWithNodes()
 {
+    m_nodes = std::make_unique<PanelNodes>();
     if (!launch()) {
         return false;
     }
-    connect(&device().panel(), &Panel::written, this, [this](int keyboard, const RawRecord& record) {
-        input_event event{};
-        event.type = record.type;
-        event.code = record.code;
-        event.value = record.value;
-        m_sinks.at(size_t(keyboard))->write({reinterpret_cast<const char*>(&event), int(sizeof event)});
-    });
+    m_nodes->follow(device().panel());
     return QDir(device().folder().runFolder()).mkdir(QStringLiteral("keyboard-handler-recorder"));
 }
 
 std::unique_ptr<ChildProcess> SystemRecordTest::start(const QStringList& arguments, const QString& shell)
 {
-    const DeviceFolder& folder = device().folder();
     auto process = std::make_unique<ChildProcess>();
     QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
     variables.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), device().bus().address());
     process->setProcessEnvironment(variables);
-    QStringList line{"--die-with-parent", "--ro-bind", "/", "/", "--bind", "/tmp", "/tmp", "--dev", "/dev"};
-    line << "--bind" << m_nodes->path() << "/dev/input";
-    line << "--bind" << folder.libraryFolder() << "/var/lib";
-    line << "--bind" << folder.runFolder() << "/run";
-    line << "--"
+    QStringList line{"--die-with-parent", "--ro-bind", "/", "/", "--bind", "/tmp", "/tmp"};
+    line << m_nodes->viewOf(device().folder()) << "--"
          << "sh"
          << "-c" << shell + QStringLiteral(" exec \"$0\" record \"$@\"") << KEYBOARD_HANDLERCTL;
     process->start(QStringLiteral("bwrap"), line + arguments);
@@ -194,6 +165,26 @@ void SystemRecordTest::ctrlCWritesTheWholeRecording()
     QVERIFY2(script.contains("## ? device 0 release Menu\n"), script.constData());
 }
 
+/// The pipe is full before the recorder writes to it.
+void SystemRecordTest::aReaderThatHangsDoesNotHoldUpCtrlC()
+{
+    QVERIFY(launchWithNodes());
+    QFile idFile("/tmp/recorder");
+    const auto recorder =
+        start({}, "{ head -c 65536 /dev/zero; sh -c 'echo $$ >/tmp/recorder; exec \"$0\" record' \"$0\"; "
+                  "} | { until [ -e /tmp/ended ]; do sleep 0.1; done; }; exit;");
+    QByteArray said;
+    WAIT_FOR((said += recorder->readAllStandardError()).contains("Recording; Ctrl-C ends it.\n"));
+    QVERIFY(idFile.open(QIODevice::ReadOnly));
+    const auto process = pid_t(idFile.readAll().trimmed().toInt());
+    QVERIFY(process > 0);
+    // One more often than necessary, as an impatient person would.
+    WAIT_FOR(::kill(process, SIGINT) == -1);
+    QFile ended("/tmp/ended");
+    QVERIFY(ended.open(QIODevice::WriteOnly));
+    WAIT_FOR_EQUAL(recorder->state(), QProcess::NotRunning);
+}
+
 void SystemRecordTest::aFullDiskLeavesNoFileAndLosesNothing()
 {
     QVERIFY(launchWithNodes());
@@ -240,6 +231,8 @@ void SystemRecordTest::whatCannotBeDoneIsSaid_data()
         << QStringList{"--serve", "--output", "a"} << 2 << "--serve writes no file; use --save.";
     QTest::newRow("no folder") << QStringList{"--output", "/nowhere/a.keys"} << 2
                                << "/nowhere/a.keys cannot be written: ";
+    QTest::newRow("a device") << QStringList{"--for", "1", "--output", "/dev/null"} << 2
+                              << "/dev/null is not a regular file";
     QTest::newRow("no recorder")
         << QStringList{"--save"} << 2
         << "The recorder does not run, unless systemctl enable --now "
