@@ -39,7 +39,6 @@ private Q_SLOTS:
     void calls();
     void watches_data();
     void watches();
-    void theProgramInTheGuideMatchesItsFile();
     void theProgramWorks();
 
 private:
@@ -115,13 +114,6 @@ void DBusGuideTest::watches()
 {
     QFETCH(QString, example);
     watch(example, m_guide.text(shell, example), QStringLiteral("is owned by"));
-}
-
-void DBusGuideTest::theProgramInTheGuideMatchesItsFile()
-{
-    QFile file(QStringLiteral(PROJECT_FOLDER "/docs/examples/user-menu.cpp"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(m_guide.text(QStringLiteral("cpp"), userMenu), QString::fromUtf8(file.readAll()));
 }
 
 void DBusGuideTest::theProgramWorks()
