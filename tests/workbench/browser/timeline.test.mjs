@@ -5,7 +5,8 @@ import { describe, test } from 'node:test';
 
 import { pageModule } from './pageModule.mjs';
 
-const { longTimesOf, timelineModel, timelineRows } = await pageModule('timeline.js');
+const { longTimesOf, timelineModel } = await pageModule('timelineModel.js');
+const { timelineRows } = await pageModule('timelineRows.js');
 
 const deviceTimes = { singleKeyMs: 1500, factoryResetMs: 5000, repeatDelayMs: 250 };
 const longTimes = { Help: 2000, Menu: 2000, Feed: 0 };
