@@ -21,7 +21,6 @@ export default [
         languageOptions: { globals: globals.browser },
         rules: { 'max-lines': ['error', 350] },
     },
-    { files: ['workbench/page/timelineModel.js'], rules: { 'max-lines': 'off' } },
     { files: ['**/*.mjs'], languageOptions: { globals: testGlobals } },
     { files: ['tests/workbench/browser/timeline.test.mjs'], rules: { 'max-lines-per-function': 'off' } },
 ];

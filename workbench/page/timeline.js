@@ -1,43 +1,40 @@
 // SPDX-License-Identifier: MIT
 // What happened at the device, over time: as a picture, and as a table with the same content.
-import { setText } from './dom.js';
+import { saveFile, setText } from './dom.js';
 import { Drawing } from './timelineDrawing.js';
-import { longTimesOf, prolong, timelineModel, unknownTimes } from './timelineModel.js';
-import { buildParts } from './timelineParts.js';
-import { summary } from './timelineRows.js';
+import { TimelineHistory } from './timelineHistory.js';
+import { buildParts, detailsHint } from './timelineParts.js';
+import { followPointer } from './timelinePointer.js';
+import { eventText, summary } from './timelineRows.js';
 import { svgElement, svgNamespace, tickStep } from './timelineShapes.js';
+import { Sight } from './timelineSight.js';
 import { style } from './timelineStyle.js';
-import { seconds } from './timelineTexts.js';
 
-const maxEntries = 10000;
-const minimumWidth = 640;
-const firstSpan = 15000;
-const shortestSpan = 200;
-/// Between two drawings of the picture, and of the table, as time passes.
-const pictureInterval = 100;
+const minWidth = 640;
+/// Between two drawings of the picture while something happens, while nothing does, and of the table.
+const busyInterval = 100;
+const idleInterval = 1000;
 const tableInterval = 1000;
 /// How far the picture moves by one key press or button, in parts of its width.
 const moveBy = 0.25;
-/// Room for the words next to what happens now.
-const aheadOfNow = 0.12;
 /// How many steps of the slider go through the time that is shown.
 const stepsOfSlider = 10;
+const keysHint = 'Arrow keys move it, plus and minus zoom, 0 shows all, N and P go to the next and previous event.';
 
-/// Shows the entries of a session in `container`: buttons, the picture, and the table with the same content.
+/// Shows the entries of a session in `container`: buttons, the picture, and the table with the same content. Does
+/// nothing while it is not seen.
 export class Timeline {
-    #entries = [];
-    #shown;
-    #lost; // the moment at which the connection was lost
-    #fits = false; // whether all is in sight, however long it becomes
+    #history = new TimelineHistory();
+    #sight = new Sight();
     #isNew = true; // whether it was not drawn yet
-    #times = unknownTimes;
-    #longTimes = {};
-    #model = timelineModel([]);
-    #stale = true;
-    #clock = { at: 0, stamp: performance.now() };
-    #view = { from: 0, to: firstSpan };
-    #lastDrawing = 0;
-    #lastTable = 0;
+    #drawing;
+    #chosen; // the name of an event
+    #pointed;
+    #isSeen = false;
+    #timer;
+    #isTimerBusy = false;
+    #isDrawingDue = false;
+    #lastTable = -Infinity;
     #parts;
     #announce;
     #calm = matchMedia('(prefers-reduced-motion: reduce)');
@@ -45,44 +42,45 @@ export class Timeline {
     /// `announce` is given what is shown when a key or a button has changed it.
     constructor(container, announce = () => {}) {
         this.#announce = announce;
-        this.#parts = buildParts(container);
+        this.#parts = buildParts(container, announce);
         this.#connect();
-        new ResizeObserver(() => this.#draw()).observe(this.#parts.frame);
-        const tick = now => {
-            this.#onFrame(now);
-            requestAnimationFrame(tick);
-        };
-        requestAnimationFrame(tick);
+        new ResizeObserver(() => this.#wake()).observe(this.#parts.frame);
+        document.addEventListener('visibilitychange', () => this.#wake());
     }
 
     /// Takes in what has just happened.
     add(entry) {
-        this.#entries.push(entry);
-        if (this.#entries.length > maxEntries) {
-            this.#entries.splice(0, this.#entries.length - maxEntries);
-        }
-        this.#setClock(entry.at);
-        this.#stale = true;
+        this.#history.add(entry);
+        this.#expectNews();
     }
 
     /// Begins with other entries; `now` is the time on the device's clock, without it that of the last entry.
-    reset(entries, now = entries[entries.length - 1]?.at ?? 0) {
-        this.#entries = entries.slice(-maxEntries);
-        this.#lost = undefined;
+    reset(entries, now = entries.at(-1)?.at ?? 0) {
+        this.#history.reset(entries, now);
         this.#setNote('');
-        this.#setClock(now);
-        this.#stale = true;
+        this.#expectNews();
     }
 
     /// Takes the times from the device's description.
     setTimes(times) {
-        this.#times = times;
+        this.#history.setTimes(times);
+    }
+
+    setCard(card) {
+        this.#history.setCard(card);
+        this.#expectNews();
     }
 
     /// Nothing is known from now on, until `reset`; `note` says so.
     stop(note) {
-        this.#lost = this.#liveNow();
+        this.#history.stop();
+        this.#isDrawingDue = true;
         this.#setNote(note);
+        this.#expectNews();
+    }
+
+    get #model() {
+        return this.#history.model;
     }
 
     #setNote(text) {
@@ -90,211 +88,202 @@ export class Timeline {
         this.#parts.note.hidden = text === '';
     }
 
-    /// The key card knows the times of the long presses; they count from the last start of the device on.
-    setCard(card) {
-        this.#longTimes = longTimesOf(card, this.#times);
-        const starts = entry => entry.type === 'device' && entry.status === 'starting';
-        const last = this.#entries.reduce((found, entry, index) => (starts(entry) ? index : found), -1);
-        if (last >= 0) {
-            this.#entries[last] = { ...this.#entries[last], longTimes: this.#longTimes };
-        }
-        this.#stale = true;
-    }
-
-    #setClock(at) {
-        this.#clock = { at, stamp: performance.now() };
-    }
-
-    #now() {
-        return this.#shown?.now ?? this.#liveNow();
-    }
-
-    #liveNow() {
-        return this.#lost ?? this.#clock.at + performance.now() - this.#clock.stamp;
-    }
-
     #connect() {
         const { buttons, frame, position, table } = this.#parts;
-        buttons.pause.addEventListener('click', () => {
-            this.#shown ? this.#resume() : this.#pause();
-            this.#announce(this.#shown ? 'Paused.' : 'Live again.');
+        const onClick = (button, act) => button.addEventListener('click', act);
+        onClick(buttons.pause, () => {
+            this.#history.isFrozen ? this.#resume() : this.#pause();
+            this.#announce(this.#history.isFrozen ? 'Paused.' : 'Live again.');
         });
-        const onClick = (button, change) => button.addEventListener('click', () => this.#change(change));
-        onClick(buttons.zoomIn, () => this.#zoom(0.5));
-        onClick(buttons.zoomOut, () => this.#zoom(2));
-        onClick(buttons.fit, () => this.#fit());
-        onClick(buttons.earlier, () => this.#move(-moveBy));
-        onClick(buttons.later, () => this.#move(moveBy));
-        buttons.save.addEventListener('click', () => this.#save());
+        const keys = this.#keyActions();
+        onClick(buttons.zoomIn, keys['+']);
+        onClick(buttons.zoomOut, keys['-']);
+        onClick(buttons.fit, keys[0]);
+        onClick(buttons.earlier, keys.ArrowLeft);
+        onClick(buttons.later, keys.ArrowRight);
+        onClick(buttons.previous, keys.p);
+        onClick(buttons.next, keys.n);
+        onClick(buttons.save, () => this.#save());
+        onClick(buttons.print, () => window.print());
         position.addEventListener('input', () => this.#showUpTo(Number(position.value)));
-        frame.addEventListener('keydown', event => this.#onKey(event));
+        frame.addEventListener('keydown', event => this.#onKey(event, keys));
         // Screen readers say little or nothing of an application that gets the focus.
-        frame.addEventListener('focus', () =>
-            this.#announce(`Drawing, ${this.#sight()}. Arrow keys move it, plus and minus zoom, 0 shows all.`),
-        );
+        frame.addEventListener('focus', () => this.#announce(`Drawing, ${this.#sightText()}. ${keysHint}`));
         table.details.addEventListener('toggle', () => this.#fillTable());
+        followPointer(this.#parts.svg, this.#pointerActions());
     }
 
-    #onKey(event) {
-        const actions = {
-            ArrowLeft: () => this.#move(-moveBy),
-            ArrowRight: () => this.#move(moveBy),
-            PageUp: () => this.#move(-1),
-            PageDown: () => this.#move(1),
-            Home: () => this.#showUpTo(this.#model.from + this.#span()),
-            End: () => this.#showUpTo(this.#model.to),
-            '+': () => this.#zoom(0.5),
-            '-': () => this.#zoom(2),
-            0: () => this.#fit(),
+    #keyActions() {
+        const change = act => () => {
+            act();
+            this.#announce(this.#sightText());
         };
-        if (Object.hasOwn(actions, event.key) && !event.ctrlKey && !event.altKey && !event.metaKey) {
+        return {
+            ArrowLeft: change(() => this.#move(-moveBy)),
+            ArrowRight: change(() => this.#move(moveBy)),
+            PageUp: change(() => this.#move(-1)),
+            PageDown: change(() => this.#move(1)),
+            Home: change(() => this.#showUpTo(this.#model.from + this.#sight.span)),
+            End: change(() => this.#showUpTo(this.#model.to)),
+            '+': change(() => this.#zoom(0.5)),
+            '-': change(() => this.#zoom(2)),
+            0: change(() => this.#fit()),
+            n: () => this.#step(1),
+            p: () => this.#step(-1),
+        };
+    }
+
+    #onKey(event, actions) {
+        const key = event.key.length === 1 ? event.key.toLowerCase() : event.key;
+        if (Object.hasOwn(actions, key) && !event.ctrlKey && !event.altKey && !event.metaKey) {
             event.preventDefault();
-            this.#change(actions[event.key]);
+            actions[key]();
         }
     }
 
-    #change(change) {
-        change();
-        this.#announce(this.#sight());
+    #pointerActions() {
+        const at = (x, y) => this.#drawing?.eventAt(x, y);
+        const moveBy = pixels => this.#showUpTo(this.#sight.to + this.#drawing.timeOf(pixels), false);
+        return {
+            point: (x, y) => this.#point(at(x, y)),
+            leave: () => this.#point(undefined),
+            choose: (x, y) => this.#choose(at(x, y)),
+            drag: dx => moveBy(-dx),
+            scroll: moveBy,
+            zoom: (factor, x) => this.#zoom(factor, this.#drawing.partAt(x)),
+        };
     }
 
-    #sight() {
-        const before = Math.max(this.#model.to - this.#view.to, 0);
-        const end = before > 0 ? `${seconds(before, 1)} before the end` : 'the end';
-        return `${seconds(this.#span(), 1)} up to ${end}`;
+    #sightText() {
+        return this.#sight.text(this.#model);
     }
 
-    #span() {
-        return this.#view.to - this.#view.from;
-    }
-
-    #zoom(factor) {
-        this.#fits = false;
-        const longest = Math.max(this.#model.to - this.#model.from, firstSpan) * 1.1;
-        const span = Math.min(Math.max(this.#span() * factor, shortestSpan), longest);
-        const middle = (this.#view.from + this.#view.to) / 2;
-        this.#view = this.#shown
-            ? { from: middle - span / 2, to: middle + span / 2 }
-            : { from: this.#view.to - span, to: this.#view.to };
+    /// `part` of the sight keeps its place, while the picture is paused.
+    #zoom(factor, part = 0.5) {
+        this.#sight.zoom(factor, this.#history.isFrozen ? part : 1, this.#model);
         this.#draw();
     }
 
     #fit() {
-        this.#fits = !this.#shown;
-        this.#showAll();
+        this.#sight.fit(!this.#history.isFrozen, this.#model);
         this.#draw();
     }
 
-    #showAll() {
-        const edge = Math.max(this.#model.to - this.#model.from, shortestSpan) * 0.02;
-        this.#view = {
-            from: this.#model.from,
-            to: Math.max(this.#model.to, this.#model.from + shortestSpan) + edge,
-        };
-    }
-
     #move(parts) {
-        this.#showUpTo(this.#view.to + parts * this.#span());
+        this.#showUpTo(this.#sight.to + parts * this.#sight.span);
     }
 
     /// Who looks at the past wants it to stay.
     #showUpTo(to) {
         this.#pause();
-        this.#fits = false;
-        const span = this.#span();
-        const end = Math.min(Math.max(to, this.#model.from + span), this.#lastPosition());
-        this.#view = { from: end - span, to: end };
+        this.#sight.showUpTo(to, this.#model);
         this.#draw();
     }
 
-    #lastPosition() {
-        return Math.max(this.#model.to + this.#span() * aheadOfNow, this.#model.from + this.#span());
+    #point(event) {
+        if (this.#pointed !== event?.name) {
+            this.#pointed = event?.name;
+            this.#showEvents();
+        }
+    }
+
+    #choose(event) {
+        this.#chosen = event?.name;
+        if (event) {
+            this.#pause();
+            this.#announce(eventText(event));
+        }
+        this.#showEvents();
+    }
+
+    /// Goes to the next event in this direction, or begins with the first or last one in sight.
+    #step(direction) {
+        const { events } = this.#model;
+        const index = events.findIndex(({ name }) => name === this.#chosen);
+        const [first, last] = [
+            events.find(({ from }) => from >= this.#sight.from),
+            events.findLast(({ from }) => from <= this.#sight.to),
+        ];
+        const event = index >= 0 ? events[index + direction] : direction > 0 ? first : last;
+        if (event) {
+            this.#pause();
+            this.#sight.showMoment(event.from, this.#model);
+            this.#choose(event);
+            this.#draw();
+        } else {
+            this.#announce(direction > 0 ? 'No later event.' : 'No earlier event.');
+        }
     }
 
     #pause() {
-        if (!this.#shown) {
-            this.#refresh();
-            this.#shown = { entries: this.#entries.slice(), now: this.#now() };
+        if (!this.#history.isFrozen) {
+            this.#history.freeze();
             this.#fillTable();
+            this.#parts.buttons.pause.textContent = 'Resume';
+            this.#draw();
         }
-        this.#parts.buttons.pause.textContent = 'Resume';
-        this.#draw();
     }
 
     #resume() {
-        this.#shown = undefined;
-        this.#stale = true;
+        this.#history.thaw();
         this.#parts.buttons.pause.textContent = 'Pause';
-        this.#refresh();
-        this.#follow();
+        this.#history.update(Infinity);
+        this.#sight.follow(this.#model, this.#calm.matches);
         this.#draw();
         this.#fillTable();
+        this.#schedule();
     }
 
-    #onFrame(now) {
-        if (this.#shown || now - this.#lastDrawing < pictureInterval || !this.#isVisible()) {
+    /// The timeline may have come into sight or left it, or got another size.
+    #wake() {
+        this.#isSeen = this.#parts.frame.clientWidth > 0 && !document.hidden;
+        this.#isDrawingDue = true;
+        this.#tick();
+    }
+
+    #expectNews() {
+        if (this.#isSeen && !(this.#timer && this.#isTimerBusy)) {
+            this.#schedule(busyInterval);
+        }
+    }
+
+    #schedule(interval = this.#model.open ? busyInterval : idleInterval) {
+        clearTimeout(this.#timer);
+        this.#isTimerBusy = interval < idleInterval;
+        this.#timer = this.#history.stands ? undefined : setTimeout(() => this.#tick(), interval);
+    }
+
+    #tick() {
+        clearTimeout(this.#timer);
+        this.#timer = undefined;
+        if (!this.#isSeen) {
             return;
         }
-        this.#lastDrawing = now;
-        const changed = this.#stale;
-        this.#refresh();
-        const isStill = this.#lost !== undefined && !changed;
-        if (!isStill && (this.#follow() || changed)) {
+        const hasStood = this.#history.stands;
+        this.#isDrawingDue = this.#history.update() || this.#isDrawingDue;
+        if (!this.#history.isFrozen && !this.#history.isComplete) {
+            this.#schedule(0);
+            return;
+        }
+        const hasMoved = !hasStood && this.#sight.follow(this.#model, this.#calm.matches);
+        if (hasMoved || this.#isDrawingDue) {
             this.#draw();
         }
-        if (now - this.#lastTable > tableInterval) {
-            this.#lastTable = now;
+        if (performance.now() - this.#lastTable >= tableInterval) {
             this.#fillTable();
         }
-    }
-
-    #isVisible() {
-        return this.#parts.frame.clientWidth > 0;
-    }
-
-    #refresh() {
-        const run = this.#model.runs[this.#model.runs.length - 1];
-        if (!this.#stale && !this.#model.open && run) {
-            prolong(this.#model, Math.max(this.#model.to, this.#now() + run.offset));
-            return;
-        }
-        const entries = this.#shown?.entries ?? this.#entries;
-        this.#model = timelineModel(entries, this.#times, this.#longTimes, this.#now());
-        this.#stale = false;
-    }
-
-    /// Keeps the latest moment in sight; in steps where motion is not wanted. Whether the view has moved.
-    #follow() {
-        if (this.#fits) {
-            return this.#followAll();
-        }
-        const span = this.#span();
-        if (this.#calm.matches && this.#model.to <= this.#view.to && this.#model.to >= this.#view.from) {
-            return false;
-        }
-        const to = this.#model.to + span * (this.#calm.matches ? 0.5 : aheadOfNow);
-        this.#view = { from: to - span, to };
-        return true;
-    }
-
-    #followAll() {
-        if (this.#calm.matches && this.#model.to <= this.#view.to && this.#model.from === this.#view.from) {
-            return false;
-        }
-        this.#showAll();
-        if (this.#calm.matches) {
-            this.#view.to += this.#span() * 0.5;
-        }
-        return true;
+        this.#schedule();
     }
 
     #draw() {
-        if (!this.#isVisible()) {
+        if (!this.#isSeen) {
             return;
         }
+        this.#isDrawingDue = false;
         const { frame, svg, picture, description, position } = this.#parts;
-        const width = Math.max(frame.clientWidth, minimumWidth);
-        const { groups, height } = new Drawing(this.#model, this.#view, width).draw();
+        const width = Math.max(frame.clientWidth, minWidth);
+        this.#drawing = new Drawing(this.#model, this.#sight, width);
+        const { groups, height } = this.#drawing.draw();
         picture.replaceChildren(...groups);
         svg.setAttribute('viewBox', `0 0 ${width} ${height}`);
         svg.setAttribute('width', width);
@@ -304,23 +293,38 @@ export class Timeline {
             frame.scrollLeft = frame.scrollWidth; // where it does not fit: what happens now
         }
         setText(description, summary(this.#model));
-        if (document.activeElement !== position || this.#shown) {
+        if (document.activeElement !== position || this.#history.isFrozen) {
             this.#showPosition(position);
         }
+        this.#showEvents();
+    }
+
+    /// Marks the events that are pointed at or chosen, and shows the details of one of them.
+    #showEvents() {
+        const find = name => name && this.#model.events.find(event => event.name === name);
+        const [chosen, pointed] = [find(this.#chosen), find(this.#pointed)];
+        const { marks, details } = this.#parts;
+        const shapes = [chosen && this.#drawing?.markOf(chosen, 'mark')];
+        shapes.push(pointed && pointed !== chosen && this.#drawing?.markOf(pointed, 'mark pointed'));
+        marks.replaceChildren(...shapes.filter(Boolean));
+        const shown = pointed ?? chosen;
+        setText(details, shown ? eventText(shown) : detailsHint);
+        details.classList.toggle('no-print', !shown);
     }
 
     #showPosition(position) {
-        const last = Math.round(this.#lastPosition());
-        const step = tickStep(this.#span() / stepsOfSlider);
+        const last = Math.round(this.#sight.lastEnd(this.#model));
+        const step = tickStep(this.#sight.span / stepsOfSlider);
         position.max = last;
         position.min = last - Math.ceil((last - this.#model.from) / step) * step; // the last position is on a step
         position.step = step;
-        position.value = Math.round(this.#view.to);
-        position.setAttribute('aria-valuetext', this.#sight());
+        position.value = Math.round(this.#sight.to);
+        position.setAttribute('aria-valuetext', this.#sightText());
     }
 
     #fillTable() {
-        if (this.#isVisible()) {
+        if (this.#isSeen) {
+            this.#lastTable = performance.now();
             this.#parts.table.fill(this.#model);
         }
     }
@@ -329,11 +333,6 @@ export class Timeline {
         const copy = this.#parts.svg.cloneNode(true);
         copy.setAttribute('xmlns', svgNamespace);
         copy.prepend(svgElement('style', {}, style));
-        const text = new XMLSerializer().serializeToString(copy);
-        const link = document.createElement('a');
-        link.href = URL.createObjectURL(new Blob([text], { type: 'image/svg+xml' }));
-        link.download = 'timeline.svg';
-        link.click();
-        setTimeout(() => URL.revokeObjectURL(link.href), 1000);
+        saveFile(new Blob([new XMLSerializer().serializeToString(copy)], { type: 'image/svg+xml' }), 'timeline.svg');
     }
 }

@@ -1,53 +1,31 @@
 // SPDX-License-Identifier: MIT
 // What the entries of a session mean over time: what the picture and the table show.
+import { Holds } from './timelineHolds.js';
+import { Lanes, closeBar, commandDevice } from './timelineLanes.js';
 import { isOfAction, momentOf, simulatedKey, simulatedValues } from './timelineMoments.js';
+import { runName } from './timelineTexts.js';
+import { unknownTimes } from './timelineTimes.js';
 
-/// Until the device describes itself: how long a released key waits for others, how long FactoryReset is held, and
-/// when the kernel first repeats a held key.
-export const unknownTimes = { singleKeyMs: 0, factoryResetMs: 0, repeatDelayMs: 0 };
 /// Milliseconds between two runs of the device, whose clocks both begin at 0.
 const gapBetweenRuns = 500;
-/// An announcement may be noted this much earlier or later than its time is up by the clock of the entries.
-const earliness = 20;
-const lateness = 1000;
-/// A long press that nothing is heard of for this time after its end is over.
-const patience = 100;
 
-const keyOrder = 'On Off Feed Help Menu Back Right Up Down Ok Chs One Ten Function FactoryReset'.split(' ');
-/// Where keys come from that the command SimulateKey stands for.
-const commandDevice = 'command';
-
-/// The time of the long press of each key in milliseconds, from its first repetition; the card counts from the press.
-export function longTimesOf(card, { repeatDelayMs }) {
-    const groups = [...(card?.states ?? []).map(state => state.entries), card?.never ?? []];
-    const rows = groups.flat().filter(row => row.kind === 'long' && row.holdMs >= repeatDelayMs);
-    return Object.fromEntries(rows.map(row => [row.keys[0], row.holdMs - repeatDelayMs]));
-}
+const answersNot = 'The daemon does not answer';
+const answersAgain = 'The daemon answers again';
 
 /// What the entries of a session mean, on one line of time in milliseconds: each run of the device follows the one
-/// before. `times` are those of the device's description; `longTimes` has the time of each key's long press, unless a
-/// `device` entry brings its own `longTimes`.
-/// `end` is the moment up to which is known, on the clock of the last run; without it the last entry's.
-/// What still lasts there is marked `open`, and so is the model if there is any.
-export function timelineModel(entries, times = unknownTimes, longTimes = {}, end = undefined) {
-    const builder = new ModelBuilder(times, longTimes);
-    for (const entry of entries) {
-        builder.add(entry);
-    }
-    return builder.finish(end);
-}
-
-/// Nothing has happened up to `end`, and nothing was in progress: only the last state and run have become longer.
-export function prolong(model, end) {
-    for (const last of [model.states, model.runs].map(spans => spans[spans.length - 1])) {
-        if (last) {
-            last.to = end;
-        }
-    }
-    model.to = end;
-}
-
-class ModelBuilder {
+/// before. Takes the entries one at a time; call `upTo` before you read what is in it.
+export class TimelineModel {
+    from = 0;
+    to = 0;
+    windowMs;
+    windows = [];
+    states = [];
+    moments = [];
+    breaks = [];
+    runs = [];
+    /// All of these but the runs, by their beginning: `name`, `kind`, `from`, the `item` itself, its `lane` and `run`.
+    events = [];
+    open = false; // whether anything but the state still lasts
     #times;
     #longTimes;
     #offset = 0;
@@ -58,30 +36,25 @@ class ModelBuilder {
     #lastReleased = ''; // since the daemon forgot its keys last
     #timerEnd; // when the time since the last release is up
     #window; // that time, as long as the daemon waits for more keys in it
-    #long;
-    #formerLong;
-    #reset;
+    #holds = new Holds();
     #commands = [];
-    #lanes = new Map();
-    #model = {
-        from: 0,
-        to: 0,
-        lanes: [],
-        windows: [],
-        states: [],
-        moments: [],
-        breaks: [],
-        runs: [],
-        open: false,
-    };
+    #lanes = new Lanes();
 
-    constructor(times, longTimes) {
+    /// `times` are those of the device's description; `longTimes` has the time of each key's long press, unless a
+    /// `device` entry brings its own `longTimes`.
+    constructor(times = unknownTimes, longTimes = {}) {
         this.#times = times;
-        this.#model.windowMs = times.singleKeyMs;
+        this.windowMs = times.singleKeyMs;
         this.#longTimes = longTimes;
     }
 
+    /// Of each key of each device, in the order of the panel.
+    get lanes() {
+        return this.#lanes.sorted;
+    }
+
     add(entry) {
+        this.#holds.takeBack();
         this.#beginRunWith(entry);
         const at = entry.at + this.#offset;
         this.#endWindowBy(at);
@@ -103,67 +76,81 @@ class ModelBuilder {
                 this.#testing = entry.running;
                 break;
             case 'daemon':
-                this.#answering(entry, at);
+                this.#break(entry.id, at, entry.answering ? answersAgain : answersNot);
                 break;
             default:
                 this.#moment(entry, at);
         }
     }
 
-    finish(end) {
-        const model = this.#model;
-        model.to = end === undefined ? this.#now : Math.max(this.#now, end + this.#offset);
-        this.#endWindowBy(model.to);
+    /// Shows what is known up to `end` on the clock of the last run, or up to the last entry. What still lasts there
+    /// is marked `open`. Entries that come later may be of an earlier moment.
+    upTo(end = undefined) {
+        this.to = end === undefined ? this.#now : Math.max(this.#now, end + this.#offset);
+        const isOver = this.#timerEnd <= this.to;
         if (this.#window) {
-            Object.assign(this.#window, { to: model.to, open: true });
+            Object.assign(this.#window, { to: isOver ? this.#timerEnd : this.to, open: !isOver });
         }
-        for (const hold of [this.#long, this.#reset]) {
-            if (hold?.outcome === 'running') {
-                hold.to = Math.min(model.to, hold.due);
-            }
+        this.#holds.assume(this.to, this.#timerEnd);
+        const bars = this.lanes.map(lane => lane.bar).filter(Boolean);
+        bars.forEach(bar => Object.assign(bar, { to: this.to, open: true }));
+        for (const last of [this.states.at(-1), this.runs.at(-1)].filter(Boolean)) {
+            last.to = this.to;
         }
-        model.open = this.#isContinued();
-        this.#closeBars(model.to, { open: true });
-        this.#lastOf(model.states, model.to);
-        this.#lastOf(model.runs, model.to);
-        model.lanes = [...this.#lanes.values()].sort(inPanelOrder);
-        return model;
+        this.open = bars.length > 0 || Boolean(this.#window?.open) || this.#holds.areRunning;
     }
 
-    #isContinued() {
-        return (
-            Boolean(this.#window) ||
-            [this.#long, this.#reset].some(hold => hold?.outcome === 'running') ||
-            [...this.#lanes.values()].some(lane => lane.bar)
-        );
+    /// Forgets what ended before this entry, the oldest that is to be kept.
+    forgetBefore({ id, at }) {
+        this.upTo();
+        const start = at + this.runs.findLast(run => run.id <= id).offset;
+        const isKept = item => item.id >= id || (item.to ?? item.at) >= start;
+        for (const name of ['windows', 'states', 'moments', 'breaks', 'runs']) {
+            this[name] = this[name].filter(isKept);
+        }
+        this.events = this.events.filter(({ item }) => isKept(item));
+        this.#lanes.keep(isKept);
+        this.#lanes.sorted.forEach(({ bars }) => bars.forEach(bar => dropBefore(bar.repeats, start)));
+        this.windows.forEach(window => dropBefore(window.restarts, start));
+        this.from = start;
+    }
+
+    #list(kind, item, lane) {
+        const from = item.from ?? item.at;
+        const event = { name: `${kind}-${item.id}`, kind, from, item, lane, run: this.runs.at(-1) };
+        const before = this.events.findLastIndex(other => other.from <= from);
+        this.events.splice(before + 1, 0, event);
     }
 
     #beginRunWith(entry) {
         const starts = entry.type === 'device' && entry.status === 'starting';
-        if (this.#model.runs.length === 0) {
-            this.#model.from = this.#now = entry.at;
-        } else if (starts) {
-            this.#stopEverything(this.#now);
-            this.#offset = this.#now + gapBetweenRuns - entry.at;
-            this.#model.breaks.push({
-                id: entry.id,
-                at: entry.at + this.#offset,
-                text: 'The device was started again',
-            });
-        } else {
+        const isFirst = this.runs.length === 0;
+        if (!isFirst && !starts) {
             return;
         }
-        this.#lastOf(this.#model.runs, this.#now);
-        this.#model.runs.push({ from: entry.at + this.#offset, to: undefined, offset: this.#offset });
+        if (isFirst) {
+            this.from = this.#now = entry.at;
+        } else {
+            this.#stopEverything(this.#now);
+            this.runs.at(-1).to = this.#now;
+            this.#offset = this.#now + gapBetweenRuns - entry.at;
+        }
+        const from = entry.at + this.#offset;
+        const number = (this.runs.at(-1)?.number ?? 0) + 1;
+        const { id, model } = entry;
+        this.runs.push({ id, number, model, from, to: undefined, offset: this.#offset });
+        if (!isFirst) {
+            this.#break(id, from, `The device was started again: ${runName(this.runs.at(-1))}`);
+        }
         this.#listens = !starts;
         if (starts) {
             this.#longTimes = entry.longTimes ?? this.#longTimes;
         }
     }
 
-    #answering({ id, answering }, at) {
-        const text = answering ? 'The daemon answers again' : 'The daemon does not answer';
-        this.#model.breaks.push({ id, at, text });
+    #break(id, at, text) {
+        this.breaks.push({ id, at, text });
+        this.#list('break', this.breaks.at(-1));
     }
 
     #device(entry, at) {
@@ -176,11 +163,7 @@ class ModelBuilder {
         this.#span(entry.status, entry.id, at);
         if (entry.status === 'ended') {
             this.#stopEverything(at);
-            this.#model.breaks.push({
-                id: entry.id,
-                at,
-                text: `The daemon ended. ${entry.reason ?? ''}`.trim(),
-            });
+            this.#break(entry.id, at, `The daemon ended. ${entry.reason ?? ''}`.trim());
         }
     }
 
@@ -191,34 +174,24 @@ class ModelBuilder {
     }
 
     #span(state, id, at) {
-        const last = this.#model.states[this.#model.states.length - 1];
-        if (last?.state === state && last.to === undefined) {
+        const last = this.states.at(-1);
+        if (last?.state === state) {
             return;
         }
-        this.#lastOf(this.#model.states, at);
-        this.#model.states.push({ id, state, from: at, to: undefined });
-    }
-
-    #lastOf(spans, to) {
-        const last = spans[spans.length - 1];
-        if (last && last.to === undefined) {
-            last.to = to;
+        if (last) {
+            last.to = at;
         }
+        this.states.push({ id, state, from: at, to: undefined });
+        this.#list('state', this.states.at(-1));
     }
 
     #key(entry, device, value, at) {
-        const lane = this.#laneOf(entry.key, device);
-        if (value === 1) {
-            this.#pressed(lane, entry, at);
-        } else if (value === 0) {
-            this.#released(lane, entry, at);
-        } else if (value === 2) {
-            this.#repeated(lane, entry, at);
-        }
+        const act = [this.#released, this.#pressed, this.#repeated][value];
+        act?.call(this, this.#lanes.of(entry.key, device), entry, at);
     }
 
     #pressed(lane, entry, at) {
-        this.#closeBar(lane, at, {});
+        closeBar(lane, at);
         lane.bar = {
             id: entry.id,
             from: at,
@@ -228,14 +201,14 @@ class ModelBuilder {
             pressHeard: this.#listens,
         };
         lane.bars.push(lane.bar);
+        this.#list('key', lane.bar, lane);
         if (!this.#listens) {
             return;
         }
+        this.#holds.stopLong(at);
         if (lane.key === 'FactoryReset') {
-            this.#stopReset(at);
-            this.#reset = this.#holdOf(lane, 'reset', entry.id, at, this.#times.factoryResetMs);
+            this.#holds.beginReset(this.#holdOf(lane, 'reset', entry.id, at, this.#times.factoryResetMs));
         }
-        this.#stopLong(at);
     }
 
     #released(lane, entry, at) {
@@ -244,14 +217,14 @@ class ModelBuilder {
         }
         lane.bar.heard ||= this.#listens;
         lane.bar.releaseHeard = this.#listens;
-        this.#closeBar(lane, at, {});
+        closeBar(lane, at);
         if (!this.#listens) {
             return;
         }
         if (lane.key === 'FactoryReset') {
-            this.#stopReset(at);
+            this.#holds.stopReset(at);
         }
-        this.#stopLong(at);
+        this.#holds.stopLong(at);
         this.#timerEnd = at + this.#times.singleKeyMs;
         if (this.#waitsAfter(lane.key)) {
             this.#lastReleased = lane.key;
@@ -276,19 +249,16 @@ class ModelBuilder {
         if (!this.#listens || !Object.hasOwn(this.#longTimes, lane.key)) {
             return;
         }
-        if (this.#long?.outcome === 'running' && at <= this.#long.due + patience) {
-            return;
+        if (!this.#holds.isLongRunning(at)) {
+            this.#holds.beginLong(this.#holdOf(lane, 'long', entry.id, at, this.#longTimes[lane.key]));
         }
-        this.#stopLong(at);
-        this.#long = this.#holdOf(lane, 'long', entry.id, at, this.#longTimes[lane.key]);
     }
 
     /// The press came before the first entry that is left, or by no record of a device.
     #barFromBefore(lane, entry) {
-        const run = this.#model.runs[this.#model.runs.length - 1];
         const bar = {
             id: entry.id,
-            from: run.from,
+            from: Math.max(this.runs.at(-1).from, this.from),
             to: undefined,
             repeats: [],
             heard: this.#listens,
@@ -299,6 +269,7 @@ class ModelBuilder {
             bar.from = entry.at + this.#offset;
         }
         lane.bars.push(bar);
+        this.#list('key', bar, lane);
         return bar;
     }
 
@@ -307,14 +278,15 @@ class ModelBuilder {
             this.#window.restarts.push(at);
         } else {
             this.#window = { id, from: at, restarts: [] };
-            this.#model.windows.push(this.#window);
+            this.windows.push(this.#window);
+            this.#list('window', this.#window);
         }
         this.#window.to = this.#timerEnd;
     }
 
     #endWindowBy(at) {
         if (this.#timerEnd <= at) {
-            this.#stopLong(this.#timerEnd);
+            this.#holds.stopLong(this.#timerEnd);
             this.#forgetKeys(this.#timerEnd);
             this.#timerEnd = undefined;
         }
@@ -323,7 +295,7 @@ class ModelBuilder {
     /// The daemon waits for no more keys.
     #forgetKeys(at) {
         if (this.#window) {
-            this.#window.to = at;
+            Object.assign(this.#window, { to: at, open: false });
             this.#window = undefined;
         }
         this.#lastReleased = '';
@@ -332,21 +304,8 @@ class ModelBuilder {
     #holdOf(lane, kind, id, from, time) {
         const hold = { id, kind, key: lane.key, from, to: undefined, due: from + time, outcome: 'running' };
         lane.holds.push(hold);
+        this.#list('hold', hold, lane);
         return hold;
-    }
-
-    #stopLong(at) {
-        if (this.#long) {
-            stopHold(this.#long, at);
-            this.#formerLong = this.#long;
-            this.#long = undefined;
-        }
-    }
-
-    #stopReset(at) {
-        if (this.#reset) {
-            stopHold(this.#reset, at);
-        }
     }
 
     #answer(entry, at) {
@@ -361,100 +320,31 @@ class ModelBuilder {
         if (!moment) {
             return;
         }
-        this.#model.moments.push({ id: entry.id, at, ...moment });
+        this.moments.push({ id: entry.id, at, ...moment });
+        this.#list(moment.kind, this.moments.at(-1));
         if (entry.type === 'command') {
             this.#commands.push(simulatedKey(entry.text));
         } else if (entry.type === 'announcement') {
-            this.#announced(entry, at);
+            this.#holds.announced(entry, at);
         } else if (entry.type === 'refusal' && isOfAction(entry)) {
-            this.#decide([this.#formerLong, this.#long], at, 'refused');
-        }
-    }
-
-    #announced(entry, at) {
-        if (entry.action === 'FactoryReset') {
-            this.#decide([this.#reset], at, 'fired');
-        } else if (entry.action !== 'SingleKey' && entry.keys.length === 1) {
-            const holds = [this.#formerLong, this.#long].filter(hold => hold?.key === entry.keys[0]);
-            this.#decide(holds, at, 'fired');
-        }
-    }
-
-    /// Word of a time that was up may come a little after the key that would have stopped it.
-    #decide(holds, at, outcome) {
-        const undecided = outcome === 'fired' ? ['running', 'stopped', 'refused'] : ['running', 'stopped'];
-        const hold = holds.find(
-            one =>
-                one &&
-                undecided.includes(one.outcome) &&
-                one.due - earliness <= at &&
-                at <= one.due + lateness &&
-                (one.outcome !== 'stopped' || one.to >= one.due - earliness),
-        );
-        if (hold) {
-            hold.to = hold.outcome === 'running' ? at : hold.due;
-            hold.outcome = outcome;
-        }
-    }
-
-    #laneOf(key, device) {
-        const name = `${key} ${device}`;
-        if (!this.#lanes.has(name)) {
-            this.#lanes.set(name, {
-                key,
-                device,
-                label: laneLabel(key, device),
-                bars: [],
-                holds: [],
-                bar: undefined,
-            });
-        }
-        return this.#lanes.get(name);
-    }
-
-    #closeBar(lane, at, marks) {
-        if (lane.bar) {
-            Object.assign(lane.bar, { to: at }, marks);
-            lane.bar = undefined;
-        }
-    }
-
-    #closeBars(at, marks) {
-        for (const lane of this.#lanes.values()) {
-            this.#closeBar(lane, at, marks);
+            this.#holds.refused(at);
         }
     }
 
     #stopEverything(at) {
-        this.#closeBars(at, { cut: true });
-        this.#stopLong(at);
-        this.#stopReset(at);
-        this.#formerLong = this.#reset = undefined;
+        this.lanes.forEach(lane => closeBar(lane, at, { cut: true }));
+        this.#holds.stopAll(at);
         this.#lastReleased = '';
-        this.#timerEnd = undefined;
         if (this.#window) {
-            Object.assign(this.#window, { to: Math.min(at, this.#window.to), cut: true });
+            Object.assign(this.#window, { to: Math.min(at, this.#timerEnd), open: false, cut: true });
             this.#window = undefined;
         }
+        this.#timerEnd = undefined;
         this.#commands = [];
     }
 }
 
-function stopHold(hold, at) {
-    if (hold.outcome === 'running') {
-        hold.to = Math.min(at, hold.due);
-        hold.outcome = 'stopped';
-    }
-}
-
-function laneLabel(key, device) {
-    if (device === 0) {
-        return key;
-    }
-    return device === commandDevice ? `${key} (command)` : `${key} (device ${device})`;
-}
-
-function inPanelOrder(one, other) {
-    const rank = lane => keyOrder.indexOf(lane.key) + 1 || keyOrder.length + 1;
-    return rank(one) - rank(other) || one.label.localeCompare(other.label);
+function dropBefore(moments, start) {
+    const kept = moments.findIndex(at => at >= start);
+    moments.splice(0, kept < 0 ? moments.length : kept);
 }

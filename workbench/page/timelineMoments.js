@@ -3,7 +3,6 @@
 
 export const simulatedValues = { Released: 0, Pressed: 1, Repeated: 2 };
 
-
 /// What a SimulateKey command stands for; undefined for any other command.
 export function simulatedKey(text) {
     const [, action, key] = /^SimulateKey(?: as \S+)? (\S+) (\S+)$/.exec(text) ?? [];

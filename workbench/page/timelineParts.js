@@ -4,16 +4,25 @@ import { htmlElement, svgElement } from './timelineShapes.js';
 import { TimelineTable } from './timelineTable.js';
 import { style } from './timelineStyle.js';
 
-export function buildParts(container) {
+/// Shown while no event is chosen.
+export const detailsHint =
+    'Details of an event: point at it or click it in the drawing, or use "Previous event" and "Next event".';
+
+/// Puts the parts into `container`. `announce` is given what a button has changed.
+export function buildParts(container, announce) {
     const sheet = new CSSStyleSheet();
     sheet.replaceSync(style);
     document.adoptedStyleSheets = [...document.adoptedStyleSheets, sheet];
-    const { svg, picture, description } = buildSvg();
+    const { svg, picture, marks, description } = buildSvg();
     const buttons = buildButtons();
     const position = htmlElement('input', { type: 'range', id: 'timeline-position' });
     const positionBar = htmlElement('div', { class: 'timeline-position' });
     positionBar.append(htmlElement('label', { for: 'timeline-position' }, 'Time shown'), position);
-    const bar = htmlElement('div', { class: 'timeline-toolbar', role: 'group', 'aria-label': 'Timeline controls' });
+    const bar = htmlElement('div', {
+        class: 'timeline-toolbar no-print',
+        role: 'group',
+        'aria-label': 'Timeline controls',
+    });
     bar.append(...Object.values(buttons), positionBar);
     const frame = htmlElement('div', {
         class: 'timeline-frame',
@@ -23,9 +32,10 @@ export function buildParts(container) {
     });
     frame.append(svg);
     const note = htmlElement('p', { class: 'fault', hidden: '' });
-    const table = new TimelineTable();
-    container.replaceChildren(bar, note, frame, table.details);
-    return { svg, picture, description, buttons, position, note, frame, table };
+    const table = new TimelineTable(announce);
+    const details = htmlElement('p', { class: 'timeline-event' }, detailsHint);
+    container.replaceChildren(bar, note, details, frame, table.details);
+    return { svg, picture, marks, description, details, buttons, position, note, frame, table };
 }
 
 function buildSvg() {
@@ -54,13 +64,15 @@ function buildSvg() {
     const definitions = svgElement('defs');
     definitions.append(stripes, dots);
     const picture = svgElement('g');
+    const marks = svgElement('g');
     svg.append(
         svgElement('title', { id: 'timeline-title' }, 'Timeline of keys and actions'),
         description,
         definitions,
         picture,
+        marks,
     );
-    return { svg, picture, description };
+    return { svg, picture, marks, description };
 }
 
 function buildButtons() {
@@ -71,7 +83,10 @@ function buildButtons() {
         fit: 'Fit',
         earlier: 'Earlier',
         later: 'Later',
+        previous: 'Previous event',
+        next: 'Next event',
         save: 'Save as SVG',
+        print: 'Print',
     };
     return Object.fromEntries(
         Object.entries(names).map(([name, text]) => [name, htmlElement('button', { type: 'button' }, text)]),

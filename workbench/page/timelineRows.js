@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The timeline as rows of a table.
-import { countOf, joined, stateName } from './timelineTexts.js';
+import { countOf, joined, seconds, stateName } from './timelineTexts.js';
 
 const kindNames = {
     announcement: 'Announced',
@@ -13,24 +13,32 @@ const kindNames = {
 const holdNames = { long: 'Long press', reset: 'Factory reset' };
 const outcomeNames = { running: 'runs', stopped: 'stopped', fired: 'recognised', refused: 'refused' };
 
-/// The model as rows in the order of their beginning: name, time on the clock of its run, kind, what, how long.
+const describe = {
+    state: ({ state, from, to }) => ['State', stateName(state), to - from],
+    key: (bar, lane) => ['Key', keyText(lane, bar), bar.to - bar.from],
+    hold: (hold, lane) => [holdNames[hold.kind], holdText(lane, hold), hold.to - hold.from],
+    window: window => ['Window', windowText(window), window.to - window.from],
+    break: ({ text }) => ['Break', text],
+};
+
+/// An event of the model in words: `kind`, `what`, how long it lasts as `duration` in milliseconds if it does, and when
+/// it began, as `time` on the clock of its `run` and in words as `when`.
+export function rowOf({ name, kind, from, item, lane, run }) {
+    const [kindName, what, duration] = describe[kind]?.(item, lane) ?? [kindNames[kind], item.text];
+    const time = from - run.offset;
+    const when = joined(seconds(time), run.number > 1 && `run ${run.number}`);
+    return { name, time, when, kind: kindName, what, duration };
+}
+
+/// The whole model as such rows, in the order of their beginning.
 export function timelineRows(model) {
-    const rows = [
-        ...model.states.map(span => ['state', span, span.from, 'State', stateName(span.state), span.to - span.from]),
-        ...model.lanes.flatMap(laneRows),
-        ...model.windows.map(one => ['window', one, one.from, 'Window', windowText(one), one.to - one.from]),
-        ...model.moments.map(one => [one.kind, one, one.at, kindNames[one.kind], one.text, undefined]),
-        ...model.breaks.map(one => ['break', one, one.at, 'Break', one.text, undefined]),
-    ];
-    return rows
-        .sort((one, other) => one[2] - other[2])
-        .map(([prefix, item, from, kind, what, duration]) => ({
-            name: `${prefix}-${item.id}`,
-            time: clockTime(model, from),
-            kind,
-            what,
-            duration,
-        }));
+    return model.events.map(rowOf);
+}
+
+/// An event in a sentence.
+export function eventText(event) {
+    const { kind, what, duration, when } = rowOf(event);
+    return `${joined(`${kind}: ${what}`, duration !== undefined && `${Math.round(duration)} ms`, `at ${when}`)}.`;
 }
 
 /// How much of what kind is in the model.
@@ -46,18 +54,8 @@ export function summary(model) {
     return `${joined(...counts)}. The table has each of them.`;
 }
 
-function laneRows(lane) {
-    return [
-        ...lane.bars.map(bar => ['key', bar, bar.from, 'Key', keyText(lane, bar), bar.to - bar.from]),
-        ...lane.holds.map(hold => [
-            'hold',
-            hold,
-            hold.from,
-            holdNames[hold.kind],
-            `${lane.label}: ${outcomeNames[hold.outcome]}, due after ${hold.due - hold.from} ms`,
-            hold.to - hold.from,
-        ]),
-    ];
+function holdText({ label }, { outcome, due, from }) {
+    return `${label}: ${outcomeNames[outcome]}, due after ${due - from} ms`;
 }
 
 function keyText(lane, bar) {
@@ -76,10 +74,4 @@ function deafness({ heard, pressHeard, releaseHeard = true }) {
 function windowText(window) {
     const restarts = window.restarts.length > 0 && `restarted ${countOf(window.restarts.length, 'time')}`;
     return joined('Waits for more keys', restarts, window.open && 'still open');
-}
-
-/// `at` on the clock of the device's run that it belongs to.
-function clockTime(model, at) {
-    const run = [...model.runs].reverse().find(one => one.from <= at);
-    return at - (run?.offset ?? 0);
 }

@@ -25,13 +25,15 @@ export const style = `
 .timeline-svg .refusal { stroke: var(--refusal); stroke-width: 2.5; fill: none; }
 .timeline-svg .speech { fill: var(--ground); stroke: var(--speech); stroke-width: 1.5; }
 .timeline-svg .command { fill: var(--command); stroke: none; }
+.timeline-svg .mark { stroke: var(--text); stroke-width: 2; fill: none; }
+.timeline-svg .pointed { stroke-dasharray: 3 2; }
 .timeline-svg .heading { stroke: var(--command); stroke-width: 1.5; fill: none; }
-@media (prefers-color-scheme: dark) {
+@media screen and (prefers-color-scheme: dark) {
   .timeline-svg { --ground: #12171e; --band: #1c242e; --text: #e6ebf2; --faint: #94a0b2; --grid: #323d4b; --key: #79b0ff;
     --repeat: #12171e; --hold: #ffb266; --window: #c7a6f7; --announcement: #5fd39a; --refusal: #ff8f9c; --speech: #e6ebf2;
     --command: #b3c0d4; }
 }
-@media (forced-colors: active) {
+@media screen and (forced-colors: active) {
   .timeline-svg { --ground: Canvas; --band: Canvas; --text: CanvasText; --faint: CanvasText; --grid: GrayText;
     --key: Highlight; --repeat: Canvas; --hold: CanvasText; --window: CanvasText; --announcement: CanvasText;
     --refusal: CanvasText; --speech: CanvasText; --command: CanvasText; }

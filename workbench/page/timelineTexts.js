@@ -18,3 +18,8 @@ export function countOf(count, what) {
 export function seconds(milliseconds, digits = 3) {
     return `${(milliseconds / 1000).toFixed(digits)} s`;
 }
+
+/// The name of a run of the device: its number, and the model if that is known.
+export function runName({ number, model }) {
+    return joined(`run ${number}`, model);
+}

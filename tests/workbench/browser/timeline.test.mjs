@@ -5,8 +5,10 @@ import { describe, test } from 'node:test';
 
 import { pageModule } from './pageModule.mjs';
 
-const { longTimesOf, timelineModel } = await pageModule('timelineModel.js');
+const { TimelineModel } = await pageModule('timelineModel.js');
 const { timelineRows } = await pageModule('timelineRows.js');
+const { TimelineHistory } = await pageModule('timelineHistory.js');
+const { longTimesOf } = await pageModule('timelineTimes.js');
 
 const deviceTimes = { singleKeyMs: 1500, factoryResetMs: 5000, repeatDelayMs: 250 };
 const longTimes = { Help: 2000, Menu: 2000, Feed: 0 };
@@ -35,7 +37,10 @@ const simulate = (at, action, name, resultId = 'Success') => [
 ];
 
 function modelOf(entries, end, times = deviceTimes) {
-    return timelineModel(entries.flat(), times, longTimes, end);
+    const model = new TimelineModel(times, longTimes);
+    entries.flat().forEach(each => model.add(each));
+    model.upTo(end);
+    return model;
 }
 
 /** The chosen members of each item, so that a comparison says what a test is about. */
@@ -496,9 +501,7 @@ describe('moments, states and runs', () => {
         ]);
     });
     test('no entries at all are an empty model', () => {
-        assert.deepEqual(pick([timelineModel([])], 'from', 'to', 'lanes', 'runs'), [
-            { from: 0, to: 0, lanes: [], runs: [] },
-        ]);
+        assert.deepEqual(pick([modelOf([])], 'from', 'to', 'lanes', 'runs'), [{ from: 0, to: 0, lanes: [], runs: [] }]);
     });
 });
 
@@ -564,5 +567,153 @@ describe('the rows of the table', () => {
         const model = modelOf([ready(), tap(100, 'FactoryReset'), announced(200, 'SingleKey', 'Up')], 9000);
         const names = timelineRows(model).map(row => row.name);
         assert.equal(new Set(names).size, names.length);
+    });
+});
+
+describe('a model that grows', () => {
+    const scripts = {
+        'a window that is restarted at its last moment': [ready(), tap(0, 'Up'), tap(1499, 'Down'), tap(9000, 'Up')],
+        'a long press that is recognised': [
+            ready(),
+            press(0, 'Help'),
+            repeat(250, 'Help'),
+            announced(2251, 'KeyDescription', 'Help'),
+            release(2300, 'Help'),
+        ],
+        'a long press that the last release does not stop': [
+            ready(),
+            tap(0, 'Up'),
+            press(100, 'Help'),
+            repeat(350, 'Help'),
+            release(1500, 'Help'),
+        ],
+        'a factory reset, a restart and a lost press': [
+            ready(),
+            press(100, 'FactoryReset'),
+            announced(5101, 'FactoryReset', 'FactoryReset'),
+            ready(),
+            release(10, 'FactoryReset'),
+            refused(20),
+            simulate(30, 'Pressed', 'Up'),
+        ],
+    };
+    const contents = ({ from, to, lanes, windows, states, moments, breaks, runs, events, open }) =>
+        structuredClone({ from, to, lanes, windows, states, moments, breaks, runs, events, open });
+
+    for (const [what, entries] of Object.entries(scripts)) {
+        test(`is the same however often it is looked at: ${what}`, () => {
+            const model = new TimelineModel(deviceTimes, longTimes);
+            for (const each of entries.flat()) {
+                model.add(each);
+                model.upTo(each.at + 20);
+                model.upTo(each.at + 3000); // the clock of the page may be ahead
+            }
+            model.upTo(12000);
+            assert.deepEqual(contents(model), contents(modelOf(entries, 12000)));
+        });
+    }
+    test('shows the end of a window before another entry comes', () => {
+        const model = modelOf([ready(), tap(50, 'Up')], 600);
+        model.upTo(1700);
+        assert.deepEqual(pick(model.windows, 'to', 'open'), [{ to: 1600, open: false }]);
+        assert(!model.open);
+    });
+    test('forgets what ended before the oldest entry that is left', () => {
+        const entries = [
+            ...ready(),
+            ...tap(100, 'Up'),
+            press(200, 'Help'),
+            repeat(450, 'Help'),
+            announced(2451, 'KeyDescription', 'Help'),
+            press(5000, 'Ok'),
+            repeat(5100, 'Help'),
+        ];
+        const model = modelOf(entries);
+        model.forgetBefore(entries.at(-2));
+        model.upTo(6000);
+        assert.equal(model.from, 5000);
+        assert.deepEqual(
+            timelineRows(model).map(({ time, what, duration }) => [time, what, duration]),
+            [
+                [0, 'Idle', 6000],
+                [200, 'Help, 1 repetition, still held', 5800],
+                [5000, 'Ok, still held', 1000],
+                [5100, 'Help: runs, due after 2000 ms', 900],
+            ],
+        );
+        assert.deepEqual(
+            model.lanes.map(({ label }) => label),
+            ['Help', 'Ok'],
+        );
+        model.add(press(6100, 'Up'));
+        assert.equal(laneOf(model, 'Up').bars.length, 1);
+    });
+});
+
+describe('the history', () => {
+    const taps = count => Array.from({ length: count }, (_, index) => tap(index * 100, 'Up')).flat();
+
+    test('keeps the latest 10,000 entries, and at most 500 more', () => {
+        const history = new TimelineHistory();
+        history.reset([], 0);
+        let most = 0;
+        for (const each of taps(6000)) {
+            history.add(each);
+            history.update();
+            most = Math.max(most, laneOf(history.model, 'Up').bars.length);
+        }
+        assert(most >= 5000 && most <= 5251, `${most} presses`);
+    });
+    test('shows what a page shows that comes later', () => {
+        const entries = [...ready(), ...taps(6000)];
+        const [early, late] = [new TimelineHistory(), new TimelineHistory()];
+        for (const each of entries) {
+            early.add(each);
+            early.update();
+        }
+        late.reset(entries.slice(-4000), entries.at(-1).at);
+        [early, late].forEach(history => history.freeze());
+        const last = ({ model }) => timelineRows(model).slice(-1000, -1); // the last one grows
+        assert.deepEqual(pick(last(early), 'time', 'what', 'duration'), pick(last(late), 'time', 'what', 'duration'));
+    });
+    test('begins again with entries that came while nothing was looked at', () => {
+        const history = new TimelineHistory();
+        taps(20000).forEach(each => history.add(each));
+        history.update(Infinity);
+        assert(history.isComplete);
+        assert(laneOf(history.model, 'Up').bars.length <= 5251);
+    });
+    test('takes in many entries in several turns', () => {
+        const history = new TimelineHistory();
+        history.reset(taps(5000), 0);
+        assert(history.update(0));
+        assert(!history.isComplete);
+        while (!history.isComplete) {
+            history.update(0);
+        }
+        assert.equal(laneOf(history.model, 'Up').bars.length, 5000);
+    });
+    test('stays as it is while it is frozen', () => {
+        const history = new TimelineHistory();
+        history.reset([...ready(), ...tap(100, 'Up')], 200);
+        history.freeze();
+        const rows = timelineRows(history.model);
+        history.add(press(300, 'Down'));
+        history.reset(ready(), 0);
+        assert(!history.update());
+        assert.deepEqual(timelineRows(history.model), rows);
+        history.thaw();
+        history.update();
+        assert.deepEqual(history.model.lanes, []);
+    });
+});
+
+describe('names of runs', () => {
+    test('are in the rows once the device was started again', () => {
+        const model = modelOf([ready(), tap(100, 'Up'), device(0, 'starting', { model: 'Orvane' }), tap(100, 'Down')]);
+        const whenOf = text => timelineRows(model).find(({ what }) => what === text).when;
+        assert.equal(whenOf('Up'), '0.100 s');
+        assert.equal(whenOf('Down, not heard'), '0.100 s, run 2');
+        assert.equal(whenOf('The device was started again: run 2, Orvane'), '0.000 s, run 2');
     });
 });
