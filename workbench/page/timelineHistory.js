@@ -101,7 +101,7 @@ export class TimelineHistory {
             turn.forEach(entry => this.model.add(entry));
             this.#taken += turn.length;
         } while (!this.isComplete && performance.now() < end);
-        this.model.upTo(this.isComplete ? this.#now() : undefined);
+        this.model.extendTo(this.isComplete ? this.#now() : undefined);
         return isChanged;
     }
 

@@ -13,7 +13,7 @@ const answersNot = 'The daemon does not answer';
 const answersAgain = 'The daemon answers again';
 
 /// What the entries of a session mean, on one line of time in milliseconds: each run of the device follows the one
-/// before. Takes the entries one at a time; call `upTo` before you read what is in it.
+/// before. Takes the entries one at a time; call `extendTo` before you read what is in it.
 export class TimelineModel {
     from = 0;
     to = 0;
@@ -85,7 +85,7 @@ export class TimelineModel {
 
     /// Shows what is known up to `end` on the clock of the last run, or up to the last entry. What still lasts there
     /// is marked `open`. Entries that come later may be of an earlier moment.
-    upTo(end = undefined) {
+    extendTo(end = undefined) {
         this.to = end === undefined ? this.#now : Math.max(this.#now, end + this.#offset);
         const isOver = this.#timerEnd <= this.to;
         if (this.#window) {
@@ -102,7 +102,7 @@ export class TimelineModel {
 
     /// Forgets what ended before this entry, the oldest that is to be kept.
     forgetBefore({ id, at }) {
-        this.upTo();
+        this.extendTo();
         const start = at + this.runs.findLast(run => run.id <= id).offset;
         const isKept = item => item.id >= id || (item.to ?? item.at) >= start;
         for (const name of ['windows', 'states', 'moments', 'breaks', 'runs']) {

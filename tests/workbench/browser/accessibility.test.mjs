@@ -186,7 +186,8 @@ for (const [view, hash, stops] of [
         'Timeline',
         '#timeline',
         [
-            ...buttons('Pause', 'Zoom in', 'Zoom out', 'Fit', 'Earlier', 'Later', 'Save as SVG'),
+            ...buttons('Pause', 'Zoom in', 'Zoom out', 'Fit', 'Earlier', 'Later'),
+            ...buttons('Previous event', 'Next event', 'Save as SVG', 'Print'),
             'slider "Time shown"',
             'application "Drawing"',
             'Timeline as a table',

@@ -39,7 +39,7 @@ const simulate = (at, action, name, resultId = 'Success') => [
 function modelOf(entries, end, times = deviceTimes) {
     const model = new TimelineModel(times, longTimes);
     entries.flat().forEach(each => model.add(each));
-    model.upTo(end);
+    model.extendTo(end);
     return model;
 }
 
@@ -605,16 +605,16 @@ describe('a model that grows', () => {
             const model = new TimelineModel(deviceTimes, longTimes);
             for (const each of entries.flat()) {
                 model.add(each);
-                model.upTo(each.at + 20);
-                model.upTo(each.at + 3000); // the clock of the page may be ahead
+                model.extendTo(each.at + 20);
+                model.extendTo(each.at + 3000); // the clock of the page may be ahead
             }
-            model.upTo(12000);
+            model.extendTo(12000);
             assert.deepEqual(contents(model), contents(modelOf(entries, 12000)));
         });
     }
     test('shows the end of a window before another entry comes', () => {
         const model = modelOf([ready(), tap(50, 'Up')], 600);
-        model.upTo(1700);
+        model.extendTo(1700);
         assert.deepEqual(pick(model.windows, 'to', 'open'), [{ to: 1600, open: false }]);
         assert(!model.open);
     });
@@ -630,7 +630,7 @@ describe('a model that grows', () => {
         ];
         const model = modelOf(entries);
         model.forgetBefore(entries.at(-2));
-        model.upTo(6000);
+        model.extendTo(6000);
         assert.equal(model.from, 5000);
         assert.deepEqual(
             timelineRows(model).map(({ time, what, duration }) => [time, what, duration]),

@@ -85,25 +85,30 @@ test('a refused action and a command are drawn', async () => {
     await showsWords(panel, /^LoadPaper refused: for PrintOff, not for Idle$/m);
 });
 
-test('a restart is drawn as a break', async () => {
+test('a restart is drawn as a break, and the runs have names', async () => {
     const panel = await openTimeline();
     await fixture.simulator.restart();
     await isDrawn(panel, 'path.break:not(:last-of-type)');
+    await showsWords(panel, /^run \d+, Pellit$/m);
     const table = await openTable(panel);
-    await table.getByRole('cell', { name: 'The device was started again' }).first().waitFor();
+    await table
+        .getByRole('cell', { name: /^The device was started again: run \d+, Pellit$/ })
+        .first()
+        .waitFor();
 });
 
 test('the table says the same, and follows', async () => {
     const panel = await openTimeline();
     const table = await openTable(panel);
     assert.deepEqual(await table.locator('thead th[scope=col]').allInnerTexts(), ['Time', 'Kind', 'What', 'Lasts']);
+    assert(!(await panel.button('Later rows').isVisible())); // a page is enough
     const text = async () => (await table.innerText()).replaceAll(/[\t ]+/g, ' ').replaceAll(/ $/gm, '');
-    const recognised = /^[\d.]+ s Long press Help: recognised, due after 2000 ms \d+ ms$/m;
+    const recognised = /^[\d.]+ s, run \d+ Long press Help: recognised, due after 2000 ms \d+ ms$/m;
     await holdHelpUntil(async () => assert.match(await text(), recognised));
     for (const line of [
-        /^[\d.]+ s Key Help, \d+ repetitions \d+ ms$/m,
-        /^[\d.]+ s Announced KeyDescription \(Help\) to UserMenu$/m,
-        /^[\d.]+ s Window Waits for more keys 1500 ms$/m,
+        /^[\d.]+ s, run \d+ Key Help, \d+ repetitions \d+ ms$/m,
+        /^[\d.]+ s, run \d+ Announced KeyDescription \(Help\) to UserMenu$/m,
+        /^[\d.]+ s, run \d+ Window Waits for more keys 1500 ms$/m,
     ]) {
         await eventually(async () => assert.match(await text(), line));
     }
@@ -297,6 +302,192 @@ test('time passes by itself, in steps where motion is not wanted', async () => {
     });
 });
 
+/// Counts how often scripts of the timeline ask for a frame or a timer.
+function countTimelineRequests() {
+    window.timelineRequests = 0;
+    for (const name of ['requestAnimationFrame', 'setTimeout', 'setInterval']) {
+        const original = window[name].bind(window);
+        window[name] = (...values) => {
+            window.timelineRequests += /timeline\w*\.js/.test(new Error().stack) ? 1 : 0;
+            return original(...values);
+        };
+    }
+}
+
+test('the timeline asks for no frame or timer while another view is shown', async () => {
+    const panel = await fixture.open({ script: countTimelineRequests });
+    const requests = () => panel.page.evaluate('window.timelineRequests');
+    await fixture.simulator.take('tap Menu');
+    await panel.isTold('SingleKey Menu to UserMenu');
+    assert.equal(await requests(), 0);
+    await panel.goTo('Timeline');
+    await eventually(async () => assert.notEqual(await requests(), 0));
+    await panel.goTo('Panel');
+    await eventually(async () => {
+        const before = await requests();
+        const observer = await fixture.simulator.observe();
+        await fixture.simulator.take('tap Menu', 'wait 1500', 'tap Menu');
+        await observer.sees({ type: 'announcement' }, await observer.sees({ type: 'announcement' }));
+        observer.close();
+        assert.equal(await requests(), before);
+    });
+});
+
+test('the table has pages, whose buttons say which rows they show', async () => {
+    const panel = await openTimeline();
+    const table = await openTable(panel);
+    const pages = panel.page.getByRole('group', { name: 'Rows of the table' });
+    await fixture.simulator.take(...new Array(150).fill(['record 1 103 1', 'record 1 103 0']).flat());
+    await pages.waitFor();
+    const position = async () => {
+        const [, ...numbers] = /^Rows (\d+) to (\d+) of (\d+)$/.exec(await pages.locator('span').innerText());
+        return numbers.map(Number);
+    };
+    const rows = () => table.locator('tbody tr').count();
+    await eventually(async () => assert(await isWholePage()));
+    async function isWholePage() {
+        const [first, last, all] = await position();
+        return last === all && all - first >= 100 && (await rows()) === last - first + 1;
+    }
+    await panel.button('First rows').click();
+    assert.deepEqual((await position()).slice(0, 2), [1, 100]);
+    assert.equal(await rows(), 100);
+    await panel.showsText('#announcements', /Rows 1 to 100 of \d+\./);
+    await panel.button('Later rows').click();
+    assert.equal((await position())[0], 101);
+    await panel.button('Earlier rows').click();
+    assert.equal((await position())[0], 1);
+    await panel.button('Last rows').click();
+    assert(await isWholePage());
+});
+
+const details = panel => panel.page.locator('.timeline-event');
+
+/// A paused timeline with two keys, in which everything is in sight.
+async function openEvents() {
+    const panel = await openTimeline();
+    await fixture.simulator.take('tap Menu', 'tap Menu');
+    await panel.isTold('SingleKey Menu to UserMenu');
+    await fixture.simulator.settle();
+    await panel.button('Pause').click();
+    await panel.button('Fit').click();
+    return panel;
+}
+
+test('N and P, and two buttons, go from event to event, whose details are said and shown', async () => {
+    const panel = await openEvents();
+    const frame = panel.page.getByRole('application', { name: 'Drawing' });
+    await frame.focus();
+    const goTo = async key => {
+        await panel.page.keyboard.press(key);
+        return details(panel).innerText();
+    };
+    const first = await goTo('n');
+    assert.match(first, /^\w+: .*, at [\d.]+ s(, run \d+)?\.$/);
+    await panel.showsText('#announcements', /, at [\d.]+ s/);
+    assert.equal(await goTo('p'), first);
+    await panel.showsText('#announcements', /No earlier event\./);
+    for (let times = 0; times < 200 && !/^Key: Menu/.test(await goTo('n')); ++times);
+    const key = await details(panel).innerText();
+    assert.match(key, /^Key: Menu, \d+ ms, at [\d.]+ s(, run \d+)?\.$/);
+    assert.equal(await picture(panel).locator('rect.mark').count(), 1);
+    await panel.button('Next event').click();
+    assert.notEqual(await details(panel).innerText(), key);
+    await panel.button('Previous event').click();
+    assert.equal(await details(panel).innerText(), key);
+});
+
+test('an event out of sight comes into sight when it is chosen', async () => {
+    const panel = await openEvents();
+    for (let times = 0; times < 6; ++times) {
+        await panel.button('Zoom in').click();
+    }
+    await panel.page.getByRole('application', { name: 'Drawing' }).focus();
+    await panel.page.keyboard.press('End');
+    const end = await sight(panel);
+    for (let times = 0; times < 200 && (await sight(panel)).before === end.before; ++times) {
+        await panel.page.keyboard.press('p');
+    }
+    assert((await sight(panel)).before > end.before);
+    assert.equal(await picture(panel).locator('rect.mark').count(), 1);
+});
+
+test('pointing at an event shows its details, a click keeps them and pauses', async () => {
+    const panel = await openTimeline();
+    await fixture.simulator.take('tap Menu');
+    await seen(panel, async () => assert.notEqual(await picture(panel).locator('path.key').count(), 0));
+    await panel.button('Pause').click();
+    await panel.button('Fit').click();
+    const hint = await details(panel).innerText();
+    const box = await picture(panel).locator('path.announcement').first().boundingBox();
+    await panel.page.mouse.move(box.x + box.width / 2, box.y + box.height / 2);
+    await panel.showsText('.timeline-event', /^Announced: SingleKey \(Menu\) to UserMenu, at /);
+    await panel.page.mouse.move(0, 0);
+    await panel.showsText('.timeline-event', hint);
+    await panel.button('Resume').click();
+    await seen(panel, async () => {
+        await picture(panel).locator('path.announcement').first().click({ timeout: 1000 });
+        assert.match(await details(panel).innerText(), /^Announced: /);
+    });
+    await panel.button('Resume').waitFor();
+});
+
+test('dragging and the wheel move and zoom the drawing, and pause it', async () => {
+    const panel = await openTimeline();
+    await fixture.simulator.take('wait 2000');
+    for (let times = 0; times < 3; ++times) {
+        await panel.button('Zoom in').click();
+    }
+    const { x, y, width } = await picture(panel).boundingBox();
+    await eventually(async () => {
+        await panel.page.mouse.move(x + width / 2, y + 60);
+        await panel.page.mouse.down();
+        await panel.page.mouse.move(x + width / 2 + 300, y + 60);
+        await panel.page.mouse.up();
+        assert((await sight(panel)).before > 1);
+    });
+    await panel.button('Resume').waitFor();
+    const dragged = await sight(panel);
+    await panel.page.mouse.wheel(100, 0);
+    await eventually(async () => assert((await sight(panel)).before < dragged.before));
+    await panel.page.keyboard.down('Control');
+    await panel.page.mouse.wheel(0, -240);
+    await eventually(async () => assert((await sight(panel)).span < dragged.span));
+    await panel.page.keyboard.up('Control');
+    // A wheel without a key scrolls the page.
+    await panel.page.evaluate(() => addEventListener('wheel', event => (window.isTaken = event.defaultPrevented)));
+    await panel.page.mouse.wheel(0, 50);
+    await eventually(async () => assert.equal(await panel.page.evaluate('window.isTaken'), false));
+});
+
+test('the timeline is printed on one landscape page, with the table if that is open', async () => {
+    const panel = await openTimeline({
+        script: 'window.print = () => { window.printed = true; };',
+        colorScheme: 'dark',
+    });
+    await panel.button('Pause').click();
+    await panel.button('Print').click();
+    await panel.page.waitForFunction('window.printed');
+    const pdf = async () => (await panel.page.pdf({ preferCSSPageSize: true })).toString('latin1');
+    const closed = await pdf();
+    assert.equal(closed.match(/\/Type \/Page\b/g).length, 1);
+    const [, width, height] = /\/MediaBox \[0 0 ([\d.]+) ([\d.]+)\]/.exec(closed);
+    assert(Number(width) > Number(height));
+    await panel.page.emulateMedia({ media: 'print' });
+    for (const place of ['header', 'aside', '.timeline-toolbar', '.timeline-table', '#card', '#panel']) {
+        assert(!(await panel.page.locator(place).first().isVisible()), place);
+    }
+    assert(await picture(panel).isVisible());
+    const ground = await picture(panel).evaluate(shape => getComputedStyle(shape).backgroundColor);
+    assert.equal(ground, 'rgb(255, 255, 255)');
+    await panel.page.emulateMedia({ media: 'screen' });
+    const table = await openTable(panel);
+    await table.getByRole('row').nth(1).waitFor();
+    await panel.page.emulateMedia({ media: 'print' });
+    assert(await table.isVisible());
+});
+
+// The last test, because the simulator keeps the entries.
 test('thousands of entries are a picture of few parts', async () => {
     const panel = await openTimeline();
     const repetitions = new Array(900).fill('record 1 103 2');
