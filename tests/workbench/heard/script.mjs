@@ -56,6 +56,9 @@ async function waitFor(listener, words) {
     await (text ? listener.page.getByText(text).first().waitFor() : listener.until(words));
 }
 
+/// The times of events of the device, to the millisecond, are others in each run.
+const deviceTime = /\b\d+\.\d{3} s\b|\b\d+ ms(?=, at )/g;
+
 /// The steps of a golden file: its lines up to what is heard after them.
 function stepsOf(text) {
     const steps = [{ lines: [] }];
@@ -87,7 +90,7 @@ async function play(listener, { lines }) {
         return lines;
     }
     const heard = await listener.hears();
-    return isGiven ? lines : [...lines, ...heard.map(text => `heard: ${text}`)];
+    return isGiven ? lines : [...lines, ...heard.map(text => `heard: ${text.replaceAll(deviceTime, '(time)')}`)];
 }
 
 /// Does what a golden file says; comes back with the file as it should be, with what was heard.
