@@ -210,8 +210,18 @@ export class Timeline {
             this.#sight.showMoment(event.from, this.#model);
             this.#choose(event);
             this.#draw();
+            this.#scrollToMark();
         } else {
             this.#announce(direction > 0 ? 'No later event.' : 'No earlier event.');
+        }
+    }
+
+    /// On a narrow page, the drawing is wider than its frame.
+    #scrollToMark() {
+        const { frame, marks } = this.#parts;
+        const x = Number(marks.firstChild?.getAttribute('x'));
+        if (x < frame.scrollLeft || x > frame.scrollLeft + frame.clientWidth) {
+            frame.scrollLeft = x - frame.clientWidth / 2;
         }
     }
 

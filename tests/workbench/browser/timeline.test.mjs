@@ -618,6 +618,10 @@ describe('a model that grows', () => {
         assert.deepEqual(pick(model.windows, 'to', 'open'), [{ to: 1600, open: false }]);
         assert(!model.open);
     });
+    test('shows that the end of a window stops a long press before another entry comes', () => {
+        const model = modelOf([ready(), tap(0, 'Up'), press(100, 'Help'), repeat(350, 'Help')], 2000);
+        assert.deepEqual(pick(holdsOf(model, 'Help'), 'to', 'outcome'), [{ to: 1550, outcome: 'stopped' }]);
+    });
     test('forgets what ended before the oldest entry that is left', () => {
         const entries = [
             ...ready(),
@@ -678,8 +682,11 @@ describe('the history', () => {
     });
     test('begins again with entries that came while nothing was looked at', () => {
         const history = new TimelineHistory();
+        history.reset([...ready(), ...tap(0, 'Down')], 100);
+        history.update(Infinity);
         taps(20000).forEach(each => history.add(each));
         history.update(Infinity);
+        assert.equal(laneOf(history.model, 'Down'), undefined);
         assert(history.isComplete);
         assert(laneOf(history.model, 'Up').bars.length <= 5251);
     });

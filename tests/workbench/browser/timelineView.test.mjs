@@ -412,6 +412,27 @@ test('an event out of sight comes into sight when it is chosen', async () => {
     assert.equal(await picture(panel).locator('rect.mark').count(), 1);
 });
 
+test('an event that is chosen is in sight on a narrow page', async () => {
+    const panel = await openTimeline({ viewport: { width: 320, height: 640 } });
+    await panel.button('Pause').click();
+    await panel.button('Fit').click();
+    const frame = panel.page.locator('.timeline-frame');
+    const isMarkSeen = async () => {
+        const [mark, { x, width }] = [
+            await picture(panel).locator('rect.mark').boundingBox(),
+            await frame.boundingBox(),
+        ];
+        return mark.x >= x - 1 && mark.x <= x + width;
+    };
+    await panel.button('Next event').click();
+    assert(await isMarkSeen());
+    await frame.evaluate(each => each.scrollTo(each.scrollWidth, 0));
+    assert(!(await isMarkSeen()));
+    await panel.button('Previous event').click(); // there is none
+    await panel.button('Next event').click();
+    assert(await isMarkSeen());
+});
+
 test('pointing at an event shows its details, a click keeps them and pauses', async () => {
     const panel = await openTimeline();
     await fixture.simulator.take('tap Menu');
