@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 // What happened at the device, over time: as a picture, and as a table with the same content.
 import { saveFile, setText } from './dom.js';
+import { TimelineCursor } from './timelineCursor.js';
 import { Drawing } from './timelineDrawing.js';
 import { TimelineHistory } from './timelineHistory.js';
-import { buildParts, detailsHint } from './timelineParts.js';
+import { buildParts } from './timelineParts.js';
 import { followPointer } from './timelinePointer.js';
-import { eventText, summary } from './timelineRows.js';
+import { summary } from './timelineRows.js';
 import { svgElement, svgNamespace, tickStep } from './timelineShapes.js';
 import { Sight } from './timelineSight.js';
 import { style } from './timelineStyle.js';
@@ -13,13 +14,14 @@ import { style } from './timelineStyle.js';
 const minWidth = 640;
 /// Between two drawings of the picture while something happens, while nothing does, and of the table.
 const busyInterval = 100;
-const idleInterval = 1000;
+const idleInterval = 2000;
 const tableInterval = 1000;
 /// How far the picture moves by one key press or button, in parts of its width.
 const moveBy = 0.25;
 /// How many steps of the slider go through the time that is shown.
 const stepsOfSlider = 10;
-const keysHint = 'Arrow keys move it, plus and minus zoom, 0 shows all, N and P go to the next and previous event.';
+const keysHint =
+    'Arrow keys move it, plus and minus zoom, 0 shows all, N and P go to the next and previous event, W says why.';
 
 /// Shows the entries of a session in `container`: buttons, the picture, and the table with the same content. Does
 /// nothing while it is not seen.
@@ -28,8 +30,7 @@ export class Timeline {
     #sight = new Sight();
     #isNew = true; // whether it was not drawn yet
     #drawing;
-    #chosen; // the name of an event
-    #pointed;
+    #cursor;
     #isSeen = false;
     #timer;
     #isTimerBusy = false;
@@ -39,10 +40,12 @@ export class Timeline {
     #announce;
     #calm = matchMedia('(prefers-reduced-motion: reduce)');
 
-    /// `announce` is given what is shown when a key or a button has changed it.
-    constructor(container, announce = () => {}) {
+    /// `announce` is given what is shown when a key or a button has changed it. `ask` gets a question about keys, and
+    /// resolves with the lines of the answer.
+    constructor(container, announce, ask) {
         this.#announce = announce;
         this.#parts = buildParts(container, announce);
+        this.#cursor = new TimelineCursor(this.#parts, announce, ask);
         this.#connect();
         new ResizeObserver(() => this.#wake()).observe(this.#parts.frame);
         document.addEventListener('visibilitychange', () => this.#wake());
@@ -103,6 +106,7 @@ export class Timeline {
         onClick(buttons.later, keys.ArrowRight);
         onClick(buttons.previous, keys.p);
         onClick(buttons.next, keys.n);
+        onClick(buttons.why, keys.w);
         onClick(buttons.save, () => this.#save());
         onClick(buttons.print, () => window.print());
         position.addEventListener('input', () => this.#showUpTo(Number(position.value)));
@@ -130,6 +134,7 @@ export class Timeline {
             0: change(() => this.#fit()),
             n: () => this.#step(1),
             p: () => this.#step(-1),
+            w: () => this.#cursor.explain(this.#model),
         };
     }
 
@@ -181,47 +186,29 @@ export class Timeline {
     }
 
     #point(event) {
-        if (this.#pointed !== event?.name) {
-            this.#pointed = event?.name;
-            this.#showEvents();
+        if (this.#cursor.point(event)) {
+            this.#cursor.show(this.#model, this.#drawing);
         }
     }
 
     #choose(event) {
-        this.#chosen = event?.name;
         if (event) {
             this.#pause();
-            this.#announce(eventText(event));
         }
-        this.#showEvents();
+        this.#cursor.choose(event);
+        this.#cursor.show(this.#model, this.#drawing);
     }
 
-    /// Goes to the next event in this direction, or begins with the first or last one in sight.
     #step(direction) {
-        const { events } = this.#model;
-        const index = events.findIndex(({ name }) => name === this.#chosen);
-        const [first, last] = [
-            events.find(({ from }) => from >= this.#sight.from),
-            events.findLast(({ from }) => from <= this.#sight.to),
-        ];
-        const event = index >= 0 ? events[index + direction] : direction > 0 ? first : last;
+        const event = this.#cursor.neighbour(direction, this.#model, this.#sight);
         if (event) {
             this.#pause();
             this.#sight.showMoment(event.from, this.#model);
-            this.#choose(event);
+            this.#cursor.choose(event);
             this.#draw();
-            this.#scrollToMark();
+            this.#cursor.scrollToMark();
         } else {
             this.#announce(direction > 0 ? 'No later event.' : 'No earlier event.');
-        }
-    }
-
-    /// On a narrow page, the drawing is wider than its frame.
-    #scrollToMark() {
-        const { frame, marks } = this.#parts;
-        const x = Number(marks.firstChild?.getAttribute('x'));
-        if (x < frame.scrollLeft || x > frame.scrollLeft + frame.clientWidth) {
-            frame.scrollLeft = x - frame.clientWidth / 2;
         }
     }
 
@@ -306,20 +293,7 @@ export class Timeline {
         if (document.activeElement !== position || this.#history.isFrozen) {
             this.#showPosition(position);
         }
-        this.#showEvents();
-    }
-
-    /// Marks the events that are pointed at or chosen, and shows the details of one of them.
-    #showEvents() {
-        const find = name => name && this.#model.events.find(event => event.name === name);
-        const [chosen, pointed] = [find(this.#chosen), find(this.#pointed)];
-        const { marks, details } = this.#parts;
-        const shapes = [chosen && this.#drawing?.markOf(chosen, 'mark')];
-        shapes.push(pointed && pointed !== chosen && this.#drawing?.markOf(pointed, 'mark pointed'));
-        marks.replaceChildren(...shapes.filter(Boolean));
-        const shown = pointed ?? chosen;
-        setText(details, shown ? eventText(shown) : detailsHint);
-        details.classList.toggle('no-print', !shown);
+        this.#cursor.show(this.#model, this.#drawing);
     }
 
     #showPosition(position) {

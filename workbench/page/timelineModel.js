@@ -192,16 +192,7 @@ export class TimelineModel {
 
     #pressed(lane, entry, at) {
         closeBar(lane, at);
-        lane.bar = {
-            id: entry.id,
-            from: at,
-            to: undefined,
-            repeats: [],
-            heard: this.#listens,
-            pressHeard: this.#listens,
-        };
-        lane.bars.push(lane.bar);
-        this.#list('key', lane.bar, lane);
+        this.#beginBar(lane, entry, at);
         if (!this.#listens) {
             return;
         }
@@ -212,9 +203,7 @@ export class TimelineModel {
     }
 
     #released(lane, entry, at) {
-        if (!lane.bar) {
-            lane.bar = this.#barFromBefore(lane, entry);
-        }
+        this.#beginEarlierBar(lane, entry);
         lane.bar.heard ||= this.#listens;
         lane.bar.releaseHeard = this.#listens;
         closeBar(lane, at);
@@ -243,7 +232,7 @@ export class TimelineModel {
     }
 
     #repeated(lane, entry, at) {
-        lane.bar ??= this.#barFromBefore(lane, entry);
+        this.#beginEarlierBar(lane, entry);
         lane.bar.repeats.push(at);
         lane.bar.heard ||= this.#listens;
         if (!this.#listens || !Object.hasOwn(this.#longTimes, lane.key)) {
@@ -254,23 +243,20 @@ export class TimelineModel {
         }
     }
 
-    /// The press came before the first entry that is left, or by no record of a device.
-    #barFromBefore(lane, entry) {
-        const bar = {
-            id: entry.id,
-            from: Math.max(this.runs.at(-1).from, this.from),
-            to: undefined,
-            repeats: [],
-            heard: this.#listens,
-            pressHeard: this.#listens,
-            begun: true,
-        };
-        if (lane.device === commandDevice || lane.bars.length > 0) {
-            bar.from = entry.at + this.#offset;
+    #beginBar(lane, { id }, from, marks = {}) {
+        const [heard, inTest] = [this.#listens, this.#testing];
+        lane.bar = { id, from, to: undefined, repeats: [], heard, pressHeard: heard, inTest, ...marks };
+        lane.bars.push(lane.bar);
+        this.#list('key', lane.bar, lane);
+    }
+
+    /// Unless the key is down: its press came before the first entry that is left, or by no record of a device.
+    #beginEarlierBar(lane, entry) {
+        if (!lane.bar) {
+            const isAtOnce = lane.device === commandDevice || lane.bars.length > 0;
+            const start = Math.max(this.runs.at(-1).from, this.from);
+            this.#beginBar(lane, entry, isAtOnce ? entry.at + this.#offset : start, { begun: true });
         }
-        lane.bars.push(bar);
-        this.#list('key', bar, lane);
-        return bar;
     }
 
     #startWindow(id, at) {

@@ -34,8 +34,19 @@ export function buildParts(container, announce) {
     const note = htmlElement('p', { class: 'fault', hidden: '' });
     const table = new TimelineTable(announce);
     const details = htmlElement('p', { class: 'timeline-event' }, detailsHint);
-    container.replaceChildren(bar, note, details, frame, table.details);
-    return { svg, picture, marks, description, details, buttons, position, note, frame, table };
+    const answer = buildAnswer();
+    container.replaceChildren(bar, note, details, frame, answer, table.details);
+    return { svg, picture, marks, description, details, answer, buttons, position, note, frame, table };
+}
+
+function buildAnswer() {
+    const answer = htmlElement('section', { class: 'timeline-answer', 'aria-label': 'Why', hidden: '' });
+    answer.append(
+        htmlElement('h3', {}, 'Why'),
+        htmlElement('p', {}, 'The rules that decided, by the time since the first of these keys:'),
+        htmlElement('pre'),
+    );
+    return answer;
 }
 
 function buildSvg() {
@@ -85,6 +96,7 @@ function buildButtons() {
         later: 'Later',
         previous: 'Previous event',
         next: 'Next event',
+        why: 'Why?',
         save: 'Save as SVG',
         print: 'Print',
     };

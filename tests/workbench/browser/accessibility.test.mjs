@@ -187,7 +187,7 @@ for (const [view, hash, stops] of [
         '#timeline',
         [
             ...buttons('Pause', 'Zoom in', 'Zoom out', 'Fit', 'Earlier', 'Later'),
-            ...buttons('Previous event', 'Next event', 'Save as SVG', 'Print'),
+            ...buttons('Previous event', 'Next event', 'Why?', 'Save as SVG', 'Print'),
             'slider "Time shown"',
             'application "Drawing"',
             'Timeline as a table',

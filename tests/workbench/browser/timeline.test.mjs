@@ -6,6 +6,7 @@ import { describe, test } from 'node:test';
 import { pageModule } from './pageModule.mjs';
 
 const { TimelineModel } = await pageModule('timelineModel.js');
+const { questionOf } = await pageModule('timelineQuestion.js');
 const { timelineRows } = await pageModule('timelineRows.js');
 const { TimelineHistory } = await pageModule('timelineHistory.js');
 const { longTimesOf } = await pageModule('timelineTimes.js');
@@ -722,5 +723,68 @@ describe('names of runs', () => {
         assert.equal(whenOf('Up'), '0.100 s');
         assert.equal(whenOf('Down, not heard'), '0.100 s, run 2');
         assert.equal(whenOf('The device was started again: run 2, Orvane'), '0.000 s, run 2');
+    });
+});
+
+describe('the question why', () => {
+    const questionAbout = (text, model) =>
+        questionOf(
+            model,
+            model.events.find((event, index) => timelineRows(model)[index].what.startsWith(text)),
+        );
+
+    test('is about the gesture to which the key belongs, from its first key on', () => {
+        const model = modelOf(
+            [
+                ready(),
+                tap(0, 'Up'),
+                press(5000, 'Feed'),
+                repeat(5250, 'Feed'),
+                tap(5300, 'Ok'),
+                release(5400, 'Feed'),
+                tap(9000, 'Up'),
+            ],
+            12000,
+        );
+        const lines = ['press Feed', 'wait 300', 'press Ok', 'wait 50', 'release Ok', 'wait 50', 'release Feed'];
+        assert.deepEqual(questionAbout('Ok', model), { state: 'Idle', script: lines.join('\n'), at: 300 });
+    });
+    test('has the states, devices and commands between the keys, and no release of a key that is held', () => {
+        const model = modelOf(
+            [
+                ready(0, 'Error'),
+                press(100, 'Help', 1),
+                state(150, 'Idle'),
+                entry('command', 200, { text: 'GetLastKey as WwwApi' }),
+                entry('console', 210, { text: 'help' }),
+                entry('record', 220, { recordType: 1, code: 5, value: 1 }),
+                press(300, 'Up'),
+            ],
+            900,
+        );
+        assert.deepEqual(questionAbout('Up', model), {
+            state: 'Error',
+            script: [
+                'device 1',
+                'press Help',
+                'wait 50',
+                'state Idle',
+                'wait 50',
+                'command GetLastKey as WwwApi',
+                'wait 20',
+                'record 1 5 1',
+                'wait 80',
+                'device 0',
+                'press Up',
+            ].join('\n'),
+            at: 200,
+        });
+    });
+    test('is not asked about keys of earlier runs, of a keyboard test, or that the daemon did not hear', () => {
+        const fault = (...entries) => questionAbout('Up', modelOf([ready(), ...entries], 9000)).fault;
+        const test = entry('test', 10, { running: true });
+        assert.match(fault(tap(100, 'Up'), ready()), /since the last start/);
+        assert.match(fault(test, tap(100, 'Up')), /keyboard test/);
+        assert.match(fault(state(10, 'Startup'), tap(100, 'Up')), /did not hear/);
     });
 });

@@ -453,6 +453,38 @@ test('pointing at an event shows its details, a click keeps them and pauses', as
     await panel.button('Resume').waitFor();
 });
 
+test('W, and a button, ask why the chosen key did what it did', async () => {
+    const panel = await openEvents();
+    const questions = [];
+    const lines = [
+        '   0.000  Menu down         does nothing  [card.json:1]',
+        'Menu is not sent (0.05 s):',
+        '  it was late.',
+    ];
+    await panel.page.route('**/api/why', route => {
+        questions.push(route.request().postDataJSON());
+        return questions.length === 1
+            ? route.fulfill({ json: { lines } })
+            : route.fulfill({ status: 503, json: { error: 'Too busy.' } });
+    });
+    const frame = panel.page.getByRole('application', { name: 'Drawing' });
+    await frame.focus();
+    await panel.page.keyboard.press('w');
+    await panel.showsText('#announcements', /Go to a key first/);
+    for (let times = 0; times < 200 && !/^Key: Menu/.test(await details(panel).innerText()); ++times) {
+        await panel.page.keyboard.press('p');
+    }
+    await panel.page.keyboard.press('w');
+    await panel.showsText('.timeline-answer pre', lines.join('\n').trim());
+    await panel.showsText('#announcements', /Menu is not sent \(0\.05 s\): it was late\.$/);
+    assert.match(questions[0].script, /^(press|device)[^]*press Menu/);
+    assert.equal(questions[0].state, 'Idle');
+    await panel.button('Why?').click();
+    await panel.showsText('.timeline-answer pre', 'Too busy.');
+    await panel.button('Previous event').click();
+    assert(!(await panel.page.locator('.timeline-answer').isVisible()));
+});
+
 test('dragging and the wheel move and zoom the drawing, and pause it', async () => {
     const panel = await openTimeline();
     await fixture.simulator.take('wait 2000');
