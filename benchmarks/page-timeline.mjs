@@ -47,13 +47,17 @@ async function processorTime(browser) {
     return processInfo.reduce((sum, { cpuTime }) => sum + cpuTime, 0);
 }
 
+async function shareOf(browser) {
+    const before = await processorTime(browser);
+    await delay(measuredTime);
+    return ((await processorTime(browser)) - before) / (measuredTime / 100000);
+}
+
 /// How much of a processor the browser takes for the page while nothing happens, in per cent.
 async function idleShare(session, options) {
     await session.open(options);
     await delay(settlingTime);
-    const before = await processorTime(session.browser);
-    await delay(measuredTime);
-    const share = ((await processorTime(session.browser)) - before) / (measuredTime / 100000);
+    const share = await shareOf(session.browser);
     await session.closePages();
     return share;
 }
@@ -67,6 +71,12 @@ function timeTable() {
         details.addEventListener('toggle', () => setTimeout(painted));
         details.querySelector('summary').click();
     });
+}
+
+/// The processor time of the main thread of a page so far, in milliseconds.
+async function mainThreadTime(tools) {
+    const { metrics } = await tools.send('Performance.getMetrics');
+    return metrics.find(({ name }) => name === 'TaskDuration').value * 1000;
 }
 
 /// The longest task of the main thread of a page in a trace, in milliseconds, and the longest by its processor time.
@@ -84,7 +94,11 @@ async function measureLive(session, options) {
     const panel = await session.open({ ...options, view: '#timeline' });
     await delay(settlingTime);
     await panel.button('Fit').click();
+    const tools = await panel.context.newCDPSession(panel.page);
+    await tools.send('Performance.enable', { timeDomain: 'threadTicks' });
+    const before = await mainThreadTime(tools);
     const table = await panel.page.evaluate(timeTable);
+    const tableWork = (await mainThreadTime(tools)) - before;
     await session.browser.startTracing(panel.page, {
         categories: ['__metadata', 'disabled-by-default-devtools.timeline'],
     });
@@ -95,7 +109,16 @@ async function measureLive(session, options) {
     }
     const tasks = worstTasks(await session.browser.stopTracing());
     await session.closePages();
-    return { table, ...tasks };
+    return { table, tableWork, ...tasks };
+}
+
+/// What the browser takes without a page of the simulator, in per cent of a processor.
+async function emptyShare({ browser }) {
+    const page = await browser.newPage();
+    await delay(settlingTime);
+    const share = await shareOf(browser);
+    await page.close();
+    return share;
 }
 
 async function measure(session, url) {
@@ -103,16 +126,19 @@ async function measure(session, url) {
     const idle = await idleShare(session, { url, view: '#timeline' });
     const calm = await idleShare(session, { url, view: '#timeline', reducedMotion: 'reduce' });
     const panel = await idleShare(session, { url, view: '#panel' });
-    return { ...live, idle, calm, panel };
+    const empty = await emptyShare(session);
+    return { ...live, idle, calm, panel, empty };
 }
 
 const figures = {
     task: ['longest task while ten keys a second are tapped', 'ms', 50],
     work: ['its processor time', 'ms', 50],
     table: ['table opened', 'ms', 200],
+    tableWork: ['its processor time', 'ms', 200],
     idle: ['idle timeline, of a processor', '%', 3],
     calm: ['idle timeline with reduced motion, of a processor', '%', 3],
     panel: ['idle view Panel, of a processor', '%', undefined],
+    empty: ['the browser with an empty page, of a processor', '%', undefined],
 };
 
 function print(before, now) {

@@ -86,6 +86,7 @@ export class TimelineCursor {
     #showAnswer(lines) {
         const { answer } = this.#parts;
         answer.hidden = lines.length === 0;
+        answer.querySelector('p').hidden = lines.length === 1; // a fault
         setText(answer.querySelector('pre'), lines.join('\n'));
     }
 }

@@ -205,7 +205,7 @@ export class TimelineModel {
     #released(lane, entry, at) {
         this.#beginEarlierBar(lane, entry);
         lane.bar.heard ||= this.#listens;
-        lane.bar.releaseHeard = this.#listens;
+        Object.assign(lane.bar, { releaseId: entry.id, releaseHeard: this.#listens });
         closeBar(lane, at);
         if (!this.#listens) {
             return;

@@ -21,7 +21,7 @@ export function questionOf(model, { item: bar, from, run }) {
     const [start, end] = gestureAround(from, keys, quietWindows * model.windowMs);
     const steps = [...keys, ...commandSteps(model), ...stateSteps(model)]
         .filter(({ at }) => start <= at && at < end)
-        .sort((one, other) => one.at - other.at);
+        .sort(inOrder);
     const { state } = model.states.findLast(span => span.from < start) ?? model.states[0];
     return { state, script: scriptOf(steps), at: Math.round(from) - Math.round(start) };
 }
@@ -32,12 +32,18 @@ function keySteps({ lanes }, run) {
         .flatMap(({ key, device, bars }) =>
             bars.filter(({ from }) => from >= run.from).flatMap(bar => stepsOfBar(bar, key, device)),
         )
-        .sort((one, other) => one.at - other.at);
+        .sort(inOrder);
 }
 
-function stepsOfBar({ from, to, open, cut }, key, device) {
-    const press = { at: from, device, text: `press ${key}`, change: 1 };
-    return open || cut ? [press] : [press, { at: to, device, text: `release ${key}`, change: -1 }];
+function stepsOfBar({ id, releaseId, from, to }, key, device) {
+    const press = { id, at: from, device, text: `press ${key}`, change: 1 };
+    const release = { id: releaseId, at: to, device, text: `release ${key}`, change: -1 };
+    return releaseId === undefined ? [press] : [press, release];
+}
+
+/// Several things may happen in the same millisecond.
+function inOrder(one, other) {
+    return one.at - other.at || one.id - other.id;
 }
 
 /// From the first key of the gesture that contains `moment` to the first key of the next one.
@@ -61,11 +67,11 @@ function gestureAround(moment, steps, quietTime) {
 function commandSteps({ moments }) {
     return moments
         .filter(({ kind, text }) => kind === 'command' && !text.startsWith('console '))
-        .map(({ at, text }) => ({ at, text: text.startsWith('record ') ? text : `command ${text}` }));
+        .map(({ id, at, text }) => ({ id, at, text: text.startsWith('record ') ? text : `command ${text}` }));
 }
 
 function stateSteps({ states }) {
-    return states.map(({ from, state }) => ({ at: from, text: `state ${state}` }));
+    return states.map(({ id, from, state }) => ({ id, at: from, text: `state ${state}` }));
 }
 
 function scriptOf(steps) {

@@ -59,7 +59,9 @@ export class PanelSession {
 
 function launchBrowser() {
     const { chromium } = installed('playwright-core');
-    const executablePath = execFileSync('sh', ['-c', 'command -v chromium-headless-shell'], { encoding: 'utf8' }).trim();
+    const executablePath = execFileSync('sh', ['-c', 'command -v chromium-headless-shell'], {
+        encoding: 'utf8',
+    }).trim();
     const args = process.getuid() === 0 ? ['--no-sandbox'] : [];
     return chromium.launch({ executablePath, args, timeout: 0 });
 }
