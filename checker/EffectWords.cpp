@@ -99,6 +99,26 @@ QString EffectWords::refusal(const PlayedStep& step, const Effect& effect) const
         .arg(actionOf(effect.row), statesOf(effect.row), Alphabet::nameOf(step.after.state));
 }
 
+QStringList EffectWords::missed(const QVector<PlayedStep>& steps, int step, const QString& action) const
+{
+    const QString fact = QStringLiteral("%1 is not completed: ").arg(OutputWords::enumeration({action}));
+    const QString release =
+        fact + Alphabet::nameOf(steps.at(step).input.key()) + QStringLiteral(" is released");
+    QStringList phrases;
+    for (const Effect& effect : steps.at(step).effects) {
+        const bool isRow = effect.rule == Rule::LongPressStops && m_lists.row(effect.row).eAction() == action;
+        const QString early = isRow ? earliness(steps, step, effect.row) : QString();
+        if (!early.isEmpty()) {
+            phrases.append(release + early);
+        } else if (effect.rule == Rule::FactoryResetStops && action == ls::KeyboardActionId::FactoryReset) {
+            phrases.append(
+                release +
+                QStringLiteral(" before %1 are over").arg(Times::duration(KeyRules::factoryResetHold)));
+        }
+    }
+    return phrases + MissedRows(m_lists, action).phrasesOf(steps, step);
+}
+
 QString EffectWords::nameOf(RowId row) const
 {
     return QStringLiteral("row %1 of %2, %3")

@@ -21,6 +21,9 @@ public:
     /// Why the action of an effect was refused or dropped: "LoadPaper is refused: it is valid in PrintOff and
     /// the state is Idle"; empty for other effects, and if the same step announces the action.
     QString refusal(const model::PlayedStep& step, const model::Effect& effect) const;
+    /// Why the step does not complete a row of the action, or the factory reset, which needs little more: a
+    /// key came too late, was released too early, or came in the wrong order.
+    QStringList missed(const QVector<model::PlayedStep>& steps, int step, const QString& action) const;
     /// "row 4 of shortcutKeyList.json, LoadPaper".
     QString nameOf(model::RowId row) const;
     /// The states that the row names.

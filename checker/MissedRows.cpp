@@ -135,7 +135,8 @@ QStringList MissedRows::actionsOf(List list, const Keys& keys) const
     QStringList actions;
     for (int i = 0; i < m_lists.rows(list).size(); ++i) {
         const RowId row{list, i};
-        if (keys.first != keys.second && m_lists.row(row).keys() == names && works(row, keys)) {
+        const bool isMeant = m_action.isNull() || m_lists.row(row).eAction() == m_action;
+        if (isMeant && keys.first != keys.second && m_lists.row(row).keys() == names && works(row, keys)) {
             actions.append(m_lists.row(row).eAction());
         }
     }

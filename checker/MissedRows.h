@@ -12,8 +12,10 @@ namespace checker {
 class MissedRows
 {
 public:
-    /// `lists` must outlive this object.
-    explicit MissedRows(const model::KeyLists& lists) : m_lists(lists) {}
+    /// Only rows of `action`, unless that is null. `lists` must outlive this object.
+    explicit MissedRows(const model::KeyLists& lists, const QString& action = {})
+        : m_lists(lists), m_action(action)
+    {}
 
     /// A phrase for each row that the key of a step would have completed with other times or in another
     /// order. Each row does work that way: it is played. `step` is an index.
@@ -34,6 +36,7 @@ private:
     bool works(model::RowId row, const Keys& keys) const;
 
     const model::KeyLists& m_lists;
+    QString m_action;
 };
 
 } // namespace checker

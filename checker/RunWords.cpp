@@ -15,9 +15,6 @@ namespace checker {
 
 namespace {
 
-/// A longer time between two movements is mentioned.
-constexpr milliseconds maxPause{500};
-
 QString nameOf(Input input)
 {
     const QString key = Alphabet::nameOf(input.key());
@@ -50,7 +47,7 @@ QString wordsOfOther(Input input)
 class Phrases
 {
 public:
-    Phrases(const QVector<PlayedStep>& steps, milliseconds end);
+    Phrases(const QVector<PlayedStep>& steps, milliseconds end, RunWords::Limits limits);
 
     QString text() const { return m_phrases.join(QStringLiteral(", then ")); }
 
@@ -65,13 +62,15 @@ private:
 
     QVector<PlayedStep> m_moves;
     milliseconds m_end;
+    RunWords::Limits m_limits;
     int m_next = 0;
     int m_held = 0;
     milliseconds m_now{0};
     QStringList m_phrases;
 };
 
-Phrases::Phrases(const QVector<PlayedStep>& steps, milliseconds end) : m_end(end)
+Phrases::Phrases(const QVector<PlayedStep>& steps, milliseconds end, RunWords::Limits limits)
+    : m_end(end), m_limits(limits)
 {
     std::copy_if(steps.begin(), steps.end(), std::back_inserter(m_moves),
                  [](const PlayedStep& step) { return step.origin != PlayedStep::Origin::Time; });
@@ -115,7 +114,7 @@ void Phrases::addKeyPress()
                             m_moves.at(m_next + 1).input == Input::release(input.key(), input.device);
     const milliseconds duration = timeOf(m_next + 1) - timeOf(m_next);
     m_now = timeOf(m_next);
-    if ((isReleased || isLast) && duration >= Autorepeat::delay) {
+    if ((isReleased || isLast) && duration >= m_limits.hold) {
         m_phrases.append(QStringLiteral("hold %1 for %2").arg(nameOf(input), Times::duration(duration)));
         m_now = timeOf(m_next + 1);
     } else if (isReleased) {
@@ -140,7 +139,7 @@ void Phrases::addPair()
 
 void Phrases::noteWait(milliseconds until)
 {
-    if (until - m_now >= maxPause) {
+    if (until - m_now >= m_limits.pause) {
         m_phrases.append(QStringLiteral("wait ") + Times::duration(until - m_now));
     }
     m_now = until;
@@ -148,9 +147,9 @@ void Phrases::noteWait(milliseconds until)
 
 } // namespace
 
-QString RunWords::of(const QVector<PlayedStep>& steps, milliseconds end)
+QString RunWords::of(const QVector<PlayedStep>& steps, milliseconds end, Limits limits)
 {
-    return Phrases(steps, end).text();
+    return Phrases(steps, end, limits).text();
 }
 
 QString RunWords::of(const KeyModel& keyModel, const Environment& environment, const Run& run)

@@ -13,8 +13,17 @@ namespace checker {
 /// the key down until the words say that it is released. "Together" is at the same moment.
 namespace RunWords {
 
+/// The shortest times that are mentioned.
+struct Limits
+{
+    /// Between two movements.
+    std::chrono::milliseconds pause{500};
+    /// From the press of a key to its release.
+    std::chrono::milliseconds hold = Autorepeat::delay;
+};
+
 /// The movements and commands of `steps`, which last until `end`; empty if there are none.
-QString of(const QVector<model::PlayedStep>& steps, std::chrono::milliseconds end);
+QString of(const QVector<model::PlayedStep>& steps, std::chrono::milliseconds end, Limits limits = {});
 /// The run of a search, with the times of its witness.
 QString of(const model::KeyModel& keyModel, const model::Environment& environment, const model::Run& run);
 

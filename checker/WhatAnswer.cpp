@@ -31,6 +31,11 @@ QStringList phrasesOf(const EffectWords& words, const model::PlayedStep& step)
 
 } // namespace
 
+QString WhatAnswer::nothing()
+{
+    return QStringLiteral("Nothing is spoken and nothing is announced");
+}
+
 WhatAnswer WhatAnswer::of(const model::KeyLists& lists, const KeyScript& script)
 {
     const model::KeyModel keyModel(lists);

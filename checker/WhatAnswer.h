@@ -17,6 +17,9 @@ struct WhatAnswer
     /// Whether a key that is held at the end repeats its long press, of which the lines show the first two.
     bool goesOn = false;
 
+    /// "Nothing is spoken and nothing is announced", without a full stop.
+    static QString nothing();
+
     /// Plays the steps of `script` on the model until nothing more is due. The rows of the script do not
     /// matter.
     static WhatAnswer of(const model::KeyLists& lists, const KeyScript& script);

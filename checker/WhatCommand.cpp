@@ -20,7 +20,7 @@ void print(const WhatAnswer& answer, QTextStream& out)
         out << "The long press repeats while the key is held.\n";
     }
     if (!answer.isPerceived) {
-        out << "Nothing is spoken and nothing is announced.\n";
+        out << WhatAnswer::nothing() << ".\n";
     }
 }
 
