@@ -12,8 +12,6 @@
 #include "workbench/web/RequestBody.h"
 #include "workbench/web/SessionJson.h"
 
-#include <QJsonArray>
-
 #include <chrono>
 #include <mutex>
 
@@ -61,14 +59,15 @@ QJsonObject findingsOfDraft(const DeviceOptions& /*current*/, const DeviceOption
     return findingsOf(draft.keyLists, draft.model);
 }
 
-HttpAnswer refuse(const QVector<ScriptFault>& faults)
+/// One at a time: the search for causes takes all of a processor.
+HttpAnswer answerInTurn(PanelApi::KeyAnswer answerOf, const KeyAnswers::Device& device,
+                        const KeyQuestion& question)
 {
-    QJsonArray list;
-    for (const ScriptFault& fault : faults) {
-        list.append(QJsonObject{{QStringLiteral("line"), fault.line}, {QStringLiteral("text"), fault.text}});
-    }
-    return HttpAnswer::error(HttpStatus::badRequest, faults.constFirst().text,
-                             {{QStringLiteral("faults"), list}});
+    static std::timed_mutex turn;
+    const std::unique_lock lock(turn, maxTurnTime);
+    return lock ? answerOf(device, question)
+                : HttpAnswer::error(HttpStatus::unavailable,
+                                    QStringLiteral("Questions of others about keys are answered now."));
 }
 
 using Recording = QString (Session::*)(QStringList* faults) const;
@@ -113,12 +112,24 @@ const QMap<QByteArray, PanelApi::Route>& PanelApi::routes()
     const auto draftChanges = [](Api api, Request request, To reply) {
         api.searchDraft(request, ListChanges::between, reply);
     };
+    const auto what = [](Api api, Request request, To reply) {
+        api.answerAboutKeys(request, KeyAnswers::what, reply);
+    };
+    const auto why = [](Api api, Request request, To reply) {
+        api.answerAboutKeys(request, KeyAnswers::why, reply);
+    };
+    const auto judgement = [](Api api, Request request, To reply) {
+        api.answerAboutKeys(request, KeyAnswers::judgement, reply);
+    };
     static const QMap<QByteArray, Route> table{
         {"/api/events", {"GET", [](Api api, Request, To reply) { reply(api.events()); }}},
         {"/api/device", {"GET", device}},
         {"/api/key-lists", {"GET", [](Api api, Request, To reply) { reply(api.keyLists()); }}},
         {"/api/card", {"GET", [](Api api, Request, To reply) { api.makeCard(cardAsJson, reply); }}},
         {"/api/card.brf", {"GET", [](Api api, Request, To reply) { api.makeCard(cardInBraille, reply); }}},
+        {"/api/what", {"POST", what}},
+        {"/api/why", {"POST", why}},
+        {"/api/judgement", {"POST", judgement}},
         {"/api/findings", {"GET", [](Api api, Request, To reply) { api.findFaults(reply); }, draftFindings}},
         {"/api/diff", {"POST", draftChanges}},
         {"/api/recording.keys", {"GET", recording}},
@@ -226,6 +237,19 @@ void PanelApi::searchDraft(const HttpRequest& request, ListSearch search, const 
     m_searches.start([search, current = m_session.options(),
                       draft = m_session.optionsAfter(*changes)] { return search(current, draft); },
                      reply);
+}
+
+void PanelApi::answerAboutKeys(const HttpRequest& request, KeyAnswer answerOf, const Reply& reply)
+{
+    const KeyAnswers::Device device{m_session.keyLists(), m_session.model()};
+    m_work.start([body = request.body, state = m_session.state(), device, answerOf, reply] {
+        HttpAnswer answer;
+        const auto question = KeyQuestion::read(body, state, &answer);
+        if (question) {
+            answer = answerInTurn(answerOf, device, *question);
+        }
+        return [answer, reply] { reply(answer); };
+    });
 }
 
 /// The first thread that needs the card makes it, and the others wait for it.

@@ -5,6 +5,7 @@
 #include "workbench/web/BackgroundWork.h"
 #include "workbench/web/HttpAnswer.h"
 #include "workbench/web/HttpRequest.h"
+#include "workbench/web/KeyAnswers.h"
 #include "workbench/web/ListSearches.h"
 
 #include <future>
@@ -33,6 +34,8 @@ public:
         }
     };
 
+    using KeyAnswer = HttpAnswer (*)(const KeyAnswers::Device& device, const KeyQuestion& question);
+
     /// Both must live as long as this object.
     PanelApi(Session& session, EventStreams& streams);
 
@@ -49,6 +52,7 @@ private:
     void findFaults(const Reply& reply);
     using ListSearch = QJsonObject (*)(const DeviceOptions& current, const DeviceOptions& draft);
     void searchDraft(const HttpRequest& request, ListSearch search, const Reply& reply);
+    void answerAboutKeys(const HttpRequest& request, KeyAnswer answerOf, const Reply& reply);
     std::shared_future<KeyCard> currentCard();
 
     Session& m_session;

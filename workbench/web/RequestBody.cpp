@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/web/RequestBody.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QTextCodec>
 
 namespace {
@@ -60,9 +60,8 @@ std::optional<QString> textOf(const QByteArray& body)
     return text;
 }
 
-std::optional<Session::Changes> changesOf(const QByteArray& body, QString* fault)
+std::optional<QJsonObject> objectOf(const QByteArray& body, QString* fault)
 {
-    Session::Changes changes;
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(body.trimmed().isEmpty() ? "{}" : body, &error);
     if (error.error != QJsonParseError::NoError) {
@@ -73,12 +72,31 @@ std::optional<Session::Changes> changesOf(const QByteArray& body, QString* fault
         *fault = QStringLiteral("The JSON is not an object.");
         return std::nullopt;
     }
-    const QJsonObject members = document.object();
-    for (auto member = members.begin(); member != members.end(); ++member) {
+    return document.object();
+}
+
+std::optional<Session::Changes> changesOf(const QByteArray& body, QString* fault)
+{
+    const std::optional<QJsonObject> members = objectOf(body, fault);
+    if (!members) {
+        return std::nullopt;
+    }
+    Session::Changes changes;
+    for (auto member = members->begin(); member != members->end(); ++member) {
         *fault = readMember(member.key(), member.value(), changes);
         if (!fault->isEmpty()) {
             return std::nullopt;
         }
     }
     return changes;
+}
+
+HttpAnswer refuse(const QVector<ScriptFault>& faults)
+{
+    QJsonArray list;
+    for (const ScriptFault& fault : faults) {
+        list.append(QJsonObject{{QStringLiteral("line"), fault.line}, {QStringLiteral("text"), fault.text}});
+    }
+    return HttpAnswer::error(HttpStatus::badRequest, faults.constFirst().text,
+                             {{QStringLiteral("faults"), list}});
 }

@@ -146,6 +146,7 @@ private Q_SLOTS:
     void theCardIsGiven();
     void theCardFollowsTheKeyLists();
     void mistakesInTheKeyListsAreNamed();
+    void keysAreAskedAboutAndNotPressed();
     void theCardIsGivenInBraille();
     void theSessionGoesOnWhileACardIsMade();
     void restartsThatCannotBeAreExplained_data();
@@ -448,6 +449,29 @@ void PanelApiTest::mistakesInTheKeyListsAreNamed()
     QCOMPARE(post("/api/restart", restartBody(QStringLiteral("longKeyList.json"), rows, {})).status, 202);
     const QStringList ids = idsNow();
     QVERIFY2(ids.contains("member") && ids.contains("long-hold"), qPrintable(ids.join(' ')));
+}
+
+void PanelApiTest::keysAreAskedAboutAndNotPressed()
+{
+    const QByteArray rows = R"({"ShortcutKeys": [{"keys": ["Up", "Down"], "eAction": "Ring",
+                                "receiverService": "UserMenu", "validOnState": "Print"}]})";
+    QCOMPARE(post("/api/restart", restartBody(QStringLiteral("shortcutKeyList.json"), rows, "Print")).status,
+             202);
+    QVERIFY(awaitReady());
+    const QByteArray body =
+        R"({"script": "press Up\nwait 100\ntap Down\nrelease Up", "task": {"kind": "shortcut",
+                                "keys": ["Up", "Down"], "action": "Ring", "receivers": ["UserMenu"]}})";
+    QVERIFY(post("/api/what", body)
+                .json()
+                .value(QStringLiteral("text"))
+                .toString()
+                .contains("Ring, to UserMenu"));
+    QVERIFY(post("/api/why", body).body.contains("Ring is announced to UserMenu"));
+    QCOMPARE(post("/api/judgement", body).json().value(QStringLiteral("right")).toBool(), true);
+    QCOMPARE(post("/api/what", "{}").status, 400);
+    QVERIFY(take("tap Menu"));
+    QVERIFY(awaitEntry(*m_reader, keyEntry(QStringLiteral("Menu"), 0)));
+    QVERIFY(!m_reader->connection().received().contains(R"("key":"Up")"));
 }
 
 void PanelApiTest::theCardIsGivenInBraille()
