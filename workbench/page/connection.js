@@ -36,6 +36,8 @@ export const getJson = async path => (await request(path)).json();
 export const post = (path, body = '', headers = {}) => request(path, { method: 'POST', body, headers });
 export const postScript = (path, script, headers = {}) =>
     post(path, script, { 'Content-Type': 'text/plain', ...headers });
+export const postJson = async (path, value) =>
+    (await post(path, JSON.stringify(value), { 'Content-Type': 'application/json' })).json();
 
 /// Asks for what is found in key lists.
 export async function search(path, keyLists) {

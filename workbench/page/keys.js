@@ -12,6 +12,7 @@ const held = new Map(); // id -> how this page holds the key; the holder is a po
 const down = new Set(); // ids of all keys that are down, here and elsewhere
 const pressedHere = new Set(); // ids, from the press by this page to the release that the device reports
 const pointerReleases = new WeakMap(); // key button -> when a pointer left it
+let learner; // gets the keys in place of the device, if there is one
 
 const keyButtons = () => all('[data-key]');
 const isLatching = () => byId('latch').checked;
@@ -45,9 +46,21 @@ function nameOf(id) {
     return number === '0' ? key : `${key} (device ${number})`;
 }
 
-function statementsOf(verb, id) {
+export function statementsOf(verb, id) {
     const [number, key] = id.split(' ');
     return `device ${number}\n${verb} ${key}`;
+}
+
+function deliver(verb, id, isWanted) {
+    return learner ? Promise.resolve(learner.take(verb, id)) : send(statementsOf(verb, id), isWanted);
+}
+
+/// From now on, the methods of `other` are called in place of sending keys to the device: `take` with "press" or
+/// "release" and the id of a key, and `drop` when the page forgets which keys it holds. Without `other`, the device gets
+/// the keys.
+export function setLearner(other) {
+    releaseAll();
+    learner = other;
 }
 
 function press(id, holder) {
@@ -56,9 +69,11 @@ function press(id, holder) {
     }
     const hold = { holder, error: undefined, isReported: down.has(id) };
     held.set(id, hold);
-    pressedHere.add(id);
+    if (!learner) {
+        pressedHere.add(id);
+    }
     showKeys();
-    const sent = send(statementsOf('press', id));
+    const sent = deliver('press', id);
     sent.catch(error => {
         hold.error = error;
         if (held.get(id) === hold) {
@@ -73,7 +88,7 @@ function release(ids) {
         const hold = held.get(id);
         held.delete(id);
         // A press without an answer may still be done, and is to be undone then.
-        const sent = send(statementsOf('release', id), () => !hold.error?.isAnswer);
+        const sent = deliver('release', id, () => !hold.error?.isAnswer);
         sent.catch(({ message }) => hold.error || showFault(message));
     }
     showKeys();
@@ -104,7 +119,7 @@ function begin(key, holder) {
         press(id, holder);
     } else if (held.has(id)) {
         release([id]);
-    } else if (down.has(id)) {
+    } else if (down.has(id) && !learner) {
         // Another page or a script holds it.
         attempt(send(statementsOf('release', id)));
     } else {
@@ -121,6 +136,9 @@ function onClick({ currentTarget, detail, timeStamp }) {
     const { key } = currentTarget.dataset;
     if (isLatching()) {
         begin(key, 'latch');
+    } else if (learner) {
+        press(chosenId(key), 'click');
+        releaseHeldBy(holder => holder === 'click');
     } else {
         pressedHere.add(chosenId(key));
         attempt(send(statementsOf('tap', chosenId(key))));
@@ -166,7 +184,7 @@ function releaseKeyboard() {
 
 // The releases must not wait for an answer.
 function onPageHide() {
-    sendOnLeaving([...held.keys()].map(id => statementsOf('release', id)));
+    sendOnLeaving(learner ? [] : [...held.keys()].map(id => statementsOf('release', id)));
     resetKeys();
     showKeys();
 }
@@ -185,13 +203,14 @@ function setUpKey(button) {
 
 /// Forgets all keys but those that the device reports as held.
 export function resetKeys(reported = []) {
+    learner?.drop();
     [held, pressedHere, down].forEach(keys => keys.clear());
     reported.forEach(key => down.add(idOf(key)));
 }
 
 export function updateKeys(entry) {
     const id = idOf(entry);
-    const hold = held.get(id);
+    const hold = learner ? undefined : held.get(id);
     if (entry.type === 'device') {
         resetKeys();
     } else if (entry.type === 'key' && entry.value === 0) {

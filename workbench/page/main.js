@@ -7,9 +7,11 @@ import { device, setDevice, updateDevice } from './device.js';
 import { announced, speakAloud, spoken } from './feedback.js';
 import { showHeader } from './header.js';
 import { releaseMomentary, resetKeys, showKeys, updateKeys } from './keys.js';
+import { showLearning } from './learn.js';
 import { listLog } from './lists.js';
 import { end, kindOf, news, showFault, showStatus } from './messages.js';
 import { showPanel } from './panel.js';
+import './practise.js';
 import { expectReadiness, loadAfterConnecting, reportReadiness } from './readiness.js';
 import { followRecording, showRecording, showReplay } from './recording.js';
 import { timeline } from './timelineView.js';
@@ -22,6 +24,7 @@ let lastId = 0; // of an entry
 function showDevice() {
     showHeader();
     showPanel();
+    showLearning();
     showKeys();
 }
 

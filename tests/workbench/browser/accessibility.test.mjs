@@ -122,6 +122,26 @@ for (const width of [1280, 320]) {
     });
 }
 
+for (const width of [1280, 320]) {
+    test(`learning, and a task, have no fault that axe knows, at ${width} pixels`, async () => {
+        const panel = await fixture.open({ viewport: { width, height: 900 }, reducedMotion: 'reduce' });
+        await panel.page.locator('#card-tables table').first().waitFor({ state: 'attached' });
+        await panel.page.getByRole('switch', { name: 'Learn' }).check();
+        assert.deepEqual(await violations(panel.page), []);
+        await panel.button('Practise').click();
+        await panel.key('Menu').click();
+        await panel.page.getByText('Not yet. Menu: ').first().waitFor();
+        await panel.button('Why?').click();
+        await panel.page.locator('#reasons p').first().waitFor();
+        assert.deepEqual(await violations(panel.page), []);
+        assert.deepEqual(await panel.page.evaluate(outOfSight), []);
+        for (const colours of [{ colorScheme: 'dark' }, { forcedColors: 'active' }]) {
+            await panel.page.emulateMedia(colours);
+            assert.deepEqual(await violations(panel.page, 'color-contrast'), [], JSON.stringify(colours));
+        }
+    });
+}
+
 /// The element with the focus as assistive technology has it, such as `button "Up"`.
 async function focused(panel) {
     const focus = panel.page.locator(':focus');
@@ -176,6 +196,8 @@ test('Tab goes through the panel in the order in which it is read', async () => 
         'Input device, state and model',
         'radio "Device 0"',
         ...buttons(...device.states, ...device.models),
+        'switch "Learn"',
+        'combobox "State for learning"',
         `${idle.entries.length} actions`,
         ...endStops,
     ]);
