@@ -2,6 +2,7 @@
 #include "card/CardJson.h"
 
 #include "card/CardSentences.h"
+#include "card/CardStatements.h"
 
 #include <QJsonArray>
 
@@ -21,24 +22,42 @@ QJsonArray toArray(const QVector<Item>& items)
     return array;
 }
 
+QJsonObject describe(const KeyCardEntry& entry)
+{
+    return {{QStringLiteral("kind"), CardSentences::nameOf(entry.kind)},
+            {QStringLiteral("keys"), QJsonArray::fromStringList(entry.keys)},
+            {QStringLiteral("how"), CardSentences::how(entry)},
+            {QStringLiteral("action"), entry.action},
+            {QStringLiteral("receivers"), QJsonArray::fromStringList(entry.receivers)},
+            {QStringLiteral("notes"), QJsonArray::fromStringList(CardSentences::notesOf(entry))}};
+}
+
 QJsonObject toJson(const KeyCardEntry& entry)
 {
-    QJsonObject object{{QStringLiteral("kind"), CardSentences::nameOf(entry.kind)},
-                       {QStringLiteral("keys"), QJsonArray::fromStringList(entry.keys)},
-                       {QStringLiteral("how"), CardSentences::how(entry)},
-                       {QStringLiteral("action"), entry.action},
-                       {QStringLiteral("receivers"), QJsonArray::fromStringList(entry.receivers)},
-                       {QStringLiteral("notes"), QJsonArray::fromStringList(CardSentences::notesOf(entry))}};
+    QJsonObject object = describe(entry);
+    object.insert(QStringLiteral("statements"), QJsonArray::fromStringList(CardStatements::of(entry)));
     if (entry.holdMs > 0) {
         object.insert(QStringLiteral("holdMs"), entry.holdMs);
     }
     return object;
 }
 
+QJsonArray joinedSingleKeys(const QVector<KeyCardEntry>& entries)
+{
+    QJsonArray array;
+    for (const KeyCardEntry& entry : CardSentences::withSingleKeysJoined(entries)) {
+        if (entry.kind == KeyCardKind::Single) {
+            array.append(describe(entry));
+        }
+    }
+    return array;
+}
+
 QJsonObject toJson(const KeyCardState& state)
 {
     return {{QStringLiteral("state"), state.state},
             {QStringLiteral("entries"), toArray(state.entries)},
+            {QStringLiteral("singleKeys"), joinedSingleKeys(state.entries)},
             {QStringLiteral("notes"), QJsonArray::fromStringList(CardSentences::notesOf(state))}};
 }
 

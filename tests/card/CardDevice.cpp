@@ -2,6 +2,8 @@
 #include "tests/card/CardDevice.h"
 
 #include "service/KeyboardHandler.h"
+#include "simulator/script/KeyScriptText.h"
+#include "simulator/script/ScriptPlayer.h"
 #include "vocabulary/Vocabulary.h"
 
 #include <ls/Identifiers.h>
@@ -157,6 +159,19 @@ void CardDevice::play(const KeyCardEntry& entry)
         break;
     }
     m_device.wait(5s);
+}
+
+QStringList CardDevice::execute(const QStringList& statements)
+{
+    const ParsedScript parsed = parseKeyScriptSteps(statements.join('\n'));
+    QStringList faults;
+    for (const ScriptFault& fault : parsed.faults) {
+        faults.append(fault.text);
+    }
+    ScriptPlayer player(parsed.script, m_device);
+    player.start();
+    m_device.wait(parsed.script.duration() + 5s);
+    return faults;
 }
 
 void CardDevice::tryRow(const KeyCardDeadRow& row)

@@ -1,7 +1,16 @@
 // SPDX-License-Identifier: MIT
+#include "card/CardStatements.h"
 #include "tests/card/CardKeyLists.h"
 #include "tests/virtual/DeviceTest.h"
 #include "vocabulary/Vocabulary.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int maxHoldMs = 60000; // a minute of virtual time
+
+} // namespace
 
 /// Compares the card with the daemon: all actions of the card are announced, and no others.
 class KeyCardPlayTest : public QObject
@@ -11,6 +20,8 @@ class KeyCardPlayTest : public QObject
 private Q_SLOTS:
     void entriesWorkAsDescribed_data();
     void entriesWorkAsDescribed();
+    void statementsLeadToTheAction_data() { lists(); }
+    void statementsLeadToTheAction();
     void installedListsAnnounceNothingElse_data() { models(); }
     void installedListsAnnounceNothingElse();
     void deadRowsAreNeverAnnounced_data() { lists(); }
@@ -53,6 +64,28 @@ void KeyCardPlayTest::entriesWorkAsDescribed()
             CardDevice device(lists, card.model, state.state);
             device.play(entry);
             QCOMPARE(device.heardAbout(entry).join('\n'), CardDevice::expected(entry, state).join('\n'));
+        }
+    }
+}
+
+void KeyCardPlayTest::statementsLeadToTheAction()
+{
+    QFETCH(KeyLists, lists);
+    const KeyCard card = KeyCard::from(lists, "Pellit");
+    for (const KeyCardState& state : card.states) {
+        for (const KeyCardEntry& entry : state.entries) {
+            if (entry.holdMs > maxHoldMs) {
+                continue;
+            }
+            CardDevice device(lists, card.model, state.state);
+            QCOMPARE(device.execute(CardStatements::of(entry)), QStringList());
+            for (const QString& receiver : entry.receivers) {
+                const QString outcome = entry.action + ' ' + receiver;
+                const auto isOutcome = [&](const QString& text) { return text.section(' ', 1) == outcome; };
+                const QStringList heard = device.heard();
+                QVERIFY2(std::any_of(heard.begin(), heard.end(), isOutcome),
+                         qPrintable(CardStatements::of(entry).join('\n') + '\n' + heard.join('\n')));
+            }
         }
     }
 }

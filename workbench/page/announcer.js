@@ -9,6 +9,9 @@ const announcementInterval = 1000;
 /// From the release of a key to an announcement: the reader drops what waits when a key is pressed or repeats.
 const releaseTime = 200;
 
+/// So many equal sentences between two announcements come from a key that is held, not from a finger that taps.
+const minFlood = 10;
+
 /// The log is not for reading back: the other parts of the page show what happened.
 const maxAnnouncements = 5;
 
@@ -41,8 +44,10 @@ export class Announcer {
     #log;
     #texts = [];
     #timer;
-    #isHeld = false;
+    #holders = new Set();
     #isMarked = false;
+    #lastTexts = []; // of the last announcement
+    #seen = 0; // how many texts of a flood were waiting when it was looked at last
     #last = -Infinity; // when the last announcement was made
     #level = 'all';
 
@@ -74,16 +79,15 @@ export class Announcer {
         this.#log.replaceChildren();
     }
 
-    /// Adds nothing until `release`.
-    hold() {
-        this.#isHeld = true;
+    /// Adds nothing until `release` is called for each `holder`.
+    hold(holder) {
+        this.#holders.add(holder);
         clearTimeout(this.#timer);
         this.#timer = undefined;
     }
 
-    release() {
-        if (this.#isHeld) {
-            this.#isHeld = false;
+    release(holder) {
+        if (this.#holders.delete(holder)) {
             this.#schedule(releaseTime);
         }
     }
@@ -99,11 +103,20 @@ export class Announcer {
     }
 
     #schedule(delay) {
-        if (this.#isHeld || this.#timer !== undefined || this.#texts.length === 0) {
+        if (this.#holders.size > 0 || this.#timer !== undefined || this.#texts.length === 0) {
             return;
         }
         const pause = Math.max(delay, this.#last + announcementInterval - performance.now());
         this.#timer = setTimeout(() => this.#add(), pause);
+    }
+
+    /// Whether the sentence of the last announcement keeps coming. It is announced once more, counted, when it has
+    /// stopped or another one comes.
+    #isFlooded() {
+        const growth = this.#texts.length - this.#seen;
+        this.#seen = this.#texts.length;
+        const isRepeated = ({ text }) => this.#lastTexts.every(last => last === text);
+        return growth >= minFlood && this.#lastTexts.length > 0 && this.#texts.every(isRepeated);
     }
 
     #add() {
@@ -111,8 +124,14 @@ export class Announcer {
         if (this.#texts.length === 0) {
             return;
         }
-        const text = joinSentences(this.#texts.splice(0).map(each => each.text));
         this.#last = performance.now();
+        if (this.#isFlooded()) {
+            this.#schedule(announcementInterval);
+            return;
+        }
+        this.#seen = 0;
+        this.#lastTexts = this.#texts.splice(0).map(each => each.text);
+        const text = joinSentences(this.#lastTexts);
         this.#isMarked = !this.#isMarked; // a reader drops a text that equals the one before
         const element = document.createElement('p');
         element.textContent = this.#isMarked ? text : `${text}\u00a0`;

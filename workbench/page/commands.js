@@ -2,7 +2,7 @@
 // The view Commands: the commands of the bus interface with their answers, and the console of the daemon.
 import { send } from './connection.js';
 import { device } from './device.js';
-import { byId, element, line, on } from './dom.js';
+import { all, byId, element, line, on } from './dom.js';
 import { EntryLog } from './entryLog.js';
 import { attempt, showFault } from './messages.js';
 import { OpenCommands, answerPatience } from './openCommands.js';
@@ -34,9 +34,15 @@ function describeAnswer({ text, response, command }) {
     return [line(`answer ${plain.join(' ')}`, 'answer'), details];
 }
 
+/// Shows the outcome of a command in its form as well.
+function showInForm(command, children) {
+    document.querySelector(`[data-command="${command}"] .outcome`)?.replaceChildren(...children);
+}
+
 function report(unanswered) {
     for (const entry of unanswered) {
         answers.add(entry);
+        showInForm(entry.text.split(' ')[0], [line(unansweredText(entry), 'fault')]);
         showFault(unansweredText(entry));
     }
 }
@@ -50,6 +56,8 @@ export function followCommands(entry) {
     report(openCommands.take(entry, performance.now()));
     if (entry.type === 'command') {
         watchAnswers();
+    } else if (entry.type === 'answer' && entry.command) {
+        showInForm(entry.command, describeAnswer(entry));
     }
 }
 
@@ -76,11 +84,15 @@ export function fillCommandChoices() {
     fillSelect('simulated-key', device.keys, 'Menu');
 }
 
+all('[data-command]').forEach(form => form.append(element('div', { className: 'lines outcome' })));
 on('[data-command]', 'submit', event => {
     event.preventDefault();
+    const { command } = event.target.dataset;
     const words = new FormData(event.target).getAll('argument');
-    const statement = ['command', event.target.dataset.command, 'as', byId('command-sender').value, ...words];
-    attempt(send(statement.join(' ').trim()));
+    showInForm(command, []);
+    const sent = send(['command', command, 'as', byId('command-sender').value, ...words].join(' ').trim());
+    sent.catch(({ message }) => showInForm(command, [line(message, 'fault')]));
+    attempt(sent);
 });
 on('#console-form', 'submit', async event => {
     event.preventDefault();

@@ -2,28 +2,40 @@
 // What the device speaks and announces, next to each view.
 import { byId, element, keyCaps, line, setText } from './dom.js';
 import { EntryLog } from './entryLog.js';
+import { FoldedLog } from './foldedLog.js';
 import { showFault } from './messages.js';
-import { refusalText, speechText } from './wording.js';
+import { eventText, momentText, routeText, speechText, timesText } from './wording.js';
 
 const aloud = byId('aloud');
+const maxAnnounced = 100; // lines
 
 export const isSpokenAloud = () => aloud.checked;
 
 export const spoken = new EntryLog('spoken', 6, { speech: entry => line(speechText(entry)) });
 
-export const announced = new EntryLog('announced', 6, {
-    announcement: describeAnnouncement,
-    refusal: entry => line(refusalText(entry), 'refusal'),
-});
+const isOutcome = ({ type }) => ['announcement', 'refusal'].includes(type);
 
-function describeAnnouncement({ action, keys, receiver, sender }) {
-    const route = `to ${receiver || 'no service'} ${sender ? `from ${sender}` : 'without a sender'}`;
-    return element('p', { className: 'announcement' }, [
-        element('span', { className: 'action', textContent: action }),
+export const announced = new FoldedLog(
+    'announced',
+    maxAnnounced,
+    entry => (isOutcome(entry) ? eventText(entry) : undefined),
+    describeOutcome,
+);
+
+function describeOutcome(entry, text, times) {
+    const isRefused = entry.type === 'refusal';
+    const parts = isRefused ? [text] : describeAnnouncement(entry);
+    const moment = element('time', { textContent: momentText(entry.at) });
+    return element('p', { className: isRefused ? 'refusal' : 'announcement' }, [
+        element('span', {}, [...parts, timesText(times)]),
         ' ',
-        ...keyCaps(keys),
-        element('span', { textContent: route }),
+        moment,
     ]);
+}
+
+function describeAnnouncement(entry) {
+    const action = element('span', { className: 'action', textContent: entry.action });
+    return [action, ' ', ...keyCaps(entry.keys), routeText(entry)];
 }
 
 function onSpeechError({ error }) {

@@ -1,18 +1,22 @@
 // SPDX-License-Identifier: MIT
 // The keys of the panel: which are down, and how the page presses and releases them.
 import { send, sendOnLeaving } from './connection.js';
+import { device } from './device.js';
 import { all, byId, on, setText } from './dom.js';
 import { showHeldKeys } from './header.js';
 import { announce, announcer, attempt, showFault } from './messages.js';
 
+const lateness = 100; // milliseconds by which the daemon may get a key later than the page
 const maxClickDelay = 1000; // milliseconds from the release of a pointer to its click
 
 // The id of a key is "device key", with the number of the input device.
-const held = new Map(); // id -> how this page holds the key; the holder is a pointer's id, 'keyboard' or 'latch'
+const held = new Map(); // id -> how this page holds the key; its holder is a pointer's id or a name
 const down = new Set(); // ids of all keys that are down, here and elsewhere
 const pressedHere = new Set(); // ids, from the press by this page to the release that the device reports
 const pointerReleases = new WeakMap(); // key button -> when a pointer left it
 let learner; // gets the keys in place of the device, if there is one
+
+let lastKeyMoment = -Infinity; // when the device last reported a key
 
 const keyButtons = () => all('[data-key]');
 const isLatching = () => byId('latch').checked;
@@ -98,8 +102,10 @@ function releaseHeldBy(isHolder) {
     release([...held.keys()].filter(id => isHolder(held.get(id).holder)));
 }
 
+export const releaseHolder = holder => releaseHeldBy(each => each === holder);
 export const releaseMomentary = () => releaseHeldBy(holder => holder !== 'latch');
 const releaseAll = () => release([...held.keys()]);
+const releasedText = () => `Released: ${[...held.keys()].map(id => id.split(' ')[1]).join(', ')}.`;
 
 // A screen reader does not notice that a button has become a toggle button: the buttons are replaced.
 function onLatch() {
@@ -113,7 +119,8 @@ function onLatch() {
     showKeys();
 }
 
-function begin(key, holder) {
+/// Presses `key`, or latches it. `holder` is a name for `releaseHolder`.
+export function begin(key, holder) {
     const id = chosenId(key);
     if (!isLatching()) {
         press(id, holder);
@@ -145,6 +152,13 @@ function onClick({ currentTarget, detail, timeStamp }) {
     }
 }
 
+/// Presses the keys of an entry of the key card, once the keys before count no more.
+export function playEntry({ keys, statements }) {
+    keys.forEach(key => idsOf(key).forEach(id => pressedHere.add(id)));
+    const rest = Math.ceil(lastKeyMoment + device.times.singleKeyMs + lateness - performance.now());
+    attempt(send([...(rest > 0 ? [`wait ${rest}`] : []), ...statements].join('\n')));
+}
+
 function onPointerDown({ currentTarget, pointerType, pointerId, button }) {
     if (pointerType === 'mouse' && button !== 0) {
         return;
@@ -155,7 +169,7 @@ function onPointerDown({ currentTarget, pointerType, pointerId, button }) {
 
 function onPointerEnd({ currentTarget, pointerId, timeStamp }) {
     pointerReleases.set(currentTarget, timeStamp);
-    releaseHeldBy(holder => holder === pointerId);
+    releaseHolder(pointerId);
 }
 
 function onKeyDown(event) {
@@ -164,7 +178,7 @@ function onKeyDown(event) {
     }
     event.preventDefault(); // no click
     if (!event.repeat) {
-        announcer.hold();
+        announcer.hold('keyboard');
         begin(event.currentTarget.dataset.key, 'keyboard');
     }
 }
@@ -178,8 +192,8 @@ function onKeyUp(event) {
 }
 
 function releaseKeyboard() {
-    releaseHeldBy(holder => holder === 'keyboard');
-    announcer.release();
+    releaseHolder('keyboard');
+    announcer.release('keyboard');
 }
 
 // The releases must not wait for an answer.
@@ -209,6 +223,9 @@ export function resetKeys(reported = []) {
 }
 
 export function updateKeys(entry) {
+    if (entry.type === 'key') {
+        lastKeyMoment = performance.now();
+    }
     const id = idOf(entry);
     const hold = learner ? undefined : held.get(id);
     if (entry.type === 'device') {
@@ -232,8 +249,13 @@ document.addEventListener('visibilitychange', () => document.hidden && releaseMo
 window.addEventListener('pagehide', onPageHide);
 on('#latch', 'change', onLatch);
 on('#release-all', 'click', () => {
-    const names = [...held.keys()].map(id => id.split(' ')[1]);
-    announce(names.length ? `Released: ${names.join(', ')}.` : 'No key is held by this page.', 'reply');
+    announce(held.size > 0 ? releasedText() : 'No key is held by this page.', 'reply');
     releaseAll();
+});
+document.addEventListener('keydown', ({ key, isComposing, target }) => {
+    if (key === 'Escape' && held.size > 0 && !isComposing && !target.closest?.('dialog')) {
+        announce(releasedText(), 'reply');
+        releaseAll();
+    }
 });
 on('[name="input-device"]', 'change', showKeys);

@@ -2,22 +2,25 @@
 // The front panel: the page sends what the user does as statements of a key script and shows what the device does.
 import { announceEntry } from './announcements.js';
 import { answers, consoleLog, fillCommandChoices, followCommands, followConsole, resetAnswers } from './commands.js';
+import { showDoButtons } from './card.js';
 import { connect } from './connection.js';
-import { device, setDevice, updateDevice } from './device.js';
+import { device, deviceStatus, setDevice, updateDevice } from './device.js';
 import { announced, speakAloud, spoken } from './feedback.js';
 import { showHeader } from './header.js';
 import { releaseMomentary, resetKeys, showKeys, updateKeys } from './keys.js';
 import { showLearning } from './learn.js';
+import './letterKeys.js';
 import { listLog } from './lists.js';
 import { end, kindOf, news, showFault, showStatus } from './messages.js';
 import { showPanel } from './panel.js';
 import './practise.js';
 import { expectReadiness, loadAfterConnecting, reportReadiness } from './readiness.js';
 import { followRecording, showRecording, showReplay } from './recording.js';
+import { strip } from './strip.js';
 import { timeline } from './timelineView.js';
 import { setUpViews } from './views.js';
 
-const logs = [spoken, announced, answers, consoleLog, listLog];
+const logs = [spoken, announced, strip, answers, consoleLog, listLog];
 
 let lastId = 0; // of an entry
 
@@ -25,6 +28,7 @@ function showDevice() {
     showHeader();
     showPanel();
     showLearning();
+    showDoButtons(deviceStatus() === 'ready' ? device.state : undefined);
     showKeys();
 }
 

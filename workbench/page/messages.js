@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The messages and questions of the page, on the screen and for a screen reader.
 import { Announcer } from './announcer.js';
-import { byId, setText } from './dom.js';
+import { byId, on, setText } from './dom.js';
+import { focusView } from './views.js';
 
 const level = byId('announcement-level');
 const levelKey = 'announcements';
@@ -55,12 +56,12 @@ export function ask(question, answer) {
     setText(dialog.querySelector('p'), text);
     dialog.setAttribute('aria-label', text);
     setText(yes, answer);
-    announcer.hold();
+    announcer.hold('question');
     announcer.clear();
     dialog.close(); // it may still linger
     dialog.showModal();
     dialog.focus(); // a screen reader says the question, and a key that is pressed by mistake loses nothing
-    return new Promise(resolve => (resolveAnswer = resolve)).finally(() => announcer.release());
+    return new Promise(resolve => (resolveAnswer = resolve)).finally(() => announcer.release('question'));
 }
 
 function closeQuestion(event, isYes) {
@@ -76,6 +77,10 @@ level.value = announcer.level;
 level.addEventListener('change', () => {
     announcer.level = level.value;
     localStorage.setItem(levelKey, level.value);
+});
+on('#dismiss', 'click', () => {
+    focusView(); // the button goes
+    setText(byId('alert'), '');
 });
 dialog.addEventListener('submit', event => closeQuestion(event, event.submitter === yes));
 dialog.addEventListener('cancel', event => closeQuestion(event, false));

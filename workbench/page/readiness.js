@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Loads what a start of the device changes, and reports when the device is ready.
-import { card, loadCard } from './card.js';
-import { device } from './device.js';
+import { card, loadCard, showDoButtons } from './card.js';
+import { device, deviceStatus } from './device.js';
 import { listLog, listsRead, loadLists, loadMistakes, showListFaults, showMistakes, showNever } from './lists.js';
 import { attempt, end, kindOf, news, showFault, showStatus } from './messages.js';
 import { showPanel } from './panel.js';
@@ -14,6 +14,7 @@ let starts = 0; // counts the starts of the device and the connections to it
 
 async function loadAndShowCard() {
     await loadCard();
+    showDoButtons(deviceStatus() === 'ready' ? device.state : undefined);
     timeline.setCard(card);
     showNever();
     showPanel();

@@ -20,6 +20,21 @@ export function actionText({ action, keys, receiver, sender }) {
     return [...what, `to ${receiver}`, from].filter(Boolean).join(', ');
 }
 
+/// Leaves out the usual sender.
+export function routeText({ receiver, sender }) {
+    const from = sender ? ` from ${sender}` : ' without a sender';
+    return `to ${receiver || 'no service'}${sender === usualSender ? '' : from}`;
+}
+
+/// An announcement or a refusal as the page shows it.
+export function eventText(entry) {
+    const { type, action, keys } = entry;
+    return type === 'refusal' ? refusalText(entry) : [action, ...keys, routeText(entry)].join(' ');
+}
+
+export const timesText = times => (times > 1 ? ` × ${times}` : '');
+export const momentText = milliseconds => `${(milliseconds / 1000).toFixed(1)} s`;
+
 export function refusalText({ reason, expected, current, action }) {
     const what = action ? `Refused: ${action}.` : 'Refused:';
     if (expected === undefined) {

@@ -3,5 +3,5 @@
 
 #include "workbench/web/HttpAnswer.h"
 
-/// The files of the page by their path, the page itself as "/".
+/// The files of the page by their path, the page itself as "/", and the documents below "/documents/".
 const QMap<QByteArray, HttpAnswer>& pageFiles();

@@ -135,6 +135,35 @@ test('a key that is pressed again soon holds the announcement back again', async
     await still.isGiven('Up.');
 });
 
+test('a sentence that floods is announced when it begins, and counted when it has ended', async () => {
+    const still = await StillAnnouncer.open();
+    await still.announce('Ring');
+    await still.pass(100);
+    for (let times = 0; times < 5; ++times) {
+        await still.announce(...new Array(30).fill('Ring'));
+        await still.pass(1000);
+        await still.isGiven('Ring.');
+    }
+    await still.pass(1000);
+    await still.isGiven('Ring.', `Ring, 150 times.${nbsp}`);
+});
+
+test('another sentence ends a flood, and taps are no flood', async () => {
+    const still = await StillAnnouncer.open();
+    await still.announce('Ring');
+    await still.pass(100);
+    await still.announce(...new Array(30).fill('Ring'));
+    await still.pass(1000);
+    await still.announce('Help');
+    await still.pass(1000);
+    await still.isGiven('Ring.', `Ring, 30 times. Help.${nbsp}`);
+    for (let times = 0; times < 2; ++times) {
+        await still.announce(...new Array(9).fill('Up'));
+        await still.pass(1000);
+    }
+    await still.isGiven('Ring.', `Ring, 30 times. Help.${nbsp}`, 'Up, 9 times.', `Up, 9 times.${nbsp}`);
+});
+
 test('old announcements do not pile up', async () => {
     const still = await StillAnnouncer.open();
     for (let times = 0; times < 20; ++times) {

@@ -7,6 +7,7 @@ import { test } from 'node:test';
 import { fileURLToPath } from 'node:url';
 
 import { violations } from './axe.mjs';
+import { eventually } from './eventually.mjs';
 import { panelFixture } from './panelFixture.mjs';
 
 const fixture = panelFixture();
@@ -18,10 +19,20 @@ async function openCard(options) {
     return panel;
 }
 
-test('each state has its entries in a table with headers', async () => {
+test('each state has its entries in a table with headers, with single keys of the same effect in one row', async () => {
     const panel = await openCard();
     const card = await fixture.simulator.json('/api/card');
-    for (const { state, entries } of card.states) {
+    for (const { state, entries: all, singleKeys } of card.states) {
+        const gestures = all.filter(({ kind }) => kind !== 'single');
+        const entries = [...gestures, ...singleKeys];
+        assert(all.length === 0 || singleKeys.length < all.length - gestures.length, state);
+        assert.deepEqual(
+            singleKeys.flatMap(({ keys }) => keys).sort(),
+            all
+                .filter(({ kind }) => kind === 'single')
+                .flatMap(({ keys }) => keys)
+                .sort(),
+        );
         const section = panel.page
             .locator('section.state')
             .filter({ has: panel.page.getByRole('heading', { name: `State ${state}`, exact: true }) });
@@ -71,13 +82,65 @@ test('on paper there is the card alone, with its head on each page', async () =>
     assert.equal(await heads.first().isVisible(), false);
 });
 
-test('the whole card is on paper, whatever view is shown', async () => {
+async function pagesOf(panel) {
+    return (await panel.page.pdf({ format: 'A4' })).toString('latin1').match(/\/Type \/Page\b/g).length;
+}
+
+test('the whole card is on two to four sheets of paper, whatever view is shown, or on one for each state', async () => {
     const panel = await openCard();
-    const pages = async () =>
-        (await panel.page.pdf({ format: 'A4' })).toString('latin1').match(/\/Type \/Page\b/g).length;
-    const card = await pages();
+    const card = await pagesOf(panel);
+    assert(card >= 2 && card <= 4, `${card} pages`);
     await panel.goTo('Panel');
-    assert.equal(await pages(), card);
+    assert.equal(await pagesOf(panel), card);
+    await panel.goTo('Key card');
+    await panel.page.getByLabel('One sheet for each state').check();
+    assert.equal(await pagesOf(panel), await panel.page.locator('section.state').count());
+});
+
+/// The words of the card that are on two lines (runs in the page).
+function brokenWords() {
+    const broken = [];
+    const walker = document.createTreeWalker(document.querySelector('#card-tables'), NodeFilter.SHOW_TEXT);
+    const range = document.createRange();
+    while (walker.nextNode()) {
+        const { currentNode: node } = walker;
+        for (const { 0: word, index } of node.data.matchAll(/\S+/g)) {
+            range.setStart(node, index);
+            range.setEnd(node, index + word.length);
+            const tops = new Set([...range.getClientRects()].filter(({ width }) => width > 0).map(({ top }) => top));
+            if (tops.size > 1) {
+                broken.push(word);
+            }
+        }
+    }
+    return broken;
+}
+
+test('no word of the card is broken on paper', async () => {
+    const panel = await openCard();
+    await panel.page.emulateMedia({ media: 'print' });
+    await panel.page.setViewportSize({ width: 680, height: 1000 }); // the width of A4 between its margins
+    assert.deepEqual(await panel.page.evaluate(brokenWords), []);
+    assert.equal(await panel.page.evaluate(() => document.documentElement.scrollWidth), 680);
+});
+
+test('a row of the present state is played in one press, and no other row can be', async () => {
+    const panel = await openCard();
+    const card = await fixture.simulator.json('/api/card');
+    const idle = card.states.find(({ state }) => state === 'Idle');
+    const buttons = panel.page.getByRole('button', { name: /^Do it: / });
+    await eventually(async () => assert.equal(await buttons.count(), idle.entries.length));
+    await panel.button('Do it: Help Feed, PaperStatus').click();
+    await panel.isTold('PaperStatus Help Feed to PrintManager');
+    await panel.button('Do it: Function Up, VolumeUp').click();
+    await panel.isTold('VolumeUp Function Up to UserMenu');
+    await panel.button('Do it: Menu').click();
+    await panel.isTold('SingleKey Menu to UserMenu');
+    const hold = idle.entries.find(({ kind, holdMs }) => kind === 'long' && holdMs < 4000);
+    await panel.button(`Do it: ${hold.keys[0]}, ${hold.action}`).click();
+    await panel.isTold(`${hold.action} ${hold.keys[0]}`);
+    await fixture.simulator.take('state Startup');
+    await eventually(async () => assert.equal(await buttons.count(), 0));
 });
 
 const lists = fileURLToPath(new URL('../../../data', import.meta.url));

@@ -23,6 +23,19 @@ async function answerTo(panel, command) {
     return answers.nth(count).innerText();
 }
 
+test('the answer to a command is in its form, as is the reason why it cannot be sent', async () => {
+    const panel = await openCommands();
+    const outcome = name => panel.page.getByRole('form', { name, exact: true }).locator('.outcome');
+    await panel.button('Send GetLastKey').click();
+    await outcome('GetLastKey').getByText('key=139').waitFor();
+    await panel.button('Send GetShortcutKeyList').click();
+    await outcome('GetShortcutKeyList').getByText('Whole answer to GetShortcutKeyList').waitFor();
+    await panel.page.getByLabel('Keys of the shortcut').fill('Function Nonsense');
+    await panel.button('Send SimulateShortcut').click();
+    await outcome('SimulateShortcut').getByText('Nonsense').waitFor();
+    assert.equal(await outcome('GetTestResult').innerText(), '');
+});
+
 /// The nested part of the latest answer.
 async function wholeAnswer(panel) {
     const details = panel.page.locator('#answers details').last();

@@ -25,7 +25,7 @@ test('a click of the mouse is a press and a release, spoken and announced', asyn
     const { panel, observer } = await openObserved();
     await panel.key('Up').click();
     await panel.isTold(/^Up$/);
-    await panel.isTold('SingleKey Up to UserMenu from KeyboardHandler');
+    await panel.isTold('SingleKey Up to UserMenu');
     await deviceGot(observer, 'Up 1', 'Up 0');
 });
 
