@@ -4,7 +4,7 @@ import { send } from './connection.js';
 import { device } from './device.js';
 import { all, byId, element, line, on } from './dom.js';
 import { EntryLog } from './entryLog.js';
-import { attempt, showFault } from './messages.js';
+import { announce, attempt, showFault } from './messages.js';
 import { OpenCommands, answerPatience } from './openCommands.js';
 import { isNested, unansweredText } from './wording.js';
 
@@ -37,6 +37,14 @@ function describeAnswer({ text, response, command }) {
 /// Shows the outcome of a command in its form as well.
 function showInForm(command, children) {
     document.querySelector(`[data-command="${command}"] .outcome`)?.replaceChildren(...children);
+}
+
+/// Marks the text that the form could not send.
+function markFault(form, isFaulty) {
+    for (const input of form.querySelectorAll('input')) {
+        input.setAttribute('aria-invalid', String(isFaulty));
+        input.setAttribute('aria-describedby', isFaulty ? `outcome-${form.dataset.command}` : '');
+    }
 }
 
 function report(unanswered) {
@@ -84,15 +92,20 @@ export function fillCommandChoices() {
     fillSelect('simulated-key', device.keys, 'Menu');
 }
 
-all('[data-command]').forEach(form => form.append(element('div', { className: 'lines outcome' })));
+for (const form of all('[data-command]')) {
+    form.append(element('div', { className: 'lines outcome', id: `outcome-${form.dataset.command}` }));
+}
 on('[data-command]', 'submit', event => {
     event.preventDefault();
     const { command } = event.target.dataset;
     const words = new FormData(event.target).getAll('argument');
     showInForm(command, []);
-    const sent = send(['command', command, 'as', byId('command-sender').value, ...words].join(' ').trim());
-    sent.catch(({ message }) => showInForm(command, [line(message, 'fault')]));
-    attempt(sent);
+    markFault(event.target, false);
+    send(['command', command, 'as', byId('command-sender').value, ...words].join(' ').trim()).catch(({ message }) => {
+        showInForm(command, [line(message, 'fault')]);
+        markFault(event.target, true);
+        announce(message, 'fault');
+    });
 });
 on('#console-form', 'submit', async event => {
     event.preventDefault();

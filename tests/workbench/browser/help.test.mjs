@@ -188,3 +188,22 @@ test('many announcements scroll, and the last one is in sight', async () => {
     await panel.isTold(/to UserMenu\s/);
     assert.equal(await place.evaluate(each => each.scrollTop), 0);
 });
+
+/// The keys whose label is wider than they are (runs in the page).
+function wideLabels() {
+    const range = document.createRange();
+    const isWide = key =>
+        [...key.querySelectorAll('span:not(.for-readers)')].some(label => {
+            range.selectNodeContents(label);
+            return range.getBoundingClientRect().width > key.clientWidth;
+        });
+    return [...document.querySelectorAll('.key')].filter(isWide).map(({ dataset }) => dataset.key);
+}
+
+test('the labels stay on their keys, however wide the page is', async () => {
+    const panel = await fixture.open();
+    for (const width of [320, 360, 400, 417, 480, 481, 520, 609, 768, 992, 1024, 1100, 1216, 1280]) {
+        await panel.page.setViewportSize({ width, height: 800 });
+        assert.deepEqual(await panel.page.evaluate(wideLabels), [], `${width}`);
+    }
+});
