@@ -17,7 +17,8 @@ public:
 
     /// Performs the entry and waits for all its effects. Holds keys for at most a minute.
     void play(const KeyCardEntry& entry);
-    /// Executes statements of a key script and waits for all their effects. Returns the faults of the statements.
+    /// Executes statements of a key script and waits for all their effects. Returns the faults of the
+    /// statements.
     QStringList execute(const QStringList& statements);
     /// Presses the row's keys according to its kind, except keys that the panel lacks. Repeats a combination
     /// after every other key.

@@ -21,7 +21,8 @@ export function setText(place, text) {
 }
 
 export const line = (text, className = '') => element('p', { textContent: text, className });
-export const list = items => element('ul', {}, items);
+/// With an explicit role, because some browsers take lists without markers for no lists.
+export const list = items => element('ul', { role: 'list' }, items);
 export const keyCaps = keys => keys.flatMap(key => [element('kbd', { textContent: key }), ' ']);
 
 export function saveFile(blob, fileName) {

@@ -7,7 +7,8 @@ import { announce, announcer } from './messages.js';
 import { isView } from './views.js';
 
 const storageKey = 'letters of the keys';
-/// They lie on many keyboards as the keys do on the panel. FactoryReset has none, so that nothing presses it by mistake.
+/// On many keyboards, these letters lie as the keys do on the panel. FactoryReset is left out: a mistake would reset the
+/// device.
 const usualLetters = {
     On: 'q',
     Off: 'a',
@@ -31,7 +32,7 @@ const typingPlaces = 'input:not([type="checkbox"], [type="radio"]), select, text
 const letterSwitch = byId('letters-on');
 const fault = byId('letters-fault');
 const down = new Set(); // ids of the keys of the keyboard that press one
-let letters = { ...usualLetters }; // name of a key -> its letter; without those that have none
+let letters = { ...usualLetters }; // name of a key -> its letter, if it has one
 
 const idOf = ({ code, key }) => code || key.toLowerCase();
 const holderOf = id => `letter ${id}`;

@@ -148,7 +148,7 @@ test('a sentence that floods is announced when it begins, and counted when it ha
     await still.isGiven('Ring.', `Ring, 150 times.${nbsp}`);
 });
 
-test('another sentence ends a flood, and taps are no flood', async () => {
+test('another sentence ends a flood, and taps are not a flood', async () => {
     const still = await StillAnnouncer.open();
     await still.announce('Ring');
     await still.pass(100);

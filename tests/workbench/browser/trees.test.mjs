@@ -1,44 +1,66 @@
 // SPDX-License-Identifier: MIT
-// What assistive technology finds in each view: the accessibility tree, kept in trees/. RENEW_TREES=1 writes the files.
+// What assistive technology finds in each view: its accessibility tree, kept in trees/. RENEW_TREES=1 renews the files.
 import assert from 'node:assert/strict';
-import { readFile, writeFile } from 'node:fs/promises';
-import { test } from 'node:test';
+import { mkdir, readFile, writeFile } from 'node:fs/promises';
+import { after, before, test } from 'node:test';
 
-import { panelFixture } from './panelFixture.mjs';
+import { eventually } from './eventually.mjs';
+import { PanelSession } from './panelSession.mjs';
 
-const fixture = panelFixture();
+const session = new PanelSession();
 const folder = new URL('./trees/', import.meta.url);
 
-/// Opens all disclosures that the page has itself.
-const disclose = () => document.querySelectorAll('details').forEach(details => details.setAttribute('open', ''));
+/// The views, and what they show when they are complete.
+const views = [
+    ['Panel', '#now li'],
+    ['Timeline', '.timeline-toolbar, .timeline'],
+    ['Key card', '#card-tables .do button'],
+    ['Key lists', '#never, #list-log p'],
+    ['Recording', '#recording-status:not(:empty)'],
+    ['Commands', '#command-sender option'],
+    ['Help', '#help li'],
+];
 
-/// The tree without what each run has otherwise: times, and announcements, which come and go.
-async function treeOf(panel) {
-    await panel.page.evaluate(() => document.querySelector('#announcements').replaceChildren());
-    const tree = await panel.page.locator('body').ariaSnapshot();
+before(async () => {
+    await session.begin();
+    session.panel = await session.open();
+    await session.simulator.take('tap Menu');
+    await session.panel.isTold('SingleKey Menu to UserMenu');
+    await eventually(async () => assert.notDeepEqual(await session.panel.texts('#announcements p'), []));
+});
+after(async () => {
+    assert.deepEqual(await session.closePages(), []);
+    await session.end();
+});
+
+/// The view, with its disclosures open but without what differs from run to run (runs in the page).
+function prepare() {
+    document.querySelectorAll('details').forEach(details => details.setAttribute('open', ''));
+    document.querySelectorAll('#announcements, .timeline-svg').forEach(place => place.replaceChildren());
+    document.querySelector('#status').textContent = '';
+}
+
+async function treeOf(page) {
+    await page.evaluate(prepare);
+    const tree = await page.locator('body').ariaSnapshot();
     return `${tree.replaceAll(/\b\d+(\.\d+)? (ms|s)\b/g, '… $2')}\n`;
 }
 
-for (const [file, view, ready] of [
-    ['panel', '#panel', '#now li'],
-    ['card', '#card', '#card-tables .do button'],
-    ['lists', '#lists', '#list-log p'],
-    ['record', '#record', '#recording-status:not(:empty)'],
-    ['commands', '#commands', '#command-sender option'],
-    ['help', '#help', '#help li'],
-]) {
-    test(`the tree of the view ${file}`, async () => {
-        await fixture.simulator.restart();
-        const panel = await fixture.open({ view });
-        await panel.page.locator(ready).first().waitFor({ state: 'attached' });
-        await fixture.simulator.take('tap Menu');
-        await panel.isTold('SingleKey Menu to UserMenu');
-        await panel.page.evaluate(disclose);
-        const tree = await treeOf(panel);
-        const address = new URL(`${file}.yml`, folder);
+for (const [view, complete] of views) {
+    test(`the tree of the view ${view}`, async () => {
+        const { page } = session.panel;
+        await session.panel.goTo(view);
+        await page.locator(complete).first().waitFor({ state: 'attached' });
+        const tree = await treeOf(page);
+        const file = new URL(`${view.toLowerCase().replace(' ', '-')}.yml`, folder);
         if (process.env.RENEW_TREES) {
-            await writeFile(address, tree);
+            await mkdir(folder, { recursive: true });
+            await writeFile(file, tree);
         }
-        assert.equal(tree, await readFile(address, 'utf8'), 'Read what differs, then renew the tree: RENEW_TREES=1.');
+        assert.equal(
+            tree,
+            await readFile(file, 'utf8'),
+            'If that is what should be found, renew it with RENEW_TREES=1.',
+        );
     });
 }
