@@ -40,7 +40,8 @@ set(same_version "(= ${PROJECT_VERSION}-${revision})")
 set(installers "systemd | systemd-standalone-sysusers | systemd-sysusers, systemd | systemd-standalone-tmpfiles | systemd-tmpfiles")
 if(CMAKE_CROSSCOMPILING)
   # The target has no package database to query. tools/package checks the libraries against this list.
-  set(program_libraries "libc6 (>= 2.36), libgcc-s1 (>= 3.5), libqt5core5a (>= 5.15.1), libqt5dbus5 (>= 5.15.1), libstdc++6 (>= 11), ")
+  set(tools_libraries "libc6 (>= 2.36), libgcc-s1 (>= 3.5), libqt5core5a (>= 5.15.1), libqt5dbus5 (>= 5.15.1), libstdc++6 (>= 11)")
+  set(program_libraries "${tools_libraries}, ")
   set(daemon_libraries "${program_libraries}libsystemd0, ")
 else()
   set(CPACK_DEBIAN_DAEMON_PACKAGE_SHLIBDEPS ON)
@@ -62,7 +63,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "qtbase5-dev, libsystemd-dev")
 if(KEYBOARD_HANDLER_TOOLS)
   debian_package(tools keyboard-handler-tools devel "tools for the front-panel keys of a braille embosser"
     "keyboard-handler-keys finds mistakes in key lists, proves which of their rows\nkeys can announce, and explains what keys do. It needs no device.\nkeyboard-handlerctl looks at the keys of a running device and sends commands.")
-  set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${program_libraries}")
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${tools_libraries}")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_CONTROL_EXTRA
       ${PROJECT_SOURCE_DIR}/packaging/debian/tools/postinst ${PROJECT_SOURCE_DIR}/packaging/debian/tools/prerm
       ${PROJECT_SOURCE_DIR}/packaging/debian/tools/postrm)
