@@ -52,7 +52,7 @@ public:
     struct Extent
     {
         /// Searching two lists at once takes longer than one.
-        model::Limits limits{2'000'000, 100'000'000};
+        model::Limits limits{2'000'000, 200'000'000};
         int maxDifferences = std::numeric_limits<int>::max();
         /// The characters of all differences. The last one may exceed it.
         int maxText = std::numeric_limits<int>::max();

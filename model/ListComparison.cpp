@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <numeric>
 
 using std::chrono::milliseconds;
 
@@ -92,6 +93,12 @@ QStringList textsWithoutKeys(const QVector<Output>& outputs)
                                  : QString::number(static_cast<int>(output.kind)));
     }
     return texts;
+}
+
+quint64 sizeOf(const QStringList& texts)
+{
+    return std::accumulate(texts.begin(), texts.end(), quint64(0),
+                           [](quint64 sum, const QString& text) { return sum + quint64(text.size()); });
 }
 
 /// What makes two differences alike. After a change of state, each key could make one more.
@@ -412,23 +419,24 @@ ListComparison::Pair ListComparison::Search::step(const Pair& pair, Input input)
 /// The kind of the difference that the last step makes; nothing if the outputs are equal.
 QStringList ListComparison::Search::differenceIn(State state)
 {
-    // Measured: writing the outputs of an effect takes as long as five steps, and comparing it less than one.
-    constexpr int writing = 5;
-    constexpr int comparing = 8;
-    const auto effects = static_cast<quint64>(m_oldEffects.size() + m_newEffects.size());
+    // In the time of a step, so many effects are compared, or so many characters of outputs are written.
+    constexpr int effectsPerStep = 8;
+    constexpr int charactersPerStep = 5;
     const KeyModel& oldModel = m_comparison.m_old;
     const KeyModel& newModel = m_comparison.m_new;
     const Effects oldPerceived = perceivedOf(m_oldEffects);
     const Effects newPerceived = perceivedOf(m_newEffects);
     if (oldModel.lists().isOrvane == newModel.lists().isOrvane &&
         areAlikeWithoutRows(oldPerceived, newPerceived)) {
-        m_extraSteps += effects / comparing;
+        m_extraSteps += quint64(m_oldEffects.size() + m_newEffects.size()) / effectsPerStep;
         return {};
     }
-    m_extraSteps += effects * writing;
     const auto was = oldPerceived.isEmpty() ? QVector<Output>() : counted(m_oldEffects, oldModel, state);
     const auto is = newPerceived.isEmpty() ? QVector<Output>() : counted(m_newEffects, newModel, state);
-    return textsOf(was) == textsOf(is) ? QStringList() : kindOf(state, was, is, m_hasChanged);
+    const QStringList oldTexts = textsOf(was);
+    const QStringList newTexts = textsOf(is);
+    m_extraSteps += (sizeOf(oldTexts) + sizeOf(newTexts)) / charactersPerStep;
+    return oldTexts == newTexts ? QStringList() : kindOf(state, was, is, m_hasChanged);
 }
 
 QVector<Output> ListComparison::Search::counted(const Effects& effects, const KeyModel& keyModel,

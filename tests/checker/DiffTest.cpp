@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "checker/DifferenceReport.h"
 #include "tests/checker/CommandRun.h"
 
 #include <QDir>
@@ -48,6 +49,7 @@ private Q_SLOTS:
     void eachDifferenceNamesTheRulesThatMakeIt();
     void differencesAreGroupedByState();
     void programsReadJson();
+    void aReportCanBeShortened();
     void peopleReadAPage();
     void unusableArgumentsAreRefused();
 };
@@ -189,6 +191,38 @@ void DiffTest::programsReadJson()
     QCOMPARE(first.value("lines").toArray().first().toString(), lines.first());
     QCOMPARE(first.value("lines").toArray().at(1).toString(), lines.at(1));
     QCOMPARE(report.value("conclusion").toString(), lines.last());
+}
+
+void DiffTest::aReportCanBeShortened()
+{
+    const auto with = [](const QByteArray& action, const QByteArray& other) {
+        return checker::ListSources::of(
+            {{"modifierKeyList.json", "{ \"ModifierKeys\": [" + row("\"Help\", \"Feed\"", action) + ", " +
+                                          row("\"Ok\", \"Feed\"", other) + "] }"}});
+    };
+    const checker::ListSources one = with("A", "B");
+    const checker::ListSources two = with("C", "D");
+    const checker::ComparedLists compared{"one",
+                                          "two",
+                                          one.lists(false),
+                                          two.lists(false),
+                                          checker::PlacesOf::rowsIn(one),
+                                          checker::PlacesOf::rowsIn(two)};
+    const auto countsOf = [&compared](const checker::DifferenceReport::Extent& extent) {
+        const QByteArray json = checker::DifferenceReport(compared, extent).json();
+        const QJsonObject report = QJsonDocument::fromJson(json).object();
+        return QPair(report.value("differences").toArray().size(), report.value("leftOut").toInt());
+    };
+    checker::DifferenceReport::Extent extent;
+    extent.limits = {20'000, 200'000};
+    const int all = countsOf(extent).first;
+    QVERIFY(all > 2);
+    extent.maxDifferences = 2;
+    QCOMPARE(countsOf(extent), QPair(2, all - 2));
+    extent.maxText = 1;
+    QCOMPARE(countsOf(extent), QPair(1, all - 1));
+    extent.limits = {1, 1};
+    QVERIFY(!checker::DifferenceReport(compared, extent).isProved());
 }
 
 void DiffTest::peopleReadAPage()

@@ -28,7 +28,7 @@ export function unreadableText({ findings, unsearched }, file) {
 export const errorTexts = ({ findings, unsearched }) =>
     findings
         .filter(({ file, level }) => level === 'error' && !unreadableText({ findings, unsearched }, file))
-        .map(finding => `${finding.file}, ${findingText(finding)}`);
+        .map(finding => `${finding.file}: ${findingText(finding)}`);
 
 export const isUnreadable = field => unreadableText(shown, fileOf(field)) !== undefined;
 

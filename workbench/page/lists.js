@@ -68,6 +68,7 @@ async function reportCheck() {
 }
 
 async function reportChanges() {
+    showStatus('The lists are being compared.'); // for seconds
     showStatus(showChanges(await search('/api/diff', draft())));
 }
 

@@ -3,25 +3,43 @@
 
 #include "checker/FindingJson.h"
 #include "checker/FindingText.h"
-#include "workbench/session/DeviceSetup.h"
+#include "simulator/script/KeyListJson.h"
 
 #include <QJsonDocument>
+#include <QSet>
+
+#include <algorithm>
 
 namespace {
 
 constexpr int maxShown = 20;
 
+/// What a finding is about; the row may be at another place in another file.
+QString subjectOf(const checker::Finding& finding)
+{
+    return model::KeyLists::fileOf(finding.place.list) + finding.id + finding.message;
+}
+
 } // namespace
 
 ListFindings ListFindings::of(const QMap<QString, QByteArray>& keyLists, const QString& model)
 {
+    checker::CheckOptions options;
+    options.isOrvane = model == QLatin1String("Orvane");
     ListFindings findings;
     findings.m_sources = checker::ListSources::of(keyLists);
-    if (!DeviceSetup::areInstalled(keyLists)) {
-        checker::CheckOptions options;
-        options.isOrvane = model == QLatin1String("Orvane");
-        findings.m_result = checker::check(findings.m_sources, options);
+    findings.m_result = checker::check(findings.m_sources, options);
+    const auto installed =
+        checker::ListSources::of(KeyListJson::read(QStringLiteral(KEYBOARD_HANDLER_DATA_FOLDER)));
+    QSet<QString> intended;
+    for (const checker::Finding& finding : checker::check(installed, options).findings) {
+        intended.insert(subjectOf(finding));
     }
+    auto& all = findings.m_result.findings;
+    const auto isIntended = [&](const checker::Finding& finding) {
+        return intended.contains(subjectOf(finding));
+    };
+    all.erase(std::remove_if(all.begin(), all.end(), isIntended), all.end());
     return findings;
 }
 

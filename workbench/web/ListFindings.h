@@ -12,7 +12,7 @@ class ListFindings
 public:
     static constexpr int maxAlike = 100;
 
-    /// Without findings for the installed lists, each of whose findings is intended.
+    /// Without the findings that the installed lists have as well: each of those is intended.
     static ListFindings of(const QMap<QString, QByteArray>& keyLists, const QString& model);
 
     /// The findings for a terminal, at most 20; empty if there are none.

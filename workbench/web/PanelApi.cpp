@@ -49,14 +49,25 @@ HttpAnswer cardInBraille(const KeyCard& card)
                            : HttpAnswer::error(HttpStatus::internalError, error);
 }
 
-QJsonObject findingsOf(const QMap<QString, QByteArray>& lists, const QString& model)
+HttpAnswer findingsOf(const QMap<QString, QByteArray>& lists, const QString& model)
 {
-    return ListFindings::of(lists, model).toJson();
+    const std::optional<HttpAnswer> refusal = ListSearches::refusalOf(lists);
+    return refusal ? *refusal : HttpAnswer::json(ListFindings::of(lists, model).toJson());
 }
 
-QJsonObject findingsOfDraft(const DeviceOptions& /*current*/, const DeviceOptions& draft)
+HttpAnswer findingsOfDraft(const DeviceOptions& /*current*/, const DeviceOptions& draft)
 {
     return findingsOf(draft.keyLists, draft.model);
+}
+
+HttpAnswer changesOfDraft(const DeviceOptions& current, const DeviceOptions& draft)
+{
+    for (const DeviceOptions& options : {current, draft}) {
+        if (const std::optional<HttpAnswer> refusal = ListSearches::refusalOf(options.keyLists)) {
+            return *refusal;
+        }
+    }
+    return HttpAnswer::json(ListChanges::between(current, draft));
 }
 
 /// One at a time: the search for causes takes all of a processor.
@@ -110,7 +121,7 @@ const QMap<QByteArray, PanelApi::Route>& PanelApi::routes()
         api.searchDraft(request, findingsOfDraft, reply);
     };
     const auto draftChanges = [](Api api, Request request, To reply) {
-        api.searchDraft(request, ListChanges::between, reply);
+        api.searchDraft(request, changesOfDraft, reply);
     };
     const auto what = [](Api api, Request request, To reply) {
         api.answerAboutKeys(request, KeyAnswers::what, reply);

@@ -50,7 +50,7 @@ private:
     void replay(const HttpRequest& request, const Reply& reply);
     void makeCard(HttpAnswer (*answerOf)(const KeyCard& card), const Reply& reply);
     void findFaults(const Reply& reply);
-    using ListSearch = QJsonObject (*)(const DeviceOptions& current, const DeviceOptions& draft);
+    using ListSearch = HttpAnswer (*)(const DeviceOptions& current, const DeviceOptions& draft);
     void searchDraft(const HttpRequest& request, ListSearch search, const Reply& reply);
     void answerAboutKeys(const HttpRequest& request, KeyAnswer answerOf, const Reply& reply);
     std::shared_future<KeyCard> currentCard();
@@ -61,7 +61,7 @@ private:
     std::shared_future<KeyCard> m_card;
     std::pair<QMap<QString, QByteArray>, QString> m_cardLists;
     /// The last findings, and the key lists and the model that they are for.
-    std::shared_future<QJsonObject> m_findings;
+    std::shared_future<HttpAnswer> m_findings;
     std::pair<QMap<QString, QByteArray>, QString> m_findingsLists;
     ListSearches m_searches;
     BackgroundWork m_work;
