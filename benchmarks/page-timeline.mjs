@@ -132,13 +132,13 @@ async function measure(session, url) {
 
 const figures = {
     task: ['longest task while ten keys a second are tapped', 'ms', 50],
-    work: ['its processor time', 'ms', 50],
+    work: ['longest processor time of a task meanwhile', 'ms', 50],
     table: ['table opened', 'ms', 200],
-    tableWork: ['its processor time', 'ms', 200],
+    tableWork: ['processor time of that', 'ms', 200],
     idle: ['idle timeline, of a processor', '%', 3],
-    calm: ['idle timeline with reduced motion, of a processor', '%', 3],
-    panel: ['idle view Panel, of a processor', '%', undefined],
-    empty: ['the browser with an empty page, of a processor', '%', undefined],
+    calm: ['the same with reduced motion', '%', 3],
+    panel: ['idle view Panel', '%', undefined],
+    empty: ['the browser with an empty page', '%', undefined],
 };
 
 function print(before, now) {
