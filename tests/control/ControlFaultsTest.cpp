@@ -56,7 +56,6 @@ private Q_SLOTS:
     void daemonThatWaitsForServices();
     void daemonsOfOtherPrefixes();
     void daemonThatHangs();
-    void stoppedDaemon();
     void daemonThatEndsBeforeItAnswers();
     void busThatEndsBeforeTheDaemonAnswers();
     void refusal();
@@ -165,16 +164,6 @@ void ControlFaultsTest::daemonThatHangs()
              QStringLiteral("The daemon owns %1 and did not answer in 1 s: it hangs, or its start is not "
                             "complete. See systemctl status keyboard-handler.\n")
                  .arg(name));
-}
-
-void ControlFaultsTest::stoppedDaemon()
-{
-    QVERIFY(launch());
-    QCOMPARE(::kill(static_cast<pid_t>(device().daemon().processId()), SIGSTOP), 0);
-    ControlProgram run(device().bus().address(), {lastKey, "--timeout", "1"});
-    QCOMPARE(run.status(), int(control::NoAnswer));
-    QCOMPARE(::kill(static_cast<pid_t>(device().daemon().processId()), SIGCONT), 0);
-    QVERIFY(nextKeyWorks());
 }
 
 void ControlFaultsTest::daemonThatEndsBeforeItAnswers()

@@ -31,6 +31,8 @@ private Q_SLOTS:
     void whatCannotBeDoneIsSaid();
 
 private:
+    /// A device without a daemon.
+    bool prepareWithNodes();
     bool launchWithNodes();
     /// Starts the program in the device's view of the file system. `shell` are commands before it.
     std::unique_ptr<ChildProcess> start(const QStringList& arguments, const QString& shell = {});
@@ -43,14 +45,19 @@ private:
     std::unique_ptr<PanelNodes> m_nodes;
 };
 
-bool SystemRecordTest::launchWithNodes()
+bool SystemRecordTest::prepareWithNodes()
 {
     m_nodes = std::make_unique<PanelNodes>();
-    if (!launch()) {
+    if (!prepare()) {
         return false;
     }
     m_nodes->follow(device().panel());
     return QDir(device().folder().runFolder()).mkdir(QStringLiteral("keyboard-handler-recorder"));
+}
+
+bool SystemRecordTest::launchWithNodes()
+{
+    return prepareWithNodes() && launch();
 }
 
 std::unique_ptr<ChildProcess> SystemRecordTest::start(const QStringList& arguments, const QString& shell)
@@ -168,7 +175,7 @@ void SystemRecordTest::ctrlCWritesTheWholeRecording()
 /// The pipe is full before the recorder writes to it.
 void SystemRecordTest::aReaderThatHangsDoesNotHoldUpCtrlC()
 {
-    QVERIFY(launchWithNodes());
+    QVERIFY(prepareWithNodes());
     QFile idFile("/tmp/recorder");
     const auto recorder =
         start({}, "{ head -c 65536 /dev/zero; sh -c 'echo $$ >/tmp/recorder; exec \"$0\" record' \"$0\"; "
@@ -187,7 +194,7 @@ void SystemRecordTest::aReaderThatHangsDoesNotHoldUpCtrlC()
 
 void SystemRecordTest::aFullDiskLeavesNoFileAndLosesNothing()
 {
-    QVERIFY(launchWithNodes());
+    QVERIFY(prepareWithNodes());
     const QTemporaryDir folder;
     const auto recorder = start({"--for", "1", "--output", folder.filePath(QStringLiteral("a.keys"))},
                                 "trap '' XFSZ; ulimit -f 1;");
@@ -242,7 +249,7 @@ void SystemRecordTest::whatCannotBeDoneIsSaid_data()
 void SystemRecordTest::whatCannotBeDoneIsSaid()
 {
     QFETCH(QStringList, arguments);
-    QVERIFY(launchWithNodes());
+    QVERIFY(prepareWithNodes());
     const auto recorder = start(arguments);
     WAIT_FOR_EQUAL(recorder->state(), QProcess::NotRunning);
     QTEST(recorder->exitCode(), "status");
