@@ -4,10 +4,14 @@
 #include <QDir>
 #include <QFile>
 
+#include <array>
+#include <climits>
+#include <cstdio>
 #include <stdexcept>
 
 #include <fcntl.h>
 #include <linux/input.h>
+#include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -26,6 +30,9 @@ Watcher::Watcher(const QStringList& command, const DeviceFolder& folder, const Q
             (m_inputs[device] = ::open(path.constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC)) == -1) {
             throw std::runtime_error("The watcher's input device cannot be made.");
         }
+    }
+    if (::pipe2(m_reports, O_CLOEXEC) == -1 || ::fcntl(m_reports[1], F_SETFL, O_NONBLOCK) == -1) {
+        throw std::runtime_error("The watcher's reports have no pipe.");
     }
     QDir(folder.runFolder()).mkdir(QStringLiteral("keyboard-handler-recorder"));
     QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
@@ -46,12 +53,9 @@ Watcher::Watcher(const QStringList& command, const DeviceFolder& folder, const Q
 
 Watcher::~Watcher()
 {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_isEnding = true;
-    }
-    m_changed.notify_one();
+    ::close(m_reports[1]);
     m_feeder.join();
+    ::close(m_reports[0]);
     m_process.end();
     for (const int input : m_inputs) {
         ::close(input);
@@ -78,27 +82,22 @@ void Watcher::awaitReader()
 
 void Watcher::write(const QByteArray& report)
 {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_reports.push_back(report);
+    if (::write(m_reports[1], report.constData(), size_t(report.size())) != report.size()) {
+        throw std::runtime_error("The watcher's reports are not passed on.");
     }
-    m_changed.notify_one();
 }
 
 void Watcher::feed()
 {
-    std::unique_lock lock(m_mutex);
-    for (;;) {
-        m_changed.wait(lock, [this] { return m_isEnding || !m_reports.empty(); });
-        if (m_reports.empty()) {
-            return;
-        }
-        const QByteArray report = m_reports.front();
-        m_reports.pop_front();
-        lock.unlock();
+    // On a device, the kernel does this work: it must not keep a processor from the measured program.
+    const sched_param noPriority{};
+    if (::sched_setscheduler(0, SCHED_IDLE, &noPriority) == -1) {
+        std::perror("The watcher's keys come with the priority of the program");
+    }
+    std::array<char, PIPE_BUF> bytes{};
+    for (ssize_t size = 0; (size = ::read(m_reports[0], bytes.data(), bytes.size())) > 0;) {
         // A watcher that reads too slowly misses keys, as on a device.
-        if (::write(m_inputs[0], report.constData(), size_t(report.size())) == -1) {
+        if (::write(m_inputs[0], bytes.data(), size_t(size)) == -1) {
         }
-        lock.lock();
     }
 }

@@ -6,9 +6,6 @@
 
 #include <QTemporaryDir>
 
-#include <condition_variable>
-#include <deque>
-#include <mutex>
 #include <thread>
 
 /// A program, such as `keyboard-handlerctl`, next to a measured program. A FIFO has one reader, so the
@@ -36,9 +33,7 @@ private:
     QTemporaryDir m_folder;
     int m_inputs[2] = {-1, -1};
     ChildProcess m_process;
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::deque<QByteArray> m_reports;
-    bool m_isEnding = false;
+    // A pipe, because a mutex would make the measuring thread wait for the feeder, which has no priority.
+    int m_reports[2] = {-1, -1};
     std::thread m_feeder;
 };

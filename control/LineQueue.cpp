@@ -49,9 +49,11 @@ LineQueue::~LineQueue()
         m_isEnding = true;
         m_added.wakeAll();
     }
-    if (!wait(endTimeoutMs)) {
-        terminate(); // it is in write(), without a reader
-        wait();
+    // A thread without priority may need longer than a reader is given.
+    while (!wait(endTimeoutMs)) {
+        if (m_isWriting) {
+            terminate();
+        }
     }
 }
 
@@ -74,7 +76,10 @@ void LineQueue::add(const QByteArray& line)
 void LineQueue::run()
 {
     for (QByteArray line = next(); !line.isNull(); line = next()) {
-        if (!writeAll(m_descriptor, line)) {
+        m_isWriting = true;
+        const bool isWritten = writeAll(m_descriptor, line);
+        m_isWriting = false;
+        if (!isWritten) {
             Q_EMIT broken();
             return;
         }

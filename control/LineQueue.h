@@ -7,6 +7,7 @@
 #include <QThread>
 #include <QWaitCondition>
 
+#include <atomic>
 #include <functional>
 
 namespace control {
@@ -46,6 +47,7 @@ private:
     int m_size = 0;
     int m_dropped = 0;
     bool m_isEnding = false;
+    std::atomic<bool> m_isWriting{false};
 };
 
 } // namespace control

@@ -36,16 +36,12 @@ QString faultOf(const Call& call)
     return {};
 }
 
-/// The threads that this process has now.
-QStringList threads()
-{
-    return QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-}
-
 /// The daemon comes first: on a busy processor, the monitor reads keys and messages later, not the daemon.
-void yieldToTheDaemon(const QStringList& threads)
+void yieldToTheDaemon()
 {
     const sched_param noPriority{};
+    const QStringList threads =
+        QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     for (const QString& thread : threads) {
         ::sched_setscheduler(thread.toInt(), SCHED_IDLE, &noPriority); // refused where it is not allowed
     }
@@ -80,13 +76,11 @@ Status complain(const Call& call, Status status, const QString& text)
 
 Status monitor(const Call& call, const QString& prefix, const MonitorLines& lines)
 {
-    const Bus bus(prefix, BusSocket::timeout);
-    const QStringList readers = threads();
     LineQueue queue(STDOUT_FILENO, [&lines](int count) { return lines.loss(count); });
     QObject::connect(&queue, &LineQueue::broken, qApp, [&call] {
         QCoreApplication::exit(complain(call, Unusable, QStringLiteral("The output could not be written.")));
     });
-    Monitor monitor(bus, call.options.values(receiver),
+    Monitor monitor(Bus(prefix, BusSocket::timeout), call.options.values(receiver),
                     [&](const MonitorEvent& event) { queue.add(lines.of(event)); });
     QObject::connect(&monitor, &Monitor::busLost, qApp, [] { QCoreApplication::exit(NoBus); });
     LiveKeys keys(reportOf(queue, lines, QStringLiteral("key")));
@@ -108,7 +102,7 @@ Status monitor(const Call& call, const QString& prefix, const MonitorLines& line
         reportSpeech(noSpeech, {});
     }
     if (call.options.isSet(why)) {
-        yieldToTheDaemon(readers);
+        yieldToTheDaemon();
     }
     return static_cast<Status>(QCoreApplication::exec());
 }
