@@ -2,6 +2,7 @@
 #include "control/Status.h"
 #include "tests/control/ControlProgram.h"
 #include "tests/support/BusPeer.h"
+#include "tests/support/ListeningSocket.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/Waiting.h"
 #include "tests/whole/system/SystemTest.h"
@@ -15,8 +16,6 @@
 #include <list>
 
 #include <signal.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace {
@@ -27,18 +26,6 @@ const QString name = ls::busName(ls::ServiceId::KeyboardHandler);
 void succeed(const BusPeer& self, const QDBusMessage& call)
 {
     self.reply(call, {QVariantMap{{"errorId", "Undefined"}, {"resultId", "Success"}, {"key", 139}}});
-}
-
-/// The kernel alone accepts clients.
-int listenAt(const QString& path)
-{
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    qstrncpy(address.sun_path, qPrintable(path), sizeof address.sun_path);
-    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const bool listens =
-        ::bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 && ::listen(fd, 10) == 0;
-    return listens ? fd : -1;
 }
 
 } // namespace
