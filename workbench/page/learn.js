@@ -81,7 +81,7 @@ export function setPractice(other) {
 
 async function showReasons() {
     const { lines } = await postJson('/api/why', last);
-    const texts = lines.map(text => text.trim().replace(/\s+/g, ' ')).filter(Boolean);
+    const texts = lines.filter(Boolean).map(text => text.trim().split(/ {2,}/).join(', ')); // of columns
     byId('reasons').replaceChildren(...texts.map(text => line(text)));
     texts.forEach(text => announce(text, 'reply'));
 }
