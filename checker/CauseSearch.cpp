@@ -96,15 +96,15 @@ QVector<Edit> subset(const QVector<Edit>& edits, quint32 mask)
 
 } // namespace
 
-CauseSearch::CauseSearch(const KeyLists& lists, const KeyScript& script)
-    : m_lists(lists), m_script(script), m_original(lists, script)
+CauseSearch::CauseSearch(const KeyLists& lists, const KeyScript& script, int maxTrials)
+    : m_lists(lists), m_script(script), m_original(lists, script), m_maxTrials(maxTrials)
 {}
 
 QVector<Swallowed> CauseSearch::swallowed() const
 {
     QVector<Swallowed> all = Swallowed::in(m_original);
     for (Swallowed& swallowed : all) {
-        if (swallowed.kind == Swallowed::Kind::Refused && otherState(swallowed).isEmpty()) {
+        if (swallowed.kind == Swallowed::Kind::Refused && otherState(swallowed).isEmpty() && !isExhausted()) {
             swallowed.kind = Swallowed::Kind::RefusedAlways;
         }
     }
@@ -122,10 +122,12 @@ QVector<Edit> CauseSearch::causesOf(const Swallowed& swallowed) const
         // In Idle, a gesture may silence the key as well.
         edits.append(withState(swallowed.occasion, KeyFacts::idle));
     }
-    for (int round = 0; round < maxRounds; ++round) {
+    for (int round = 0; round < maxRounds && !isExhausted(); ++round) {
+        ++m_trials;
         const Trial trial(m_lists, m_script, edits);
         if (swallowed.isMended(m_original, trial)) {
-            return smallest(swallowed, edits);
+            edits = smallest(swallowed, edits);
+            return isExhausted() ? QVector<Edit>() : edits;
         }
         const int count = edits.size();
         const QVector<Edit> found = candidates(swallowed, trial);
@@ -140,6 +142,10 @@ QVector<Edit> CauseSearch::causesOf(const Swallowed& swallowed) const
 
 bool CauseSearch::isMendedBy(const Swallowed& swallowed, const QVector<Edit>& edits) const
 {
+    if (isExhausted()) {
+        return false;
+    }
+    ++m_trials;
     return swallowed.isMended(m_original, Trial(m_lists, m_script, edits));
 }
 

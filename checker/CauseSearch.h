@@ -3,13 +3,18 @@
 
 #include "checker/Swallowed.h"
 
+#include <limits>
+
 namespace checker {
 
 /// Searches for the causes of what a script's keys do not do. Each cause is an edit that takes it away.
 class CauseSearch
 {
 public:
-    CauseSearch(const model::KeyLists& lists, const KeyScript& script);
+    /// After `maxTrials` plays of the script, no more is found.
+    CauseSearch(const model::KeyLists& lists, const KeyScript& script, int maxTrials = unlimited);
+
+    static constexpr int unlimited = std::numeric_limits<int>::max();
 
     /// The script without edits.
     const Trial& original() const { return m_original; }
@@ -25,6 +30,7 @@ public:
     bool isMendedBy(const Swallowed& swallowed, const QVector<Edit>& edits) const;
 
 private:
+    bool isExhausted() const { return m_trials >= m_maxTrials; }
     QVector<Edit> otherState(const Swallowed& swallowed) const;
     QVector<Edit> candidates(const Swallowed& swallowed, const Trial& trial) const;
     QVector<Edit> candidatesOfWait(const Swallowed& swallowed, const Trial& trial) const;
@@ -36,6 +42,8 @@ private:
     model::KeyLists m_lists;
     KeyScript m_script;
     Trial m_original;
+    int m_maxTrials;
+    mutable int m_trials = 0;
 };
 
 } // namespace checker

@@ -132,37 +132,47 @@ QStringList MissedRows::afterRelease(const QVector<PlayedStep>& steps, int step)
 QStringList MissedRows::actionsOf(List list, const Keys& keys) const
 {
     const QStringList names{Alphabet::nameOf(keys.first), Alphabet::nameOf(keys.second)};
-    QStringList actions;
+    QVector<RowId> rows;
     for (int i = 0; i < m_lists.rows(list).size(); ++i) {
-        const RowId row{list, i};
-        const bool isMeant = m_action.isNull() || m_lists.row(row).eAction() == m_action;
-        if (isMeant && keys.first != keys.second && m_lists.row(row).keys() == names && works(row, keys)) {
+        const KeyEntry& row = m_lists.rows(list).at(i);
+        const bool isMeant = m_action.isNull() || row.eAction() == m_action;
+        if (isMeant && keys.first != keys.second && row.keys() == names) {
+            rows.append({list, i});
+        }
+    }
+    const QVector<RowId> working = rows.isEmpty() ? rows : announcedRows(list, keys);
+    QStringList actions;
+    for (const RowId row : qAsConst(rows)) {
+        if (working.contains(row)) {
             actions.append(m_lists.row(row).eAction());
         }
     }
     return actions;
 }
 
-bool MissedRows::works(RowId row, const Keys& keys) const
+/// The rows that the keys announce, as a shortcut or as a combination.
+QVector<RowId> MissedRows::announcedRows(List list, const Keys& keys) const
 {
     const KeyModel keyModel(m_lists);
     Playback playback(keyModel, keys.state);
-    const bool isCombination = row.list == List::Combinations;
     playback.press(keys.first);
     playback.wait(playedPause);
-    if (isCombination) {
+    if (list == List::Combinations) {
         playback.release(keys.first);
         playback.wait(playedPause);
     }
     playback.press(keys.second);
     playback.wait(playedPause);
     playback.release(keys.second);
-    const auto isAnnounced = [row](const Effect& effect) {
-        return effect.rule == Rule::Announces && effect.row == row;
-    };
-    return std::any_of(playback.steps().begin(), playback.steps().end(), [&](const PlayedStep& step) {
-        return std::any_of(step.effects.begin(), step.effects.end(), isAnnounced);
-    });
+    QVector<RowId> rows;
+    for (const PlayedStep& step : playback.steps()) {
+        for (const Effect& effect : step.effects) {
+            if (effect.rule == Rule::Announces) {
+                rows.append(effect.row);
+            }
+        }
+    }
+    return rows;
 }
 
 } // namespace checker

@@ -33,7 +33,7 @@ private:
     QStringList afterRelease(const QVector<model::PlayedStep>& steps, int step) const;
     /// The actions that the keys announce, as a shortcut or as a combination.
     QStringList actionsOf(model::List list, const Keys& keys) const;
-    bool works(model::RowId row, const Keys& keys) const;
+    QVector<model::RowId> announcedRows(model::List list, const Keys& keys) const;
 
     const model::KeyLists& m_lists;
     QString m_action;

@@ -65,8 +65,8 @@ QVector<Part> partsOf(const QVector<PlayedStep>& steps)
 class WhyWriter
 {
 public:
-    WhyWriter(const KeyLists& lists, const KeyScript& script, const PlaceOf& placeOf)
-        : m_search(lists, script), m_effects(lists, placeOf), m_causes(m_search, m_effects)
+    WhyWriter(const KeyLists& lists, const KeyScript& script, const PlaceOf& placeOf, int maxTrials)
+        : m_search(lists, script, maxTrials), m_effects(lists, placeOf), m_causes(m_search, m_effects)
     {}
 
     const QVector<PlayedStep>& steps() const { return m_search.original().steps(); }
@@ -160,9 +160,9 @@ void WhyWriter::writeCauses(const Part& part)
 } // namespace
 
 QStringList WhyAnswer::of(const KeyLists& lists, const KeyScript& script, const PlaceOf& placeOf,
-                          std::optional<milliseconds> at)
+                          std::optional<milliseconds> at, int maxTrials)
 {
-    WhyWriter writer(lists, script, placeOf);
+    WhyWriter writer(lists, script, placeOf, maxTrials);
     const QVector<Part> parts = partsOf(writer.steps());
     const auto distance = [&](const Part& part) {
         const milliseconds begin = writer.steps().at(part.begin).at;

@@ -8,9 +8,14 @@
 
 #include <QJsonArray>
 
+#include <algorithm>
+
 namespace {
 
 using checker::ListSources;
+
+/// Rows and steps that the search for causes plays: some seconds of it.
+constexpr int maxPlayed = 500'000;
 
 bool isOrvane(const KeyAnswers::Device& device)
 {
@@ -46,8 +51,11 @@ HttpAnswer KeyAnswers::what(const Device& device, const KeyQuestion& question)
 HttpAnswer KeyAnswers::why(const Device& device, const KeyQuestion& question)
 {
     const ListSources sources = ListSources::of(device.keyLists);
-    const QStringList lines = checker::WhyAnswer::of(sources.lists(isOrvane(device)), question.script,
-                                                     checker::PlacesOf::rowsIn(sources), question.at);
+    const model::KeyLists lists = sources.lists(isOrvane(device));
+    const int played = lists.ids().size() + question.script.steps.size();
+    const QStringList lines =
+        checker::WhyAnswer::of(lists, question.script, checker::PlacesOf::rowsIn(sources), question.at,
+                               maxPlayed / std::max(1, played));
     return HttpAnswer::json({{QStringLiteral("lines"), QJsonArray::fromStringList(lines)}});
 }
 

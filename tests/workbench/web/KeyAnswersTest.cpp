@@ -41,6 +41,7 @@ private Q_SLOTS:
     void theStateIsThatOfTheDeviceUnlessOneIsNamed();
     void keysAreExplained();
     void keysNearATimeAreExplainedAlone();
+    void theSearchForCausesIsLimited();
     void keysAreJudged();
     void pausesDoNotCountAtOnesOwnPace();
     void faultyQuestionsAreRefused_data();
@@ -95,6 +96,28 @@ void KeyAnswersTest::keysNearATimeAreExplainedAlone()
     QVERIFY(text(answer(KeyAnswers::why, '{' + script + '}')).contains("Up down"));
     const QByteArray near = text(answer(KeyAnswers::why, '{' + script + R"(, "at": 3060})"));
     QVERIFY2(near.contains("Down down") && !near.contains("Up down"), near.constData());
+}
+
+/// Each row is a cause, and trying one takes as long as all rows.
+void KeyAnswersTest::theSearchForCausesIsLimited()
+{
+    const auto causes = [](int count) {
+        QJsonArray rows;
+        for (int i = 0; i < count; ++i) {
+            rows.append(QJsonObject{{"keys", QJsonArray{"Help", "Feed"}},
+                                    {"eAction", QString("A%1").arg(i)},
+                                    {"receiverService", "UserMenu"},
+                                    {"validOnState", "Idle"}});
+        }
+        const KeyAnswers::Device many{
+            {{"modifierKeyList.json", QJsonDocument(QJsonObject{{"ModifierKeys", rows}}).toJson()}},
+            "Pellit"};
+        HttpAnswer unused;
+        const auto question = KeyQuestion::read(R"({"script": "tap Help\ntap Feed"})", "Idle", &unused);
+        return KeyAnswers::why(many, *question).body;
+    };
+    QVERIFY(causes(3).contains("row 3 of modifierKeyList.json, A2 was completed"));
+    QVERIFY(causes(1000).contains("  not found."));
 }
 
 void KeyAnswersTest::keysAreJudged()
