@@ -33,6 +33,11 @@ async function goTo(panel, view) {
         await panel.page.getByText('Timeline as a table').click();
         await panel.page.getByRole('row').nth(1).waitFor();
         await panel.button('Pause').click();
+        while (!(await panel.page.locator('.timeline-event').innerText()).startsWith('Key:')) {
+            await panel.button('Previous event').click();
+        }
+        await panel.button('Why?').click();
+        await panel.page.locator('.timeline-answer pre').waitFor();
     }
 }
 
