@@ -4,6 +4,7 @@ import { send } from './connection.js';
 import { device } from './device.js';
 import { all, byId, element, line, on } from './dom.js';
 import { EntryLog } from './entryLog.js';
+import { markField } from './fieldFault.js';
 import { announce, attempt, showFault } from './messages.js';
 import { OpenCommands, answerPatience } from './openCommands.js';
 import { isNested, unansweredText } from './wording.js';
@@ -39,12 +40,10 @@ function showInForm(command, children) {
     document.querySelector(`[data-command="${command}"] .outcome`)?.replaceChildren(...children);
 }
 
-/// Marks the text that the form could not send.
-function markFault(form, isFaulty) {
-    for (const input of form.querySelectorAll('input')) {
-        input.setAttribute('aria-invalid', String(isFaulty));
-        input.setAttribute('aria-describedby', isFaulty ? `outcome-${form.dataset.command}` : '');
-    }
+/// Marks the texts of a form that could not be sent.
+function markFields(form, isFaulty) {
+    const faultId = isFaulty ? `outcome-${form.dataset.command}` : '';
+    form.querySelectorAll('input').forEach(input => markField(input, faultId));
 }
 
 function report(unanswered) {
@@ -100,10 +99,10 @@ on('[data-command]', 'submit', event => {
     const { command } = event.target.dataset;
     const words = new FormData(event.target).getAll('argument');
     showInForm(command, []);
-    markFault(event.target, false);
+    markFields(event.target, false);
     send(['command', command, 'as', byId('command-sender').value, ...words].join(' ').trim()).catch(({ message }) => {
         showInForm(command, [line(message, 'fault')]);
-        markFault(event.target, true);
+        markFields(event.target, true);
         announce(message, 'fault');
     });
 });

@@ -33,6 +33,7 @@ async function request(path, options = {}) {
 }
 
 export const getJson = async path => (await request(path)).json();
+export const getText = async path => (await request(path)).text();
 export const post = (path, body = '', headers = {}) => request(path, { method: 'POST', body, headers });
 export const postScript = (path, script, headers = {}) =>
     post(path, script, { 'Content-Type': 'text/plain', ...headers });

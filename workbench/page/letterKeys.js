@@ -2,6 +2,7 @@
 // Letters and digits of the user's keyboard that press keys of the panel: off at first, chosen by the user, and kept in
 // the browser.
 import { all, byId, element, on, setText } from './dom.js';
+import { markField } from './fieldFault.js';
 import { begin, releaseHolder } from './keys.js';
 import { announce, announcer } from './messages.js';
 import { isView } from './views.js';
@@ -71,7 +72,7 @@ function showLetters() {
 function showFields() {
     for (const key of keyNames()) {
         fieldOf(key).value = letters[key] ?? '';
-        fieldOf(key).removeAttribute('aria-invalid');
+        markField(fieldOf(key));
     }
     setText(fault, '');
 }
@@ -98,7 +99,7 @@ function takeLetter(key) {
     setText(fault, text);
     announce(text, 'fault');
     if (text) {
-        field.setAttribute('aria-invalid', 'true');
+        markField(field, fault.id);
         return;
     }
     releaseLetters();
@@ -114,7 +115,6 @@ function takeLetter(key) {
 function fieldFor(key) {
     const input = element('input', { id: `letter-${key}`, maxLength: 1, autocomplete: 'off', spellcheck: false });
     input.setAttribute('autocapitalize', 'none');
-    input.setAttribute('aria-describedby', fault.id);
     input.addEventListener('focus', () => input.select());
     input.addEventListener('change', () => takeLetter(key));
     return element('p', {}, [element('label', { htmlFor: input.id, textContent: key }), ' ', input]);

@@ -16,6 +16,7 @@ import { showPanel } from './panel.js';
 import './practise.js';
 import { expectReadiness, loadAfterConnecting, reportReadiness } from './readiness.js';
 import { followRecording, showRecording, showReplay } from './recording.js';
+import './statements.js';
 import { strip } from './strip.js';
 import { timeline } from './timelineView.js';
 import { setUpViews } from './views.js';

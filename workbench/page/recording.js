@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The view Recording: the recording of the session, and the replay of key scripts.
-import { download, post, postScript } from './connection.js';
+import { download, getText, post, postScript } from './connection.js';
 import { byId, element, line, list, on, setText } from './dom.js';
 import { announce, ask, attempt, begin, news, showFault, showStatus } from './messages.js';
+import { focusView } from './views.js';
 import { replayText } from './wording.js';
 
 const recordedTypes = ['key', 'record', 'state', 'command', 'console', 'heading'];
@@ -36,11 +37,20 @@ function showResult(title, lines) {
     byId('replay-result').replaceChildren(line(title), ...(items.length > 0 ? [list(items)] : []));
 }
 
+function showPlaying() {
+    const banner = byId('playing');
+    if (!isReplaying && banner.contains(document.activeElement)) {
+        focusView(); // the button goes
+    }
+    banner.hidden = !isReplaying;
+}
+
 export function showReplay(entry) {
     // A result is not read again.
     if (entry && entry.id !== shownReplay) {
         shownReplay = entry.id;
         isReplaying = entry.status === 'playing';
+        showPlaying();
         showResult(replayText(entry), entry.differences ?? []);
     }
 }
@@ -61,12 +71,16 @@ async function startReplay(event) {
         showFault('Choose a key script first.');
         return;
     }
-    if (!(await mayEndRecording('Replay the script'))) {
-        return;
+    if (await mayEndRecording('Replay the script')) {
+        await replay(() => file.text());
     }
+}
+
+async function replay(readScript) {
     try {
+        const script = await readScript();
         ['restart', 'replay'].forEach(begin);
-        await postScript('/api/replay', await file.text());
+        await postScript('/api/replay', script);
         isReplaying = true; // its entry comes when the device is ready
     } catch ({ message, lines = [] }) {
         const title = lines.length ? 'The script is faulty:' : message;
@@ -91,7 +105,12 @@ on('#download-recording', 'click', async () => {
 });
 on('#download-former', 'click', () => download('/api/former-recording.keys', 'former-recording.keys'));
 on('#replay-form', 'submit', startReplay);
-on('#stop-replay', 'click', () => {
+on('#play-demonstration', 'click', async () => {
+    if (await mayEndRecording('Play the demonstration')) {
+        await replay(() => getText('/demonstration.keys'));
+    }
+});
+on('#stop-replay, #stop-playing', 'click', () => {
     if (isReplaying) {
         begin('replay');
         attempt(post('/api/replay/stop'));

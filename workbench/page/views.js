@@ -32,7 +32,7 @@ export function setUpViews(onLeaving, onShown) {
     };
     window.addEventListener('popstate', changeView);
     // A browser that jumps to a fragment has a screen reader read where it was before, too.
-    on('nav a, a.to-view', 'click', event => {
+    on('nav a', 'click', event => {
         if (event.ctrlKey || event.shiftKey || event.metaKey || event.altKey) {
             return; // to open another page
         }

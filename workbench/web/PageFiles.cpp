@@ -12,7 +12,8 @@ void add(QMap<QByteArray, HttpAnswer>& files, const QString& folder, const QByte
     const QMap<QString, QByteArray> types{{QStringLiteral("html"), "text/html; charset=utf-8"},
                                           {QStringLiteral("css"), "text/css; charset=utf-8"},
                                           {QStringLiteral("js"), "text/javascript; charset=utf-8"},
-                                          {QStringLiteral("md"), "text/plain; charset=utf-8"}};
+                                          {QStringLiteral("md"), "text/plain; charset=utf-8"},
+                                          {QStringLiteral("keys"), "text/plain; charset=utf-8"}};
     for (const QFileInfo& info : QDir(folder).entryInfoList()) {
         QFile file(info.filePath());
         file.open(QIODevice::ReadOnly);

@@ -174,7 +174,7 @@ const buttons = (...names) => names.map(name => `button "${name}"`);
 const frameStops = ['link "Skip to the view"', ...views.map(view => `link "${view}"`)];
 const keys = 'On Off Feed Menu Up Help Back Ok Right Function Down Chs One Ten'.split(' '); // and FactoryReset
 const endStops = [
-    'group "Announced"',
+    'group "Announced lines"',
     'Speech and screen readers',
     'checkbox "Speak aloud"',
     'combobox "Announce to screen readers"',
@@ -191,7 +191,6 @@ test('Tab goes through the panel in the order in which it is read', async () => 
     const idle = states.find(({ state }) => state === 'Idle');
     assert.deepEqual(await tabStops(panel), [
         ...frameStops,
-        'link "How to use this page"',
         ...buttons(...keys, 'Factory reset'),
         'switch "Latch keys"',
         ...buttons('Release all'),
@@ -253,7 +252,7 @@ for (const [view, hash, stops] of [
         [
             ...buttons('Start a new recording', 'Download the recording', 'Download the previous recording'),
             'button "Key script"',
-            ...buttons('Replay the script', 'Stop the replay'),
+            ...buttons('Replay the script', 'Stop the replay', 'Play the demonstration'),
         ],
     ],
     [
@@ -276,6 +275,8 @@ for (const [view, hash, stops] of [
             ...buttons('Send SimulateModifier'),
             'textbox "Keys of the shortcut, in their order"',
             ...buttons('Send SimulateShortcut'),
+            'textbox "Statements to do"',
+            ...buttons('Do the statements'),
             'textbox "Line for the daemon\'s console"',
             ...buttons('Send the line'),
             'group "Console"',

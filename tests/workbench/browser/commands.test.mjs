@@ -112,13 +112,40 @@ test('a key that there is not is refused before anything is sent', async () => {
     await panel.showsText('#outcome-SimulateShortcut', /^Unknown key "Nonsense"/);
     const field = panel.page.getByLabel('Keys of the shortcut');
     assert.equal(await field.getAttribute('aria-invalid'), 'true');
-    assert.equal(await field.getAttribute('aria-describedby'), 'outcome-SimulateShortcut');
+    await eventually(async () =>
+        assert.equal(await field.getAttribute('aria-describedby'), 'outcome-SimulateShortcut'),
+    );
     assert.deepEqual(await violations(panel.page), []);
     await eventually(async () => assert.match((await panel.texts('#announcements p')).join(), /Nonsense/));
     await field.fill('Function Down');
     await panel.button('Send SimulateShortcut').click();
     await panel.showsText('#outcome-SimulateShortcut', /resultId=Success/);
     assert.equal(await field.getAttribute('aria-invalid'), 'false');
+});
+
+test('statements are done, refused at their line, and come back with the arrow keys', async () => {
+    const panel = await openCommands();
+    const input = panel.page.getByLabel('Statements to do');
+    await input.fill('tap Up Menu; wait 10');
+    await input.press('Enter');
+    await panel.isTold('SingleKey Menu to UserMenu');
+    await input.fill('wait 1; tap Nonsense');
+    await input.press('Enter');
+    await panel.showsText('#statement-outcome', /^Line 2: .*Nonsense/);
+    assert.equal(await input.getAttribute('aria-invalid'), 'true');
+    await input.fill('wa');
+    const shown = async key => {
+        await input.press(key);
+        return input.inputValue();
+    };
+    assert.equal(await shown('ArrowUp'), 'wait 1; tap Nonsense');
+    assert.equal(await shown('ArrowUp'), 'tap Up Menu; wait 10');
+    assert.equal(await shown('ArrowUp'), 'tap Up Menu; wait 10');
+    assert.equal(await shown('ArrowDown'), 'wait 1; tap Nonsense');
+    assert.equal(await shown('ArrowDown'), 'wa');
+    await input.fill('tap Menu');
+    await input.press('Enter');
+    await panel.showsText('#statement-outcome', '');
 });
 
 test('the console takes lines and shows what the daemon says', async () => {

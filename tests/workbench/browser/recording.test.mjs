@@ -4,6 +4,8 @@ import assert from 'node:assert/strict';
 import { readFile } from 'node:fs/promises';
 import { test } from 'node:test';
 
+import { violations } from './axe.mjs';
+import { eventually } from './eventually.mjs';
 import { panelFixture } from './panelFixture.mjs';
 
 const fixture = panelFixture();
@@ -170,4 +172,18 @@ test('a replay that is not running cannot be stopped', async () => {
     const panel = await openRecording();
     await panel.button('Stop the replay').click();
     await panel.showsText('#status', 'No replay is running.');
+});
+
+test('the demonstration plays under a banner that can stop it', async () => {
+    const panel = await fixture.open({ view: '#record' });
+    await panel.button('Play the demonstration').click();
+    await panel.reply('Play the demonstration');
+    await panel.page.locator('#playing').waitFor();
+    await panel.goTo('Panel');
+    assert.deepEqual(await violations(panel.page), []);
+    await panel.button('Stop').click();
+    await panel.page.locator('#playing').waitFor({ state: 'hidden' });
+    await eventually(async () => assert.equal(await panel.page.locator(':focus').innerText(), 'Panel'));
+    await panel.goTo('Recording');
+    await panel.showsText('#replay-result', 'The replay was stopped.');
 });
