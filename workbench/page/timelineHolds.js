@@ -67,6 +67,7 @@ export class Holds {
 
     /// Nothing more has happened up to `to`; the long press stops at `end` if that is earlier.
     assume(to, end) {
+        this.takeBack();
         for (const hold of [this.#long, this.#reset].filter(isRunning)) {
             hold.to = Math.min(to, hold.due);
         }

@@ -7,9 +7,12 @@ const quietWindows = 2;
 
 /// The question why a key did what it did: the `state` and the `script` of what happened to it and the keys around it,
 /// and the time `at` in the script. Or a `fault`, a sentence that says why this cannot be asked.
-export function questionOf(model, { item: bar, from, run }) {
+export function questionOf(model, { item: bar, from, lane, run }) {
     if (run !== model.runs.at(-1)) {
         return { fault: 'Only keys since the last start of the device can be explained.' };
+    }
+    if (lane.device === commandDevice) {
+        return { fault: 'Only keys of the input devices can be explained.' };
     }
     if (!bar.heard) {
         return { fault: 'The daemon did not hear this key.' };

@@ -571,6 +571,35 @@ describe('the rows of the table', () => {
     });
 });
 
+/** Returns a function whose results are below its argument. */
+function randomNumbers(seed) {
+    let last = seed;
+    return limit => {
+        last = (last * 1103515245 + 12345) % 2 ** 31;
+        return Math.floor(last / 65536) % limit;
+    };
+}
+
+function randomEntries(random) {
+    const oneOf = (...items) => items[random(items.length)];
+    const name = () => oneOf('Up', 'Help', 'Menu', 'Feed', 'FactoryReset', 'Ok');
+    const makers = [
+        at => key(at, name(), random(3), random(2)),
+        at => key(at, name(), random(3)),
+        at => key(at, name(), 2),
+        at => state(at, oneOf('Idle', 'Print', 'Startup')),
+        at => announced(at, oneOf('KeyDescription', 'FactoryReset', 'SingleKey'), name()),
+        at => refused(at),
+        at => entry('test', at, { running: random(2) === 1 }),
+        at => simulate(at, oneOf('Pressed', 'Released'), name()),
+    ];
+    const entries = ready();
+    for (let at = 0; entries.length < 60; at += oneOf(1, 30, 250, 700, 1499, 1500, 1501, 2200)) {
+        entries.push(...[oneOf(...makers)(at)].flat());
+    }
+    return entries;
+}
+
 describe('a model that grows', () => {
     const scripts = {
         'a window that is restarted at its last moment': [ready(), tap(0, 'Up'), tap(1499, 'Down'), tap(9000, 'Up')],
@@ -613,6 +642,20 @@ describe('a model that grows', () => {
             assert.deepEqual(contents(model), contents(modelOf(entries, 12000)));
         });
     }
+    test('is the same however often it is looked at: random entries', () => {
+        for (let seed = 1; seed <= 200; ++seed) {
+            const random = randomNumbers(seed);
+            const entries = randomEntries(random);
+            const model = new TimelineModel(deviceTimes, longTimes);
+            for (const each of entries) {
+                model.add(each);
+                model.extendTo(each.at + random(60));
+                model.extendTo(each.at + random(6000));
+            }
+            model.extendTo(20000);
+            assert.deepEqual(contents(model), contents(modelOf(entries, 20000)), `seed ${seed}`);
+        }
+    });
     test('shows the end of a window before another entry comes', () => {
         const model = modelOf([ready(), tap(50, 'Up')], 600);
         model.extendTo(1700);
@@ -622,6 +665,8 @@ describe('a model that grows', () => {
     test('shows that the end of a window stops a long press before another entry comes', () => {
         const model = modelOf([ready(), tap(0, 'Up'), press(100, 'Help'), repeat(350, 'Help')], 2000);
         assert.deepEqual(pick(holdsOf(model, 'Help'), 'to', 'outcome'), [{ to: 1550, outcome: 'stopped' }]);
+        model.extendTo(1500);
+        assert.deepEqual(pick(holdsOf(model, 'Help'), 'to', 'outcome'), [{ to: 1500, outcome: 'running' }]);
     });
     test('forgets what ended before the oldest entry that is left', () => {
         const entries = [
@@ -780,10 +825,11 @@ describe('the question why', () => {
             at: 200,
         });
     });
-    test('is not asked about keys of earlier runs, of a keyboard test, or that the daemon did not hear', () => {
+    test('is not asked about keys of earlier runs, of commands, of a keyboard test, or not heard by the daemon', () => {
         const fault = (...entries) => questionAbout('Up', modelOf([ready(), ...entries], 9000)).fault;
         const test = entry('test', 10, { running: true });
         assert.match(fault(tap(100, 'Up'), ready()), /since the last start/);
+        assert.match(fault(simulate(100, 'Pressed', 'Up')), /input devices/);
         assert.match(fault(test, tap(100, 'Up')), /keyboard test/);
         assert.match(fault(state(10, 'Startup'), tap(100, 'Up')), /did not hear/);
     });
