@@ -90,7 +90,8 @@ BusFault Monitor::begin()
     m_watcher.setWatchedServices({daemon, m_stateHandler});
     bus.connect(QString(), QString(), QStringLiteral("org.freedesktop.DBus.Local"),
                 QStringLiteral("Disconnected"), this, SLOT(onBusLost()));
-    bus.connect(daemon, ls::busPath, daemon, notification, this, SLOT(onAnnouncement(QDBusMessage)));
+    bus.connect(daemon, ls::busPath, Notifications::anyInterface, notification, this,
+                SLOT(onAnnouncement(QDBusMessage)));
     bus.connect(m_stateHandler, ls::busPath, m_stateHandler, notification, this,
                 SLOT(onStateMessage(QDBusMessage)));
     // The bus answers after it has added the rules above.

@@ -11,7 +11,11 @@ namespace control {
 /// The signals of the daemon and of the state handler.
 namespace Notifications {
 
-/// The map of a signal with nested values unpacked; empty if the signal has none.
+/// For subscriptions. The bus delivers a signal to clients that name the interface first, so that services
+/// get announcements before those who only watch.
+inline const QString anyInterface;
+
+/// The map of a signal, with nested values unpacked; empty if there is no map.
 QVariantMap mapOf(const QDBusMessage& signal);
 /// Whether this is about a change of the operating state.
 bool isStateChange(const QVariantMap& notification);

@@ -24,13 +24,13 @@ BusFault DaemonSignals::begin()
     const QString stateHandler = m_bus.nameOf(ls::ServiceId::StateHandler);
     const QString signal = QStringLiteral("notification");
     QDBusConnection& bus = m_bus.connection();
-    const bool listens =
-        bus.connect(daemon, ls::busPath, daemon, signal, this, SLOT(onAnnouncement(QDBusMessage))) &&
-        bus.connect(stateHandler, ls::busPath, stateHandler, signal, this,
-                    SLOT(onStateMessage(QDBusMessage))) &&
-        bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
-                    QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
-                    SLOT(onDisconnected()));
+    const bool listens = bus.connect(daemon, ls::busPath, Notifications::anyInterface, signal, this,
+                                     SLOT(onAnnouncement(QDBusMessage))) &&
+                         bus.connect(stateHandler, ls::busPath, stateHandler, signal, this,
+                                     SLOT(onStateMessage(QDBusMessage))) &&
+                         bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                                     QStringLiteral("org.freedesktop.DBus.Local"),
+                                     QStringLiteral("Disconnected"), this, SLOT(onDisconnected()));
     if (!listens) {
         return {NoBus,
                 QStringLiteral("The bus does not deliver signals (%1).").arg(bus.lastError().message())};
