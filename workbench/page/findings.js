@@ -93,12 +93,11 @@ export function showFindings(answer) {
 }
 
 /// Ties the note to its field, or unties it: a note that changes under the focus would be read as well as announced.
+/// As an error message, too, it would be read twice.
 export function tieNote(field, isTied) {
-    for (const name of ['aria-describedby', 'aria-errormessage']) {
-        if (isTied) {
-            field.setAttribute(name, `${field.id}-note`);
-        } else {
-            field.removeAttribute(name);
-        }
+    if (isTied) {
+        field.setAttribute('aria-describedby', `${field.id}-note`);
+    } else {
+        field.removeAttribute('aria-describedby');
     }
 }

@@ -9,7 +9,7 @@
 namespace {
 
 /// For an answer within seconds. The installed lists and a similar draft need a third of this.
-constexpr model::Limits searchLimits{1'000'000, 10'000'000};
+constexpr model::Limits searchLimits{2'000'000, 10'000'000};
 constexpr int maxText = 1'000'000;
 
 model::KeyLists listsOf(const checker::ListSources& sources, const DeviceOptions& options)
