@@ -28,7 +28,7 @@ async function openLearning() {
     panel.isDescribed = text =>
         eventually(async () => {
             await panel.pass(500);
-            const shown = await page.locator('#described p').first().innerText({ timeout: 1000 });
+            const [shown = ''] = await page.locator('#described p').allInnerTexts();
             if (text instanceof RegExp) {
                 assert.match(shown, text);
             } else {
