@@ -58,6 +58,8 @@ async function keysDuring(work) {
 
 test('a gesture is described, and the device does not get it', async () => {
     const panel = await openLearning();
+    const boxes = () => Promise.all(['On', 'Feed', 'Chs', 'Ten'].map(name => panel.key(name).boundingBox()));
+    const learning = await boxes();
     const keys = await keysDuring(async () => {
         await panel.key('Help').click();
         await panel.key('Feed').click();
@@ -67,6 +69,7 @@ test('a gesture is described, and the device does not get it', async () => {
     await panel.showsText('#status', 'Help, then Feed: PaperStatus, to PrintManager, only in Idle.');
     await panel.switch('Learn').uncheck();
     await panel.showsText('#status', 'The device gets the keys again.');
+    assert.deepEqual(await boxes(), learning); // the keys stay where they are
     await panel.key('Up').click();
     await panel.isTold('Up');
 });
