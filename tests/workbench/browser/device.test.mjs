@@ -103,8 +103,8 @@ test('a second page sees the same keys, words and actions', async () => {
 
 test('a page that is opened later shows the past, but reads nothing of it out', async () => {
     const first = await fixture.open();
-    await fixture.simulator.take('tap Menu');
-    await first.isTold('SingleKey Menu to UserMenu');
+    await fixture.simulator.take('tap Down'); // another line than the past has
+    await first.isTold('SingleKey Down to UserMenu');
     const second = await fixture.open();
     assert.deepEqual(await second.texts('#announced p'), await first.texts('#announced p'));
     assert.deepEqual(await second.texts('[data-part=live] p, [role=log] p'), []);
@@ -131,7 +131,7 @@ test('a page that was cut off says so once, comes back, and reads nothing twice'
     await relay.mend();
     await panel.showsText('#status', 'Connected again.');
     assert.deepEqual(await panel.texts('[data-part=live] p'), []);
-    assert.equal((await panel.texts('#announced p')).at(-1), 'SingleKey Menu to UserMenu from KeyboardHandler');
+    assert.match((await panel.texts('#announced p')).at(-1), /^SingleKey Menu to UserMenu/);
     const told = (await panel.page.evaluate('window.alerts')).filter(text => text.includes('no connection'));
     assert.equal(told.length, 1);
     await panel.key('Menu').click();
