@@ -60,8 +60,8 @@ function deliver(verb, id, isWanted) {
 }
 
 /// From now on, the methods of `other` are called in place of sending keys to the device: `take` with "press" or
-/// "release" and the id of a key, and `drop` when the page forgets which keys it holds. Without `other`, the device gets
-/// the keys.
+/// "release" and the id of a key, `play` with the statements of an entry of the key card, and `drop` when the page
+/// forgets which keys it holds. Without `other`, the device gets the keys.
 export function setLearner(other) {
     releaseAll();
     learner = other;
@@ -154,6 +154,10 @@ function onClick({ currentTarget, detail, timeStamp }) {
 
 /// Presses the keys of an entry of the key card, once the keys before count no more.
 export function playEntry({ keys, statements }) {
+    if (learner) {
+        learner.play(statements);
+        return;
+    }
     keys.forEach(key => idsOf(key).forEach(id => pressedHere.add(id)));
     const rest = Math.ceil(lastKeyMoment + device.times.singleKeyMs + lateness - performance.now());
     attempt(send([...(rest > 0 ? [`wait ${rest}`] : []), ...statements].join('\n')));

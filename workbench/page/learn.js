@@ -86,6 +86,13 @@ async function showReasons() {
     texts.forEach(text => announce(text, 'reply'));
 }
 
+/// Describes what the keys of an entry of the key card do.
+async function play(statements) {
+    drop();
+    const { text } = await postJson('/api/what', { state: stateForLearning(), script: statements.join('\n') });
+    describe(text);
+}
+
 export function showLearning() {
     const select = byId('learn-state');
     const known = [...select.options].map(({ value }) => value).filter(Boolean);
@@ -98,7 +105,7 @@ export function showLearning() {
 }
 
 on('#learning', 'change', ({ target }) => {
-    setLearner(target.checked ? { take, drop } : undefined);
+    setLearner(target.checked ? { take, drop, play: statements => attempt(play(statements)) } : undefined);
     setPractice();
     byId('keys').classList.toggle('learning', target.checked);
     byId('learn-more').hidden = !target.checked;

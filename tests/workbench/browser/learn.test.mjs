@@ -74,6 +74,16 @@ test('a gesture is described, and the device does not get it', async () => {
     await panel.isTold('Up');
 });
 
+test('"Do it" on the key card is described, too', async () => {
+    const panel = await openLearning();
+    const keys = await keysDuring(async () => {
+        await panel.goTo('Key card');
+        await panel.button('Do it: Help Feed, PaperStatus').click();
+        await panel.showsText('#status', 'Help, then Feed: PaperStatus, to PrintManager, only in Idle.');
+    });
+    assert.deepEqual(keys, ['Ten', 'Ten']);
+});
+
 test('the real times of the keys count, in the state that is chosen', async () => {
     const panel = await openLearning();
     await panel.chooseState('Print');
