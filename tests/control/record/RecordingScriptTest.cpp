@@ -36,6 +36,7 @@ private Q_SLOTS:
     void anAnnouncementWithoutKeysMayBeThatOfACommand();
     void aMissingAnnouncementIsNotExplained();
     void differencesNextToATimeLimitAreMarked();
+    void repetitionsAreNotNextToATimeLimit();
     void theSenderOfACommandIsThatOfTheNextAnnouncement();
     void otherRepetitionsAreWrittenAsRecords();
     void keysWithoutANameAreWrittenAsRecords();
@@ -334,6 +335,21 @@ void RecordingScriptTest::aRecordedHoldPlaysAgain()
     const QString all = steps();
     QVERIFY2(all.contains("\npress Up\n") && all.contains("\nrelease Up\n") && !all.contains("record"),
              qPrintable(all));
+    QCOMPARE(replayDifference(), QString());
+}
+
+void RecordingScriptTest::repetitionsAreNotNextToATimeLimit()
+{
+    const QVector<KeyRow> list{longRow(KeyId::Up, 1, StateId::Idle, "Reprint", ServiceId::PrintManager)};
+    m_device.files = KeyListJson::filesOf(list);
+    keyAt(2000, KeyId::Up, 1);
+    for (int at = 2280; at < 3700; at += 40) {
+        keyAt(at, KeyId::Up, 2);
+    }
+    keyAt(3700, KeyId::Up, 0);
+    announceAt(3281, "Reprint", {KeyId::Up});
+    const QString all = steps();
+    QVERIFY2(all.contains("\nrecord 1 103 2\n") && !all.contains("time limit"), qPrintable(all));
     QCOMPARE(replayDifference(), QString());
 }
 

@@ -14,6 +14,7 @@
 
 namespace {
 
+constexpr int tapMs = 50;
 const QString program = QStringLiteral("/usr/bin/keyboard-handlerctl");
 const QString recorderUnit = QStringLiteral("keyboard-handler-recorder.service");
 const QString recorderSocket = QStringLiteral("/run/keyboard-handler-recorder/socket");
@@ -103,40 +104,45 @@ void TargetRecordTest::whatTheUnitRecordedPlaysAgain()
     };
     WAIT_FOR(isComplete());
     QVERIFY(Unit::stop(recorderUnit));
-    qInfo("%s", recording.constData());
     const Replay replay = Replay::of(recording);
     QCOMPARE(replay.fault, QString());
-    QCOMPARE(replay.differences, QStringList());
-    QCOMPARE(replay.apart, QStringList());
-    QCOMPARE(unknownParts(recording), QStringList());
+    QVERIFY2(replay.differences.isEmpty(), qPrintable(replay.differences.join('\n') + recording));
+    // The first key follows a key that was pressed before, and a command pressed and counted keys.
+    const QStringList unknown = unknownParts(recording);
+    QVERIFY2(unknown.size() == 2 && unknown.first().endsWith(QLatin1String("earlier keys may still count")) &&
+                 unknown.last().contains(QLatin1String("not explained by the keys; a command may have come")),
+             recording.constData());
+    QVERIFY2(!recording.contains(nearLimit), recording.constData());
 }
 
 void TargetRecordTest::whatTheCommandRecordedPlaysAgain()
 {
     QVERIFY(restartDaemon());
-    // Feed counts as held for 1 s when it has been down for 1.25 s.
+    // Feed completes the combination if it is released within 1.5 s after Help.
     QString steps = QStringLiteral("wait 1700\n");
-    for (const int time : {1200, 1240, 1250, 1260, 1300}) {
-        steps += QStringLiteral("hold Feed %1\nwait 1800\n").arg(time);
+    for (const int time : {1400, 1490, 1500, 1510, 1600}) {
+        steps += QStringLiteral("tap Help\nwait %1\ntap Feed\nwait 1800\n").arg(time - tapMs);
     }
     const QByteArray recording = record(steps);
-    qInfo("%s", recording.constData());
     QCOMPARE(announcementsIn(recording), observedAnnouncements());
     QCOMPARE(unknownParts(recording), QStringList());
-    QCOMPARE(recording.count(nearLimit), 3);
+    QVERIFY2(recording.count(nearLimit) == 3, recording.constData());
     const Replay replay = Replay::of(recording);
     QCOMPARE(replay.fault, QString());
-    QCOMPARE(replay.differences, QStringList());
-    qInfo("Near a time limit, %d announcements differ: %s", int(replay.apart.size()),
+    QVERIFY2(replay.differences.isEmpty(), qPrintable(replay.differences.join('\n') + recording));
+    qInfo("Near the limit, %d announcements differ: %s", int(replay.apart.size()),
           qPrintable(replay.apart.join('\n')));
 
-    // The long press that is not near the limit, and the one that is.
-    const int last = recording.lastIndexOf("EjectPaper");
-    const int before = recording.lastIndexOf("EjectPaper", last - 1);
-    QCOMPARE(Replay::of(QByteArray(recording).replace(last, 10, "EjectPapre")).differences.size(), 2);
-    const Replay wrongNearLimit = Replay::of(QByteArray(recording).replace(before, 10, "EjectPapre"));
-    QCOMPARE(wrongNearLimit.differences, QStringList());
-    QVERIFY(wrongNearLimit.apart.size() >= 2);
+    // Wrong announcements are found, and those near a limit are apart.
+    const QByteArray announce = "announce ";
+    QByteArray wrong = recording;
+    wrong.insert(wrong.indexOf(announce) + announce.size(), 'X');
+    QCOMPARE(Replay::of(wrong).differences.size(), 2);
+    wrong = recording;
+    wrong.insert(wrong.indexOf(announce, wrong.indexOf(nearLimit)) + announce.size(), 'X');
+    const Replay apart = Replay::of(wrong);
+    QCOMPARE(apart.differences, QStringList());
+    QVERIFY(apart.apart.size() >= 2);
 }
 
 void TargetRecordTest::theRecorderCanOnlyReadThePanel()
