@@ -5,6 +5,7 @@
 #include <QFile>
 
 #include <array>
+#include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <stdexcept>
@@ -82,7 +83,8 @@ void Watcher::awaitReader()
 
 void Watcher::write(const QByteArray& report)
 {
-    if (::write(m_reports[1], report.constData(), size_t(report.size())) != report.size()) {
+    const ssize_t size = ::write(m_reports[1], report.constData(), size_t(report.size()));
+    if (size == -1 && errno != EAGAIN) {
         throw std::runtime_error("The watcher's reports are not passed on.");
     }
 }

@@ -43,19 +43,13 @@ Verb commandVerb(Verb verb)
     return verb;
 }
 
-Status complain(const Call& call, const QString& fault)
-{
-    call.err.line(fault);
-    return Unusable;
-}
-
 /// Sends a list of commands of this sender.
 Status send(const Call& call, QVector<QVariantMap> commands)
 {
     const QString sender = call.options.value(senderOption().names().first());
     const QString fault = ScriptWords::checkService(sender);
     if (!fault.isEmpty()) {
-        return complain(call, fault);
+        return call.complain(Unusable, fault);
     }
     for (QVariantMap& command : commands) {
         command.insert(ls::senderIdKey, sender);
@@ -66,7 +60,8 @@ Status send(const Call& call, QVector<QVariantMap> commands)
 Status sendPlain(const Call& call, const QStringList& ids)
 {
     if (!call.words.isEmpty()) {
-        return complain(call, QStringLiteral("There is an argument too many: %1.").arg(call.words.first()));
+        return call.complain(Unusable,
+                             QStringLiteral("There is an argument too many: %1.").arg(call.words.first()));
     }
     QVector<QVariantMap> commands;
     for (const QString& id : ids) {
@@ -86,7 +81,7 @@ Status sendKeys(const Call& call, const QString& id)
 {
     const QString fault = keysFault(call.words);
     return fault.isEmpty() ? send(call, {{{ls::commandIdKey, id}, {ls::keysListKey, call.words}}})
-                           : complain(call, fault);
+                           : call.complain(Unusable, fault);
 }
 
 Status runSimulate(const Call& call)
@@ -95,14 +90,15 @@ Status runSimulate(const Call& call)
     QStringList actions{ls::KeyActionId::Pressed, ls::KeyActionId::Released};
     if (!action.isEmpty()) {
         if (!actions.contains(action) && action != ls::KeyActionId::Repeated) {
-            return complain(
-                call, QStringLiteral("The action is Pressed, Released or Repeated, not \"%1\".").arg(action));
+            return call.complain(
+                Unusable,
+                QStringLiteral("The action is Pressed, Released or Repeated, not \"%1\".").arg(action));
         }
         actions = QStringList{action};
     }
     const QString fault = keysFault(call.words);
     if (!fault.isEmpty()) {
-        return complain(call, fault);
+        return call.complain(Unusable, fault);
     }
     QVector<QVariantMap> commands;
     for (const QString& key : call.words) {
@@ -119,7 +115,7 @@ Status runTest(const Call& call)
     const QString word = call.words.value(0);
     const bool isStart = word == QLatin1String("start");
     if (!isStart && word != QLatin1String("result")) {
-        return complain(call, QStringLiteral("Say test start or test result."));
+        return call.complain(Unusable, QStringLiteral("Say test start or test result."));
     }
     const Call rest{call.words.mid(1), call.options, call.out, call.err};
     return sendPlain(rest, {isStart ? Cmd::StartTestMode : Cmd::GetTestResult});

@@ -68,17 +68,11 @@ QString follow(LiveKeys& keys, const Monitor& monitor)
     return fault;
 }
 
-Status complain(const Call& call, Status status, const QString& text)
-{
-    call.err.line(text);
-    return status;
-}
-
 Status monitor(const Call& call, const QString& prefix, const MonitorLines& lines)
 {
     LineQueue queue(STDOUT_FILENO, [&lines](int count) { return lines.loss(count); });
     QObject::connect(&queue, &LineQueue::broken, qApp, [&call] {
-        QCoreApplication::exit(complain(call, Unusable, QStringLiteral("The output could not be written.")));
+        QCoreApplication::exit(call.complain(Unusable, QStringLiteral("The output could not be written.")));
     });
     Monitor monitor(Bus(prefix, BusSocket::timeout), call.options.values(receiver),
                     [&](const MonitorEvent& event) { queue.add(lines.of(event)); });
@@ -87,12 +81,12 @@ Status monitor(const Call& call, const QString& prefix, const MonitorLines& line
     if (call.options.isSet(why)) {
         const QString keysFault = follow(keys, monitor);
         if (!keysFault.isEmpty()) {
-            return complain(call, keys.isForbidden() ? NoRights : Unusable, keysFault);
+            return call.complain(keys.isForbidden() ? NoRights : Unusable, keysFault);
         }
     }
     const BusFault fault = monitor.begin();
     if (fault.isFault()) {
-        return complain(call, fault.status, fault.text);
+        return call.complain(fault.status, fault.text);
     }
     const auto reportSpeech = reportOf(queue, lines, QStringLiteral("speech"));
     SpeechRequests speech(reportSpeech);
@@ -115,7 +109,7 @@ Status run(const Call& call)
     }
     const QString fault = faultOf(call);
     if (!fault.isEmpty()) {
-        return complain(call, Unusable, fault);
+        return call.complain(Unusable, fault);
     }
     return monitor(call, *prefix, MonitorLines(Options::hasJson(call), call.out.charset()));
 }

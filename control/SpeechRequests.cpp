@@ -23,9 +23,9 @@ namespace {
 constexpr int maxMessages = 64;
 const QString cancelAll = QStringLiteral("cancelAll");
 
-QString nameOf(const QString& prefix, const QString& service)
+QString busNameOf(const QString& prefix, const QString& id)
 {
-    return prefix + QLatin1Char('.') + service;
+    return prefix + QLatin1Char('.') + id;
 }
 
 /// The value of a bus variant; invalid if the daemon sends no such type.
@@ -69,14 +69,15 @@ QVariantMap readMap(sd_bus_message* message)
             break;
         }
         map.insert(QString::fromUtf8(key), readValue(message, type));
-        if (sd_bus_message_exit_container(message) < 0 || sd_bus_message_exit_container(message) < 0) {
+        const bool hasLeftValue = sd_bus_message_exit_container(message) >= 0;
+        if (!hasLeftValue || sd_bus_message_exit_container(message) < 0) {
             break;
         }
     }
     return map;
 }
 
-QString wordsOf(const QVariantMap& request)
+QString speechOf(const QVariantMap& request)
 {
     const QVariant sentence = request.value(vocabulary::speechSentenceIdKey);
     const QString file = SentenceFiles::nameOf(request.value(vocabulary::speechServiceIdKey, -1).toInt());
@@ -104,9 +105,9 @@ QString SpeechRequests::open(const QString& prefix)
     if (!fault.isEmpty()) {
         return fault;
     }
-    const QString speech = nameOf(prefix, QStringLiteral("SpeechDaemon"));
+    const QString speech = busNameOf(prefix, QStringLiteral("SpeechDaemon"));
     const QString rule = QStringLiteral("type='method_call',sender='%1',destination='%2',interface='%2'")
-                             .arg(nameOf(prefix, ls::ServiceId::KeyboardHandler), speech);
+                             .arg(busNameOf(prefix, ls::ServiceId::KeyboardHandler), speech);
     sd_bus_error error = SD_BUS_ERROR_NULL;
     const QByteArray bytes = rule.toUtf8();
     const int result = sd_bus_call_method(m_bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus",
@@ -177,7 +178,7 @@ void SpeechRequests::take(sd_bus_message* message)
         return;
     }
     const QVariantMap request = readMap(message);
-    m_report(method == cancelAll ? QStringLiteral("cancels earlier speech") : wordsOf(request),
+    m_report(method == cancelAll ? QStringLiteral("cancels earlier speech") : speechOf(request),
              {{QStringLiteral("method"), method},
               {QStringLiteral("request"), QJsonObject::fromVariantMap(request)}});
 }

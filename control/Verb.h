@@ -20,6 +20,13 @@ struct Call
     Output& out;
     /// Complaints, a line each.
     Output& err;
+
+    /// Writes the complaint, and returns the status.
+    Status complain(Status status, const QString& text) const
+    {
+        err.line(text);
+        return status;
+    }
 };
 
 /// What the program can be asked for: keyboard-handlerctl NAME PARAMETERS.

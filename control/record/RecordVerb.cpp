@@ -39,12 +39,6 @@ QString socketPath()
     return recorderFolder + QStringLiteral("/socket");
 }
 
-Status complain(const Call& call, Status status, const QString& text)
-{
-    call.err.line(text);
-    return status;
-}
-
 /// A file that is whole or not there.
 bool writeFile(const QString& path, const QByteArray& content, QString& fault)
 {
@@ -96,7 +90,7 @@ Status write(const Call& call, const QByteArray& script, StopSignals* stop)
     }
     // What was recorded cannot be repeated.
     print(call, script, stop);
-    return complain(call, Unusable, fault + QStringLiteral(" It is on the standard output instead."));
+    return call.complain(Unusable, fault + QStringLiteral(" It is on the standard output instead."));
 }
 
 Status save(const Call& call)
@@ -113,22 +107,22 @@ Status save(const Call& call)
     }
     const QString text = QString::fromLocal8Bit(std::strerror(error));
     if (error == EACCES) {
-        return complain(
-            call, NoRights,
+        return call.complain(
+            NoRights,
             QStringLiteral("%1: %2. Run this as root, or become a member of the group %3 (sudo adduser "
                            "\"$USER\" %3) and log in again.")
                 .arg(socketPath(), text, QStringLiteral(KEYBOARD_HANDLER_SERVICE_GROUP)));
     }
     if (error == ETIMEDOUT) {
-        return complain(call, NoAnswer,
-                        QStringLiteral("%1: the recorder does not answer in %2 s: it hangs. See systemctl "
-                                       "status %3.")
-                            .arg(socketPath())
-                            .arg(seconds.count())
-                            .arg(recorderUnit));
+        return call.complain(
+            NoAnswer, QStringLiteral("%1: the recorder does not answer in %2 s: it hangs. See systemctl "
+                                     "status %3.")
+                          .arg(socketPath())
+                          .arg(seconds.count())
+                          .arg(recorderUnit));
     }
-    return complain(
-        call, Unusable,
+    return call.complain(
+        Unusable,
         QStringLiteral("%1: %2. The recorder does not run, unless systemctl enable --now %3 started it; "
                        "it knows only what happens from then on.")
             .arg(socketPath(), text, recorderUnit));
@@ -147,11 +141,11 @@ Status serve(const Call& call)
     RecorderSocket socket([&recorder] { return recorder.script(); });
     const BusFault fault = recorder.begin();
     if (fault.isFault()) {
-        return complain(call, fault.status, fault.text);
+        return call.complain(fault.status, fault.text);
     }
     const QString socketFault = socket.listen(socketPath());
     if (!socketFault.isEmpty()) {
-        return complain(call, Unusable, socketFault);
+        return call.complain(Unusable, socketFault);
     }
     QObject::connect(&stop, &StopSignals::received, [] { QCoreApplication::exit(Done); });
     QObject::connect(&recorder, &Recorder::busLost, [] { QCoreApplication::exit(NoBus); });
@@ -168,7 +162,7 @@ Status record(const Call& call, std::optional<seconds> time)
     Recorder recorder(*prefix);
     const BusFault fault = recorder.begin();
     if (fault.isFault()) {
-        return complain(call, fault.status, fault.text);
+        return call.complain(fault.status, fault.text);
     }
     call.err.line(time ? QStringLiteral("Recording for %1 s; Ctrl-C ends it earlier.").arg(time->count())
                        : QStringLiteral("Recording; Ctrl-C ends it."));
@@ -195,23 +189,23 @@ Status runRecord(const Call& call)
     const bool isServe = call.options.isSet(serveOption);
     const bool hasTime = call.options.isSet(forOption);
     if (!call.words.isEmpty()) {
-        return complain(call, Unusable,
-                        QStringLiteral("\"%1\" is one word too many.").arg(call.words.first()));
+        return call.complain(Unusable,
+                             QStringLiteral("\"%1\" is one word too many.").arg(call.words.first()));
     }
     if (int(isSave) + int(isServe) + int(hasTime) > 1) {
-        return complain(call, Unusable, QStringLiteral("--for, --save and --serve exclude each other."));
+        return call.complain(Unusable, QStringLiteral("--for, --save and --serve exclude each other."));
     }
     if (isServe && call.options.isSet(outputOption)) {
-        return complain(call, Unusable, QStringLiteral("--serve writes no file; use --save."));
+        return call.complain(Unusable, QStringLiteral("--serve writes no file; use --save."));
     }
     const auto time = ScriptWords::number(call.options.value(forOption), 1, maxTime.count());
     if (hasTime && !time) {
-        return complain(call, Unusable,
-                        QStringLiteral("The time is a whole number of seconds, from 1 to 86400."));
+        return call.complain(Unusable,
+                             QStringLiteral("The time is a whole number of seconds, from 1 to 86400."));
     }
     const QString unwritable = outputFault(call.options.value(outputOption));
     if (!unwritable.isEmpty()) {
-        return complain(call, Unusable, unwritable);
+        return call.complain(Unusable, unwritable);
     }
     if (isSave) {
         return save(call);
