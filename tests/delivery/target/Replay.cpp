@@ -20,7 +20,7 @@ constexpr milliseconds quietTime = 1500ms;
 /// How much earlier or later an announcement of the replay may come.
 constexpr milliseconds tolerance = 100ms;
 
-/// The player, with empty folders of its own in place of those of the running daemon.
+/// The player, with empty folders in place of those of the running daemon.
 const QString playerLine =
     QStringLiteral("unshare --mount sh -c 'for folder in /dev/input /var/lib /run; do "
                    "mount -t tmpfs tmpfs $folder || exit; done; "

@@ -6,22 +6,10 @@ import { test } from 'node:test';
 
 import { violations } from './axe.mjs';
 import { eventually } from './eventually.mjs';
+import { deviceGot } from './observer.mjs';
 import { panelFixture } from './panelFixture.mjs';
 
 const fixture = panelFixture();
-
-/// A panel, and what the device gets from then on.
-async function openObserved(options) {
-    const panel = await fixture.open(options);
-    return { panel, observer: await fixture.simulator.observe() };
-}
-
-/// The keys came down and went up exactly so, repetitions apart.
-async function deviceGot(observer, ...records) {
-    const moves = () => observer.keyRecords().filter(record => !record.endsWith(' 2'));
-    await eventually(() => assert.deepEqual(moves(), records));
-    observer.close();
-}
 
 test('the help links to all documents of the package, which the simulator has', async () => {
     const panel = await fixture.open({ view: '#help' });
@@ -39,7 +27,7 @@ test('the help links to all documents of the package, which the simulator has', 
 });
 
 test('Escape releases the keys that the page holds, in each view', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await panel.page.getByRole('switch', { name: 'Latch keys' }).click();
     await panel.key('Up').click();
     await panel.key('Ok').click();
@@ -55,7 +43,7 @@ async function switchLettersOn(panel) {
 }
 
 test('letters press no key until they are switched on, and the browser keeps that', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await panel.key('Menu').focus();
     await panel.page.keyboard.press('e');
     await switchLettersOn(panel);
@@ -72,7 +60,7 @@ test('letters press no key until they are switched on, and the browser keeps tha
 
 test('two letters are two keys that are held together', async () => {
     await fixture.simulator.outlastWindow();
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await switchLettersOn(panel);
     await panel.page.keyboard.down('x');
     await observer.sees({ type: 'key', key: 'Function', value: 1 });
@@ -84,7 +72,7 @@ test('two letters are two keys that are held together', async () => {
 });
 
 test('letters press nothing in fields, with Ctrl, in other views and in questions', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await switchLettersOn(panel);
     await panel.page.getByRole('textbox', { name: 'Up', exact: true }).press('e');
     await panel.key('Menu').focus();
@@ -97,7 +85,7 @@ test('letters press nothing in fields, with Ctrl, in other views and in question
 });
 
 test('a key held by a letter is released when the window loses the focus', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await switchLettersOn(panel);
     await panel.page.keyboard.down('e');
     await observer.sees({ type: 'key', key: 'Up', value: 1 });
@@ -106,7 +94,7 @@ test('a key held by a letter is released when the window loses the focus', async
 });
 
 test('each key can get another letter, but no character that has another use, and no letter twice', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await switchLettersOn(panel);
     const field = panel.page.getByRole('textbox', { name: 'Up', exact: true });
     const enter = async text => {

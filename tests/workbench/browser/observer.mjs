@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
+import assert from 'node:assert/strict';
 import { isDeepStrictEqual } from 'node:util';
 
-import { remind } from './eventually.mjs';
+import { eventually, remind } from './eventually.mjs';
 
 /// Listens to the event stream without a browser: what the page receives, and what the device really got.
 export class Observer {
@@ -87,4 +88,11 @@ export class Observer {
             this.entries.push(JSON.parse(fields.data));
         }
     }
+}
+
+/// Waits until the keys came down and went up exactly so, repetitions apart.
+export async function deviceGot(observer, ...records) {
+    const moves = () => observer.keyRecords().filter(record => !record.endsWith(' 2'));
+    await eventually(() => assert.deepEqual(moves(), records));
+    observer.close();
 }

@@ -36,6 +36,12 @@ export class PanelSession {
         return panel;
     }
 
+    /// A panel, and what the device gets from then on.
+    async openObserved(options) {
+        const panel = await this.open(options);
+        return { panel, observer: await this.simulator.observe() };
+    }
+
     /// A way to the simulator that can be cut.
     async relay() {
         const relay = await Relay.to(this.simulator.url);

@@ -4,25 +4,13 @@ import assert from 'node:assert/strict';
 import { test } from 'node:test';
 
 import { eventually } from './eventually.mjs';
+import { deviceGot } from './observer.mjs';
 import { panelFixture } from './panelFixture.mjs';
 
 const fixture = panelFixture();
 
-/// A panel, and what the device gets from then on.
-async function openObserved(options) {
-    const panel = await fixture.open(options);
-    return { panel, observer: await fixture.simulator.observe() };
-}
-
-/// The keys came down and went up exactly so, repetitions apart.
-async function deviceGot(observer, ...records) {
-    const moves = () => observer.keyRecords().filter(record => !record.endsWith(' 2'));
-    await eventually(() => assert.deepEqual(moves(), records));
-    observer.close();
-}
-
 test('a click of the mouse is a press and a release, spoken and announced', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await panel.key('Up').click();
     await panel.isTold(/^Up$/);
     await panel.isTold('SingleKey Up to UserMenu');
@@ -30,7 +18,7 @@ test('a click of the mouse is a press and a release, spoken and announced', asyn
 });
 
 test('every key of the panel arrives as itself', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     const names = await panel.page.locator('[data-key]').evaluateAll(keys => keys.map(key => key.dataset.key));
     assert.deepEqual([...names].sort(), [...(await fixture.simulator.json('/api/device')).keys].sort());
     for (const name of names) {
@@ -40,7 +28,7 @@ test('every key of the panel arrives as itself', async () => {
 });
 
 test('a held key is shown as down and repeated by the device, without requests of the page', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     const posted = [];
     panel.page.on('request', request => request.method() === 'POST' && posted.push(request.postData()));
     await panel.key('Up').hover();
@@ -54,7 +42,7 @@ test('a held key is shown as down and repeated by the device, without requests o
 });
 
 test('a long press is recognised while the key is held', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await panel.key('Help').hover();
     await panel.page.mouse.down();
     await panel.isTold('KeyDescription Help to UserMenu');
@@ -63,7 +51,7 @@ test('a long press is recognised while the key is held', async () => {
 });
 
 test('the mouse may leave the key that it holds', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await panel.key('Up').hover();
     await panel.page.mouse.down();
     await panel.page.mouse.move(5, 5);
@@ -73,7 +61,7 @@ test('the mouse may leave the key that it holds', async () => {
 });
 
 test('another button of the mouse presses nothing', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await panel.key('Up').click({ button: 'right' });
     await panel.key('Down').click();
     await deviceGot(observer, 'Down 1', 'Down 0');
@@ -81,7 +69,7 @@ test('another button of the mouse presses nothing', async () => {
 
 test('two fingers press a chord', async () => {
     await fixture.simulator.outlastWindow();
-    const { panel, observer } = await openObserved({ hasTouch: true });
+    const { panel, observer } = await fixture.openObserved({ hasTouch: true });
     await panel.touch('Function', 'Up');
     await panel.isTold('VolumeUp Function Up to UserMenu');
     await panel.liftFingers();
@@ -92,7 +80,7 @@ test('two fingers press a chord', async () => {
 });
 
 test('a tap with a finger is one press', async () => {
-    const { panel, observer } = await openObserved({ hasTouch: true });
+    const { panel, observer } = await fixture.openObserved({ hasTouch: true });
     await panel.key('Menu').tap();
     await panel.isTold('SingleKey Menu to UserMenu');
     await deviceGot(observer, 'Menu 1', 'Menu 0');
@@ -100,7 +88,7 @@ test('a tap with a finger is one press', async () => {
 
 for (const name of ['Space', 'Enter']) {
     test(`${name} holds the key that has the focus`, async () => {
-        const { panel, observer } = await openObserved();
+        const { panel, observer } = await fixture.openObserved();
         await panel.key('Help').focus();
         await panel.page.keyboard.down(name);
         await panel.page.keyboard.down(name); // a repetition of the keyboard
@@ -111,7 +99,7 @@ for (const name of ['Space', 'Enter']) {
 }
 
 test('a key held by the keyboard is released when the focus goes', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await panel.key('Up').focus();
     await panel.page.keyboard.down('Space');
     await observer.sees({ type: 'key', key: 'Up', value: 1 });
@@ -120,7 +108,7 @@ test('a key held by the keyboard is released when the focus goes', async () => {
 });
 
 test('a click of assistive technology is a press and a release', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await panel.key('Menu').evaluate(key => key.click());
     await panel.isTold('SingleKey Menu to UserMenu');
     await deviceGot(observer, 'Menu 1', 'Menu 0');
@@ -128,7 +116,7 @@ test('a click of assistive technology is a press and a release', async () => {
 
 test('latched keys stay down until they are pressed again', async () => {
     await fixture.simulator.outlastWindow();
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await panel.page.getByRole('switch', { name: 'Latch keys' }).click();
     await panel.key('Function').click();
     await observer.sees({ type: 'key', key: 'Function', value: 1 });
@@ -144,7 +132,7 @@ test('latched keys stay down until they are pressed again', async () => {
 });
 
 test('all latched keys can be released at once, and by leaving the latch mode', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     const latch = panel.page.getByRole('switch', { name: 'Latch keys' });
     await latch.click();
     await panel.key('Help').click();
@@ -157,7 +145,7 @@ test('all latched keys can be released at once, and by leaving the latch mode', 
 });
 
 test('the keys come from the input device that is chosen', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await panel.disclose('setup');
     await panel.page.getByRole('radio', { name: 'Device 1' }).check();
     await panel.key('Menu').click();
@@ -171,7 +159,7 @@ test('the keys come from the input device that is chosen', async () => {
 });
 
 test('keys that the page holds are released when it is closed', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await panel.key('Up').hover();
     await panel.page.mouse.down();
     await observer.sees({ type: 'key', key: 'Up', value: 1 });
@@ -180,7 +168,7 @@ test('keys that the page holds are released when it is closed', async () => {
 });
 
 test('keys that the page holds are released when it shows another view', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     await panel.key('Up').hover();
     await panel.page.mouse.down();
     await observer.sees({ type: 'key', key: 'Up', value: 1 });
@@ -191,7 +179,7 @@ test('keys that the page holds are released when it shows another view', async (
 });
 
 test('many quick keys arrive in their order', async () => {
-    const { panel, observer } = await openObserved();
+    const { panel, observer } = await fixture.openObserved();
     const names = ['Up', 'Down', 'Right', 'Ok', 'Up', 'Chs', 'One', 'Ten'];
     await panel.page.evaluate(keys => {
         for (const key of keys) {
