@@ -52,7 +52,7 @@ test('an edited list counts after the restart, in the card as well', async () =>
     await panel.isTold('Swap Up Down to UserMenu');
     await panel.goTo('Key card');
     await panel.page.getByRole('table').getByText('Swap').first().waitFor();
-    assert.equal(await panel.page.getByText('PaperStatus').count(), 0);
+    assert.equal(await panel.page.locator('#card-tables').getByText('PaperStatus').count(), 0);
 });
 
 test('a list is loaded from a file', async () => {
