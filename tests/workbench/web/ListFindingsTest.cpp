@@ -153,7 +153,7 @@ void ListFindingsTest::ofManyFindingsSomeAreShown()
     const QString text = findings.toText();
     QCOMPARE(text.count("error[element]"), 20);
     QVERIFY(text.contains("\n... and "));
-    QVERIFY(findings.toJson().value("findings").toArray().size() > 30);
+    QVERIFY(findings.toJson().value("findings").toArray().size() >= 30);
 }
 
 void ListFindingsTest::aLongListHasAShortAnswer()
