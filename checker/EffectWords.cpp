@@ -25,12 +25,6 @@ bool announces(const PlayedStep& step, RowId row)
     });
 }
 
-bool has(const PlayedStep& step, Rule rule)
-{
-    return std::any_of(step.effects.begin(), step.effects.end(),
-                       [rule](const Effect& effect) { return effect.rule == rule; });
-}
-
 QString receiversOf(const PlayedStep& step, Key key)
 {
     return OutputWords::enumeration(
@@ -134,7 +128,7 @@ QString EffectWords::phraseOf(const QVector<PlayedStep>& steps, int step, int ef
 {
     const PlayedStep& played = steps.at(step);
     const Effect& applied = played.effects.at(effect);
-    if (applied.rule == Rule::NameSilenced && has(played, Rule::CombinationCompletes)) {
+    if (applied.rule == Rule::NameSilenced && played.has(Rule::CombinationCompletes)) {
         return QStringLiteral("is spoken"); // as the key that completes it
     }
     if (applied.rule == Rule::NameSilenced || applied.rule == Rule::LoneKeyUsedUp) {
@@ -293,7 +287,7 @@ QString EffectWords::closedDoor(const PlayedStep& step) const
     const bool opens = std::any_of(rows.begin(), rows.end(), [&](const KeyEntry& row) {
         return row.isValid() && row.firstKey() == key;
     });
-    const bool completes = has(step, isPress ? Rule::ShortcutCompletes : Rule::CombinationCompletes);
+    const bool completes = step.has(isPress ? Rule::ShortcutCompletes : Rule::CombinationCompletes);
     if (!opens || completes || open == step.input.key()) {
         return {};
     }

@@ -24,18 +24,12 @@ using Announcement = GestureAnswer::Announcement;
 /// Times that have not decided about anything are mentioned from here on.
 constexpr RunWords::Limits undecisive{KeyRules::singleKeyInterval, milliseconds(1000)};
 
-bool has(const PlayedStep& step, Rule rule)
-{
-    return std::any_of(step.effects.begin(), step.effects.end(),
-                       [rule](const Effect& effect) { return effect.rule == rule; });
-}
-
 /// Whether the time between two movements or that of a held key has decided what is done.
 bool isDecidedByTime(const QVector<PlayedStep>& steps, milliseconds lastMovement)
 {
     return std::any_of(steps.begin(), steps.end(), [&](const PlayedStep& step) {
         const bool isTooLate = step.at <= lastMovement && step.input.kind == Input::Kind::WindowEnd;
-        return isTooLate || has(step, Rule::LongPressCompletes) || has(step, Rule::FactoryResetCompletes);
+        return isTooLate || step.has(Rule::LongPressCompletes) || step.has(Rule::FactoryResetCompletes);
     });
 }
 
@@ -135,7 +129,7 @@ QStringList speechOf(const QVector<PlayedStep>& steps)
 }
 
 /// Equal phrases are counted: "PowerOff, to PrintManager, 2 times".
-QString joined(const QStringList& phrases)
+QString counted(const QStringList& phrases)
 {
     QStringList different = phrases;
     different.removeDuplicates();
@@ -188,8 +182,8 @@ GestureAnswer GestureAnswer::of(const KeyLists& lists, const KeyScript& script)
     }
     phrases = phrases.isEmpty() ? speechOf(steps) : phrases;
     const QString gesture = gestureOf(steps);
-    answer.sentence =
-        gesture + (gesture.isEmpty() ? QString() : QStringLiteral(": ")) + joined(phrases) + QLatin1Char('.');
+    answer.sentence = gesture + (gesture.isEmpty() ? QString() : QStringLiteral(": ")) + counted(phrases) +
+                      QLatin1Char('.');
     answer.forgottenAfter = std::max(forgottenAt(steps) - script.end, milliseconds::zero());
     return answer;
 }

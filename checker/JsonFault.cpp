@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "checker/JsonFault.h"
 
+#include "checker/JsonText.h"
+
 #include <QRegularExpression>
 
 #include <optional>
@@ -8,8 +10,6 @@
 namespace checker {
 
 namespace {
-
-const QByteArray byteOrderMark = QByteArrayLiteral("\xEF\xBB\xBF");
 
 /// Reads a text by the grammar of JSON until the first fault. Needs no stack of calls, because a text may be
 /// nested as deeply as it is long.

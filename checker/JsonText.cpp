@@ -12,7 +12,6 @@ namespace {
 
 /// Qt's reader rejects deeper texts.
 constexpr int maxDepth = 1024;
-const QByteArray byteOrderMark = QByteArrayLiteral("\xEF\xBB\xBF");
 
 class Scanner
 {

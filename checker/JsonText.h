@@ -10,6 +10,9 @@
 
 namespace checker {
 
+/// Qt's reader ignores it at the beginning of a text.
+inline const QByteArray byteOrderMark = QByteArrayLiteral("\xEF\xBB\xBF");
+
 /// A value of a JSON text, with its place. Qt's reader decides what a text means; these nodes only say where
 /// each value is.
 struct JsonNode

@@ -14,7 +14,7 @@ namespace checker {
 namespace {
 
 /// In place of longer ones; shorter than the time after which a key repeats.
-constexpr milliseconds maxPause{100};
+constexpr milliseconds maxOwnPause{100};
 
 bool isTimed(const KeyCardEntry& task)
 {
@@ -72,13 +72,13 @@ Practice::Judgement Practice::judge(const model::KeyLists& lists, const KeyScrip
 KeyScript Practice::atOwnPace(KeyScript script, const KeyCardEntry& task)
 {
     const KeyScript real = script;
-    const milliseconds longEnough = milliseconds(task.holdMs) + maxPause;
+    const milliseconds longEnough = milliseconds(task.holdMs) + maxOwnPause;
     milliseconds now{0};
     for (int i = 0; i < script.steps.size(); ++i) {
         const milliseconds pause =
             i > 0 ? real.steps.at(i).at - real.steps.at(i - 1).at : milliseconds::zero();
         const bool isHold = i > 0 && isTimed(task) && isRelease(real.steps.at(i), real.steps.at(i - 1));
-        now += std::min(pause, isHold ? longEnough : maxPause);
+        now += std::min(pause, isHold ? longEnough : maxOwnPause);
         script.steps[i].at = now;
     }
     script.end = now;

@@ -8,6 +8,12 @@
 
 namespace model {
 
+bool PlayedStep::has(Rule rule) const
+{
+    return std::any_of(effects.begin(), effects.end(),
+                       [rule](const Effect& effect) { return effect.rule == rule; });
+}
+
 Playback::Playback(const KeyModel& keyModel, State state)
     : m_model(keyModel), m_situation(Situation::initial(state))
 {

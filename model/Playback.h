@@ -35,6 +35,9 @@ struct PlayedStep
     /// For each effect, the indices of the earlier steps that caused it; -1 is the start.
     QVector<QVector<int>> causes;
     QVector<Output> outputs;
+
+    /// Whether one of the effects is by this rule.
+    bool has(Rule rule) const;
 };
 
 /// Plays inputs on the model with exact times. Timers expire and held keys repeat by themselves.

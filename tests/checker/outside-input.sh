@@ -60,7 +60,7 @@ expect 0 "has no readable list ShortcutKeys, which counts as empty" what "tap Up
 : >other.json
 expect 2 "other.json is empty, and its name is not that of a key list." check other.json
 printf '{ "ModifierKeys": [\n  5,,\n] }' >other.json
-expect 2 "other.json is not JSON (line 2, column 6: " check other.json
+expect 2 "other.json is not JSON (line 2, column 5: " check other.json
 echo '{ "Keys": [] }' >other.json
 expect 2 "other.json has no list LongKeys, ModifierKeys or ShortcutKeys" check other.json
 

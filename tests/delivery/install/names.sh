@@ -19,7 +19,7 @@ cmake -S "$source" -B "$folder/build" -G Ninja --log-level=WARNING -DCMAKE_INSTA
     "-DKEYBOARD_HANDLER_PANEL_NAMES=left-panel;right-panel" >/dev/null
 cmake --build "$folder/build" --target manual-pages >/dev/null
 # The folders whose content depends on names; they need no compilation.
-for part in data packaging; do
+for part in data docs packaging; do
     DESTDIR=$folder/root cmake -DCMAKE_INSTALL_COMPONENT=daemon -P "$folder/build/$part/cmake_install.cmake" >/dev/null
 done
 cd "$folder/root"

@@ -147,6 +147,7 @@ export class Listener {
         const all = await this.reader.heard(this.page);
         for (let quiet = 0; quiet < clockSteps; ++quiet) {
             await this.page.clock.fastForward(clockStep);
+            await this.#hasAnswers();
             if (await this.reader.hasNews(this.page)) {
                 all.push(...(await this.reader.heard(this.page)));
                 quiet = -1;
