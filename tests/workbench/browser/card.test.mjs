@@ -124,6 +124,14 @@ test('no word of the card is broken on paper', async () => {
     assert.equal(await panel.page.evaluate(() => document.documentElement.scrollWidth), 680);
 });
 
+test('no word of the card is broken next to the feedback', async () => {
+    const panel = await openCard();
+    for (const width of [1000, 1024, 1280]) {
+        await panel.page.setViewportSize({ width, height: 1000 });
+        assert.deepEqual(await panel.page.evaluate(brokenWords), [], `${width} px`);
+    }
+});
+
 test('a row of the present state is played in one press, and no other row can be', async () => {
     const panel = await openCard();
     const card = await fixture.simulator.json('/api/card');
