@@ -5,18 +5,22 @@ import { test } from 'node:test';
 
 import { eventually } from './eventually.mjs';
 import { panelFixture } from './panelFixture.mjs';
+import { countRequests, hasAnswers } from './requests.mjs';
 
 const fixture = panelFixture();
 
 /// A page in learning mode, whose clock stands still but for `pass`, so that the times of keys are exact.
 async function openLearning() {
-    const panel = await fixture.open();
+    const panel = await fixture.open({ script: countRequests });
     const { page } = panel;
     await page.locator('#card-tables table').first().waitFor({ state: 'attached' });
     await page.clock.install();
     await page.clock.pauseAt(Date.now() + 1000);
     panel.switch = name => page.getByRole('switch', { name, exact: true });
-    panel.pass = time => page.clock.fastForward(time);
+    panel.pass = async time => {
+        await hasAnswers(page);
+        await page.clock.fastForward(time);
+    };
     panel.hold = async (key, time) => {
         await panel.key(key).hover();
         await page.mouse.down();

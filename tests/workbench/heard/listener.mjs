@@ -5,6 +5,7 @@ import { readFile } from 'node:fs/promises';
 import { eventually } from '../browser/eventually.mjs';
 import { installed } from '../browser/panelSession.mjs';
 import { Relay } from '../browser/relay.mjs';
+import { countRequests, hasAnswers } from '../browser/requests.mjs';
 import { Simulator } from '../browser/simulator.mjs';
 import { Desktop } from './desktop.mjs';
 import { ScreenReader } from './screenReader.mjs';
@@ -122,13 +123,9 @@ export class Listener {
     async #takeIn() {
         if (!this.isTakenIn) {
             this.isTakenIn = true;
-            await this.#hasAnswers();
+            await hasAnswers(this.page);
             await this.reader.takesIn(this.page);
         }
-    }
-
-    #hasAnswers() {
-        return this.page.waitForFunction(() => !window.openRequests, null, { polling: 20 });
     }
 
     #find(words) {
@@ -143,11 +140,11 @@ export class Listener {
     /// What is heard of all that has happened. The time of the page passes in steps, each as short as the time between
     /// two announcements, until there is nothing more.
     async hears() {
-        await this.#hasAnswers();
+        await hasAnswers(this.page);
         const all = await this.reader.heard(this.page);
         for (let quiet = 0; quiet < clockSteps; ++quiet) {
             await this.page.clock.fastForward(clockStep);
-            await this.#hasAnswers();
+            await hasAnswers(this.page);
             if (await this.reader.hasNews(this.page)) {
                 all.push(...(await this.reader.heard(this.page)));
                 quiet = -1;
@@ -226,22 +223,6 @@ function countKeys() {
             true,
         );
     }
-}
-
-/// Keeps the number of requests that have no whole answer yet (runs in the page).
-function countRequests() {
-    const { fetch } = window;
-    window.openRequests = 0;
-    window.fetch = async (...words) => {
-        ++window.openRequests;
-        try {
-            const answer = await fetch(...words);
-            await answer.clone().arrayBuffer();
-            return answer;
-        } finally {
-            --window.openRequests;
-        }
-    };
 }
 
 function describe({ type, action, keys, receiver, key, value, status, state, text }) {
